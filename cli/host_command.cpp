@@ -1,0 +1,134 @@
+#include "cli/host_command.h"
+
+#include <boost/json/object.hpp>
+#include <boost/json/serialize.hpp>
+#include <fstream>
+#include <istream>
+#include <iterator>
+#include <memory>
+#include <ostream>
+#include <stdexcept>
+
+#include "cli/public_ids.h"
+#include "host/client_session.h"
+#include "host/file_text.h"
+#include "host/open_documents.h"
+#include "host/trace.h"
+
+namespace marrowpress {
+namespace {
+
+/// A file that the arguments name and that cannot be used.
+class ArgumentFault : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+std::string readStandardInput(std::istream& in) {
+    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (in.bad()) throw ArgumentFault("REQUEST: cannot read standard input");
+    return text;
+}
+
+std::vector<std::string> readRequests(const HostOptions& options, std::istream& in) {
+    std::vector<std::string> texts;
+    for (const std::string& request : options.requests) {
+        try {
+            texts.push_back(request == "-" ? readStandardInput(in) : readFile(request));
+        } catch (const std::system_error& fault) {
+            throw ArgumentFault(std::string("REQUEST: ") + fault.what());
+        }
+    }
+    return texts;
+}
+
+std::vector<OpenDocument> openDocumentsOf(const HostOptions& options) {
+    if (!options.openDocuments) return {};
+    try {
+        return readOpenDocuments(*options.openDocuments);
+    } catch (const std::runtime_error& fault) {
+        throw ArgumentFault(std::string("--open-documents: ") + fault.what());
+    }
+}
+
+/// The file of `--trace` with the writer on it; nothing is written when the option isn't there.
+class TraceFile {
+public:
+    explicit TraceFile(const std::optional<std::string>& path) {
+        if (!path) return;
+        file_.open(*path, std::ios::binary);
+        if (!file_) throw ArgumentFault("--trace: cannot write " + *path);
+        trace_.emplace(file_);
+    }
+
+    Trace* trace() { return trace_ ? &*trace_ : nullptr; }
+    bool isComplete() const { return file_.good(); }
+
+private:
+    std::ofstream file_;
+    std::optional<Trace> trace_;
+};
+
+std::string answerLine(const std::optional<TypedValues>& answer) {
+    boost::json::value values = nullptr;
+    if (answer) values = toJson(*answer);
+    return boost::json::serialize(boost::json::object{{"values", std::move(values)}}) + "\n";
+}
+
+bool isGood(const std::optional<TypedValues>& answer) {
+    return answer && statusOf(*answer) == 0;
+}
+
+StandInHostOptions makeHostOptions(const HostOptions& options, std::ostream& err) {
+    StandInHostOptions host;
+    host.openDocuments = openDocumentsOf(options);
+    if (options.hasXmlUtilities) host.resolvePublicId = makePublicIdResolver(options.catalogs);
+    host.onProgress = [&err](std::string_view line) { showProgress(err, line); };
+    host.onConsole = [&err](std::string_view line) { showReport(err, line); };
+    return host;
+}
+
+ExitCode sendAll(ClientSession& session, const std::vector<std::string>& requests,
+                 const Streams& streams) {
+    ExitCode code = ExitCode::kSuccess;
+    for (const std::string& request : requests) {
+        const std::optional<TypedValues> answer = session.send(request);
+        if (!answer) streams.err << "marrowpress host: the client gave no answer\n";
+        if (!isGood(answer)) code = ExitCode::kRunFailed;
+        if (!writeResult(streams, answerLine(answer))) return ExitCode::kRunFailed;
+    }
+    return code;
+}
+
+ExitCode runChecked(const HostOptions& options, const Streams& streams) {
+    const std::vector<std::string> requests = readRequests(options, streams.in);
+    if (const std::optional<std::string> fault = findCatalogFault(options.catalogs)) {
+        throw ArgumentFault(*fault);
+    }
+    // Read before the trace's file is opened, which empties what stands there.
+    StandInHostOptions host = makeHostOptions(options, streams.err);
+    TraceFile trace(options.trace);
+    host.trace = trace.trace();
+
+    ExitCode code = ExitCode::kRunFailed;
+    {
+        ClientSession session(std::move(host));
+        code = sendAll(session, requests, streams);
+    }
+    if (trace.isComplete()) return code;
+    streams.err << "marrowpress host: cannot write " << *options.trace << '\n';
+    return ExitCode::kRunFailed;
+}
+
+}  // namespace
+
+ExitCode runHost(const HostOptions& options, const Streams& streams) {
+    try {
+        return runChecked(options, streams);
+    } catch (const ArgumentFault& fault) {
+        streams.err << usageErrorText("host", fault.what());
+        return ExitCode::kWrongUsage;
+    }
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/stand_in_host.h"
+
+namespace marrowpress {
+
+/// What is wrong with the first of the named catalogs that cannot be used; empty when all can.
+std::optional<std::string> findCatalogFault(const std::vector<std::string>& catalogs);
+
+/// Answers public identifiers from `catalogs`, or from the default ones when none is named.
+StandInHostOptions::PublicIdResolver makePublicIdResolver(const std::vector<std::string>& catalogs);
+
+}  // namespace marrowpress

@@ -1,0 +1,132 @@
+#include "cli/publish_paths.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <vector>
+
+#include "host/utf8.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The file of this name in the output's folder belongs to the run, which removes it.
+constexpr const char* kKeySpaceName = "KeyspaceDoc.ditamap";
+/// A document that is saved is first moved aside under its name with this behind it.
+constexpr const char* kAsideSuffix = "_tmp";
+
+/// A file that the run reads, with the argument that names it.
+struct Source {
+    std::string argument;
+    fs::path path;
+};
+
+fs::path toClientPath(const std::string& text) {
+    std::string path = fs::absolute(text).string();
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return fs::path(path).lexically_normal();
+}
+
+std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths& paths) {
+    std::vector<Source> sources{{"MAP", paths.map}};
+    if (paths.filter) sources.push_back({"--filter", *paths.filter});
+    for (const std::string& catalog : options.catalogs) {
+        sources.push_back({"--catalog", fs::absolute(catalog).lexically_normal()});
+    }
+    return sources;
+}
+
+std::optional<std::string> findTextFault(const PublishOptions& options, const PublishPaths& paths) {
+    const auto isBad = [](const std::string& text) { return !isValidUtf8(text); };
+    if (isBad(paths.map.string())) return "MAP: the path is not UTF-8";
+    if (isBad(paths.output.string())) return "--output: the path is not UTF-8";
+    if (paths.filter && isBad(paths.filter->string())) return "--filter: the path is not UTF-8";
+    if (isBad(options.compositeDtd)) return "--composite-dtd: the text is not UTF-8";
+    if (isBad(options.keySpaceDtd)) return "--keyspace-dtd: the text is not UTF-8";
+    return std::nullopt;
+}
+
+/// Why `path` cannot be read as a file; empty when it can.
+std::optional<std::string> findReadFault(const fs::path& path) {
+    // Without blocking: the path may be a FIFO that nobody writes to.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) return std::generic_category().message(errno);
+    struct stat status {};
+    const bool isFile = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    close(descriptor);
+    return isFile ? std::nullopt : std::optional<std::string>("not a regular file");
+}
+
+std::optional<std::string> findOutputFault(const PublishOptions& options, const fs::path& output) {
+    const std::string name = "--output: " + options.output;
+    std::error_code error;
+    const fs::file_status status = fs::status(output, error);
+    if (fs::is_directory(status) || !output.has_filename()) return name + " is a folder";
+    if (fs::exists(status) && !fs::is_regular_file(status)) return name + " is not a regular file";
+    if (!fs::is_directory(output.parent_path(), error)) {
+        return name + ": there is no folder " + output.parent_path().string();
+    }
+    for (const std::string& reserved :
+         {std::string(kKeySpaceName), std::string(kKeySpaceName) + kAsideSuffix}) {
+        if (output.filename() != reserved) continue;
+        return name + ": the run itself uses the name " + reserved +
+               " in the output's folder, and removes it";
+    }
+    return std::nullopt;
+}
+
+bool isSameFile(const fs::path& left, const fs::path& right) {
+    std::error_code ignored;
+    return left == right || fs::equivalent(left, right, ignored);
+}
+
+fs::path besideWithSuffix(fs::path path) {
+    return path += kAsideSuffix;
+}
+
+std::optional<std::string> findLossFault(const std::vector<Source>& sources,
+                                         const fs::path& output) {
+    const fs::path keySpace = output.parent_path() / kKeySpaceName;
+    const std::array<fs::path, 4> lost{output, besideWithSuffix(output), keySpace,
+                                       besideWithSuffix(keySpace)};
+    for (const Source& source : sources) {
+        for (const fs::path& path : lost) {
+            if (!isSameFile(source.path, path)) continue;
+            return source.argument + ": the run would overwrite or remove " + source.path.string() +
+                   (path == output ? ", which is also the output" : "") + "; choose another output";
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+PublishPaths resolvePublishPaths(const PublishOptions& options) {
+    PublishPaths paths{toClientPath(options.map), toClientPath(options.output), std::nullopt};
+    if (options.filter) paths.filter = toClientPath(*options.filter);
+    return paths;
+}
+
+std::optional<std::string> findPublishFault(const PublishOptions& options,
+                                            const PublishPaths& paths) {
+    if (const auto fault = findTextFault(options, paths)) return fault;
+    if (const auto reason = findReadFault(paths.map)) {
+        return "MAP: cannot read " + options.map + ": " + *reason;
+    }
+    if (paths.filter) {
+        if (const auto reason = findReadFault(*paths.filter)) {
+            return "--filter: cannot read " + *options.filter + ": " + *reason;
+        }
+    }
+    if (const auto fault = findOutputFault(options, paths.output)) return fault;
+    return findLossFault(sourcesOf(options, paths), paths.output);
+}
+
+}  // namespace marrowpress

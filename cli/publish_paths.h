@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "cli/options.h"
+
+namespace marrowpress {
+
+/// The files of a publish run, absolute and in the form in which the client reads them: lexically
+/// normal, with "/" for each backslash.
+struct PublishPaths {
+    std::filesystem::path map;
+    std::filesystem::path output;
+    std::optional<std::filesystem::path> filter;
+};
+
+/// @throws std::filesystem::filesystem_error when there is no current directory.
+PublishPaths resolvePublishPaths(const PublishOptions& options);
+
+/// Why the run must not be started, as a sentence that names the argument; empty when it may.
+///
+/// The sources must be readable files, the output a file in a folder that exists, and nothing
+/// that the run writes, uses in passing or removes may be one of the sources. All paths and texts
+/// must be UTF-8, because the request is.
+std::optional<std::string> findPublishFault(const PublishOptions& options,
+                                            const PublishPaths& paths);
+
+}  // namespace marrowpress

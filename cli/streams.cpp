@@ -1,0 +1,47 @@
+#include "cli/streams.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <ostream>
+
+namespace marrowpress {
+namespace {
+
+constexpr std::string_view kProgressMark = "> ";
+
+std::string_view withoutLineEnd(std::string_view text) {
+    while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
+    return text;
+}
+
+}  // namespace
+
+void secureStandardStreams() {
+    std::signal(SIGPIPE, SIG_IGN);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) != -1) continue;
+        // The lowest free number is this one. It is opened the wrong way round, so that reading
+        // or writing keeps failing as on a closed stream.
+        const int mode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        static_cast<void>(open("/dev/null", mode));
+    }
+}
+
+bool writeResult(const Streams& streams, std::string_view text) {
+    streams.out << text << std::flush;
+    if (streams.out) return true;
+    streams.err << "marrowpress: cannot write to standard output\n";
+    return false;
+}
+
+void showReport(std::ostream& err, std::string_view text) {
+    err << withoutLineEnd(text) << '\n' << std::flush;
+}
+
+void showProgress(std::ostream& err, std::string_view text) {
+    err << kProgressMark << withoutLineEnd(text) << '\n' << std::flush;
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+namespace marrowpress {
+
+/// The standard streams of a command: results go to `out`, talk goes to `err`.
+struct Streams {
+    std::istream& in;
+    std::ostream& out;
+    std::ostream& err;
+};
+
+/// Readies the process for honest results: a closed standard stream is taken by nothing that is
+/// opened later, and a reader that goes away is a failed write instead of the end of the process.
+void secureStandardStreams();
+
+/// Writes `text` to standard output at once; says so on standard error and returns false when
+/// that fails.
+[[nodiscard]] bool writeResult(const Streams& streams, std::string_view text);
+
+/// Shows a report line as it is, ended by one line end whether it came with one or not.
+void showReport(std::ostream& err, std::string_view text);
+
+/// Shows a progress line, marked so that no report line looks like it.
+void showProgress(std::ostream& err, std::string_view text);
+
+}  // namespace marrowpress

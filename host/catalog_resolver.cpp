@@ -1,0 +1,120 @@
+#include "host/catalog_resolver.h"
+
+#include <libxml/catalog.h>
+#include <libxml/parser.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <limits>
+#include <sstream>
+#include <system_error>
+
+#include "host/file_text.h"
+#include "host/local_xml_input.h"
+
+namespace marrowpress {
+namespace {
+
+constexpr const char* kSystemCatalog = "/etc/xml/catalog";
+constexpr const char* kDitaCatalog = "/usr/share/dita-ot/catalog-dita.xml";
+
+const xmlChar* asXml(const std::string& text) {
+    return reinterpret_cast<const xmlChar*>(text.c_str());
+}
+
+std::string_view asText(const xmlChar* text) {
+    return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+}
+
+struct FreeText {
+    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
+};
+
+struct FreeDocument {
+    void operator()(xmlDoc* document) const noexcept { xmlFreeDoc(document); }
+};
+
+/// A catalog is named by URI: its entries are resolved against its name, and a path with a blank
+/// or a percent sign would be none to resolve against.
+std::string toCatalogUri(const std::string& catalog) {
+    const std::optional<std::string> path = fileUriToPath(catalog);
+    return toFileUri(std::filesystem::absolute(path.value_or(catalog)).string());
+}
+
+bool isCatalog(const xmlDoc& document) {
+    const xmlNode* const root = xmlDocGetRootElement(&document);
+    return root != nullptr && asText(root->name) == "catalog" && root->ns != nullptr &&
+           asText(root->ns->href) == asText(XML_CATALOGS_NAMESPACE);
+}
+
+}  // namespace
+
+void CatalogResolver::FreeCatalog::operator()(void* catalog) const noexcept {
+    xmlCatalogFreeLocal(catalog);
+}
+
+CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs) {
+    restrictLibxmlToLocalFiles();
+    xmlCatalogSetDefaultPrefer(XML_CATA_PREFER_PUBLIC);
+    for (const std::string& catalog : catalogs) {
+        const std::string uri = toCatalogUri(catalog);
+        // One list for each: within one list, an entry that delegates would keep the catalogs
+        // behind it from being asked.
+        catalogs_.emplace_back(xmlCatalogAddLocal(nullptr, asXml(uri)));
+    }
+}
+
+std::optional<std::string> CatalogResolver::resolvePublic(std::string_view publicId) {
+    const std::string key(publicId);
+    const auto known = answers_.find(key);
+    if (known != answers_.end()) return known->second;
+    return answers_.emplace(key, ask(key)).first->second;
+}
+
+std::optional<std::string> CatalogResolver::ask(const std::string& publicId) const {
+    if (publicId.empty()) return std::nullopt;
+    for (const Catalog& catalog : catalogs_) {
+        const std::unique_ptr<xmlChar, FreeText> uri(
+            xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));
+        if (!uri) continue;
+        const std::string_view text = asText(uri.get());
+        return fileUriToPath(text.starts_with('/') ? "file:" + std::string(text)
+                                                   : std::string(text));
+    }
+    return std::nullopt;
+}
+
+std::vector<std::string> defaultCatalogs() {
+    const char* const listed = std::getenv("XML_CATALOG_FILES");
+    if (listed == nullptr) return {kSystemCatalog, kDitaCatalog};
+    std::istringstream words{std::string(listed)};
+    std::vector<std::string> catalogs;
+    for (std::string word; words >> word;) catalogs.push_back(word);
+    return catalogs;
+}
+
+std::optional<std::string> findCatalogFault(const std::string& path) {
+    restrictLibxmlToLocalFiles();
+    std::error_code ignored;
+    if (std::filesystem::exists(path, ignored) &&
+        !std::filesystem::is_regular_file(path, ignored)) {
+        return path + ": not a regular file";
+    }
+    std::string text;
+    try {
+        text = readFile(path);
+    } catch (const std::system_error& fault) {
+        return fault.what();
+    }
+    if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        return path + ": too large";
+    }
+    const std::unique_ptr<xmlDoc, FreeDocument> document(
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
+                      XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    if (!document) return path + ": not well-formed XML";
+    if (!isCatalog(*document)) return path + ": not an XML catalog";
+    return std::nullopt;
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "marrowpress/client_entry.h"
+
+namespace marrowpress {
+
+/// A loaded client module. Must outlive everything that came from it.
+class ClientModule {
+public:
+    /// Loads the module at `path`, with all of its symbols bound.
+    ///
+    /// @throws std::runtime_error when it cannot be loaded, or has no entry function.
+    explicit ClientModule(const std::filesystem::path& path);
+
+    ClientEntry entry() const noexcept { return entry_; }
+    void* handle() const noexcept { return handle_.get(); }
+
+private:
+    struct Close {
+        void operator()(void* handle) const noexcept;
+    };
+
+    std::unique_ptr<void, Close> handle_;
+    ClientEntry entry_;
+};
+
+/// Where the module stands: beside the running executable as in a build folder, else where an
+/// installation has it. The first that exists, the path beside the executable when none does.
+std::filesystem::path defaultModulePath();
+
+}  // namespace marrowpress

@@ -1,0 +1,149 @@
+#include "host/local_xml_input.h"
+
+#include <fcntl.h>
+#include <libxml/parser.h>
+#include <libxml/xmlIO.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace marrowpress {
+namespace {
+
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
+bool isUnescapedInUri(char character) {
+    return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
+           (character >= '0' && character <= '9') ||
+           std::string_view("-._~/").find(character) != std::string_view::npos;
+}
+
+/// Value of a hexadecimal digit, -1 for any other character.
+int hexValue(char character) {
+    if (character >= '0' && character <= '9') return character - '0';
+    if (character >= 'a' && character <= 'f') return character - 'a' + 10;
+    if (character >= 'A' && character <= 'F') return character - 'A' + 10;
+    return -1;
+}
+
+std::string undoPercentEscapes(std::string_view text) {
+    std::string plain;
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        const bool isEscape = text[index] == '%' && index + 2 < text.size() &&
+                              hexValue(text[index + 1]) >= 0 && hexValue(text[index + 2]) >= 0;
+        if (!isEscape) {
+            plain += text[index];
+            continue;
+        }
+        plain += static_cast<char>(hexValue(text[index + 1]) * 16 + hexValue(text[index + 2]));
+        index += 2;
+    }
+    return plain;
+}
+
+/// The path that libxml2 means by `name`, a URI or a plain path; empty when it isn't local.
+std::optional<std::string> localPath(const char* name) {
+    if (name == nullptr || *name == '\0') return std::nullopt;
+    if (*name == '/') return std::string(name);
+    return fileUriToPath(name);
+}
+
+bool isRegularFile(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+bool isRegularFile(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// libxml2 carries the opened file from call to call as a pointer and takes null for a failure:
+// the descriptor goes into it with 1 added.
+void* toContext(int descriptor) {
+    return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
+}
+
+int toDescriptor(void* context) {
+    return static_cast<int>(reinterpret_cast<std::intptr_t>(context) - 1);
+}
+
+int matchesEveryName(const char*) {
+    return 1;
+}
+
+void* openLocalFile(const char* name) {
+    const std::optional<std::string> path = localPath(name);
+    // Asked before opening as well: a FIFO or a device must not even be opened.
+    if (!path || !isRegularFile(*path)) return nullptr;
+    const int descriptor = open(path->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) return nullptr;
+    if (!isRegularFile(descriptor)) {
+        close(descriptor);
+        return nullptr;
+    }
+    return toContext(descriptor);
+}
+
+int readLocalFile(void* context, char* buffer, int length) {
+    return static_cast<int>(read(toDescriptor(context), buffer, static_cast<std::size_t>(length)));
+}
+
+int closeLocalFile(void* context) {
+    return close(toDescriptor(context));
+}
+
+void ignoreError(void*, const char*, ...) {}
+
+void ignoreStructuredError(void*, xmlErrorPtr) {}
+
+bool installRestrictions() {
+    xmlInitParser();
+    // The built-in handlers, those for http and ftp among them, go first.
+    xmlCleanupInputCallbacks();
+    xmlRegisterInputCallbacks(matchesEveryName, openLocalFile, readLocalFile, closeLocalFile);
+    xmlSetGenericErrorFunc(nullptr, ignoreError);
+    xmlSetStructuredErrorFunc(nullptr, ignoreStructuredError);
+    return true;
+}
+
+}  // namespace
+
+std::string toFileUri(std::string_view absolutePath) {
+    std::string uri = "file://";
+    for (const char character : absolutePath) {
+        if (isUnescapedInUri(character)) {
+            uri += character;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(character);
+        uri += '%';
+        uri += kHexDigits[byte >> 4];
+        uri += kHexDigits[byte & 0xF];
+    }
+    return uri;
+}
+
+std::optional<std::string> fileUriToPath(std::string_view uri) {
+    constexpr std::string_view kScheme = "file:";
+    if (!uri.starts_with(kScheme)) return std::nullopt;
+    uri.remove_prefix(kScheme.size());
+    if (uri.starts_with("//")) {
+        uri.remove_prefix(2);
+        constexpr std::string_view kLocalhost = "localhost";
+        if (uri.starts_with(kLocalhost)) uri.remove_prefix(kLocalhost.size());
+    }
+    if (!uri.starts_with('/')) return std::nullopt;
+    std::string path = undoPercentEscapes(uri.substr(0, uri.find_first_of("?#")));
+    if (path.find('\0') != std::string::npos) return std::nullopt;
+    return path;
+}
+
+void restrictLibxmlToLocalFiles() {
+    static const bool installed = installRestrictions();
+    static_cast<void>(installed);
+}
+
+}  // namespace marrowpress

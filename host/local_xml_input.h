@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace marrowpress {
+
+/// The `file:` URI of an absolute path, with everything but letters, digits and `-._~/` escaped.
+std::string toFileUri(std::string_view absolutePath);
+
+/// The absolute path that a `file:` URI names, with its percent escapes undone; empty for every
+/// other scheme, for a host other than "localhost", and for what names no path.
+std::optional<std::string> fileUriToPath(std::string_view uri);
+
+/// Takes libxml2 off the network and off the terminal, once for the process: it opens regular
+/// files on this machine only, whatever a catalog points to, and keeps its diagnostics to itself.
+void restrictLibxmlToLocalFiles();
+
+}  // namespace marrowpress

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/open_documents.h"
+#include "host/typed_record.h"
+#include "marrowpress/client_entry.h"
+
+namespace marrowpress {
+
+class HostInterfaces;
+class Trace;
+
+/// What a stand-in host has to offer. Every member may be left as it is.
+struct StandInHostOptions {
+    using PublicIdResolver = std::function<std::optional<std::string>(std::string_view)>;
+    using LineSink = std::function<void(std::string_view)>;
+
+    /// The session's open documents, in order.
+    std::vector<OpenDocument> openDocuments;
+    /// Answers for the client "XmlUtilities", which does not exist without it.
+    PublicIdResolver resolvePublicId;
+    /// Takes the text of each progress line, and each console text as it came, line end included.
+    LineSink onProgress;
+    LineSink onConsole;
+    /// Gets every host operation; must outlive the host.
+    Trace* trace = nullptr;
+};
+
+/// Stands in for the application: offers its interfaces to one client and calls it as the
+/// application would.
+///
+///     StandInHost host(options);
+///     if (host.attach(entry) && host.initialize()) {
+///         const std::optional<TypedValues> answer = host.send(request);
+///     }
+///
+/// What a sink or the resolver throws ends in the interface method that called it, as a failed
+/// call: nothing is thrown through the client.
+class StandInHost {
+public:
+    explicit StandInHost(StandInHostOptions options = {});
+    StandInHost(const StandInHost&) = delete;
+    StandInHost& operator=(const StandInHost&) = delete;
+    /// Detaches the client, whose module must still be loaded.
+    ~StandInHost();
+
+    /// The object that hands out the host's interfaces. It lives as long as this host, and longer
+    /// while somebody holds a reference.
+    IHostObject& provider();
+
+    /// References to the host's interfaces that others hold: 0 when a client has let all go.
+    std::uint32_t referenceCount() const;
+
+    /// Lets the client behind `entry` attach itself; `module` is its handle, which may be null.
+    /// False when the client refuses or attaches nothing.
+    [[nodiscard]] bool attach(ClientEntry entry, void* module = nullptr);
+
+    /// Starts the attached client; false when there is none, or its start fails.
+    [[nodiscard]] bool initialize(std::uint32_t initCode = IClientLifecycle::kInitialize);
+
+    /// Whether the client has turned `notification` on.
+    bool isSubscribed(std::uint32_t notification) const;
+
+    /// Calls the client with notification 13, up to the first NUL of `text`, and returns what it
+    /// handed to `returnTypedValue`, the last if it did so more than once.
+    ///
+    /// Empty when no answer came: the client hasn't subscribed, or it answered nothing.
+    std::optional<TypedValues> send(const std::string& text);
+
+    /// Terminates the client and lets it go. Does nothing when none is attached.
+    void detach();
+
+private:
+    std::shared_ptr<HostInterfaces> interfaces_;
+    bool isStarted_ = false;
+};
+
+}  // namespace marrowpress

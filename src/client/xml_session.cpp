@@ -1,0 +1,49 @@
+#include "client/xml_session.h"
+
+#include <stdexcept>
+#include <xercesc/util/PanicHandler.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include "client/messages.h"
+#include "references/direct_references.h"
+#include "references/node_filters.h"
+#include "support/request_singleton.h"
+#include "xml/document_store.h"
+#include "xml/grammar_parser_cache.h"
+
+namespace marrowpress {
+namespace {
+
+/// Throws where Xerces' own handler would end the process, which is the host's.
+class ThrowingPanicHandler final : public xercesc::PanicHandler {
+public:
+    void panic(const PanicReasons reason) override {
+        throw std::runtime_error(getPanicReasonString(reason));
+    }
+};
+
+}  // namespace
+
+XmlSession::XmlSession() {
+    static ThrowingPanicHandler panicHandler;
+    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
+                                          &panicHandler);
+    isPlatformInitialized_ = true;
+}
+
+XmlSession::~XmlSession() {
+    if (!isPlatformInitialized_) {
+        return;
+    }
+    RequestSingleton<DocumentStore>::destroy();
+    RequestSingleton<GrammarParserCache>::destroy();
+    RequestSingleton<TopicIdGenerator>::destroy();
+    RequestSingleton<OpenDocumentTable>::destroy();
+    RequestSingleton<ProgressMessenger>::destroy();
+    RequestSingleton<ReportMessenger>::destroy();
+    RequestSingleton<ExclusionFilterHolder>::destroy();
+    xercesc::XMLPlatformUtils::Terminate();
+    isPlatformInitialized_ = false;
+}
+
+}  // namespace marrowpress

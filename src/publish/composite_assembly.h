@@ -1,0 +1,76 @@
+#pragma once
+
+#include <string>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+
+#include "references/conref_resolution.h"
+#include "references/direct_references.h"
+#include "references/keyref_resolution.h"
+#include "references/node_filters.h"
+
+namespace marrowpress {
+
+/// Selects the references of a map that go into the output. Rejects, with all
+/// below them: what is only a resource, relationship tables, what profiling
+/// excludes, and, when the output is for print, what isn't.
+class CompositeDocNodeFilter final : public ElementNodeFilter {
+public:
+    /// Whether the value "no" of "print" counts.
+    void setUsePrint(bool usePrint) noexcept { usePrint_ = usePrint; }
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    bool usePrint_ = false;
+};
+
+/// One composite document to build.
+struct CompositeDocRequest {
+    /// The document that the walk starts from; the title is taken from it if it is a map. Empty
+    /// when there is none.
+    std::u16string sourcePath;
+    std::u16string outputPath;  ///< absolute
+    std::u16string doctypeSystemId;
+    bool usePrint = false;
+    TopicIdMap idMap;  ///< filled by the assembly
+};
+
+/// Builds composite documents: walks the references of a map, takes in each
+/// topic document that they name, nested as they are, and resolves the
+/// references of the whole.
+///
+/// Every topic of the output has an id that was made for it. A topic that is
+/// referenced twice is in it twice, and references lead to the first.
+/// A map that leads back to itself is passed over where it does.
+class CompositeDocAssembler {
+public:
+    /// Builds the document at `request.outputPath` from `start`, an element of a map (null: from
+    /// nothing), behind what that document holds already if it was built before in this request.
+    /// The result belongs to the `DocumentStore`; null when the file could not be created.
+    ///
+    /// A document that can't be read is message 106 and left out.
+    xercesc::DOMDocument* assembleComposite(xercesc::DOMElement* start,
+                                            xercesc::DOMDocument& keyDoc,
+                                            CompositeDocRequest& request);
+
+private:
+    friend class TopicrefWalk;
+
+    void createBody(xercesc::DOMElement* start, xercesc::DOMDocument& keyDoc,
+                    CompositeDocRequest& request);
+    void addDocumentShell(xercesc::DOMElement& root, const std::u16string& sourcePath) const;
+    void copyMapTitle(xercesc::DOMElement& title, const xercesc::DOMDocument& map) const;
+
+    CompositeDocNodeFilter filter_;
+    ReferenceNormalizer normalizer_;
+    ReferenceUpdater updater_;
+    KeyrefProcessor keyrefs_;
+    ConrefProcessor conrefs_;
+    DitabaseNodeFilter ditabaseFilter_;
+    TitleNodeFilter titleFilter_;
+    BookTitleNodeFilter bookTitleFilter_;
+};
+
+}  // namespace marrowpress

@@ -1,0 +1,50 @@
+#include "publish/composite_publisher.h"
+
+#include "publish/composite_assembly.h"
+#include "support/paths.h"
+#include "xml/document_store.h"
+#include "xml/document_writer.h"
+
+namespace marrowpress {
+namespace {
+
+std::u16string outputPath(const PublishParams& params) {
+    return absolutePath(dynamic_cast<const CompositePublishParams&>(params).getOutput());
+}
+
+}  // namespace
+
+std::unique_ptr<PublishResult> CompositeDocPublisher::assemble(const std::u16string& mapPath,
+                                                               xercesc::DOMDocument& keyDoc,
+                                                               TopicIdMap& /*topicIds*/,
+                                                               const PublishParams& params) {
+    xercesc::DOMDocument& map = DocumentStore::instance().mustLoad(mapPath);
+    CompositeDocRequest request;
+    request.sourcePath = mapPath;
+    request.outputPath = outputPath(params);
+    request.doctypeSystemId = params.getCompositeDocDtd();
+    request.usePrint = params.getUsePrint();
+    return std::make_unique<CompositeDocPublishResult>(
+        CompositeDocAssembler().assembleComposite(map.getDocumentElement(), keyDoc, request));
+}
+
+void CompositeDocPublisher::removeStaleOutput(const PublishParams& params) {
+    removeOldFile(outputPath(params));
+}
+
+void CompositeDocPublisher::writeOutput(const PublishParams& /*params*/,
+                                        const PublishResult& result) {
+    // A failure is reported; it doesn't fail the run.
+    static_cast<void>(
+        saveDocumentInPlace(dynamic_cast<const CompositeDocPublishResult&>(result).document));
+}
+
+std::u16string CompositeDocPublisher::getMapPath(const PublishParams& params) {
+    return absolutePath(params.getDitamap());
+}
+
+std::u16string CompositeDocPublisher::getKeySpaceDocPath(const PublishParams& params) {
+    return joinPath(parentPath(outputPath(params)), kKeySpaceDocName);
+}
+
+}  // namespace marrowpress

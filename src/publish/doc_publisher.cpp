@@ -1,0 +1,99 @@
+#include "publish/doc_publisher.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "client/messages.h"
+#include "keys/key_space_loader.h"
+#include "references/conref_resolution.h"
+#include "references/direct_references.h"
+#include "references/keyref_resolution.h"
+#include "references/node_filters.h"
+#include "support/paths.h"
+#include "support/scope_exit.h"
+#include "xml/document_store.h"
+#include "xml/document_writer.h"
+
+namespace marrowpress {
+namespace {
+
+/// Sets up what profiling excludes from this run; nothing, also when the profile can't be read.
+void setUpProfiling(const PublishParams& params) {
+    ExclusionFilterHolder& holder = ExclusionFilterHolder::instance();
+    const std::u16string ditaVal = params.getDitaVal();
+    if (!ditaVal.empty()) {
+        DocumentStore::instance().getOrLoad(ditaVal);
+    }
+    holder.reset(nullptr);
+}
+
+}  // namespace
+
+std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishParams> params) {
+    const ScopeExit janitor([&] { cleanUp(*params); });
+    prepare(*params);
+    setUpProfiling(*params);
+
+    TopicIdMap topicIds;
+    ProgressMessenger::instance().reportProgress(MessageId::kProcessingKeySpaces);
+    xercesc::DOMDocument& keyDoc = buildKeySpaceDoc(*params, topicIds);
+    ProgressMessenger::instance().reportProgress(MessageId::kUpdatingReferences);
+    const std::u16string mapPath = getMapPath(*params);
+    resolveMapReferences(mapPath, keyDoc, topicIds);
+
+    std::unique_ptr<PublishResult> result = assemble(mapPath, keyDoc, topicIds, *params);
+    writeOutput(*params, *result);
+    result->status = 0;
+    result->usedHostDocuments = DocumentStore::instance().touchedOpenDocuments();
+    return result;
+}
+
+void DocPublisher::cleanUp(const PublishParams& params) noexcept {
+    try {
+        removeOldFile(getKeySpaceDocPath(params));
+    } catch (...) {
+        // What can't be removed, or was never named, stays: the run has its outcome already.
+    }
+}
+
+void DocPublisher::prepare(const PublishParams& params) {
+    if (params.publisherId() != publisherId_) {
+        throw UnsupportedPublishParamsException();
+    }
+    removeOldFile(getKeySpaceDocPath(params));
+    removeStaleOutput(params);
+}
+
+xercesc::DOMDocument& DocPublisher::buildKeySpaceDoc(const PublishParams& params,
+                                                     TopicIdMap& topicIds) {
+    const std::u16string mapPath = getMapPath(params);
+    const std::u16string keySpaceDocPath = getKeySpaceDocPath(params);
+    const std::u16string dtd = params.getKeyspaceDocDtd();
+    xercesc::DOMDocument& keyDoc = KeySpaceLoader().load(mapPath, keySpaceDocPath, topicIds, dtd);
+    // A failure is reported; the document in memory is what the run goes on with.
+    static_cast<void>(saveDocumentInPlace(&keyDoc));
+    return keyDoc;
+}
+
+void DocPublisher::resolveMapReferences(const std::u16string& mapPath, xercesc::DOMDocument& keyDoc,
+                                        TopicIdMap& topicIds) {
+    xercesc::DOMElement* const root =
+        DocumentStore::instance().mustLoad(mapPath).getDocumentElement();
+    KeyrefProcessor().resolveAllKeyrefs(root, keyDoc);
+    ConrefProcessor().resolveConrefs(root, keyDoc, topicIds);
+}
+
+void removeOldFile(const std::u16string& path) {
+    if (!pathExists(path)) {
+        return;
+    }
+    std::error_code error;
+    if (isIrregularFile(path) || !std::filesystem::remove(nativePath(path), error)) {
+        if (error) {
+            throw std::filesystem::filesystem_error("remove", nativePath(path), error);
+        }
+        throw OutputFileRemoveOperationFailedException();
+    }
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <xercesc/dom/DOMDocument.hpp>
+
+#include "publish/publish_params.h"
+#include "publish/publish_result.h"
+
+namespace marrowpress {
+
+class TopicIdMap;
+
+/// What has to be cleaned up after a run, however it ended.
+class IDocPublisherJanitor {
+public:
+    /// Never throws.
+    virtual void cleanUp(const PublishParams& params) noexcept = 0;
+
+protected:
+    ~IDocPublisherJanitor() = default;
+};
+
+/// The one sequence of a publish run; a derived class supplies the steps that
+/// depend on the kind of output. Publishers hold nothing of a run and serve
+/// all requests.
+///
+/// The key space document stands on the disk for the length of a run, so that
+/// references in and beside it resolve like those of any source document. It
+/// is removed on every path.
+class DocPublisher : private IDocPublisherJanitor {
+public:
+    explicit DocPublisher(PublisherId publisherId) : publisherId_(publisherId) {}
+    DocPublisher(const DocPublisher&) = delete;
+    DocPublisher& operator=(const DocPublisher&) = delete;
+    virtual ~DocPublisher() = default;
+
+    PublisherId publisherId() const noexcept { return publisherId_; }
+
+    /// Runs the request. A result that comes back has the status 0; faults in the documents are
+    /// report lines. Needs an open `XmlSession`.
+    ///
+    /// @throws PublishException, or what else a step throws. What an earlier step had rightly
+    ///         written stays on the disk.
+    std::unique_ptr<PublishResult> publish(std::unique_ptr<PublishParams> params);
+
+protected:
+    void cleanUp(const PublishParams& params) noexcept override;
+
+    /// Refuses parameters of another publisher, and removes what an earlier run left behind.
+    virtual void prepare(const PublishParams& params);
+
+    /// Builds and writes the key space document.
+    virtual xercesc::DOMDocument& buildKeySpaceDoc(const PublishParams& params,
+                                                   TopicIdMap& topicIds);
+
+    /// Resolves the keyrefs and conrefs of the root map.
+    virtual void resolveMapReferences(const std::u16string& mapPath, xercesc::DOMDocument& keyDoc,
+                                      TopicIdMap& topicIds);
+
+    /// Builds the output in memory.
+    virtual std::unique_ptr<PublishResult> assemble(const std::u16string& mapPath,
+                                                    xercesc::DOMDocument& keyDoc,
+                                                    TopicIdMap& topicIds,
+                                                    const PublishParams& params) = 0;
+
+    virtual void removeStaleOutput(const PublishParams& params) = 0;
+    virtual void writeOutput(const PublishParams& params, const PublishResult& result) = 0;
+    virtual std::u16string getMapPath(const PublishParams& params) = 0;
+    virtual std::u16string getKeySpaceDocPath(const PublishParams& params) = 0;
+
+private:
+    PublisherId publisherId_;
+};
+
+/// The name of the key space document in the folder of the output.
+inline constexpr std::u16string_view kKeySpaceDocName = u"KeyspaceDoc.ditamap";
+
+/// Removes the file at `path` if there is one.
+///
+/// @throws std::filesystem::filesystem_error "remove" when the system says why it can't,
+///         OutputFileRemoveOperationFailedException when it says nothing, and for what is no
+///         regular file: that is nobody's old output.
+void removeOldFile(const std::u16string& path);
+
+}  // namespace marrowpress

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+
+#include "client/host_operations.h"
+#include "xml/document_store.h"
+
+/// What goes back to the caller of a publish request.
+namespace marrowpress {
+
+enum class PublishResultKind : std::uint32_t {
+    kComposite = 0,
+    kFlatBook = 1,
+    kFallback = 2,  ///< what a run that yields nothing of its own answers with
+};
+
+/// The outcome of a request. The documents of a derived result belong to the
+/// `DocumentStore` and are not to be used once the `XmlSession` has closed.
+class PublishResult {
+public:
+    explicit PublishResult(PublishResultKind resultKind) : kind(resultKind) {}
+    PublishResult(const PublishResult&) = delete;
+    PublishResult& operator=(const PublishResult&) = delete;
+    virtual ~PublishResult() = default;
+
+    /// Adds to `list` what the kind of result has beyond the four values of all results.
+    virtual void appendExtraValues(HostTypedValueList& list) const;
+
+    PublishResultKind kind;
+    std::int32_t status = 0;
+    /// The documents of the run that were open in the host, by path.
+    OpenDocumentRecords usedHostDocuments;
+};
+
+/// The result of "PublishComp".
+class CompositeDocPublishResult final : public PublishResult {
+public:
+    /// `finished` may be null: the document could not be created.
+    explicit CompositeDocPublishResult(xercesc::DOMDocument* finished)
+        : PublishResult(PublishResultKind::kComposite), document(finished) {}
+
+    xercesc::DOMDocument* document;
+};
+
+/// The list that the host takes: the status; the paths of the open documents with a set flag; the
+/// ids of the same, in the same order; the ids of the other open documents; and what the kind of
+/// result adds. Texts are UTF-8.
+HostTypedValues publishResultToTypedValues(const PublishResult& result);
+
+}  // namespace marrowpress

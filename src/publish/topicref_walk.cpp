@@ -1,0 +1,188 @@
+#include "publish/topicref_walk.h"
+
+#include <algorithm>
+
+#include "client/messages.h"
+#include "publish/composite_assembly.h"
+#include "references/reference_resolution.h"
+#include "support/paths.h"
+#include "support/text.h"
+#include "support/xerces_ptr.h"
+#include "xml/document_store.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::DOMNodeFilter;
+
+std::u16string absoluteReferencePath(const DitaReference& reference, const DOMElement& node) {
+    return toAbsolutePath(reference.path, *node.getOwnerDocument());
+}
+
+/// What the reference of `node` names; a look into the document tells where its name doesn't.
+DitaDocKind kindOf(const DitaReference& reference, const DOMElement& node) {
+    const DitaDocKind kind = classifyReference(reference);
+    if (kind != DitaDocKind::DitaDocUnknownXml) {
+        return kind;
+    }
+    return classifyDocument(
+        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node)));
+}
+
+/// The children as they are now: what is appended later, by an import from the very document that
+/// is built, isn't among them.
+std::vector<DOMNode*> childrenOf(const DOMElement& element) {
+    std::vector<DOMNode*> children;
+    for (DOMNode* child = element.getFirstChild(); child; child = child->getNextSibling()) {
+        children.push_back(child);
+    }
+    return children;
+}
+
+}  // namespace
+
+DOMElement& createTopicShell(DOMElement& parent) {
+    DOMDocument& document = *parent.getOwnerDocument();
+    DOMElement* const topic = document.createElement(u"topic");
+    DOMElement* const title = document.createElement(u"title");
+    const std::u16string id = TopicIdGenerator::instance().nextTopicId();
+    topic->appendChild(title);
+    parent.appendChild(topic);
+    topic->setAttribute(u"id", id.c_str());
+    return *topic;
+}
+
+void TopicrefWalk::run(DOMElement& parent, DOMElement* start) {
+    if (!start) {
+        return;
+    }
+    openMaps_.assign(1, start->getOwnerDocument());
+    steps_.assign(1, {start, &parent});
+    while (!steps_.empty()) {
+        const Step step = steps_.back();
+        steps_.pop_back();
+        if (step.node) {
+            visit(*step.node, *step.parent);
+        } else {
+            openMaps_.pop_back();
+        }
+    }
+}
+
+void TopicrefWalk::visit(DOMElement& node, DOMElement& parent) {
+    switch (assembler_.filter_.acceptNode(&node)) {
+        case DOMNodeFilter::FILTER_REJECT:
+            break;
+        case DOMNodeFilter::FILTER_SKIP:
+            visitChildren(node, parent);
+            break;
+        case DOMNodeFilter::FILTER_ACCEPT:
+            visitReference(node, parent);
+            break;
+    }
+}
+
+void TopicrefWalk::visitReference(DOMElement& node, DOMElement& parent) {
+    if (TopicheadNodeFilter().acceptNode(&node) == DOMNodeFilter::FILTER_ACCEPT) {
+        visitChildren(node, appendHead(node, parent));
+        return;
+    }
+    switch (kindOf(readDitaReference(node, &keyDoc_), node)) {
+        case DitaDocKind::DitaDocTopic:
+            visitChildren(node, appendTopicDocument(parent, node));
+            break;
+        case DitaDocKind::DitaDocMap:
+            appendNestedMap(parent, node);
+            break;
+        case DitaDocKind::DitaDocNone:
+        case DitaDocKind::DitaDocUnknownXml:
+            visitChildren(node, parent);
+            break;
+    }
+}
+
+void TopicrefWalk::visitChildren(const DOMElement& node, DOMElement& parent) {
+    const auto first = static_cast<std::ptrdiff_t>(steps_.size());
+    for (DOMElement* child = node.getFirstElementChild(); child;
+         child = child->getNextElementSibling()) {
+        steps_.push_back({child, &parent});
+    }
+    std::reverse(steps_.begin() + first, steps_.end());
+}
+
+DOMElement& TopicrefWalk::appendHead(const DOMElement& node, DOMElement& parent) const {
+    const std::u16string navtitle(domText(node.getAttribute(u"navtitle")));
+    if (navtitle.empty()) {
+        return parent;
+    }
+    DOMElement& shell = createTopicShell(parent);
+    shell.getFirstElementChild()->setTextContent(navtitle.c_str());
+    return shell;
+}
+
+DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMElement& node) {
+    const DitaReference reference = readDitaReference(node, &keyDoc_);
+    DOMDocument* const document = DocumentStore::instance().getOrLoad(reference.path);
+    DOMElement* const root = document ? document->getDocumentElement() : nullptr;
+    DOMElement* const element = document && !reference.fragment.empty()
+                                    ? document->getElementById(reference.fragment.c_str())
+                                    : root;
+    if (!element) {
+        return parent;
+    }
+    ProgressMessenger::instance().reportAppending(
+        toUtf8(pathFileName(domText(document->getDocumentURI()))));
+    DOMElement* const appended = appendTopicSubtree(*element, parent);
+    return appended ? *appended : parent;
+}
+
+DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent) {
+    const DOMDocument& source = *element.getOwnerDocument();
+    if (assembler_.ditabaseFilter_.acceptNode(&element) != DOMNodeFilter::FILTER_ACCEPT) {
+        return static_cast<DOMElement*>(importTopicNode(source, element, parent));
+    }
+    DOMElement* lastElement = nullptr;
+    for (const DOMNode* const child : childrenOf(element)) {
+        DOMNode* const copy = importTopicNode(source, *child, parent);
+        if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
+            lastElement = static_cast<DOMElement*>(copy);
+        }
+    }
+    return lastElement;
+}
+
+DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, const DOMNode& node,
+                                       DOMElement& parent) {
+    DOMNode* const copy = parent.getOwnerDocument()->importNode(&node, true);
+    if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
+        assembler_.normalizer_.normalizeSubtree(static_cast<DOMElement*>(copy), source, topicIds_);
+    }
+    return parent.appendChild(copy);
+}
+
+void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node) {
+    const DitaReference reference = readDitaReference(node, &keyDoc_);
+    DOMDocument* const map =
+        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node));
+    if (!map || isOpen(*map)) {
+        return;
+    }
+    DOMElement* const root = map->getDocumentElement();
+    assembler_.keyrefs_.resolveAllKeyrefs(root, keyDoc_);
+    assembler_.conrefs_.resolveConrefs(root, keyDoc_, topicIds_);
+    if (!root) {
+        return;
+    }
+    openMaps_.push_back(map);
+    steps_.push_back({nullptr, nullptr});
+    steps_.push_back({root, &parent});
+}
+
+bool TopicrefWalk::isOpen(const DOMDocument& map) const {
+    return std::find(openMaps_.begin(), openMaps_.end(), &map) != openMaps_.end();
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,182 @@
+#include "references/direct_references.h"
+
+#include <algorithm>
+#include <boost/uuid/uuid_io.hpp>
+#include <cassert>
+#include <memory>
+#include <vector>
+
+#include "references/element_walker.h"
+#include "references/reference_resolution.h"
+#include "support/request_singleton.h"
+#include "support/xerces_ptr.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+
+/// A handler of the attribute that a derived class names.
+class NamedRefAttrHandler : public DirectRefAttrHandler {
+public:
+    std::u16string getRefValue(const DOMElement& element) const override {
+        return std::u16string(domText(element.getAttribute(name_)));
+    }
+    void setRefValue(DOMElement& element, const std::u16string& value) const override {
+        element.setAttribute(name_, value.c_str());
+    }
+
+protected:
+    NamedRefAttrHandler(std::uint32_t type, const XMLCh* name)
+        : DirectRefAttrHandler(type), name_(name) {}
+
+private:
+    const XMLCh* name_;
+};
+
+class HrefAttrHandler final : public NamedRefAttrHandler {
+public:
+    HrefAttrHandler() : NamedRefAttrHandler(1, u"href") {}
+};
+
+class ConrefAttrHandler final : public NamedRefAttrHandler {
+public:
+    ConrefAttrHandler() : NamedRefAttrHandler(2, u"conref") {}
+};
+
+class ConrefendAttrHandler final : public NamedRefAttrHandler {
+public:
+    ConrefendAttrHandler() : NamedRefAttrHandler(4, u"conrefend") {}
+};
+
+class XtrfAttrHandler final : public NamedRefAttrHandler {
+public:
+    XtrfAttrHandler() : NamedRefAttrHandler(8, u"xtrf") {}
+};
+
+using Handlers = std::vector<std::unique_ptr<DirectRefAttrHandler>>;
+
+Handlers makeHandlers() {
+    Handlers handlers;
+    handlers.push_back(std::make_unique<HrefAttrHandler>());
+    handlers.push_back(std::make_unique<ConrefAttrHandler>());
+    handlers.push_back(std::make_unique<ConrefendAttrHandler>());
+    handlers.push_back(std::make_unique<XtrfAttrHandler>());
+    return handlers;
+}
+
+/// Calls `change` with each direct reference below and including `root`, attribute by attribute in
+/// the filter's order, and sets what it gives, unless that is nothing.
+template <class Change>
+void changeDirectRefs(DOMElement* root, const DirectRefAttrContainingNodeFilter& filter,
+                      Change&& change) {
+    ElementWalker walker(root, filter);
+    while (DOMElement* const element = walker.nextNode()) {
+        const std::uint32_t mask = filter.mask(*element);
+        for (const std::uint32_t bit : DirectRefAttrContainingNodeFilter::bits()) {
+            if (!(mask & bit)) {
+                continue;
+            }
+            const DirectRefAttrHandler& handler = directRefAttrHandler(bit);
+            const std::u16string changed = change(handler.getRefValue(*element));
+            if (!changed.empty()) {
+                handler.setRefValue(*element, changed);
+            }
+        }
+    }
+}
+
+/// The text that replaces `value`; empty when its target isn't part of the publication.
+std::u16string rewritten(std::u16string_view value, const TopicIdMap& topicIds) {
+    const HrefParts parts = splitHref(value);
+    std::u16string location = topicIds.find(joinHref(parts));
+    if (!location.empty() && !parts.elementId.empty()) {
+        location += u'/';
+        location += parts.elementId;
+    }
+    return location;
+}
+
+}  // namespace
+
+const DirectRefAttrHandler& directRefAttrHandler(std::uint32_t type) {
+    static const Handlers handlers = makeHandlers();
+    const auto found = std::find_if(handlers.begin(), handlers.end(),
+                                    [&](const auto& handler) { return handler->type() == type; });
+    assert(found != handlers.end());
+    return **found;
+}
+
+bool TopicIdMap::add(const std::u16string& key, const std::u16string& location) {
+    if (!byReference_.emplace(key, location).second) {
+        return false;
+    }
+    byFile_.emplace(splitHref(key).path, location);
+    return true;
+}
+
+std::u16string TopicIdMap::find(std::u16string_view key) const {
+    const HrefParts parts = splitHref(key);
+    const bool isFile = parts.topicId.empty() || parts.topicId == u".";
+    const Entries& entries = isFile ? byFile_ : byReference_;
+    const auto found = entries.find(isFile ? parts.path : key);
+    return found == entries.end() ? std::u16string() : found->second;
+}
+
+void TopicIdMap::mergeWithPrefix(const TopicIdMap& other, std::u16string_view prefix) {
+    const auto merge = [prefix](Entries& into, const Entries& from) {
+        for (const auto& [key, location] : from) {
+            into.emplace(key, std::u16string(prefix) + location);
+        }
+    };
+    merge(byReference_, other.byReference_);
+    merge(byFile_, other.byFile_);
+}
+
+TopicIdGenerator& TopicIdGenerator::instance() {
+    return RequestSingleton<TopicIdGenerator>::instance();
+}
+
+std::u16string TopicIdGenerator::nextTopicId() {
+    return u"id" + toUtf16(std::string_view(boost::uuids::to_string(uuids_())));
+}
+
+void ReferenceNormalizer::normalizeSubtree(DOMElement* root, const DOMDocument& base,
+                                           TopicIdMap& topicIds) const {
+    regenerateTopicIds(root, uriToPath(domText(base.getDocumentURI())), topicIds);
+    makeDirectRefsAbsolute(root, base);
+    makeMultimediaRefsAbsolute(root, base);
+}
+
+void ReferenceNormalizer::regenerateTopicIds(DOMElement* root, const std::u16string& basePath,
+                                             TopicIdMap& topicIds) const {
+    ElementWalker walker(root, idFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        if (topicFilter_.acceptNode(element) != xercesc::DOMNodeFilter::FILTER_ACCEPT) {
+            continue;
+        }
+        const std::u16string oldId(domText(element->getAttribute(u"id")));
+        const std::u16string newId = TopicIdGenerator::instance().nextTopicId();
+        element->setAttribute(u"id", newId.c_str());
+        // A topic that is taken in again gets an id of its own, but references lead to the first.
+        topicIds.add(basePath + u"#" + oldId, u"#" + newId);
+    }
+}
+
+void ReferenceNormalizer::makeDirectRefsAbsolute(DOMElement* root, const DOMDocument& base) const {
+    changeDirectRefs(root, directRefFilter_,
+                     [&](const std::u16string& value) { return makeAbsoluteHref(value, base); });
+}
+
+std::u16string makeAbsoluteHref(std::u16string_view value, const DOMDocument& document) {
+    const std::u16string_view path = splitHref(value).path;
+    return toAbsolutePath(path, document).append(value.substr(path.size()));
+}
+
+void ReferenceUpdater::rewriteReferences(DOMElement* root, const TopicIdMap& topicIds) const {
+    changeDirectRefs(root, directRefFilter_,
+                     [&](const std::u16string& value) { return rewritten(value, topicIds); });
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,90 @@
+#include "references/multimedia_references.h"
+
+#include <algorithm>
+#include <cassert>
+#include <memory>
+#include <vector>
+
+#include "references/direct_references.h"
+#include "references/element_walker.h"
+#include "support/xerces_ptr.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMElement;
+
+/// A handler of the attributes that a derived class names.
+class NamedMultimediaNodeHandler : public MultimediaNodeHandler {
+public:
+    std::u16string getRefValue(const DOMElement& element) const override {
+        return std::u16string(domText(element.getAttribute(refName_)));
+    }
+    void setRefValue(DOMElement& element, const std::u16string& value) const override {
+        element.setAttribute(refName_, value.c_str());
+    }
+    std::u16string getKeyrefValue(const DOMElement& element) const override {
+        return std::u16string(domText(element.getAttribute(keyrefName_)));
+    }
+    void setKeyrefValue(DOMElement& element, const std::u16string& value) const override {
+        element.setAttribute(keyrefName_, value.c_str());
+    }
+    void removeRefAttr(DOMElement& element) const override { element.removeAttribute(refName_); }
+    void removeKeyrefAttr(DOMElement& element) const override {
+        element.removeAttribute(keyrefName_);
+    }
+
+protected:
+    NamedMultimediaNodeHandler(MultimediaNodeType type, const XMLCh* refName,
+                               const XMLCh* keyrefName)
+        : MultimediaNodeHandler(type), refName_(refName), keyrefName_(keyrefName) {}
+
+private:
+    const XMLCh* refName_;
+    const XMLCh* keyrefName_;
+};
+
+class MultimediaObjectNodeHandler final : public NamedMultimediaNodeHandler {
+public:
+    MultimediaObjectNodeHandler()
+        : NamedMultimediaNodeHandler(MultimediaNodeType::MultimediaNodeObject, u"data",
+                                     u"datakeyref") {}
+};
+
+class MultimediaParamNodeHandler final : public NamedMultimediaNodeHandler {
+public:
+    MultimediaParamNodeHandler()
+        : NamedMultimediaNodeHandler(MultimediaNodeType::MultimediaNodeParam, u"value", u"keyref") {
+    }
+};
+
+using Handlers = std::vector<std::unique_ptr<MultimediaNodeHandler>>;
+
+Handlers makeHandlers() {
+    Handlers handlers;
+    handlers.push_back(std::make_unique<MultimediaObjectNodeHandler>());
+    handlers.push_back(std::make_unique<MultimediaParamNodeHandler>());
+    return handlers;
+}
+
+}  // namespace
+
+const MultimediaNodeHandler& multimediaNodeHandler(MultimediaNodeType type) {
+    static const Handlers handlers = makeHandlers();
+    const auto found = std::find_if(handlers.begin(), handlers.end(),
+                                    [&](const auto& handler) { return handler->type() == type; });
+    assert(found != handlers.end());
+    return **found;
+}
+
+void ReferenceNormalizer::makeMultimediaRefsAbsolute(DOMElement* root,
+                                                     const xercesc::DOMDocument& base) const {
+    ElementWalker walker(root, multimediaRefFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const MultimediaNodeHandler& handler =
+            multimediaNodeHandler(multimediaRefFilter_.getType(element));
+        handler.setRefValue(*element, makeAbsoluteHref(handler.getRefValue(*element), base));
+    }
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <xercesc/dom/DOMElement.hpp>
+
+#include "references/node_filters.h"
+
+namespace marrowpress {
+
+/// Reads and writes the attributes by which one kind of multimedia element
+/// refers: directly, or through a key.
+class MultimediaNodeHandler {
+public:
+    MultimediaNodeHandler(const MultimediaNodeHandler&) = delete;
+    MultimediaNodeHandler& operator=(const MultimediaNodeHandler&) = delete;
+    virtual ~MultimediaNodeHandler() = default;
+
+    virtual std::u16string getRefValue(const xercesc::DOMElement& element) const = 0;
+    virtual void setRefValue(xercesc::DOMElement& element, const std::u16string& value) const = 0;
+    virtual std::u16string getKeyrefValue(const xercesc::DOMElement& element) const = 0;
+    virtual void setKeyrefValue(xercesc::DOMElement& element,
+                                const std::u16string& value) const = 0;
+    virtual void removeRefAttr(xercesc::DOMElement& element) const = 0;
+    virtual void removeKeyrefAttr(xercesc::DOMElement& element) const = 0;
+
+    MultimediaNodeType type() const noexcept { return type_; }
+
+protected:
+    explicit MultimediaNodeHandler(MultimediaNodeType type) : type_(type) {}
+
+private:
+    MultimediaNodeType type_;
+};
+
+/// The handler of objects ("data", "datakeyref") or of params ("value", "keyref"); lives as long
+/// as the process. `type` must be one of these two.
+const MultimediaNodeHandler& multimediaNodeHandler(MultimediaNodeType type);
+
+}  // namespace marrowpress

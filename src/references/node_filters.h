@@ -1,0 +1,266 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMNodeFilter.hpp>
+
+/// The selections of elements that everything else is built on: each is one
+/// small filter, used by a walker or asked directly about one element.
+///
+/// Every filter rejects what is no element (a null pointer included). All
+/// comparisons are exact, by code unit, and a missing attribute reads as empty.
+/// Filters keep nothing from one call to the next.
+namespace marrowpress {
+
+/// `node` as an element; null when it is none.
+const xercesc::DOMElement* asElement(const xercesc::DOMNode* node) noexcept;
+
+/// Holder of the filter that says what profiling excludes from the run.
+///
+/// The filter accepts an element that is excluded. An empty holder excludes
+/// nothing.
+class ExclusionFilterHolder {
+public:
+    static ExclusionFilterHolder& instance();
+
+    /// Puts `filter`, which may be null, in the place of the one that is held.
+    void reset(std::unique_ptr<xercesc::DOMNodeFilter> filter) { filter_ = std::move(filter); }
+
+    /// The filter, or null.
+    const xercesc::DOMNodeFilter* filter() const noexcept { return filter_.get(); }
+
+    bool excludes(const xercesc::DOMElement& element) const {
+        return filter_ && filter_->acceptNode(&element) == xercesc::DOMNodeFilter::FILTER_ACCEPT;
+    }
+
+private:
+    std::unique_ptr<xercesc::DOMNodeFilter> filter_;
+};
+
+/// A filter of elements: what is no element never gets to `acceptElement`.
+class ElementNodeFilter : public xercesc::DOMNodeFilter {
+public:
+    FilterAction acceptNode(const xercesc::DOMNode* node) const final;
+
+protected:
+    virtual FilterAction acceptElement(const xercesc::DOMElement& element) const = 0;
+};
+
+/// Selects by DITA class: the token has to stand at the start of the class
+/// value, behind its first two characters, which are not looked at. Where an
+/// element has no class value at all, its tag name decides.
+///
+/// A token that ends in a blank matches a whole class name; without the blank
+/// it matches every class name that begins with it. A class value has to be at
+/// least two characters longer than the token.
+class ClassBasedElementNodeFilter : public ElementNodeFilter {
+public:
+    ClassBasedElementNodeFilter(std::u16string classToken, std::vector<std::u16string> elementNames)
+        : classToken_(std::move(classToken)), elementNames_(std::move(elementNames)) {}
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    std::u16string classToken_;
+    std::vector<std::u16string> elementNames_;
+};
+
+class TopicNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    TopicNodeFilter();
+};
+
+class MapNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    MapNodeFilter();
+};
+
+/// References in a map. By name it knows neither `topicref` nor most of its
+/// specialisations: without class values a map has none of these.
+class TopicrefNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    TopicrefNodeFilter();
+};
+
+class TopicmetaNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    TopicmetaNodeFilter();
+};
+
+/// Heads of a map that refer to nothing. Never matches by name.
+class TopicheadNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    TopicheadNodeFilter();
+};
+
+class TitleNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    TitleNodeFilter();
+};
+
+/// Rejects a booktitle that profiling excludes.
+class BookTitleNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    BookTitleNodeFilter();
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+};
+
+class ImageNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    ImageNodeFilter();
+};
+
+class XrefNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    XrefNodeFilter();
+};
+
+class LinkNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    LinkNodeFilter();
+};
+
+class ReltableNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    ReltableNodeFilter();
+};
+
+class AbbreviatedFormNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    AbbreviatedFormNodeFilter();
+};
+
+/// Selects by tag name alone.
+class ElemTagBasedElementNodeFilter : public ElementNodeFilter {
+public:
+    explicit ElemTagBasedElementNodeFilter(std::u16string tagName) : tagName_(std::move(tagName)) {}
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    std::u16string tagName_;
+};
+
+/// The container of several topics in one file.
+class DitabaseNodeFilter final : public ElemTagBasedElementNodeFilter {
+public:
+    DitabaseNodeFilter();
+};
+
+/// Selects by the value of one attribute. An empty value also selects elements without the
+/// attribute.
+class AttrBasedElementNodeFilter final : public ElementNodeFilter {
+public:
+    AttrBasedElementNodeFilter(std::u16string attribute, std::u16string value)
+        : attribute_(std::move(attribute)), value_(std::move(value)) {}
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    std::u16string attribute_;
+    std::u16string value_;
+};
+
+/// Selects what has an "id".
+class IdAttrContainingNodeFilter final : public ElementNodeFilter {
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+};
+
+/// Selects what has a "conref".
+class ConrefAttrContainingNodeFilter final : public ElementNodeFilter {
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+};
+
+/// Selects what has a "conkeyref".
+class ConkeyrefAttrContainingNodeFilter final : public ElementNodeFilter {
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+};
+
+/// The value of "keyref" that says: this key reference is dealt with.
+inline constexpr std::u16string_view kIgnoreKeyref = u"--qs-mwpp-ignore-keyref";
+
+/// Selects what has a "keyref" other than the ignore marker. Below a marked element it goes on.
+class KeyrefAttrContainingNodeFilter final : public ElementNodeFilter {
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+};
+
+/// Selects what defines keys; what profiling excludes defines none, and nothing below it does.
+class KeyDefinitionNodeFilter final : public ElementNodeFilter {
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+};
+
+/// Selects what refers directly: by "href", "conref", "conrefend" or "xtrf".
+class DirectRefAttrContainingNodeFilter final : public ElementNodeFilter {
+public:
+    /// The bits of the attributes, in the order in which they are dealt with.
+    static constexpr std::array<std::uint32_t, 4> bits() { return {1, 2, 4, 8}; }
+
+    /// The bits of those attributes of `element` that are not empty.
+    std::uint32_t mask(const xercesc::DOMElement& element) const;
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    struct Entry {
+        std::u16string attribute;
+        std::uint32_t bit;
+    };
+    std::vector<Entry> entries_{{u"href", 1}, {u"conref", 2}, {u"conrefend", 4}, {u"xtrf", 8}};
+};
+
+/// Selects references to maps, and to XML files that only a look into them can tell. What
+/// profiling excludes is rejected.
+class DitamapRefNodeFilter final : public ElementNodeFilter {
+public:
+    /// The document in whose context references are resolved; may be null.
+    void setContext(const xercesc::DOMDocument* document) noexcept { context_ = document; }
+
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    const xercesc::DOMDocument* context_ = nullptr;
+};
+
+enum class MultimediaNodeType : std::int32_t {
+    MultimediaNodeNone = -1,
+    MultimediaNodeObject = 0,
+    MultimediaNodeParam = 1,
+    MultimediaNodeRejected = 2,
+};
+
+/// Selects what refers to media: an object by "data", or a param named "src" or "poster" by its
+/// "value".
+class MultimediaRefAttrContainingNodeFilter final : public xercesc::DOMNodeFilter {
+public:
+    FilterAction acceptNode(const xercesc::DOMNode* node) const override;
+    MultimediaNodeType getType(const xercesc::DOMNode* node) const;
+};
+
+/// Selects what refers to media by a key: an object by "datakeyref", or a param of any name by
+/// "keyref".
+class MultimediaKeyrefAttrContainingNodeFilter final : public xercesc::DOMNodeFilter {
+public:
+    FilterAction acceptNode(const xercesc::DOMNode* node) const override;
+    MultimediaNodeType getType(const xercesc::DOMNode* node) const;
+};
+
+}  // namespace marrowpress

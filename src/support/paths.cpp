@@ -1,0 +1,207 @@
+#include "support/paths.h"
+
+#include <algorithm>
+#include <system_error>
+#include <vector>
+
+#include "support/text.h"
+
+namespace marrowpress {
+namespace {
+
+constexpr char16_t kSeparator = u'/';
+
+bool isAsciiLetter(char16_t unit) {
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
+}
+
+bool hasDriveLetter(std::u16string_view path) {
+    return path.size() >= 2 && isAsciiLetter(path[0]) && path[1] == u':';
+}
+
+/// Whether `path` begins with `\\?\`, `\\.\` or `\??\`, with one separator at its end.
+bool hasDevicePrefix(std::u16string_view path) {
+    if (path.size() < 4 || !isPathSeparator(path[0]) || !isPathSeparator(path[3]) ||
+        (path.size() > 4 && isPathSeparator(path[4]))) {
+        return false;
+    }
+    const bool isUnc = isPathSeparator(path[1]) && (path[2] == u'?' || path[2] == u'.');
+    return isUnc || (path[1] == u'?' && path[2] == u'?');
+}
+
+std::size_t rootNameLength(std::u16string_view path) {
+    if (hasDriveLetter(path)) {
+        return 2;
+    }
+    if (hasDevicePrefix(path)) {
+        return 3;
+    }
+    const bool isServer = path.size() >= 3 && isPathSeparator(path[0]) &&
+                          isPathSeparator(path[1]) && !isPathSeparator(path[2]);
+    if (!isServer) {
+        return 0;
+    }
+    const auto* end = std::find_if(path.begin() + 2, path.end(), isPathSeparator);
+    return static_cast<std::size_t>(end - path.begin());
+}
+
+/// The names between the separators; an empty last name stands for a separator at the end.
+std::vector<std::u16string_view> splitNames(std::u16string_view path) {
+    std::vector<std::u16string_view> names;
+    std::size_t start = 0;
+    for (std::size_t position = 0; position <= path.size(); ++position) {
+        if (position < path.size() && !isPathSeparator(path[position])) {
+            continue;
+        }
+        const bool isRepeatedSeparator = position == start && position < path.size();
+        if (!isRepeatedSeparator) {
+            names.push_back(path.substr(start, position - start));
+        }
+        start = position + 1;
+    }
+    return names;
+}
+
+/// The names of a normal form; as in `splitNames`, an empty last name ends it with a separator.
+std::vector<std::u16string_view> normalNames(const std::vector<std::u16string_view>& names,
+                                             bool hasRootDirectory) {
+    std::vector<std::u16string_view> kept;
+    bool endsInSeparator = false;
+    for (const std::u16string_view name : names) {
+        endsInSeparator = false;
+        if (name.empty() || name == u".") {
+            endsInSeparator = true;
+        } else if (name != u"..") {
+            kept.push_back(name);
+        } else if (!kept.empty() && kept.back() != u"..") {
+            kept.pop_back();
+            endsInSeparator = true;
+        } else if (!hasRootDirectory) {
+            kept.push_back(name);
+        }
+    }
+    if (endsInSeparator && !kept.empty() && kept.back() != u"..") {
+        kept.emplace_back();
+    }
+    return kept;
+}
+
+}  // namespace
+
+bool isAbsolutePath(std::u16string_view path) {
+    if (hasDriveLetter(path)) {
+        return path.size() > 2 && isPathSeparator(path[2]);
+    }
+    return !path.empty() && isPathSeparator(path[0]);
+}
+
+std::u16string joinPath(std::u16string_view path, std::u16string_view second) {
+    const std::size_t secondRoot = rootNameLength(second);
+    const std::u16string_view rootName = path.substr(0, rootNameLength(path));
+    if (isAbsolutePath(second) || (secondRoot > 0 && second.substr(0, secondRoot) != rootName)) {
+        return std::u16string(second);
+    }
+    std::u16string joined(path);
+    const bool isShortRootName = rootName.size() == path.size() && path.size() < 3;
+    if (!path.empty() && !isPathSeparator(path.back()) && !isShortRootName) {
+        joined += kSeparator;
+    }
+    joined += second.substr(secondRoot);
+    return joined;
+}
+
+std::u16string normalizePath(std::u16string_view path) {
+    if (path.empty()) {
+        return {};
+    }
+    const std::size_t rootLength = rootNameLength(path);
+    std::u16string normal(path.substr(0, rootLength));
+    std::replace(normal.begin(), normal.end(), u'\\', kSeparator);
+
+    const std::u16string_view rest = path.substr(rootLength);
+    const bool hasRootDirectory = !rest.empty() && isPathSeparator(rest[0]);
+    if (hasRootDirectory) {
+        normal += kSeparator;
+    }
+    bool isFirst = true;
+    for (const std::u16string_view name : normalNames(splitNames(rest), hasRootDirectory)) {
+        if (!isFirst) {
+            normal += kSeparator;
+        }
+        normal += name;
+        isFirst = false;
+    }
+    return normal.empty() ? u"." : normal;
+}
+
+std::u16string_view pathFileName(std::u16string_view path) {
+    return path.substr(path.find_last_of(u"/\\") + 1);
+}
+
+std::u16string pathStem(std::u16string_view path) {
+    std::u16string_view name = pathFileName(path);
+    name = name.substr(0, name.find(u':'));
+    const std::size_t dot = name.rfind(u'.');
+    if (name.size() <= 1 || name == u".." || dot == std::u16string_view::npos || dot == 0) {
+        return std::u16string(name);
+    }
+    return std::u16string(name.substr(0, dot));
+}
+
+std::u16string_view parentPath(std::u16string_view path) {
+    const std::size_t rootLength = rootNameLength(path);
+    std::size_t end = path.size() - std::min(pathFileName(path).size(), path.size() - rootLength);
+    while (end > rootLength && isPathSeparator(path[end - 1])) {
+        --end;
+    }
+    const bool hasRootDirectory = path.size() > rootLength && isPathSeparator(path[rootLength]);
+    return path.substr(0, end == rootLength && hasRootDirectory ? end + 1 : end);
+}
+
+std::u16string absolutePath(std::u16string_view path) {
+    if (path.empty()) {
+        return {};
+    }
+    if (isAbsolutePath(path)) {
+        return normalizePath(path);
+    }
+    std::error_code error;
+    const std::filesystem::path current = std::filesystem::current_path(error);
+    if (error) {
+        throw std::filesystem::filesystem_error("absolute", nativePath(path), error);
+    }
+    return normalizePath(joinPath(toUtf16(std::string_view(current.native())), path));
+}
+
+bool pathExists(std::u16string_view path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(nativePath(path), error);
+    if (status.type() == std::filesystem::file_type::not_found) {
+        return false;
+    }
+    for (const std::errc impossibleName :
+         {std::errc::filename_too_long, std::errc::too_many_symbolic_link_levels,
+          std::errc::not_a_directory, std::errc::invalid_argument}) {
+        if (error == impossibleName) {
+            return false;
+        }
+    }
+    if (error) {
+        throw std::filesystem::filesystem_error("exists", nativePath(path), error);
+    }
+    return true;
+}
+
+bool isIrregularFile(std::u16string_view path) noexcept try {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(nativePath(path), error);
+    return !error && std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+} catch (...) {
+    return false;
+}
+
+std::filesystem::path nativePath(std::u16string_view path) {
+    return std::filesystem::path(toUtf8(path));
+}
+
+}  // namespace marrowpress

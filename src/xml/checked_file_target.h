@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <vector>
+#include <xercesc/framework/XMLFormatter.hpp>
+
+namespace marrowpress {
+
+/// A regular file as the target of a serializer, where every byte counts.
+///
+/// The engine's own file target holds bytes back until its destructor and
+/// swallows what goes wrong there, so that a full disk passes for a success.
+class CheckedFileFormatTarget final : public xercesc::XMLFormatTarget {
+public:
+    /// Creates the file, or empties it.
+    ///
+    /// @throws std::system_error when it can't be opened, or is no regular file.
+    explicit CheckedFileFormatTarget(const std::u16string& path);
+    CheckedFileFormatTarget(const CheckedFileFormatTarget&) = delete;
+    CheckedFileFormatTarget& operator=(const CheckedFileFormatTarget&) = delete;
+    /// Closes the file if `close` did not. Unwritten bytes are lost then.
+    ~CheckedFileFormatTarget() override;
+
+    /// @throws std::system_error when the bytes can't be written.
+    void writeChars(const XMLByte* bytes, XMLSize_t count,
+                    xercesc::XMLFormatter* formatter) override;
+
+    /// Writes what is still held back and closes the file.
+    ///
+    /// @throws std::system_error when either fails; the file is closed all the same.
+    void close();
+
+private:
+    void writeHeldBack();
+
+    int descriptor_;
+    std::vector<char> heldBack_;
+};
+
+}  // namespace marrowpress

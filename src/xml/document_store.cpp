@@ -1,0 +1,92 @@
+#include "xml/document_store.h"
+
+#include "client/host_operations.h"
+#include "client/messages.h"
+#include "references/element_walker.h"
+#include "support/publish_exception.h"
+#include "support/request_singleton.h"
+
+namespace marrowpress {
+namespace {
+
+constexpr std::uint32_t kContext = 0;
+
+OpenDocumentRecord readRecord(std::uint32_t documentId) {
+    const bool isFlagged = HostGetIntProp(kContext, documentId, HostProperty::kDocumentFlag) != 0;
+    return {isFlagged ? OpenDocumentState::kFlagged : OpenDocumentState::kOpen, documentId};
+}
+
+}  // namespace
+
+OpenDocumentTable& OpenDocumentTable::instance() {
+    return RequestSingleton<OpenDocumentTable>::instance();
+}
+
+OpenDocumentTable::OpenDocumentTable() {
+    std::uint32_t documentId =
+        HostGetIdProp(kContext, kSessionObject, HostProperty::kFirstDocument);
+    while (documentId != 0) {
+        const HostText path = HostGetStringProp(kContext, documentId, HostProperty::kDocumentPath);
+        const OpenDocumentRecord record = readRecord(documentId);
+        if (path) {
+            records_.insert_or_assign(toUtf16(std::string_view(path.get())), record);
+        }
+        documentId = HostGetIdProp(kContext, documentId, HostProperty::kNextDocument);
+    }
+}
+
+const OpenDocumentRecord* OpenDocumentTable::find(const std::u16string& path) const {
+    const auto found = records_.find(path);
+    return found == records_.end() ? nullptr : &found->second;
+}
+
+DocumentStore& DocumentStore::instance() {
+    return RequestSingleton<DocumentStore>::instance();
+}
+
+xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path) {
+    const auto known = documents_.find(path);
+    if (known != documents_.end()) {
+        return known->second;
+    }
+    recordIfOpen(path);
+    xercesc::DOMDocument* const document = load(path);
+    if (!document) {
+        ReportMessenger::instance().reportMessage(MessageId::kCannotRead, toUtf8(path));
+    }
+    return document;
+}
+
+xercesc::DOMDocument& DocumentStore::mustLoad(const std::u16string& path) {
+    xercesc::DOMDocument* const document = getOrLoad(path);
+    if (!document) {
+        throw PublishException();
+    }
+    return *document;
+}
+
+xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
+    try {
+        xercesc::DOMDocument* const document = loader_.parseFile(path, ParserBundle::kAllRetries);
+        documents_.emplace(path, document);
+        removeFiltered(document);
+        return document;
+    } catch (...) {
+        // Why a file can't be read is not told; the caller reports that it can't.
+        return nullptr;
+    }
+}
+
+void DocumentStore::recordIfOpen(const std::u16string& path) {
+    if (const OpenDocumentRecord* record = OpenDocumentTable::instance().find(path)) {
+        touchedOpenDocuments_.insert_or_assign(path, *record);
+    }
+}
+
+void DocumentStore::removeFiltered(xercesc::DOMDocument* document) const {
+    if (document && loadFilter_) {
+        removeElements(collectElements(document->getDocumentElement(), *loadFilter_));
+    }
+}
+
+}  // namespace marrowpress

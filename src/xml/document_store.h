@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMNodeFilter.hpp>
+
+#include "support/text.h"
+#include "xml/dom_parser.h"
+
+namespace marrowpress {
+
+/// How a document is open in the host.
+enum class OpenDocumentState : std::uint32_t {
+    kOpen = 1,     ///< its flag is zero
+    kFlagged = 2,  ///< its flag is set
+};
+
+struct OpenDocumentRecord {
+    OpenDocumentState state;
+    std::uint32_t documentId;  ///< the host's number for it
+};
+
+/// Records by path, as exact text; in the order of the paths, so that equal runs give equal
+/// answers.
+using OpenDocumentRecords = std::map<std::u16string, OpenDocumentRecord>;
+
+/// The documents that are open in the host, as they were when the request
+/// first looked.
+class OpenDocumentTable {
+public:
+    static OpenDocumentTable& instance();
+
+    /// Reads the list from the host. Of two documents of one name the later one counts.
+    OpenDocumentTable();
+
+    /// The record of the document with exactly this path, or null.
+    const OpenDocumentRecord* find(const std::u16string& path) const;
+
+    std::size_t size() const noexcept { return records_.size(); }
+
+private:
+    OpenDocumentRecords records_;
+};
+
+/// The parsed documents of a request, each file parsed once and shared as one
+/// mutable tree.
+///
+/// Paths are keys as they stand, compared by code unit: two spellings of one
+/// file are two documents. Documents live until the request ends. A file that
+/// is open in the host is read from the disk like any other.
+class DocumentStore {
+public:
+    static DocumentStore& instance();
+
+    /// The document of the file at `path`; null, after message 106, when it can't be read. It is
+    /// the store's. Never throws for a file that can't be read: each further request for it tries,
+    /// and reports, again. The empty path is reported once.
+    xercesc::DOMDocument* getOrLoad(const std::u16string& path);
+
+    /// As `getOrLoad`, for a document without which a run can't go on.
+    ///
+    /// @throws PublishException in place of null.
+    xercesc::DOMDocument& mustLoad(const std::u16string& path);
+
+    /// The requested paths that are open in the host, whether or not they could be read.
+    const OpenDocumentRecords& touchedOpenDocuments() const noexcept {
+        return touchedOpenDocuments_;
+    }
+
+private:
+    xercesc::DOMDocument* load(const std::u16string& path);
+    void recordIfOpen(const std::u16string& path);
+    void removeFiltered(xercesc::DOMDocument* document) const;
+
+    std::unordered_map<std::u16string, xercesc::DOMDocument*> documents_;
+    OpenDocumentRecords touchedOpenDocuments_;
+    ParserBundle loader_;
+    /// What it accepts is taken out of each document as it is loaded; nothing sets it so far.
+    std::unique_ptr<xercesc::DOMNodeFilter> loadFilter_;
+};
+
+}  // namespace marrowpress

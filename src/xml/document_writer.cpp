@@ -1,0 +1,121 @@
+#include "xml/document_writer.h"
+
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <xercesc/dom/DOM.hpp>
+
+#include "client/messages.h"
+#include "references/reference_resolution.h"
+#include "support/paths.h"
+#include "support/text.h"
+#include "support/xerces_ptr.h"
+#include "xml/checked_file_target.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+xercesc::DOMImplementation* loadAndSaveImplementation() {
+    return xercesc::DOMImplementationRegistry::getDOMImplementation(u"LS");
+}
+
+XercesPtr<xercesc::DOMLSSerializer> makeSerializer(xercesc::DOMImplementation& implementation) {
+    XercesPtr<xercesc::DOMLSSerializer> serializer(
+        implementation.createLSSerializer(xercesc::XMLPlatformUtils::fgMemoryManager));
+    xercesc::DOMConfiguration* const config = serializer->getDomConfig();
+    if (config->canSetParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, false)) {
+        config->setParameter(xercesc::XMLUni::fgDOMWRTFormatPrettyPrint, false);
+    }
+    return serializer;
+}
+
+void serialize(xercesc::DOMImplementation& implementation, const xercesc::DOMDocument& document,
+               const std::u16string& path) {
+    const XercesPtr<xercesc::DOMLSSerializer> serializer = makeSerializer(implementation);
+    const XercesPtr<xercesc::DOMLSOutput> output(
+        implementation.createLSOutput(xercesc::XMLPlatformUtils::fgMemoryManager));
+    output->setEncoding(u"UTF-8");
+    CheckedFileFormatTarget target(path);
+    output->setByteStream(&target);
+    serializer->write(&document, output.get());
+    target.close();
+}
+
+/// Moves a file over another one, by a copy where the two are on different volumes.
+void moveFile(const std::u16string& from, const std::u16string& to) {
+    std::error_code error;
+    fs::rename(nativePath(from), nativePath(to), error);
+    if (error == std::errc::cross_device_link) {
+        error.clear();
+        fs::copy_file(nativePath(from), nativePath(to), fs::copy_options::overwrite_existing,
+                      error);
+        if (!error) {
+            fs::remove(nativePath(from), error);
+        }
+    }
+    if (error) {
+        throw fs::filesystem_error("rename", nativePath(from), nativePath(to), error);
+    }
+}
+
+void removeFile(const std::u16string& path) {
+    std::error_code error;
+    fs::remove(nativePath(path), error);
+    if (error) {
+        throw fs::filesystem_error("remove", nativePath(path), error);
+    }
+}
+
+}  // namespace
+
+WriteStatus writeDocument(const xercesc::DOMDocument* document, const std::u16string& path) {
+    if (!document) {
+        return WriteStatus::kFailed;
+    }
+    try {
+        xercesc::DOMImplementation* const implementation = loadAndSaveImplementation();
+        if (!implementation) {
+            return WriteStatus::kFailed;
+        }
+        serialize(*implementation, *document, path);
+        return WriteStatus::kWritten;
+    } catch (...) {
+        ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(path));
+        return WriteStatus::kFailed;
+    }
+}
+
+WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
+    if (!document) {
+        return WriteStatus::kFailed;
+    }
+    const std::u16string target = uriToPath(domText(document->getDocumentURI()));
+    const std::u16string temporary = target + u"_tmp";
+    moveFile(target, temporary);
+    const WriteStatus status = writeDocument(document, target);
+    if (status == WriteStatus::kWritten) {
+        removeFile(temporary);
+    } else {
+        moveFile(temporary, target);
+    }
+    return status;
+}
+
+void writeEmptyDocument(const std::string& rootName, const std::string& publicId,
+                        const std::string& systemId, const std::u16string& path) {
+    XercesPtr<xercesc::DOMDocument> document;
+    if (xercesc::DOMImplementation* const implementation = loadAndSaveImplementation()) {
+        const std::u16string root = toUtf16(rootName);
+        XercesPtr<xercesc::DOMDocumentType> doctype(implementation->createDocumentType(
+            root.c_str(), toUtf16(publicId).c_str(), toUtf16(systemId).c_str()));
+        document.reset(implementation->createDocument(nullptr, root.c_str(), doctype.get(),
+                                                      xercesc::XMLPlatformUtils::fgMemoryManager));
+        // The document owns it now.
+        doctype.release();
+    }
+    static_cast<void>(writeDocument(document.get(), path));
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
+
+namespace marrowpress {
+
+/// The commands of the client "XmlUtilities", which knows the file that a
+/// public identifier stands for. UTF-8; values stand between double quotes and
+/// nothing in them is escaped.
+class EntityResolverCommands {
+public:
+    static std::string startCommand(std::string_view path);
+    static std::string endCommand();
+    static std::string terminateCommand();
+    /// Without a `baseUri` only the public identifier is named.
+    static std::string resolveCommand(std::string_view publicId, std::string_view baseUri);
+};
+
+/// Tells "XmlUtilities" that the questions to come are about the document at `path`, until
+/// `sendEnd`.
+void sendStart(std::u16string_view path);
+void sendEnd();
+
+/// Tells "XmlUtilities" that a parser has gone.
+void sendTerminate();
+
+/// Finds the files of external entities: at their system identifier if a file
+/// is there, else by asking "XmlUtilities" for the public identifier.
+///
+/// Answers, empty ones too, are kept by public identifier for the life of the
+/// resolver. What is no local file is never opened, over no protocol: the
+/// engine left to itself would connect to whatever an identifier names.
+class QSXMLEntityResolver final : public xercesc::XMLEntityResolver {
+public:
+    /// A source that the parser will own, or null: then the engine goes on with the system
+    /// identifier by itself. Where that would not be a regular local file, the source is one
+    /// that fails like a server that can't be reached.
+    xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;
+
+    /// The path of the entity's file, empty if there is none.
+    std::u16string resolvePath(xercesc::XMLResourceIdentifier& identifier);
+
+    /// The path in UTF-8 that stands for `publicId`, empty if nobody knows one. Asks once.
+    std::string resolvePublicId(const std::string& publicId);
+
+    /// The source for a public identifier in UTF-8; null for null or for one that nobody knows. The
+    /// file need not exist.
+    std::unique_ptr<xercesc::InputSource> sourceForPublicId(const std::string* publicId);
+
+private:
+    std::unique_ptr<xercesc::InputSource> findSource(
+        const xercesc::XMLResourceIdentifier& identifier);
+
+    std::unordered_map<std::string, std::string> pathsByPublicId_;
+};
+
+}  // namespace marrowpress

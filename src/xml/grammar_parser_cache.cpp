@@ -1,0 +1,60 @@
+#include "xml/grammar_parser_cache.h"
+
+#include <utility>
+#include <xercesc/dom/DOMDocumentType.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
+
+#include "references/reference_resolution.h"
+#include "support/request_singleton.h"
+#include "support/scope_exit.h"
+#include "support/xerces_ptr.h"
+#include "xml/mapped_input.h"
+
+namespace marrowpress {
+namespace {
+
+/// A bundle whose parser holds the DTD at `path`, as the grammar of its scanner; none for an
+/// empty path.
+ParserBundle bundleWithDtd(const std::u16string& path) {
+    ParserBundle bundle;
+    if (!path.empty()) {
+        // Not by name, for the engine would then open whatever kind of file it is.
+        const MemMapLocalFileInputSource dtd(path.c_str(),
+                                             xercesc::XMLPlatformUtils::fgMemoryManager);
+        constexpr bool kToCache = false;
+        bundle.parser().loadGrammar(dtd, xercesc::Grammar::DTDGrammarType, kToCache);
+    }
+    return bundle;
+}
+
+}  // namespace
+
+GrammarParserCache& GrammarParserCache::instance() {
+    return RequestSingleton<GrammarParserCache>::instance();
+}
+
+ParserBundle& GrammarParserCache::parserForDocument(const xercesc::DOMDocument& document) {
+    std::u16string path = resolveDtdPath(document);
+    const auto known = bundles_.find(path);
+    if (known != bundles_.end()) {
+        return known->second;
+    }
+    // The bundle that it moves from sends its "terminate" when it ends here.
+    ParserBundle bundle = bundleWithDtd(path);
+    return bundles_.emplace(std::move(path), std::move(bundle)).first->second;
+}
+
+std::u16string GrammarParserCache::resolveDtdPath(const xercesc::DOMDocument& document) {
+    const xercesc::DOMDocumentType* const doctype = document.getDoctype();
+    if (!doctype) {
+        return {};
+    }
+    xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar,
+                                              doctype->getSystemId(), doctype->getNamespaceURI(),
+                                              doctype->getPublicId(), nullptr, nullptr);
+    sendStart(uriToPath(domText(document.getDocumentURI())));
+    const ScopeExit endSession([] { sendEnd(); });
+    return resolver_.resolvePath(identifier);
+}
+
+}  // namespace marrowpress

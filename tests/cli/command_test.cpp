@@ -1,0 +1,355 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "tests/cli/command_runner.h"
+
+namespace marrowpress {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr const char* kMapDtd = R"(<!ELEMENT map (title?, topicref*)>
+<!ATTLIST map id ID #IMPLIED class CDATA "- map/map ">
+<!ELEMENT title (#PCDATA)>
+<!ATTLIST title class CDATA "- topic/title ">
+<!ELEMENT topicref (topicref*)>
+<!ATTLIST topicref href CDATA #IMPLIED keys CDATA #IMPLIED print (yes|no) #IMPLIED
+                   class CDATA "- map/topicref ">
+)";
+
+constexpr const char* kTopicDtd = R"(<!ELEMENT dita (topic*)>
+<!ELEMENT topic (title, body?, topic*)>
+<!ATTLIST topic id ID #REQUIRED class CDATA "- topic/topic ">
+<!ELEMENT title (#PCDATA)>
+<!ATTLIST title class CDATA "- topic/title ">
+<!ELEMENT body (#PCDATA)>
+<!ATTLIST body class CDATA "- topic/body ">
+)";
+
+constexpr const char* kCatalog =
+    R"(<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog">
+<public publicId="-//OASIS//DTD DITA Map//EN" uri="dtd/map.dtd"/>
+<public publicId="-//OASIS//DTD DITA Topic//EN" uri="dtd/topic.dtd"/>
+<public publicId="-//OASIS//DTD DITA Composite//EN" uri="dtd/topic.dtd"/>
+</catalog>
+)";
+
+constexpr const char* kProgress =
+    "> Schlüsselräume werden in Ditamap verarbeitet...\n"
+    "> Referenzen in Ditamap werden aktualisiert...\n"
+    "> Wird angehängt: a.dita\n"
+    "> Wird angehängt: b.dita\n"
+    "> Referenzen werden verarbeitet\n";
+
+constexpr const char* kRefusal =
+    R"({"values":[{"type":1,"value":-43},{"type":6,"value":[]},{"type":15,"value":[]},)"
+    R"({"type":15,"value":[]}]})"
+    "\n";
+
+/// The built command on a map with two topics, and a catalog for the DTDs of all three.
+class CommandTest : public testing::Test {
+protected:
+    CommandTest() {
+        folder_.write("dtd/map.dtd", kMapDtd);
+        folder_.write("dtd/topic.dtd", kTopicDtd);
+        folder_.write("catalog.xml", kCatalog);
+        writeMap(R"(<topicref href="a.dita"/><topicref href="b.dita" print="no"/>)");
+        writeTopic("a", "Text of a");
+        writeTopic("b", "Text of b");
+        folder_.write("out/keep.txt", "");
+    }
+
+    void writeMap(const std::string& references) const {
+        folder_.write("docs/m.ditamap",
+                      R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd"><map>)" +
+                          references + "</map>");
+    }
+
+    void writeTopic(const std::string& id, const std::string& text) const {
+        folder_.write("docs/" + id + ".dita",
+                      R"(<!DOCTYPE topic PUBLIC "-//OASIS//DTD DITA Topic//EN" "topic.dtd">)"
+                      "<topic id=\"" +
+                          id + "\"><title>" + id + "</title><body>" + text + "</body></topic>");
+    }
+
+    CommandResult run(const Texts& arguments, const CommandSetting& setting = {}) const {
+        return runCommand(folder_, arguments, setting);
+    }
+
+    /// `publish` of the map, with `more` behind the usual arguments.
+    CommandResult publish(const Texts& more = {}, const CommandSetting& setting = {}) const {
+        Texts arguments{"publish", "docs/m.ditamap", "-f",        "composite",
+                        "-o",      "out/m.dita",     "--catalog", "catalog.xml"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments, setting);
+    }
+
+    /// The bodies of the topics in the output, in order.
+    std::string bodiesOf(const std::string& name) const {
+        const std::string text = folder_.read(name);
+        std::string bodies;
+        for (std::size_t at = 0; (at = text.find("<body", at)) != std::string::npos; ++at) {
+            const std::size_t begin = text.find('>', at) + 1;
+            bodies += text.substr(begin, text.find("</body>", at) - begin) + ";";
+        }
+        return bodies;
+    }
+
+    std::string request(const std::string& output) const {
+        return R"({"type":"PublishComp","params":{"ditamap":"docs/m.ditamap","output":")" + output +
+               R"(","ditaVal":"","keyspaceDocDtd":"map.dtd","compositeDocDtd":"d.dtd",)"
+               R"("usePrint":false}})";
+    }
+
+    /// The lines of a trace that are not about property 89, which nothing depends on.
+    Texts traceLines(const std::string& name) const {
+        std::istringstream in(folder_.read(name));
+        Texts lines;
+        for (std::string line; std::getline(in, line);) {
+            if (line.find(R"("property":89,)") == std::string::npos) lines.push_back(line);
+        }
+        return lines;
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(CommandTest, PublishWritesTheComposite) {
+    const CommandResult result = publish();
+    EXPECT_EQ(result.err, kProgress);
+    EXPECT_EQ(result.out, "out/m.dita\n");
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;Text of b;");
+    EXPECT_NE(
+        folder_.read("out/m.dita")
+            .find(R"(<!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd">)"),
+        std::string::npos);
+    EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
+}
+
+TEST_F(CommandTest, PublishReplacesAnOldOutput) {
+    folder_.write("out/m.dita", "old");
+    EXPECT_EQ(publish().code, 0);
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;Text of b;");
+}
+
+TEST_F(CommandTest, PublishLeavesOutWhatIsNotForPrint) {
+    EXPECT_EQ(publish({"--print", "--composite-dtd", "own.dtd"}).code, 0);
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;");
+    EXPECT_NE(folder_.read("out/m.dita").find("\"own.dtd\""), std::string::npos);
+}
+
+TEST_F(CommandTest, PublishFindsCatalogsInTheEnvironment) {
+    CommandSetting setting;
+    setting.catalogs = folder_.file("catalog.xml");
+    const CommandResult result =
+        run({"publish", "docs/m.ditamap", "-f", "composite", "-o", "out/m.dita"}, setting);
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;Text of b;");
+}
+
+TEST_F(CommandTest, PublishShowsReportLinesAsTheyAre) {
+    writeMap(R"(<topicref href="100%s%n.dita"/><topicref href="a.dita"/>)");
+    const CommandResult result = publish();
+    EXPECT_EQ(result.code, 0);
+    EXPECT_NE(result.err.find("\nDie Datei, auf die verwiesen wird, kann nicht gefunden werden: " +
+                              folder_.file("docs/100%s%n.dita\n")),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(result.err.find('\r'), std::string::npos);
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;");
+}
+
+TEST_F(CommandTest, PublishSaysThatTheRunFailed) {
+    folder_.write("docs/m.ditamap", "<map>");
+    const CommandResult result = publish();
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: the run failed (status -42).\n"))
+        << result.err;
+    EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
+}
+
+TEST_F(CommandTest, PublishSaysThatAnOldOutputIsInTheWay) {
+    folder_.write("out/KeyspaceDoc.ditamap/x", "");
+    const CommandResult result = publish();
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "marrowpress publish: the request was refused, or an old output could not be "
+              "removed (status -43).\n");
+    EXPECT_TRUE(folder_.exists("out/KeyspaceDoc.ditamap/x"));
+}
+
+TEST_F(CommandTest, PublishSaysThatTheOutputCouldNotBeWritten) {
+    writeTopic("a", std::string(40000, 'x'));
+    CommandSetting setting;
+    setting.largestFile = 16384;
+    const CommandResult result = publish({}, setting);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(result.err.find("\nSpeichern nicht möglich: " + folder_.file("out/m.dita\n")),
+              std::string::npos)
+        << result.err;
+    EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))
+        << result.err;
+}
+
+TEST_F(CommandTest, PublishRefusesWrongUsageBeforeAnythingRuns) {
+    const std::string help = "\nRun `marrowpress publish --help` for help.\n";
+    const auto refusal = [&](const Texts& arguments) {
+        Texts all{"publish", "-f", "composite"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const CommandResult result = run(all);
+        EXPECT_EQ(result.code, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_TRUE(result.err.ends_with(help)) << result.err;
+        return result.err.substr(0, result.err.find('\n'));
+    };
+    EXPECT_EQ(refusal({"none.ditamap", "-o", "out/m.dita"}),
+              "marrowpress publish: MAP: cannot read none.ditamap: No such file or directory");
+    EXPECT_EQ(refusal({"docs/m.ditamap", "-o", "out/m.dita", "--catalog", "none.xml"}),
+              "marrowpress publish: --catalog: none.xml: No such file or directory");
+    EXPECT_EQ(refusal({"docs/m.ditamap", "-o", "out/m.dita", "--filter", "docs"}),
+              "marrowpress publish: --filter: cannot read docs: not a regular file");
+    EXPECT_EQ(refusal({"docs/m.ditamap"}), "marrowpress publish: --output is required");
+
+    const std::string map = folder_.read("docs/m.ditamap");
+    EXPECT_EQ(refusal({"docs/m.ditamap", "-o", "docs/m.ditamap"}),
+              "marrowpress publish: MAP: the run would overwrite or remove " +
+                  folder_.file("docs/m.ditamap") +
+                  ", which is also the output; choose another output");
+    EXPECT_EQ(folder_.read("docs/m.ditamap"), map);
+}
+
+TEST_F(CommandTest, AResultThatCannotBeWrittenIsAFailure) {
+    for (const std::string& output : {std::string("/dev/full"), std::string()}) {
+        SCOPED_TRACE(output);
+        CommandSetting setting;
+        setting.output = output;
+        const CommandResult published = publish({}, setting);
+        EXPECT_EQ(published.code, 1);
+        EXPECT_TRUE(published.err.ends_with("\nmarrowpress: cannot write to standard output\n"))
+            << published.err;
+        EXPECT_EQ(run({"--help"}, setting).code, 1);
+        EXPECT_EQ(run({"host", "-", "--trace", "t"}, setting).code, 1);
+        // A closed stream's number goes to no file that is opened later.
+        EXPECT_EQ(folder_.read("t").find("{\"values\""), std::string::npos);
+    }
+}
+
+TEST_F(CommandTest, HelpAndVersionGoToStandardOutput) {
+    const CommandResult help = run({"publish", "--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_EQ(help.err, "");
+    EXPECT_NE(help.out.find("--keyspace-dtd"), std::string::npos);
+    const CommandResult version = run({"--version"});
+    EXPECT_EQ(version.code, 0);
+    EXPECT_TRUE(version.out.starts_with("marrowpress ")) << version.out;
+}
+
+TEST_F(CommandTest, HostWritesOneLineForEachRequest) {
+    folder_.write("1.json", request("out/1.dita"));
+    folder_.write("bad.json", "{}");
+    const std::string open = folder_.write(
+        "open.json", R"([{"id": 7, "path": ")" + folder_.file("docs/a.dita") +
+                         R"(", "flag": 1}, {"id": 9, "path": "/other.dita", "flag": 1},)" +
+                         R"({"id": 8, "path": ")" + folder_.file("docs/m.ditamap") +
+                         R"(", "flag": 0}])");
+    CommandSetting setting;
+    setting.input = request("out/2.dita");
+    const CommandResult result = run(
+        {"host", "1.json", "bad.json", "-", "--open-documents", open, "--catalog", "catalog.xml"},
+        setting);
+    const std::string good = R"({"values":[{"type":1,"value":0},{"type":6,"value":[")" +
+                             folder_.file("docs/a.dita") +
+                             R"("]},{"type":15,"value":[7]},{"type":15,"value":[8]}]})"
+                             "\n";
+    EXPECT_EQ(result.out, good + kRefusal + good);
+    EXPECT_EQ(result.err, std::string(kProgress) + kProgress);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(folder_.read("out/1.dita"), folder_.read("out/2.dita"));
+}
+
+TEST_F(CommandTest, HostEndsWellWhenEveryStatusIsGood) {
+    CommandSetting setting;
+    setting.input = request("out/m.dita");
+    const CommandResult result = run({"host", "-", "--catalog", "catalog.xml"}, setting);
+    EXPECT_EQ(result.out,
+              R"({"values":[{"type":1,"value":0},{"type":6,"value":[]},{"type":15,"value":[]},)"
+              R"({"type":15,"value":[]}]})"
+              "\n");
+    EXPECT_EQ(result.code, 0);
+}
+
+TEST_F(CommandTest, HostTracesARefusedRequest) {
+    const CommandResult result = run({"host", "-", "--trace", "trace.jsonl"});
+    EXPECT_EQ(result.out, kRefusal);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(traceLines("trace.jsonl"),
+              (Texts{R"({"op":"HostEnableUnicode","on":1})",
+                     R"({"op":"HostRegisterNotification","notification":13,"state":1,"result":0})",
+                     R"({"op":"HostReturnTypedValue","values":[{"type":1,"value":-43},)"
+                     R"({"type":6,"value":[]},{"type":15,"value":[]},{"type":15,"value":[]}]})"}));
+}
+
+TEST_F(CommandTest, HostTracesHowDtdsAreFound) {
+    CommandSetting setting;
+    setting.input = request("out/m.dita");
+    const auto hasLine = [this](const std::string& trace, const std::string& line) {
+        const Texts lines = traceLines(trace);
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
+    };
+    const std::string question =
+        R"({"op":"HostCallClientTyped","client":"XmlUtilities","command":)"
+        R"("EntityResolver resolveentity -publicid \"-//OASIS//DTD DITA Map//EN\"","reply":)";
+    const std::string start = R"({"op":"HostCallClient","client":"XmlUtilities","command":)"
+                              R"("EntityResolver start -basefile \")" +
+                              folder_.file("docs/m.ditamap") + R"(\"","result":)";
+
+    run({"host", "-", "--trace", "1", "--catalog", "catalog.xml"}, setting);
+    EXPECT_TRUE(hasLine("1", start + "1}"));
+    EXPECT_TRUE(hasLine(
+        "1", question + R"([{"type":3,"value":")" + folder_.file("dtd/map.dtd") + R"("}]})"));
+    EXPECT_EQ(traceLines("1").back(), R"({"op":"HostCallClient","client":"XmlUtilities",)"
+                                      R"("command":"EntityResolver terminate","result":1})");
+
+    run({"host", "-", "--trace", "2", "--no-xml-utilities"}, setting);
+    EXPECT_TRUE(hasLine("2", start + "0}"));
+    EXPECT_TRUE(hasLine("2", question + "[]}"));
+}
+
+TEST_F(CommandTest, HostRefusesWrongUsageBeforeAnythingRuns) {
+    folder_.write("good.json", request("out/m.dita"));
+    folder_.write("open.json", "{}");
+    const auto refusal = [&](const Texts& arguments) {
+        Texts all{"host", "good.json"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const CommandResult result = run(all);
+        EXPECT_EQ(result.code, 2);
+        EXPECT_EQ(result.out, "");
+        return result.err;
+    };
+    const std::string help = "\nRun `marrowpress host --help` for help.\n";
+    EXPECT_EQ(refusal({"none.json"}),
+              "marrowpress host: REQUEST: none.json: No such file or directory" + help);
+    EXPECT_EQ(refusal({"docs"}), "marrowpress host: REQUEST: docs: Is a directory" + help);
+    EXPECT_EQ(refusal({"--catalog", "none.xml"}),
+              "marrowpress host: --catalog: none.xml: No such file or directory" + help);
+    EXPECT_EQ(refusal({"--open-documents", "open.json"}),
+              "marrowpress host: --open-documents: open.json: is not a JSON array" + help);
+    EXPECT_EQ(refusal({"--trace", "none/t"}),
+              "marrowpress host: --trace: cannot write none/t" + help);
+    EXPECT_FALSE(folder_.exists("out/m.dita"));
+}
+
+TEST_F(CommandTest, HostFailsWhenTheTraceCannotBeWritten) {
+    const CommandResult result = run({"host", "-", "--trace", "/dev/full"});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_TRUE(result.err.ends_with("marrowpress host: cannot write /dev/full\n")) << result.err;
+}
+
+}  // namespace
+}  // namespace marrowpress

@@ -1,0 +1,180 @@
+#include "tests/support/publication.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/json/serialize.hpp>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+#include "host/catalog_resolver.h"
+#include "host/client_session.h"
+#include "host/open_documents.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kCases = MARROWPRESS_PUBLISH_CASES;
+const fs::path kOwnCatalog = MARROWPRESS_TEST_CATALOG;
+const fs::path kModule = MARROWPRESS_CLIENT_MODULE;
+
+std::string readFile(const fs::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const fs::path& path, const std::string& text) {
+    fs::create_directories(path.parent_path());
+    std::ofstream stream(path, std::ios::binary);
+    stream << text;
+    EXPECT_TRUE(stream.flush()) << path << " can't be written";
+}
+
+void replaceAll(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t position = text.find(from); position != std::string::npos;
+         position = text.find(from, position + to.size())) {
+        text.replace(position, from.size(), to);
+    }
+}
+
+/// All files below `folder`, by relative path.
+std::map<std::string, std::string> readTree(const fs::path& folder) {
+    std::map<std::string, std::string> files;
+    if (!fs::exists(folder)) {
+        return files;
+    }
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
+        if (entry.is_regular_file()) {
+            files[fs::relative(entry.path(), folder).string()] = readFile(entry.path());
+        }
+    }
+    return files;
+}
+
+/// Gives generated ids names by the order of their appearance.
+class IdRenamer {
+public:
+    void rename(std::string& text) {
+        static const std::regex kId(
+            "id[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
+        std::string renamed;
+        auto behind = text.cbegin();
+        for (std::sregex_iterator match(text.begin(), text.end(), kId), end; match != end;
+             ++match) {
+            renamed.append(behind, (*match)[0].first);
+            const auto name = names_.emplace(match->str(), names_.size() + 1).first;
+            renamed += "id-" + std::to_string(name->second);
+            behind = (*match)[0].second;
+        }
+        renamed.append(behind, text.cend());
+        text = renamed;
+    }
+
+private:
+    std::map<std::string, std::size_t> names_;
+};
+
+std::string answerText(const std::optional<TypedValues>& answer) {
+    if (!answer) {
+        return "no answer\n";
+    }
+    std::string text;
+    for (const boost::json::value& value : toJson(*answer)) {
+        text += boost::json::serialize(value) + "\n";
+    }
+    return text;
+}
+
+}  // namespace
+
+PublicationCase::PublicationCase(const std::string& name) : folder_(kCases / name) {}
+
+Publication PublicationCase::publish() const {
+    const TemporaryFolder work;
+    fs::copy(folder_ / "input", work.path(), fs::copy_options::recursive);
+    const std::string workPath = work.path().string();
+
+    Publication result;
+    StandInHostOptions options;
+    CatalogResolver catalogs =
+        fs::exists(folder_ / "real-dtds")
+            ? CatalogResolver(defaultCatalogs())
+            : CatalogResolver(std::vector<std::string>{kOwnCatalog.string()});
+    options.resolvePublicId = [&](std::string_view publicId) {
+        return catalogs.resolvePublic(publicId);
+    };
+    options.onConsole = [&](std::string_view text) { result.console += text; };
+    options.onProgress = [&](std::string_view text) {
+        result.progress += text;
+        result.progress += '\n';
+    };
+    if (fs::exists(folder_ / "open.json")) {
+        std::string open = readFile(folder_ / "open.json");
+        replaceAll(open, "$CASE", workPath);
+        options.openDocuments = parseOpenDocuments(open);
+    }
+    std::string request = readFile(folder_ / "request.json");
+    replaceAll(request, "$CASE", workPath);
+    ClientSession session(std::move(options), kModule);
+    result.answer = answerText(session.send(request));
+
+    const std::map<std::string, std::string> input = readTree(folder_ / "input");
+    for (const auto& [path, text] : readTree(work.path())) {
+        const auto before = input.find(path);
+        if (before == input.end() || before->second != text) {
+            result.files[path] = text;
+        }
+    }
+    for (const auto& [path, text] : input) {
+        if (!work.exists(path)) {
+            result.files[path] = "(gone)";
+        }
+    }
+    IdRenamer ids;
+    const auto neutralize = [&](std::string& text) {
+        replaceAll(text, workPath, "$CASE");
+        ids.rename(text);
+    };
+    for (std::string* text : {&result.answer, &result.console, &result.progress}) {
+        replaceAll(*text, "\r\n", "\n");
+        neutralize(*text);
+    }
+    for (auto& [path, text] : result.files) {
+        neutralize(text);
+    }
+    return result;
+}
+
+Publication PublicationCase::golden(const Publication& actual) const {
+    const fs::path expected = folder_ / "expected";
+    const char* const update = std::getenv("MARROWPRESS_UPDATE_GOLDEN");
+    if (update && std::string(update) == "1") {
+        fs::remove_all(expected);
+        writeFile(expected / "answer.txt", actual.answer);
+        writeFile(expected / "console.txt", actual.console);
+        writeFile(expected / "progress.txt", actual.progress);
+        for (const auto& [path, text] : actual.files) {
+            writeFile(expected / "files" / path, text);
+        }
+    }
+    EXPECT_TRUE(fs::exists(expected / "answer.txt")) << "nothing is expected of " << folder_;
+    return {readFile(expected / "answer.txt"), readFile(expected / "console.txt"),
+            readFile(expected / "progress.txt"), readTree(expected / "files")};
+}
+
+std::vector<std::string> publicationCases() {
+    std::vector<std::string> names;
+    for (const fs::directory_entry& entry : fs::directory_iterator(kCases)) {
+        if (fs::exists(entry.path() / "request.json")) {
+            names.push_back(entry.path().filename().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/support/temporary_folder.h"
+
+namespace marrowpress {
+
+/// What a request came to, as text that can be compared: the working folder reads "$CASE", and
+/// generated ids read "id-1", "id-2", in the order in which they appear.
+struct Publication {
+    std::string answer;    ///< the typed values, one a line
+    std::string console;   ///< the report lines
+    std::string progress;  ///< the progress lines
+    /// What the run left behind beside its input, by path.
+    std::map<std::string, std::string> files;
+};
+
+/// A golden publication: a folder with a request, its input, and what is expected of it.
+///
+///     request.json   the request; "$CASE" in it is the working folder
+///     input/         copied to the working folder before the run
+///     open.json      the documents open in the host (may be missing)
+///     real-dtds      if it is there, the system's DITA DTDs are used and not the tests' own
+///     expected/      answer.txt, console.txt, progress.txt, files/
+class PublicationCase {
+public:
+    explicit PublicationCase(const std::string& name);
+
+    /// Publishes through the module, in a fresh copy of the input.
+    Publication publish() const;
+
+    /// What is expected. When MARROWPRESS_UPDATE_GOLDEN is 1, that becomes `actual` first.
+    Publication golden(const Publication& actual) const;
+
+private:
+    std::filesystem::path folder_;
+};
+
+/// The names of all cases.
+std::vector<std::string> publicationCases();
+
+}  // namespace marrowpress

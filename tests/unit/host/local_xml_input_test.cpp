@@ -1,0 +1,48 @@
+#include "host/local_xml_input.h"
+
+#include <gtest/gtest.h>
+
+namespace marrowpress {
+namespace {
+
+TEST(FileUriTest, EscapesWhatAUriCannotCarry) {
+    EXPECT_EQ(toFileUri("/a b/50%/ä?#[x].dtd"), "file:///a%20b/50%25/%C3%A4%3F%23%5Bx%5D.dtd");
+    EXPECT_EQ(toFileUri("/usr/share/a-1.0_b~/x.dtd"), "file:///usr/share/a-1.0_b~/x.dtd");
+}
+
+struct UriCase {
+    const char* name;
+    const char* uri;
+    const char* path;  // null: no local path
+};
+
+constexpr UriCase kCases[] = {
+    {"ThreeSlashes", "file:///dtd/map.dtd", "/dtd/map.dtd"},
+    {"OneSlash", "file:/dtd/map.dtd", "/dtd/map.dtd"},
+    {"Localhost", "file://localhost/dtd/map.dtd", "/dtd/map.dtd"},
+    {"Escapes", "file:///a%20b/%C3%a4.dtd", "/a b/ä.dtd"},
+    {"EscapedPercentOnce", "file:///50%2525", "/50%25"},
+    {"NoEscape", "file:///100%/%4", "/100%/%4"},
+    {"Fragment", "file:///map.dtd#x", "/map.dtd"},
+    {"OtherHost", "file://example.org/map.dtd", nullptr},
+    {"HostThatBeginsAlike", "file://localhost.example.org/map.dtd", nullptr},
+    {"Relative", "file:map.dtd", nullptr},
+    {"EscapedNul", "file:///a%00b", nullptr},
+    {"Http", "http://example.org/map.dtd", nullptr},
+    {"PlainPath", "/dtd/map.dtd", nullptr},
+    {"Empty", "", nullptr},
+};
+
+class FileUriCaseTest : public testing::TestWithParam<UriCase> {};
+
+TEST_P(FileUriCaseTest, BecomesAPath) {
+    const char* const expected = GetParam().path;
+    EXPECT_EQ(fileUriToPath(GetParam().uri),
+              expected == nullptr ? std::nullopt : std::optional<std::string>(expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(, FileUriCaseTest, testing::ValuesIn(kCases),
+                         [](const auto& c) { return std::string(c.param.name); });
+
+}  // namespace
+}  // namespace marrowpress
