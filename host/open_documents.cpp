@@ -10,6 +10,13 @@
 namespace marrowpress {
 namespace {
 
+std::string quoted(std::string_view name) {
+    std::string text = "\"";
+    text += name;
+    text += '"';
+    return text;
+}
+
 /// One element of the array, with errors that name its place.
 class EntryReader {
 public:
@@ -19,7 +26,7 @@ public:
         for (const auto& member : *object_) {
             const auto name = std::string_view(member.key());
             if (name != "id" && name != "path" && name != "flag") {
-                fail("has an unknown member \"" + std::string(name) + "\"");
+                fail("has an unknown member " + quoted(name));
             }
         }
     }
@@ -49,15 +56,15 @@ public:
 private:
     const boost::json::value& member(std::string_view name) const {
         const boost::json::value* const found = object_->if_contains(name);
-        if (found == nullptr) fail("\"" + std::string(name) + "\" is missing");
+        if (found == nullptr) fail(quoted(name) + " is missing");
         return *found;
     }
 
     std::int64_t integer(std::string_view name, std::int64_t lowest, std::int64_t highest) const {
         const std::int64_t* const number = member(name).if_int64();
         if (number == nullptr || *number < lowest || *number > highest) {
-            fail("\"" + std::string(name) + "\" is not an integer from " + std::to_string(lowest) +
-                 " to " + std::to_string(highest));
+            fail(quoted(name) + " is not an integer from " + std::to_string(lowest) + " to " +
+                 std::to_string(highest));
         }
         return *number;
     }
