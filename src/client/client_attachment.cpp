@@ -40,7 +40,7 @@ std::int32_t attachClient(void* module, IHostObject* provider, IHostObject* keep
     }
     initializeTextLayer();
     HostFinishMessageLoop = false;
-    client->keepAlive(keepAlive);
+    client->keptAlive = HostRef<IHostObject>::share(keepAlive);
     return kAttached;
 }
 

@@ -45,7 +45,8 @@ QsApiInterfacesC::QsApiInterfacesC(IHostObject& provider)
       console(HostRef<IHostConsole>::query(provider)) {}
 
 QsApiInterfacesC::QsApiInterfacesC(QsApiInterfacesC&& other) noexcept
-    : main(std::move(other.main)),
+    : keptAlive(std::move(other.keptAlive)),
+      main(std::move(other.main)),
       textSettings(std::move(other.textSettings)),
       modules(std::move(other.modules)),
       notifications(std::move(other.notifications)),

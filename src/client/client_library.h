@@ -76,6 +76,10 @@ public:
     /// The connected object, or null.
     static QsApiInterfacesC* connected() noexcept;
 
+    /// What the host asked to keep; null for nothing. Released behind all interfaces, whose code it
+    /// may keep loaded.
+    HostRef<IHostObject> keptAlive;
+
     HostRef<IHostMain> main;
     HostRef<IHostText> textSettings;
     HostRef<IHostModules> modules;

@@ -17,6 +17,7 @@ public:
     template <class... Arguments>
     explicit MessageLine(MessageId id, const Arguments&... arguments) {
         // The texts are this module's own, each with as many %s as its function has arguments.
+        // NOLINTNEXTLINE(clang-diagnostic-format-security): no text comes from outside
         std::snprintf(buffer_.data(), buffer_.size(), messageText(id).data(), arguments.c_str()...);
         length_ = std::strlen(buffer_.data());
     }

@@ -66,10 +66,6 @@ QuillstoneNotificationsC::QuillstoneNotificationsC(QsApiInterfacesC&& interfaces
     connect();
 }
 
-void QuillstoneNotificationsC::keepAlive(IHostObject* object) {
-    keptAlive_ = HostRef<IHostObject>::share(object);
-}
-
 std::uint32_t QuillstoneNotificationsC::callCount(Callback kind) const noexcept {
     return callCounts_[static_cast<std::size_t>(kind)];
 }

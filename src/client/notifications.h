@@ -59,9 +59,6 @@ public:
     static QuillstoneNotificationsC* create(QsApiInterfacesC&& interfaces,
                                             const ClientCallbacks& callbacks);
 
-    /// Holds a reference on `object`, which may be null, until this object ends.
-    void keepAlive(IHostObject* object);
-
     std::uint32_t callCount(Callback kind) const noexcept;
 
     ComStatus queryInterface(const InterfaceId& id, void** object) override;
@@ -84,7 +81,6 @@ private:
                 std::int32_t number);
 
     ClientCallbacks callbacks_;
-    HostRef<IHostObject> keptAlive_;
     std::atomic<std::uint32_t> references_{1};
     std::array<std::uint32_t, static_cast<std::size_t>(Callback::kCount)> callCounts_{};
 };

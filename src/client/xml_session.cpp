@@ -22,12 +22,25 @@ public:
     }
 };
 
+/// Whether an initialisation has failed. Xerces then takes itself for initialised while it is only
+/// in part, and can neither be used nor be terminated any more.
+bool isPlatformBroken = false;
+
+void initializePlatform() {
+    static ThrowingPanicHandler panicHandler;
+    if (isPlatformBroken) {
+        throw std::runtime_error("the XML platform could not be initialised before");
+    }
+    isPlatformBroken = true;
+    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
+                                          &panicHandler);
+    isPlatformBroken = false;
+}
+
 }  // namespace
 
 XmlSession::XmlSession() {
-    static ThrowingPanicHandler panicHandler;
-    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                          &panicHandler);
+    initializePlatform();
     isPlatformInitialized_ = true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "client/messages.h"
 #include "publish/composite_assembly.h"
+#include "references/dom_children.h"
 #include "references/reference_resolution.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -30,16 +31,6 @@ DitaDocKind kindOf(const DitaReference& reference, const DOMElement& node) {
     }
     return classifyDocument(
         DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node)));
-}
-
-/// The children as they are now: what is appended later, by an import from the very document that
-/// is built, isn't among them.
-std::vector<DOMNode*> childrenOf(const DOMElement& element) {
-    std::vector<DOMNode*> children;
-    for (DOMNode* child = element.getFirstChild(); child; child = child->getNextSibling()) {
-        children.push_back(child);
-    }
-    return children;
 }
 
 }  // namespace

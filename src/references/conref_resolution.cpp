@@ -1,9 +1,221 @@
 #include "references/conref_resolution.h"
 
-namespace marrowpress {
+#include <string>
+#include <vector>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
 
-void ConrefProcessor::resolveConrefs(xercesc::DOMElement* /*root*/,
-                                     xercesc::DOMDocument& /*keyDoc*/,
-                                     TopicIdMap& /*topicIds*/) const {}
+#include "client/messages.h"
+#include "references/conref_lineage.h"
+#include "references/conref_target.h"
+#include "references/dom_children.h"
+#include "references/element_walker.h"
+#include "references/reference_resolution.h"
+#include "support/xerces_ptr.h"
+#include "xml/document_store.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::DOMNodeFilter;
+
+std::u16string attributeOf(const DOMElement& element, const XMLCh* name) {
+    return std::u16string(domText(element.getAttribute(name)));
+}
+
+void removeConref(DOMElement& element) {
+    element.removeAttribute(u"conref");
+    element.removeAttribute(u"conrefend");
+}
+
+void removeChildren(DOMElement& element) {
+    while (DOMNode* const child = element.getFirstChild()) {
+        element.removeChild(child);
+    }
+}
+
+/// Whether the "href" of `source` counts whatever the other side has.
+bool hasOverridingHref(const DOMElement& source) {
+    return ImageNodeFilter().acceptNode(&source) == DOMNodeFilter::FILTER_ACCEPT ||
+           LinkNodeFilter().acceptNode(&source) == DOMNodeFilter::FILTER_ACCEPT ||
+           XrefNodeFilter().acceptNode(&source) == DOMNodeFilter::FILTER_ACCEPT;
+}
+
+bool isTaken(const DOMElement& destination, const DOMElement& source, const XMLCh* name) {
+    const std::u16string_view attribute = domText(name);
+    if (attribute == u"id" || attribute == u"class") {
+        return false;
+    }
+    if (attribute == u"href" && hasOverridingHref(source)) {
+        return true;
+    }
+    const std::u16string_view present = domText(destination.getAttribute(name));
+    return present.empty() || present == u"-dita-use-conref-target";
+}
+
+}  // namespace
+
+/// One walk over the content references of a subtree.
+class ConrefWalk {
+public:
+    ConrefWalk(const ConrefProcessor& processor, DOMDocument& document, DOMDocument& keyDoc,
+               TopicIdMap& topicIds)
+        : processor_(processor), document_(document), keyDoc_(keyDoc), topicIds_(topicIds) {}
+
+    /// Follows the reference of `element`, on which the walk stands.
+    void resolve(DOMElement& element);
+
+private:
+    /// What a reference leads to: a range of siblings that begins with an element.
+    struct Target {
+        DOMDocument& document;
+        DOMElement& start;
+        DOMNode* stop;    ///< the first node behind the range; null for the end of the siblings
+        bool isExternal;  ///< the reference names a file
+    };
+
+    DOMDocument* targetDocument(const HrefParts& reference) const;
+    void replace(DOMElement& element, const Target& target);
+    void insertRange(DOMElement& element, const Target& target);
+    void insertMember(DOMElement& member, const DOMElement& element, DOMNode* before,
+                      const Target& target);
+    void copyContent(DOMElement& to, DOMElement& from);
+    void adopt(DOMElement& copy, const Target& target);
+
+    const ConrefProcessor& processor_;
+    DOMDocument& document_;
+    DOMDocument& keyDoc_;
+    TopicIdMap& topicIds_;
+    ConrefLineage lineage_;
+};
+
+void ConrefWalk::resolve(DOMElement& element) {
+    const std::u16string conref = attributeOf(element, u"conref");
+    const std::u16string conrefend = attributeOf(element, u"conrefend");
+    const HrefParts reference = splitHref(conref);
+    const HrefParts rangeEnd = splitHref(conrefend);
+    DOMDocument* const document = targetDocument(reference);
+    if (!document) {
+        return;
+    }
+    const std::u16string tagName(domText(element.getTagName()));
+    DOMElement* const start = findConrefTarget(*document, &reference, tagName);
+    if (start && lineage_.isEndless(element, *start)) {
+        reportElementNotFound(tagName,
+                              reference.elementId.empty() ? reference.topicId : reference.elementId,
+                              *document);
+        removeConref(element);
+        return;
+    }
+    const DOMElement* const end =
+        findConrefTarget(*document, conrefend.empty() ? nullptr : &rangeEnd, tagName);
+    if (!start) {
+        removeConref(element);
+        return;
+    }
+    const bool isRange = end && end->getParentNode() == start->getParentNode();
+    if (!isRange && !conrefend.empty()) {
+        ReportMessenger::instance().reportInvalidConrefEnd();
+    }
+    DOMNode* const stop = isRange ? end->getNextSibling() : start->getNextSibling();
+    if (stop == start) {
+        removeConref(element);
+        return;
+    }
+    replace(element, {*document, *start, stop, !reference.path.empty()});
+}
+
+/// The document that the reference names, its own where it names none; null when it can't be
+/// loaded.
+DOMDocument* ConrefWalk::targetDocument(const HrefParts& reference) const {
+    const std::u16string path =
+        reference.path.empty() ? std::u16string() : toAbsolutePath(reference.path, document_);
+    return path.empty() ? &document_ : DocumentStore::instance().getOrLoad(path);
+}
+
+void ConrefWalk::replace(DOMElement& element, const Target& target) {
+    lineage_.follow(element);
+    removeChildren(element);
+    removeConref(element);
+    insertRange(element, target);
+    copyContent(element, target.start);
+    mergeAttributes(element, target.start);
+    adopt(element, target);
+}
+
+/// Puts copies of the range behind its start behind `element`.
+void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
+    DOMNode* const parent = element.getParentNode();
+    DOMNode* const before = element.getNextSibling();
+    // Listed first, so that no copy becomes part of the range that it is made from.
+    std::vector<DOMNode*> members;
+    for (DOMNode* member = target.start.getNextSibling(); member && member != target.stop;
+         member = member->getNextSibling()) {
+        members.push_back(member);
+    }
+    for (DOMNode* const member : members) {
+        if (member->getNodeType() == DOMNode::ELEMENT_NODE) {
+            insertMember(static_cast<DOMElement&>(*member), element, before, target);
+        } else {
+            parent->insertBefore(document_.importNode(member, true), before);
+        }
+    }
+}
+
+void ConrefWalk::insertMember(DOMElement& member, const DOMElement& element, DOMNode* before,
+                              const Target& target) {
+    DOMElement& copy = *document_.createElement(member.getTagName());
+    mergeAttributes(copy, element);
+    element.getParentNode()->insertBefore(&copy, before);
+    lineage_.recordRangeMember(member, copy);
+    copyContent(copy, member);
+    mergeAttributes(copy, member);
+    adopt(copy, target);
+}
+
+void ConrefWalk::copyContent(DOMElement& to, DOMElement& from) {
+    for (DOMNode* const child : childrenOf(from)) {
+        DOMNode* const copy = to.appendChild(document_.importNode(child, true));
+        if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
+            lineage_.recordContent(static_cast<DOMElement&>(*child),
+                                   static_cast<DOMElement&>(*copy), from);
+        }
+    }
+}
+
+/// Brings what came from another file to the state of the rest of the document.
+void ConrefWalk::adopt(DOMElement& copy, const Target& target) {
+    if (target.isExternal) {
+        processor_.normalizer_.normalizeSubtree(&copy, target.document, topicIds_);
+        processor_.keyrefs_.resolveAllKeyrefs(&copy, keyDoc_);
+        processor_.updater_.rewriteReferences(&copy, topicIds_);
+    }
+}
+
+void ConrefProcessor::resolveConrefs(DOMElement* root, DOMDocument& keyDoc,
+                                     TopicIdMap& topicIds) const {
+    if (!root) {
+        return;
+    }
+    ConrefWalk walk(*this, *root->getOwnerDocument(), keyDoc, topicIds);
+    // Live, so that references in what was copied are followed as well.
+    ElementWalker walker(root, conrefFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        walk.resolve(*element);
+    }
+}
+
+void mergeAttributes(DOMElement& destination, const DOMElement& source) {
+    const xercesc::DOMNamedNodeMap& attributes = *source.getAttributes();
+    for (XMLSize_t index = 0; index < attributes.getLength(); ++index) {
+        const DOMNode& attribute = *attributes.item(index);
+        const std::u16string value(domText(attribute.getNodeValue()));
+        if (!value.empty() && isTaken(destination, source, attribute.getNodeName())) {
+            destination.setAttribute(attribute.getNodeName(), value.c_str());
+        }
+    }
+}
 
 }  // namespace marrowpress

@@ -160,7 +160,7 @@ void ReferenceNormalizer::regenerateTopicIds(DOMElement* root, const std::u16str
         const std::u16string newId = TopicIdGenerator::instance().nextTopicId();
         element->setAttribute(u"id", newId.c_str());
         // A topic that is taken in again gets an id of its own, but references lead to the first.
-        topicIds.add(basePath + u"#" + oldId, u"#" + newId);
+        topicIds.add(std::u16string(basePath).append(u"#").append(oldId), u"#" + newId);
     }
 }
 

@@ -1,8 +1,135 @@
 #include "references/keyref_resolution.h"
 
-namespace marrowpress {
+#include <string>
 
-void KeyrefProcessor::resolveAllKeyrefs(xercesc::DOMElement* /*root*/,
-                                        xercesc::DOMDocument& /*keyDoc*/) const {}
+#include "references/element_walker.h"
+#include "references/key_chains.h"
+#include "references/key_definitions.h"
+#include "references/multimedia_references.h"
+#include "references/reference_resolution.h"
+#include "support/xerces_ptr.h"
+#include "xml/grammar_parser_cache.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+
+/// Under this name a key space document remembers that a chain pass found nothing in it.
+constexpr const XMLCh* kChainsAreResolved = u"marrowpress-key-chains-are-resolved";
+
+std::u16string attributeOf(const DOMElement& element, const XMLCh* name) {
+    return std::u16string(domText(element.getAttribute(name)));
+}
+
+/// The end of a content reference's range, in the file of its start.
+std::u16string conrefendFor(const std::u16string& conref, const std::u16string& conrefend) {
+    const HrefParts start = splitHref(conref);
+    const HrefParts end = splitHref(conrefend);
+    if (start.elementId.empty()) {
+        return std::u16string(start.path).append(u"#").append(end.topicId);
+    }
+    return joinHref(start).append(u"/").append(end.elementId);
+}
+
+}  // namespace
+
+void KeyrefProcessor::resolveAllKeyrefs(DOMElement* root, DOMDocument& keyDoc) const {
+    resolveKeyDefinitionChains(root, keyDoc);
+    resolveMultimediaKeyrefs(root, keyDoc);
+    resolveAbbreviatedForms(root, keyDoc);
+    resolveImageKeyrefs(root, keyDoc);
+    resolveElementKeyrefs(root, keyDoc);
+    resolveConkeyrefs(root, keyDoc);
+}
+
+void KeyrefProcessor::resolveKeyDefinitionChains(DOMElement* root, DOMDocument& keyDoc) const {
+    if (!root) {
+        return;
+    }
+    const ParserBundle& dtd =
+        GrammarParserCache::instance().parserForDocument(*root->getOwnerDocument());
+    const bool changesKeySpace = root->getOwnerDocument() == &keyDoc;
+    if (changesKeySpace) {
+        forgetThatKeyChainsAreResolved(keyDoc);
+    } else if (keyDoc.getUserData(kChainsAreResolved)) {
+        // Nothing has changed the key space since a pass found no reference in it. The walk would
+        // only repeat that, once for each content reference to another file.
+        return;
+    }
+    const std::size_t followed = KeyChainPass(keyDoc, dtd).run();
+    if (followed == 0 && !changesKeySpace) {
+        keyDoc.setUserData(kChainsAreResolved, &keyDoc, nullptr);
+    }
+}
+
+void KeyrefProcessor::resolveMultimediaKeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+    ElementWalker walker(root, multimediaKeyrefFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const MultimediaNodeHandler& handler =
+            multimediaNodeHandler(multimediaKeyrefFilter_.getType(element));
+        const std::u16string href = resolveKeyHref(keyDoc, handler.getKeyrefValue(*element));
+        if (!href.empty()) {
+            handler.setRefValue(*element, href);
+        }
+        handler.removeKeyrefAttr(*element);
+    }
+}
+
+void KeyrefProcessor::resolveAbbreviatedForms(DOMElement* root, const DOMDocument& keyDoc) const {
+    ElementWalker walker(root, abbreviatedFormFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const std::u16string href = resolveKeyHref(keyDoc, attributeOf(*element, u"keyref"));
+        if (!href.empty()) {
+            element->setAttribute(u"xtrf", href.c_str());
+        }
+        element->setAttribute(u"keyref", std::u16string(kIgnoreKeyref).c_str());
+    }
+}
+
+void KeyrefProcessor::resolveImageKeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+    ElementWalker walker(root, imageFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const std::u16string href = resolveKeyHref(keyDoc, attributeOf(*element, u"keyref"));
+        if (!href.empty()) {
+            element->setAttribute(u"href", href.c_str());
+        }
+        element->removeAttribute(u"keyref");
+    }
+}
+
+void KeyrefProcessor::resolveElementKeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+    if (!root) {
+        return;
+    }
+    // Collected first: what an element gets from its definition is not for this run to resolve.
+    const std::vector<DOMElement*> elements = collectElements(root, keyrefFilter_);
+    const ParserBundle& dtd =
+        GrammarParserCache::instance().parserForDocument(*root->getOwnerDocument());
+    for (DOMElement* const element : elements) {
+        const std::u16string keyReference = attributeOf(*element, u"keyref");
+        applyKeyDefinition(*element, findKeyDefinition(keyDoc, keyNameOf(keyReference)), dtd);
+    }
+}
+
+void KeyrefProcessor::resolveConkeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+    ElementWalker walker(root, conkeyrefFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const std::u16string conref = resolveKeyHref(keyDoc, attributeOf(*element, u"conkeyref"));
+        const std::u16string conrefend = attributeOf(*element, u"conrefend");
+        if (!conref.empty()) {
+            element->setAttribute(u"conref", conref.c_str());
+            if (!splitHref(conrefend).elementId.empty()) {
+                element->setAttribute(u"conrefend", conrefendFor(conref, conrefend).c_str());
+            }
+        }
+        element->removeAttribute(u"conkeyref");
+    }
+}
+
+void forgetThatKeyChainsAreResolved(DOMDocument& keyDoc) {
+    keyDoc.setUserData(kChainsAreResolved, nullptr, nullptr);
+}
 
 }  // namespace marrowpress

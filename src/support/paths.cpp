@@ -77,7 +77,7 @@ std::vector<std::u16string_view> normalNames(const std::vector<std::u16string_vi
             kept.pop_back();
             endsInSeparator = true;
         } else if (!hasRootDirectory) {
-            kept.push_back(name);
+            kept.push_back(u"..");
         }
     }
     if (endsInSeparator && !kept.empty() && kept.back() != u"..") {

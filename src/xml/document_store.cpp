@@ -5,6 +5,7 @@
 #include "references/element_walker.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
+#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -68,6 +69,9 @@ xercesc::DOMDocument& DocumentStore::mustLoad(const std::u16string& path) {
 xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
     try {
         xercesc::DOMDocument* const document = loader_.parseFile(path, ParserBundle::kAllRetries);
+        if (document && isNestedTooDeeply(document->getDocumentElement())) {
+            return nullptr;
+        }
         documents_.emplace(path, document);
         removeFiltered(document);
         return document;

@@ -58,7 +58,8 @@ public:
 
     /// The document of the file at `path`; null, after message 106, when it can't be read. It is
     /// the store's. Never throws for a file that can't be read: each further request for it tries,
-    /// and reports, again. The empty path is reported once.
+    /// and reports, again. The empty path is reported once. A document that nests too deeply to be
+    /// worked on counts as one that can't be read.
     xercesc::DOMDocument* getOrLoad(const std::u16string& path);
 
     /// As `getOrLoad`, for a document without which a run can't go on.
@@ -79,7 +80,7 @@ private:
     std::unordered_map<std::u16string, xercesc::DOMDocument*> documents_;
     OpenDocumentRecords touchedOpenDocuments_;
     ParserBundle loader_;
-    /// What it accepts is taken out of each document as it is loaded; nothing sets it so far.
+    /// What it accepts is taken out of each document as it is loaded. Null in this system.
     std::unique_ptr<xercesc::DOMNodeFilter> loadFilter_;
 };
 

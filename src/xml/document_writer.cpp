@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 #include <system_error>
 #include <xercesc/dom/DOM.hpp>
 
@@ -11,6 +12,7 @@
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/checked_file_target.h"
+#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -33,6 +35,9 @@ XercesPtr<xercesc::DOMLSSerializer> makeSerializer(xercesc::DOMImplementation& i
 
 void serialize(xercesc::DOMImplementation& implementation, const xercesc::DOMDocument& document,
                const std::u16string& path) {
+    if (isNestedTooDeeply(document.getDocumentElement())) {
+        throw std::length_error("elements nest too deeply");
+    }
     const XercesPtr<xercesc::DOMLSSerializer> serializer = makeSerializer(implementation);
     const XercesPtr<xercesc::DOMLSOutput> output(
         implementation.createLSOutput(xercesc::XMLPlatformUtils::fgMemoryManager));
@@ -113,7 +118,7 @@ void writeEmptyDocument(const std::string& rootName, const std::string& publicId
         document.reset(implementation->createDocument(nullptr, root.c_str(), doctype.get(),
                                                       xercesc::XMLPlatformUtils::fgMemoryManager));
         // The document owns it now.
-        doctype.release();
+        static_cast<void>(doctype.release());
     }
     static_cast<void>(writeDocument(document.get(), path));
 }

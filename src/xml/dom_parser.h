@@ -72,6 +72,7 @@ public:
     xercesc::DOMDocument* parseFile(const std::u16string& path, unsigned retryMask);
 
     QSXercesDOMParser& parser() { return *parser_; }
+    const QSXercesDOMParser& parser() const { return *parser_; }
 
 private:
     xercesc::DOMDocument* parseOnce(const std::u16string& path);

@@ -19,6 +19,8 @@ namespace marrowpress {
 namespace {
 
 constexpr const char* kXmlUtilities = "XmlUtilities";
+constexpr const char* kEndCommand = "EntityResolver end";
+constexpr const char* kTerminateCommand = "EntityResolver terminate";
 
 std::string quoted(std::string_view value) {
     std::string text = "\"";
@@ -29,7 +31,7 @@ std::string quoted(std::string_view value) {
 
 /// The path that a reply names: the text of its one value. Empty for any other reply.
 std::string pathInReply(const HostTypedValueList& reply) {
-    if (reply.count != 1 || reply.values[0].type != HostValueType::kString ||
+    if (reply.count != 1 || !reply.values || reply.values[0].type != HostValueType::kString ||
         !reply.values[0].value.string) {
         return {};
     }
@@ -79,8 +81,8 @@ std::optional<std::u16string> engineFile(const xercesc::XMLResourceIdentifier& i
         const xercesc::LocalFileInputSource source(base, path.getRawBuffer());
         return std::u16string(domText(source.getSystemId()));
     }
-    const std::u16string_view host = domText(url.getHost());
-    const bool isLocal = host.empty() || host == u"localhost";
+    const bool isLocal = domText(url.getHost()).empty() ||
+                         xercesc::XMLString::compareIStringASCII(url.getHost(), u"localhost") == 0;
     if (url.getProtocol() != xercesc::XMLURL::File || !isLocal) {
         return std::nullopt;
     }
@@ -99,11 +101,11 @@ std::string EntityResolverCommands::startCommand(std::string_view path) {
 }
 
 std::string EntityResolverCommands::endCommand() {
-    return "EntityResolver end";
+    return kEndCommand;
 }
 
 std::string EntityResolverCommands::terminateCommand() {
-    return "EntityResolver terminate";
+    return kTerminateCommand;
 }
 
 std::string EntityResolverCommands::resolveCommand(std::string_view publicId,
@@ -119,12 +121,12 @@ void sendStart(std::u16string_view path) {
     HostCallClient(kXmlUtilities, EntityResolverCommands::startCommand(toUtf8(path)).c_str());
 }
 
-void sendEnd() {
-    HostCallClient(kXmlUtilities, EntityResolverCommands::endCommand().c_str());
+void sendEnd() noexcept {
+    HostCallClient(kXmlUtilities, kEndCommand);
 }
 
-void sendTerminate() {
-    HostCallClient(kXmlUtilities, EntityResolverCommands::terminateCommand().c_str());
+void sendTerminate() noexcept {
+    HostCallClient(kXmlUtilities, kTerminateCommand);
 }
 
 xercesc::InputSource* QSXMLEntityResolver::resolveEntity(

@@ -24,10 +24,10 @@ public:
 /// Tells "XmlUtilities" that the questions to come are about the document at `path`, until
 /// `sendEnd`.
 void sendStart(std::u16string_view path);
-void sendEnd();
+void sendEnd() noexcept;
 
 /// Tells "XmlUtilities" that a parser has gone.
-void sendTerminate();
+void sendTerminate() noexcept;
 
 /// Finds the files of external entities: at their system identifier if a file
 /// is there, else by asking "XmlUtilities" for the public identifier.

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+
+namespace marrowpress {
+
+/// Pulls parts of maps into one map, in place of the references to them, and
+/// remembers what it has pulled, so that a part that refers to itself, directly
+/// or by way of others, is pulled once and not without end.
+class PulledFragments {
+public:
+    /// Puts a copy of the element of `target` whose "id" is `id` right behind `reference`. Does
+    /// nothing when there is no such element, or when the reference stands inside it or inside a
+    /// copy of it. `reference` itself stays.
+    void pull(xercesc::DOMElement& reference, const xercesc::DOMDocument& target,
+              std::u16string_view id);
+
+private:
+    /// A part by its map and id: copies keep their ids.
+    struct Fragment {
+        const xercesc::DOMDocument* map;
+        std::u16string id;
+
+        friend bool operator==(const Fragment&, const Fragment&) = default;
+    };
+
+    bool standsInside(const xercesc::DOMElement& reference, const xercesc::DOMElement& element,
+                      const Fragment& fragment) const;
+
+    std::unordered_map<const xercesc::DOMNode*, Fragment> copies_;
+};
+
+}  // namespace marrowpress

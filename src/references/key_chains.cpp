@@ -1,0 +1,114 @@
+#include "references/key_chains.h"
+
+#include <vector>
+#include <xercesc/dom/DOMUserDataHandler.hpp>
+
+#include "references/element_walker.h"
+#include "references/key_definitions.h"
+#include "support/xerces_ptr.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNode;
+using xercesc::DOMNodeFilter;
+
+/// Under this name an element remembers the definition that its content was pulled from.
+constexpr const XMLCh* kPulledFrom = u"marrowpress-pulled-from";
+
+/// Lets copies of an element remember what the element does.
+class MemoryOfCopies final : public xercesc::DOMUserDataHandler {
+public:
+    void handle(DOMOperationType operation, const XMLCh* key, void* data, const DOMNode* /*source*/,
+                DOMNode* copy) override {
+        if (operation == NODE_IMPORTED || operation == NODE_CLONED) {
+            copy->setUserData(key, data, this);
+        }
+    }
+
+    static MemoryOfCopies& instance() {
+        static MemoryOfCopies memory;
+        return memory;
+    }
+};
+
+}  // namespace
+
+std::size_t KeyChainPass::run() {
+    std::size_t followed = 0;
+    ElementWalker walker(keyDoc_.getDocumentElement(), topicrefFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const bool isReference = keyrefFilter_.acceptNode(element) == DOMNodeFilter::FILTER_ACCEPT;
+        if (isReference && !states_.contains(element)) {
+            followChain(*element);
+            ++followed;
+        }
+    }
+    return followed;
+}
+
+void KeyChainPass::followChain(DOMElement& start) {
+    std::vector<Link> links;
+    const DOMElement* const end = chainEnd(&start, links);
+    // From the end of the chain back to its start, so that each link gets what the next has become.
+    for (; !links.empty(); links.pop_back()) {
+        const Link& link = links.back();
+        apply(*link.element, link.target);
+        states_[link.element] = end ? State::kResolved : State::kFailed;
+    }
+}
+
+/// Follows the references from `element`, collecting them in `links`. Gives the definition that
+/// ends the chain; null when the chain doesn't end in one.
+DOMElement* KeyChainPass::chainEnd(DOMElement* element, std::vector<Link>& links) {
+    while (element) {
+        const auto [entry, isNew] = states_.emplace(element, State::kInProgress);
+        if (!isNew && entry->second != State::kResolved) {
+            apply(*element, nullptr);
+            return nullptr;
+        }
+        if (!isNew) {
+            // A finished definition has no reference left. That it is looked for all the same costs
+            // a line for an empty key name, and lets the chain that led here count as failed.
+            DOMElement* const target = targetOf(*element);
+            apply(*element, target);
+            return target;
+        }
+        if (keyrefFilter_.acceptNode(element) != DOMNodeFilter::FILTER_ACCEPT) {
+            entry->second = State::kResolved;
+            return element;
+        }
+        links.push_back({element, targetOf(*element)});
+        element = links.back().target;
+    }
+    return nullptr;
+}
+
+/// The definition of the whole reference: a chain with an element part leads nowhere.
+DOMElement* KeyChainPass::targetOf(const DOMElement& element) const {
+    return findKeyDefinition(keyDoc_, domText(element.getAttribute(u"keyref")));
+}
+
+void KeyChainPass::apply(DOMElement& element, DOMElement* definition) {
+    const bool isEndless = definition && standsInside(element, *definition);
+    const bool wasEmpty = !element.hasChildNodes();
+    applyKeyDefinition(element, definition, dtd_,
+                       isEndless ? KeyContent::kLeave : KeyContent::kPull);
+    if (wasEmpty && element.hasChildNodes()) {
+        element.setUserData(kPulledFrom, definition, &MemoryOfCopies::instance());
+    }
+}
+
+/// Whether `element` is part of the definition or of content that was pulled from it: with that
+/// content it would get itself, and so on without end, for the walk goes on into what it gets.
+bool KeyChainPass::standsInside(const DOMElement& element, const DOMElement& definition) const {
+    for (const DOMNode* node = &element; node; node = node->getParentNode()) {
+        if (node == &definition || node->getUserData(kPulledFrom) == &definition) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace marrowpress
