@@ -8,6 +8,7 @@
 #include "client/host_operations.h"
 #include "client/xml_session.h"
 #include "publish/composite_publisher.h"
+#include "publish/flat_book_publisher.h"
 #include "publish/publish_params.h"
 #include "publish/publish_result.h"
 
@@ -26,6 +27,7 @@ const PublishParamsFactories& factoryList() {
 Publishers makePublishers() {
     Publishers publishers;
     publishers.push_back(std::make_unique<CompositeDocPublisher>());
+    publishers.push_back(std::make_unique<FlatBookPublisher>());
     return publishers;
 }
 

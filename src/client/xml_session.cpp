@@ -5,6 +5,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "client/messages.h"
+#include "profiling/condition_merge.h"
 #include "references/direct_references.h"
 #include "references/node_filters.h"
 #include "support/request_singleton.h"
@@ -55,6 +56,7 @@ XmlSession::~XmlSession() {
     RequestSingleton<ProgressMessenger>::destroy();
     RequestSingleton<ReportMessenger>::destroy();
     RequestSingleton<ExclusionFilterHolder>::destroy();
+    RequestSingleton<ConditionRenamer>::destroy();
     xercesc::XMLPlatformUtils::Terminate();
     isPlatformInitialized_ = false;
 }

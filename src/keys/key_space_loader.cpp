@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "keys/pulled_fragments.h"
+#include "profiling/ditaval_filters.h"
 #include "references/conref_resolution.h"
 #include "references/element_walker.h"
 #include "references/keyref_resolution.h"
@@ -25,6 +26,7 @@ DOMDocument& KeySpaceLoader::load(const std::u16string& mapPath,
     DOMDocument& keySpace = DocumentStore::instance().mustLoad(keySpaceDocPath);
     mapRefFilter_.setContext(&keySpace);
     gatherKeys(DocumentStore::instance().mustLoad(mapPath), keySpace, topicIds);
+    removeExcludedElements(keySpace);
     DOMElement* const root = keySpace.getDocumentElement();
     KeyrefProcessor().resolveAllKeyrefs(root, keySpace);
     ConrefProcessor().resolveConrefs(root, keySpace, topicIds);

@@ -1,6 +1,8 @@
 #include "publish/composite_assembly.h"
 
 #include "client/messages.h"
+#include "profiling/condition_merge.h"
+#include "profiling/ditaval_filters.h"
 #include "publish/topicref_walk.h"
 #include "references/reference_resolution.h"
 #include "support/text.h"
@@ -84,6 +86,9 @@ DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, DOMDocu
     keyrefs_.resolveAllKeyrefs(root, keyDoc);
     updater_.rewriteReferences(root, request.idMap);
     conrefs_.resolveConrefs(root, keyDoc, request.idMap);
+    writeConditionPIs(request.conditions, root);
+    request.conditions.clear();
+    removeExcludedElements(*document);
     return document;
 }
 
@@ -99,7 +104,7 @@ void CompositeDocAssembler::createBody(DOMElement* start, DOMDocument& keyDoc,
     if (!root->hasChildNodes()) {
         addDocumentShell(*root, request.sourcePath);
     }
-    TopicrefWalk(*this, keyDoc, request.idMap).run(*root, start);
+    TopicrefWalk(*this, keyDoc, request).run(*root, start);
 }
 
 void CompositeDocAssembler::addDocumentShell(DOMElement& root,

@@ -4,6 +4,7 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "profiling/condition_merge.h"
 #include "references/conref_resolution.h"
 #include "references/direct_references.h"
 #include "references/keyref_resolution.h"
@@ -35,6 +36,8 @@ struct CompositeDocRequest {
     std::u16string doctypeSystemId;
     bool usePrint = false;
     TopicIdMap idMap;  ///< filled by the assembly
+    /// The conditional text of the sources; merged only if it is enabled there.
+    ConditionMergeState conditions;
 };
 
 /// Builds composite documents: walks the references of a map, takes in each

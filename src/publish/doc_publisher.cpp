@@ -5,6 +5,7 @@
 
 #include "client/messages.h"
 #include "keys/key_space_loader.h"
+#include "profiling/ditaval.h"
 #include "references/conref_resolution.h"
 #include "references/direct_references.h"
 #include "references/keyref_resolution.h"
@@ -17,14 +18,25 @@
 namespace marrowpress {
 namespace {
 
-/// Sets up what profiling excludes from this run; nothing, also when the profile can't be read.
+/// The filter that the profile of the run describes; null without one, also when it can't be read.
+std::unique_ptr<xercesc::DOMNodeFilter> readProfile(const PublishParams& params) {
+    const std::u16string ditaVal = params.getDitaVal();
+    const xercesc::DOMDocument* const profile =
+        ditaVal.empty() ? nullptr : DocumentStore::instance().getOrLoad(ditaVal);
+    if (!profile) {
+        return nullptr;
+    }
+    DitaValReader reader;
+    reader.readDefaultAction(*profile);
+    reader.readAttributeRules(*profile);
+    reader.readValueRules(*profile);
+    return reader.buildExcludeFilter();
+}
+
+/// Sets up what profiling excludes from this run, in the place of what an earlier one left.
 void setUpProfiling(const PublishParams& params) {
     ExclusionFilterHolder& holder = ExclusionFilterHolder::instance();
-    const std::u16string ditaVal = params.getDitaVal();
-    if (!ditaVal.empty()) {
-        DocumentStore::instance().getOrLoad(ditaVal);
-    }
-    holder.reset(nullptr);
+    holder.reset(readProfile(params));
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include <type_traits>
 #include <vector>
 
+#include "references/reference_resolution.h"
 #include "support/text.h"
+#include "support/xerces_ptr.h"
 
 namespace marrowpress {
 namespace {
@@ -74,6 +76,22 @@ std::vector<std::int32_t> idsOf(const OpenDocumentRecords& records, OpenDocument
 }  // namespace
 
 void PublishResult::appendExtraValues(HostTypedValueList& /*list*/) const {}
+
+void FlatBookPublishResult::appendExtraValues(HostTypedValueList& list) const {
+    std::vector<std::string> paths;
+    for (const xercesc::DOMDocument* const document : documents) {
+        paths.push_back(toUtf8(uriToPath(domText(document->getDocumentURI()))));
+    }
+    void* const grown = std::realloc(list.values, (list.count + 1) * sizeof(HostTypedValue));
+    if (!grown) {
+        throw std::bad_alloc();
+    }
+    list.values = static_cast<HostTypedValue*>(grown);
+    list.values[list.count] = {};
+    list.values[list.count].type = HostValueType::kInteger;
+    ++list.count;
+    setTexts(list.values[list.count - 1], paths);
+}
 
 HostTypedValues publishResultToTypedValues(const PublishResult& result) {
     constexpr std::uint32_t kCommonValues = 4;

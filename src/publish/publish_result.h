@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 #include "client/host_operations.h"
 #include "xml/document_store.h"
@@ -40,6 +42,17 @@ public:
         : PublishResult(PublishResultKind::kComposite), document(finished) {}
 
     xercesc::DOMDocument* document;
+};
+
+/// The result of "PublishFlatBook"; adds the paths of the components.
+class FlatBookPublishResult final : public PublishResult {
+public:
+    explicit FlatBookPublishResult(std::vector<xercesc::DOMDocument*> components)
+        : PublishResult(PublishResultKind::kFlatBook), documents(std::move(components)) {}
+
+    void appendExtraValues(HostTypedValueList& list) const override;
+
+    std::vector<xercesc::DOMDocument*> documents;
 };
 
 /// The list that the host takes: the status; the paths of the open documents with a set flag; the

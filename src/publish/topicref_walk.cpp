@@ -3,7 +3,10 @@
 #include <algorithm>
 
 #include "client/messages.h"
+#include "profiling/condition_merge.h"
+#include "profiling/conditional_pis.h"
 #include "publish/composite_assembly.h"
+#include "publish/reference_kind.h"
 #include "references/dom_children.h"
 #include "references/reference_resolution.h"
 #include "support/paths.h"
@@ -12,28 +15,11 @@
 #include "xml/document_store.h"
 
 namespace marrowpress {
-namespace {
 
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
-
-std::u16string absoluteReferencePath(const DitaReference& reference, const DOMElement& node) {
-    return toAbsolutePath(reference.path, *node.getOwnerDocument());
-}
-
-/// What the reference of `node` names; a look into the document tells where its name doesn't.
-DitaDocKind kindOf(const DitaReference& reference, const DOMElement& node) {
-    const DitaDocKind kind = classifyReference(reference);
-    if (kind != DitaDocKind::DitaDocUnknownXml) {
-        return kind;
-    }
-    return classifyDocument(
-        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node)));
-}
-
-}  // namespace
 
 DOMElement& createTopicShell(DOMElement& parent) {
     DOMDocument& document = *parent.getOwnerDocument();
@@ -81,7 +67,7 @@ void TopicrefWalk::visitReference(DOMElement& node, DOMElement& parent) {
         visitChildren(node, appendHead(node, parent));
         return;
     }
-    switch (kindOf(readDitaReference(node, &keyDoc_), node)) {
+    switch (kindOfReference(readDitaReference(node, &keyDoc_), node)) {
         case DitaDocKind::DitaDocTopic:
             visitChildren(node, appendTopicDocument(parent, node));
             break;
@@ -118,9 +104,12 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
     const DitaReference reference = readDitaReference(node, &keyDoc_);
     DOMDocument* const document = DocumentStore::instance().getOrLoad(reference.path);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
-    DOMElement* const element = document && !reference.fragment.empty()
-                                    ? document->getElementById(reference.fragment.c_str())
-                                    : root;
+    if (!root) {
+        return parent;
+    }
+    gatherConditions(*root);
+    DOMElement* const element =
+        reference.fragment.empty() ? root : document->getElementById(reference.fragment.c_str());
     if (!element) {
         return parent;
     }
@@ -130,26 +119,55 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
     return appended ? *appended : parent;
 }
 
+/// Always of the whole document, also when only a part of it is taken in.
+void TopicrefWalk::gatherConditions(DOMElement& root) {
+    if (!request_.conditions.mergeEnabled) {
+        return;  // nothing would come of reading them
+    }
+    ConditionCatalog catalog;
+    loadConditionCatalog(catalog, root);
+    mergeConditionCatalog(request_.conditions, std::move(catalog));
+}
+
 DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent) {
     const DOMDocument& source = *element.getOwnerDocument();
-    if (assembler_.ditabaseFilter_.acceptNode(&element) != DOMNodeFilter::FILTER_ACCEPT) {
-        return static_cast<DOMElement*>(importTopicNode(source, element, parent));
-    }
+    carryMarkersInFrontOf(element, parent);
     DOMElement* lastElement = nullptr;
-    for (const DOMNode* const child : childrenOf(element)) {
-        DOMNode* const copy = importTopicNode(source, *child, parent);
-        if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
-            lastElement = static_cast<DOMElement*>(copy);
+    if (assembler_.ditabaseFilter_.acceptNode(&element) == DOMNodeFilter::FILTER_ACCEPT) {
+        for (DOMNode* const child : childrenOf(element)) {
+            DOMNode* const copy = importTopicNode(source, *child, parent);
+            if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
+                lastElement = static_cast<DOMElement*>(copy);
+            }
         }
+    } else {
+        lastElement = static_cast<DOMElement*>(importTopicNode(source, element, parent));
     }
+    carryMarkersBehind(element, parent);
     return lastElement;
 }
 
-DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, const DOMNode& node,
+/// Nearest first, so that the markers come out in the reverse of their order.
+void TopicrefWalk::carryMarkersInFrontOf(const DOMNode& node, DOMElement& parent) {
+    for (DOMNode* marker = node.getPreviousSibling(); marker;
+         marker = marker->getPreviousSibling()) {
+        carryConditionMarker(request_.conditions, *marker, parent);
+    }
+}
+
+void TopicrefWalk::carryMarkersBehind(const DOMNode& node, DOMElement& parent) {
+    for (DOMNode* marker = node.getNextSibling(); marker; marker = marker->getNextSibling()) {
+        carryConditionMarker(request_.conditions, *marker, parent);
+    }
+}
+
+DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, DOMNode& node,
                                        DOMElement& parent) {
+    renameMergedMarker(request_.conditions, node);
     DOMNode* const copy = parent.getOwnerDocument()->importNode(&node, true);
     if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
-        assembler_.normalizer_.normalizeSubtree(static_cast<DOMElement*>(copy), source, topicIds_);
+        assembler_.normalizer_.normalizeSubtree(static_cast<DOMElement*>(copy), source,
+                                                request_.idMap);
     }
     return parent.appendChild(copy);
 }
@@ -163,7 +181,7 @@ void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node) {
     }
     DOMElement* const root = map->getDocumentElement();
     assembler_.keyrefs_.resolveAllKeyrefs(root, keyDoc_);
-    assembler_.conrefs_.resolveConrefs(root, keyDoc_, topicIds_);
+    assembler_.conrefs_.resolveConrefs(root, keyDoc_, request_.idMap);
     if (!root) {
         return;
     }

@@ -7,7 +7,7 @@
 namespace marrowpress {
 
 class CompositeDocAssembler;
-class TopicIdMap;
+struct CompositeDocRequest;
 struct DitaReference;
 
 /// Appends an empty topic with a title and a new id to `parent`, and gives it.
@@ -19,10 +19,11 @@ xercesc::DOMElement& createTopicShell(xercesc::DOMElement& parent);
 /// A loop over a stack of its own: how deep references nest is up to the maps.
 class TopicrefWalk {
 public:
-    /// All arguments must outlive the walk. `topicIds` learns where the topics have gone.
+    /// All arguments must outlive the walk. The request's `idMap` learns where the topics have
+    /// gone, and its `conditions` gather the conditional text of the sources.
     TopicrefWalk(const CompositeDocAssembler& assembler, xercesc::DOMDocument& keyDoc,
-                 TopicIdMap& topicIds)
-        : assembler_(assembler), keyDoc_(keyDoc), topicIds_(topicIds) {}
+                 CompositeDocRequest& request)
+        : assembler_(assembler), keyDoc_(keyDoc), request_(request) {}
 
     /// Walks from `start`, which may be null; its topics become children of `parent`.
     void run(xercesc::DOMElement& parent, xercesc::DOMElement* start);
@@ -45,14 +46,17 @@ private:
                                              const xercesc::DOMElement& node);
     xercesc::DOMElement* appendTopicSubtree(xercesc::DOMElement& element,
                                             xercesc::DOMElement& parent);
-    xercesc::DOMNode* importTopicNode(const xercesc::DOMDocument& source,
-                                      const xercesc::DOMNode& node, xercesc::DOMElement& parent);
+    void carryMarkersInFrontOf(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
+    void carryMarkersBehind(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
+    xercesc::DOMNode* importTopicNode(const xercesc::DOMDocument& source, xercesc::DOMNode& node,
+                                      xercesc::DOMElement& parent);
+    void gatherConditions(xercesc::DOMElement& root);
     void appendNestedMap(xercesc::DOMElement& parent, const xercesc::DOMElement& node);
     bool isOpen(const xercesc::DOMDocument& map) const;
 
     const CompositeDocAssembler& assembler_;
     xercesc::DOMDocument& keyDoc_;
-    TopicIdMap& topicIds_;
+    CompositeDocRequest& request_;
     std::vector<Step> steps_;  ///< what is still to do, the next on top
     std::vector<const xercesc::DOMDocument*> openMaps_;
 };

@@ -2,17 +2,39 @@
 
 namespace marrowpress {
 
-ElementWalker::ElementWalker(xercesc::DOMElement* root, const xercesc::DOMNodeFilter& filter)
+namespace {
+
+xercesc::DOMElement* firstChild(const xercesc::DOMElement& element) {
+    return element.getFirstElementChild();
+}
+
+xercesc::DOMNode* firstChild(const xercesc::DOMNode& node) {
+    return node.getFirstChild();
+}
+
+xercesc::DOMElement* nextSibling(const xercesc::DOMElement& element) {
+    return element.getNextElementSibling();
+}
+
+xercesc::DOMNode* nextSibling(const xercesc::DOMNode& node) {
+    return node.getNextSibling();
+}
+
+}  // namespace
+
+template <class Node>
+TreeWalker<Node>::TreeWalker(Node* root, const xercesc::DOMNodeFilter& filter)
     : filter_(filter), root_(root) {
     if (root) {
         path_.push_back(root);
     }
 }
 
-xercesc::DOMElement* ElementWalker::nextNode() {
+template <class Node>
+Node* TreeWalker<Node>::nextNode() {
     if (current_) {
         // Read only now: what the caller did to the children counts.
-        path_.push_back(current_->getFirstElementChild());
+        path_.push_back(firstChild(*current_));
         current_ = nullptr;
     }
     while (!current_ && !path_.empty()) {
@@ -21,36 +43,41 @@ xercesc::DOMElement* ElementWalker::nextNode() {
     return current_;
 }
 
-void ElementWalker::step() {
-    xercesc::DOMElement* const element = path_.back();
-    if (!element) {
+template <class Node>
+void TreeWalker<Node>::step() {
+    Node* const node = path_.back();
+    if (!node) {
         leaveFinishedLevels();
         return;
     }
-    switch (filter_.acceptNode(element)) {
+    switch (filter_.acceptNode(node)) {
         case xercesc::DOMNodeFilter::FILTER_ACCEPT:
-            current_ = element;
+            current_ = node;
             break;
         case xercesc::DOMNodeFilter::FILTER_REJECT:
             path_.push_back(nullptr);
             break;
         case xercesc::DOMNodeFilter::FILTER_SKIP:
-            path_.push_back(element->getFirstElementChild());
+            path_.push_back(firstChild(*node));
             break;
     }
 }
 
-void ElementWalker::leaveFinishedLevels() {
+template <class Node>
+void TreeWalker<Node>::leaveFinishedLevels() {
     while (path_.size() > 1 && !path_.back()) {
         path_.pop_back();
         if (path_.size() > 1) {
-            path_.back() = path_.back()->getNextElementSibling();
+            path_.back() = nextSibling(*path_.back());
         }
     }
     if (path_.size() == 1 && path_.back() == root_) {
         path_.clear();
     }
 }
+
+template class TreeWalker<xercesc::DOMElement>;
+template class TreeWalker<xercesc::DOMNode>;
 
 std::vector<xercesc::DOMElement*> collectElements(xercesc::DOMElement* root,
                                                   const xercesc::DOMNodeFilter& filter) {

@@ -3,39 +3,53 @@
 #include <deque>
 #include <vector>
 #include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMNode.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
 namespace marrowpress {
 
-/// Walks the elements below and including a root in document order, and gives
-/// those that a filter accepts. A rejected element is passed over with all
-/// below it; a skipped one is not given, but its children are visited.
+/// Walks the nodes below and including a root in document order, and gives
+/// those that a filter accepts. A rejected node is passed over with all below
+/// it; a skipped one is not given, but its children are visited.
 ///
-/// The tree is read lazily. Between two calls, the attributes of the element
+/// `Node` is the kind of node that is seen: `DOMElement` for elements alone,
+/// `DOMNode` for every kind.
+///
+/// The tree is read lazily. Between two calls, the attributes of the node
 /// given last may be changed, its children replaced (the new ones are visited)
-/// and siblings inserted behind it (they are visited). That element and those
+/// and siblings inserted behind it (they are visited). That node and those
 /// above it must not be removed: to remove, collect first.
 ///
 /// Owns neither the nodes nor the filter; both must outlive it.
-class ElementWalker {
+template <class Node>
+class TreeWalker {
 public:
-    /// A null `root` is a walk without elements.
-    ElementWalker(xercesc::DOMElement* root, const xercesc::DOMNodeFilter& filter);
+    /// A null `root` is a walk without nodes.
+    TreeWalker(Node* root, const xercesc::DOMNodeFilter& filter);
 
-    /// The next accepted element; null at the end, and from then on.
-    xercesc::DOMElement* nextNode();
+    /// The next accepted node; null at the end, and from then on.
+    Node* nextNode();
 
 private:
     void step();
     void leaveFinishedLevels();
 
     // The path from the root to the position of the walk. A null entry on top stands for a level
-    // that has no further elements.
-    std::deque<xercesc::DOMElement*> path_;
+    // that has no further nodes.
+    std::deque<Node*> path_;
     const xercesc::DOMNodeFilter& filter_;
-    xercesc::DOMElement* root_;
-    xercesc::DOMElement* current_ = nullptr;
+    Node* root_;
+    Node* current_ = nullptr;
 };
+
+extern template class TreeWalker<xercesc::DOMElement>;
+extern template class TreeWalker<xercesc::DOMNode>;
+
+/// Sees elements only; text, comments and processing instructions are passed by.
+using ElementWalker = TreeWalker<xercesc::DOMElement>;
+
+/// Sees every kind of node.
+using NodeWalker = TreeWalker<xercesc::DOMNode>;
 
 /// All elements that a walk from `root`, which may be null, gives.
 std::vector<xercesc::DOMElement*> collectElements(xercesc::DOMElement* root,

@@ -1,0 +1,99 @@
+#include "profiling/ditaval_filters.h"
+
+#include <algorithm>
+
+#include "references/element_walker.h"
+#include "support/xerces_ptr.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMElement;
+using xercesc::DOMNodeFilter;
+
+}  // namespace
+
+DOMNodeFilter::FilterAction DitaValNodeFilter::acceptElement(const DOMElement& element) const {
+    if (domText(element.getTagName()) != u"prop") {
+        return FILTER_SKIP;
+    }
+    const bool isSelected =
+        selects(domText(element.getAttribute(u"att")), domText(element.getAttribute(u"val")),
+                domText(element.getAttribute(u"action")));
+    return isSelected ? FILTER_ACCEPT : FILTER_REJECT;
+}
+
+bool DitaValPropNodeFilter::selects(std::u16string_view attribute, std::u16string_view value,
+                                    std::u16string_view /*action*/) const {
+    return !attribute.empty() && !value.empty();
+}
+
+bool DefaultExcludeNodeFilter::selects(std::u16string_view attribute, std::u16string_view value,
+                                       std::u16string_view action) const {
+    return action == u"exclude" && attribute.empty() && value.empty();
+}
+
+bool DefaultValNodeFilter::selects(std::u16string_view attribute, std::u16string_view value,
+                                   std::u16string_view /*action*/) const {
+    return !attribute.empty() && value.empty();
+}
+
+DitaValAttrValFilter::DitaValAttrValFilter(std::u16string attributeName, std::u16string value)
+    : attributeName_(std::move(attributeName)) {
+    if (!value.empty()) {
+        addValue(std::move(value));
+    }
+}
+
+DOMNodeFilter::FilterAction DitaValAttrValFilter::acceptElement(const DOMElement& element) const {
+    const std::u16string_view value = domText(element.getAttribute(attributeName_.c_str()));
+    return value.empty() ? FILTER_SKIP : acceptTokens(splitTokens(value));
+}
+
+bool DitaValAttrValAcceptFilter::takesValueFor(DitaValAction action) const {
+    return action == DitaValAction::kInclude;
+}
+
+DOMNodeFilter::FilterAction DitaValAttrValAcceptFilter::acceptTokens(const Tokens& tokens) const {
+    const bool stays = std::any_of(tokens.begin(), tokens.end(),
+                                   [&](std::u16string_view token) { return holds(token); });
+    return stays ? FILTER_ACCEPT : FILTER_REJECT;
+}
+
+bool DitaValAttrValRejectFilter::takesValueFor(DitaValAction action) const {
+    return action == DitaValAction::kExclude;
+}
+
+DOMNodeFilter::FilterAction DitaValAttrValRejectFilter::acceptTokens(const Tokens& tokens) const {
+    const bool stays = std::any_of(tokens.begin(), tokens.end(),
+                                   [&](std::u16string_view token) { return !holds(token); });
+    return stays ? FILTER_ACCEPT : FILTER_REJECT;
+}
+
+DOMNodeFilter::FilterAction DitaValExcludeFilter::acceptNode(const xercesc::DOMNode* node) const {
+    const bool falls = std::any_of(filters_.begin(), filters_.end(), [&](const auto& filter) {
+        return filter->acceptNode(node) == FILTER_REJECT;
+    });
+    return falls ? FILTER_ACCEPT : FILTER_SKIP;
+}
+
+void markDraftComments(xercesc::DOMDocument& document) {
+    const ElemTagBasedElementNodeFilter draftComments(u"draft-comment");
+    ElementWalker walker(document.getDocumentElement(), draftComments);
+    while (DOMElement* const comment = walker.nextNode()) {
+        if (!comment->hasAttribute(u"translate")) {
+            comment->setAttribute(u"translate", u"no");
+        }
+    }
+}
+
+void removeExcludedElements(xercesc::DOMDocument& document) {
+    const DOMNodeFilter* const excluded = ExclusionFilterHolder::instance().filter();
+    if (!excluded) {
+        return;
+    }
+    markDraftComments(document);
+    removeElements(collectElements(document.getDocumentElement(), *excluded));
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,147 @@
+#include "publish/flat_book_assembly.h"
+
+#include <algorithm>
+#include <climits>
+
+#include "client/messages.h"
+#include "publish/reference_kind.h"
+#include "references/reference_resolution.h"
+#include "support/paths.h"
+#include "support/text.h"
+#include "support/xerces_ptr.h"
+#include "xml/document_store.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+using xercesc::DOMNodeFilter;
+
+constexpr std::u16string_view kComponentExtension = u".qs";
+
+/// Whether a name leaves room for the "_tmp" behind which a file is saved.
+bool isShortEnough(std::u16string_view path) {
+    constexpr std::size_t kTemporarySuffix = 4;
+    return toUtf8(pathFileName(path)).size() + kTemporarySuffix <= NAME_MAX;
+}
+
+bool isInside(std::u16string_view path, std::u16string_view folder) {
+    return path.size() > folder.size() && path.starts_with(folder) &&
+           (folder.ends_with(u'/') || path[folder.size()] == u'/');
+}
+
+/// The children of `node` on top of what is still to be visited, the first on top.
+void pushChildren(const DOMElement& node, std::vector<DOMElement*>& pending) {
+    const auto first = static_cast<std::ptrdiff_t>(pending.size());
+    for (DOMElement* child = node.getFirstElementChild(); child;
+         child = child->getNextElementSibling()) {
+        pending.push_back(child);
+    }
+    std::reverse(pending.begin() + first, pending.end());
+}
+
+}  // namespace
+
+/// What one run gathers.
+struct FlatBookAssembler::State {
+    const FlatBookRequest& request;
+    DOMDocument& keyDoc;
+    std::vector<DOMDocument*> documents;
+    TopicIdMap idMap;
+    std::int32_t containerCounter = 0;
+};
+
+std::vector<DOMDocument*> FlatBookAssembler::assembleBook(DOMElement* mapRoot, DOMDocument& keyDoc,
+                                                          const FlatBookRequest& request,
+                                                          TopicIdMap& topicIds) {
+    filter_.setUsePrint(request.usePrint);
+    State state{request, keyDoc, {}, {}, 0};
+    if (mapRoot) {
+        collectBookComponents(*mapRoot, state);
+    }
+    topicIds = state.idMap;
+    for (DOMDocument* const document : state.documents) {
+        updater_.rewriteReferences(document->getDocumentElement(), topicIds);
+    }
+    return state.documents;
+}
+
+void FlatBookAssembler::collectBookComponents(DOMElement& root, State& state) {
+    std::vector<DOMElement*> pending{&root};
+    while (!pending.empty()) {
+        DOMElement& node = *pending.back();
+        pending.pop_back();
+        const DOMNodeFilter::FilterAction action = filter_.acceptNode(&node);
+        const bool isComponent =
+            action == DOMNodeFilter::FILTER_ACCEPT && addComponent(node, state);
+        if (action != DOMNodeFilter::FILTER_REJECT && !isComponent) {
+            pushChildren(node, pending);
+        }
+    }
+}
+
+/// Gives false for a reference without a target: what is below it is looked at in its place.
+bool FlatBookAssembler::addComponent(DOMElement& node, State& state) {
+    if (TopicheadNodeFilter().acceptNode(&node) == DOMNodeFilter::FILTER_ACCEPT) {
+        addHeadComponent(node, state);
+        return true;
+    }
+    const DitaDocKind kind = kindOfReference(readDitaReference(node, &state.keyDoc), node);
+    if (kind != DitaDocKind::DitaDocTopic && kind != DitaDocKind::DitaDocMap) {
+        return false;
+    }
+    addTopicComponent(node, state);
+    return true;
+}
+
+void FlatBookAssembler::addTopicComponent(DOMElement& node, State& state) {
+    const std::u16string sourcePath =
+        absoluteReferencePath(readDitaReference(node, &state.keyDoc), node);
+    if (!DocumentStore::instance().getOrLoad(sourcePath)) {
+        return;
+    }
+    const std::u16string_view folder = state.request.atOneLocation
+                                           ? std::u16string_view(state.request.outputDir)
+                                           : parentPath(sourcePath);
+    const std::u16string fileName = pathStem(sourcePath).append(kComponentExtension);
+    assembleComponent(node, sourcePath, joinPath(folder, fileName), state);
+}
+
+void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
+    std::u16string name(domText(node.getAttribute(u"navtitle")));
+    if (name.empty()) {
+        name = u"container" + toUtf16(std::to_string(state.containerCounter));
+        ++state.containerCounter;
+    }
+    // A title may hold separators; what they make of the path has to be known before it is used.
+    const std::u16string path =
+        normalizePath(joinPath(state.request.outputDir, name.append(kComponentExtension)));
+    if (isInside(path, state.request.outputDir)) {
+        assembleComponent(node, {}, path, state);
+    } else {
+        ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(path));
+    }
+}
+
+void FlatBookAssembler::assembleComponent(DOMElement& node, const std::u16string& sourcePath,
+                                          const std::u16string& outputPath, State& state) {
+    if (!isShortEnough(outputPath)) {
+        ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(outputPath));
+        return;
+    }
+    CompositeDocRequest request;
+    request.sourcePath = sourcePath;
+    request.outputPath = outputPath;
+    request.doctypeSystemId = state.request.doctypeSystemId;
+    request.usePrint = state.request.usePrint;
+    request.conditions.mergeEnabled = true;
+    DOMDocument* const document =
+        compositeAssembler_.assembleComposite(&node, state.keyDoc, request);
+    if (document) {
+        state.documents.push_back(document);
+        state.idMap.mergeWithPrefix(request.idMap, outputPath);
+    }
+}
+
+}  // namespace marrowpress
