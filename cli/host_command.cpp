@@ -2,12 +2,11 @@
 
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
+#include <filesystem>
 #include <fstream>
-#include <istream>
-#include <iterator>
-#include <memory>
 #include <ostream>
 #include <stdexcept>
+#include <system_error>
 
 #include "cli/public_ids.h"
 #include "host/client_session.h"
@@ -24,17 +23,11 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-std::string readStandardInput(std::istream& in) {
-    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (in.bad()) throw ArgumentFault("REQUEST: cannot read standard input");
-    return text;
-}
-
-std::vector<std::string> readRequests(const HostOptions& options, std::istream& in) {
+std::vector<std::string> readRequests(const HostOptions& options) {
     std::vector<std::string> texts;
     for (const std::string& request : options.requests) {
         try {
-            texts.push_back(request == "-" ? readStandardInput(in) : readFile(request));
+            texts.push_back(request == "-" ? readStandardInput() : readFile(request));
         } catch (const std::system_error& fault) {
             throw ArgumentFault(std::string("REQUEST: ") + fault.what());
         }
@@ -48,6 +41,38 @@ std::vector<OpenDocument> openDocumentsOf(const HostOptions& options) {
         return readOpenDocuments(*options.openDocuments);
     } catch (const std::runtime_error& fault) {
         throw ArgumentFault(std::string("--open-documents: ") + fault.what());
+    }
+}
+
+void rejectTraceOver(const HostOptions& options, const std::string& argument,
+                     const std::filesystem::path& source) {
+    std::error_code ignored;
+    // Only a regular file loses something when it is emptied.
+    if (!std::filesystem::is_regular_file(*options.trace, ignored) ||
+        !std::filesystem::equivalent(*options.trace, source, ignored)) {
+        return;
+    }
+    throw ArgumentFault("--trace: " + *options.trace + " is also " + argument +
+                        ", and would be emptied; choose another file");
+}
+
+/// The trace's file is emptied when it is opened: nothing that the run reads may be there.
+void rejectTraceOverSources(const HostOptions& options) {
+    if (!options.trace) return;
+    for (const std::string& request : options.requests) {
+        if (request == "-") {
+            rejectTraceOver(options, "what standard input reads", "/dev/stdin");
+        } else {
+            rejectTraceOver(options, "REQUEST " + request, request);
+        }
+    }
+    if (options.openDocuments) {
+        rejectTraceOver(options, "--open-documents", *options.openDocuments);
+    }
+    if (options.catalogs.empty() && !options.hasXmlUtilities) return;
+    for (const std::filesystem::path& catalog : catalogFiles(options.catalogs)) {
+        rejectTraceOver(options, options.catalogs.empty() ? "a default catalog" : "a --catalog",
+                        catalog);
     }
 }
 
@@ -101,11 +126,11 @@ ExitCode sendAll(ClientSession& session, const std::vector<std::string>& request
 }
 
 ExitCode runChecked(const HostOptions& options, const Streams& streams) {
-    const std::vector<std::string> requests = readRequests(options, streams.in);
+    const std::vector<std::string> requests = readRequests(options);
     if (const std::optional<std::string> fault = findCatalogFault(options.catalogs)) {
         throw ArgumentFault(*fault);
     }
-    // Read before the trace's file is opened, which empties what stands there.
+    rejectTraceOverSources(options);
     StandInHostOptions host = makeHostOptions(options, streams.err);
     TraceFile trace(options.trace);
     host.trace = trace.trace();

@@ -30,7 +30,7 @@ struct Run {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const Streams streams{std::cin, std::cout, std::cerr};
+    const Streams streams{std::cout, std::cerr};
     try {
         secureStandardStreams();
         const Options options = parseOptions({argv + 1, argv + argc});

@@ -87,9 +87,9 @@ private:
 
     static void addCatalog(CLI::App& command, std::vector<std::string>& target) {
         addList(command, "--catalog", target,
-                "An OASIS XML catalog that says where DTDs stand; may be given several times, in "
-                "the order of asking. Without it: the files in XML_CATALOG_FILES, else the "
-                "system's catalog and that of the package dita-ot",
+                "An OASIS XML catalog that says where DTDs stand, as a path or a file: URI; may be "
+                "given several times, in the order of asking. Without it: the files in "
+                "XML_CATALOG_FILES, else the system's catalog and that of the package dita-ot",
                 "FILE")
             ->expected(1)
             ->allow_extra_args(false);
@@ -111,7 +111,9 @@ private:
                                        "{\"id\": 7, \"path\": \"/abs/a.dita\", \"flag\": 1}",
                                        "FILE");
         traceOption_ = addText(*hostCommand_, "--trace", trace_,
-                               "Write each host operation as one line of JSON", "FILE");
+                               "Write each host operation as one line of JSON; empties FILE, "
+                               "which may be none that is read",
+                               "FILE");
         hostCommand_->footer(std::string("\n") + kHostExample +
                              "\nStandard output gets one line of JSON for each request.\n" +
                              kExitCodes);
@@ -125,7 +127,8 @@ private:
         addText(*publishCommand_, "-f,--format", format_,
                 "What to make of the map: composite (one document that holds all topics)", "FORMAT")
             ->required();
-        addText(*publishCommand_, "-o,--output", publish_.output, "The file to write", "OUT")
+        addText(*publishCommand_, "-o,--output", publish_.output,
+                "The file to write. Replaces a composite of an earlier run, no other file", "OUT")
             ->required();
         filterOption_ = addText(*publishCommand_, "--filter", filter_,
                                 "A DITAVAL file that says what to leave out", "FILE");

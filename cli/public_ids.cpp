@@ -5,6 +5,21 @@
 #include "host/catalog_resolver.h"
 
 namespace marrowpress {
+namespace {
+
+std::vector<std::string> catalogsInUse(const std::vector<std::string>& named) {
+    return named.empty() ? defaultCatalogs() : named;
+}
+
+}  // namespace
+
+std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& catalogs) {
+    std::vector<std::filesystem::path> files;
+    for (const std::string& catalog : catalogsInUse(catalogs)) {
+        files.push_back(catalogPath(catalog).lexically_normal());
+    }
+    return files;
+}
 
 std::optional<std::string> findCatalogFault(const std::vector<std::string>& catalogs) {
     for (const std::string& catalog : catalogs) {
@@ -17,8 +32,7 @@ std::optional<std::string> findCatalogFault(const std::vector<std::string>& cata
 
 StandInHostOptions::PublicIdResolver makePublicIdResolver(
     const std::vector<std::string>& catalogs) {
-    const auto resolver =
-        std::make_shared<CatalogResolver>(catalogs.empty() ? defaultCatalogs() : catalogs);
+    const auto resolver = std::make_shared<CatalogResolver>(catalogsInUse(catalogs));
     return [resolver](std::string_view publicId) { return resolver->resolvePublic(publicId); };
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -7,6 +8,9 @@
 #include "host/stand_in_host.h"
 
 namespace marrowpress {
+
+/// The files of the named catalogs, or of the default ones when none is named.
+std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& catalogs);
 
 /// What is wrong with the first of the named catalogs that cannot be used; empty when all can.
 std::optional<std::string> findCatalogFault(const std::vector<std::string>& catalogs);

@@ -10,6 +10,8 @@
 #include <system_error>
 #include <vector>
 
+#include "cli/public_ids.h"
+#include "cli/written_composite.h"
 #include "host/utf8.h"
 
 namespace marrowpress {
@@ -28,6 +30,16 @@ struct Source {
     fs::path path;
 };
 
+fs::path besideWithSuffix(fs::path path) {
+    path += kAsideSuffix;
+    return path;
+}
+
+bool isDanglingLink(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_symlink(path, ignored) && !fs::exists(path, ignored);
+}
+
 fs::path toClientPath(const std::string& text) {
     std::string path = fs::absolute(text).string();
     std::replace(path.begin(), path.end(), '\\', '/');
@@ -37,8 +49,8 @@ fs::path toClientPath(const std::string& text) {
 std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths& paths) {
     std::vector<Source> sources{{"MAP", paths.map}};
     if (paths.filter) sources.push_back({"--filter", *paths.filter});
-    for (const std::string& catalog : options.catalogs) {
-        sources.push_back({"--catalog", fs::absolute(catalog).lexically_normal()});
+    for (const fs::path& catalog : catalogFiles(options.catalogs)) {
+        sources.push_back({options.catalogs.empty() ? "default catalog" : "--catalog", catalog});
     }
     return sources;
 }
@@ -73,22 +85,41 @@ std::optional<std::string> findOutputFault(const PublishOptions& options, const 
     if (!fs::is_directory(output.parent_path(), error)) {
         return name + ": there is no folder " + output.parent_path().string();
     }
-    for (const std::string& reserved :
-         {std::string(kKeySpaceName), std::string(kKeySpaceName) + kAsideSuffix}) {
+    for (const fs::path& reserved : {fs::path(kKeySpaceName), besideWithSuffix(kKeySpaceName)}) {
         if (output.filename() != reserved) continue;
-        return name + ": the run itself uses the name " + reserved +
+        return name + ": the run itself uses the name " + reserved.string() +
                " in the output's folder, and removes it";
     }
     return std::nullopt;
 }
 
+/// Why the run could not write and move aside what it writes, though the folder is there.
+std::optional<std::string> findPlaceFault(const PublishOptions& options, const fs::path& output) {
+    const std::string name = "--output: " + options.output;
+    const fs::path keySpace = output.parent_path() / kKeySpaceName;
+    std::error_code error;
+    static_cast<void>(fs::symlink_status(besideWithSuffix(output), error));
+    if (error == std::errc::filename_too_long) {
+        return name + ": the name is too long; " + kAsideSuffix + " must fit behind it";
+    }
+    if (isDanglingLink(output)) return name + " is a symbolic link to nothing";
+    if (!isDanglingLink(keySpace)) return std::nullopt;
+    return name + ": " + keySpace.string() +
+           ", which the run writes, is a symbolic link to nothing";
+}
+
+/// Why the file that stands at the output may not be replaced.
+std::optional<std::string> findReplaceFault(const PublishOptions& options, const fs::path& output) {
+    std::error_code ignored;
+    if (!fs::exists(output, ignored) || isWrittenComposite(output)) return std::nullopt;
+    return "--output: " + options.output +
+           " is there already, and no composite of an earlier run: the run would delete it; "
+           "choose another output";
+}
+
 bool isSameFile(const fs::path& left, const fs::path& right) {
     std::error_code ignored;
     return left == right || fs::equivalent(left, right, ignored);
-}
-
-fs::path besideWithSuffix(fs::path path) {
-    return path += kAsideSuffix;
 }
 
 std::optional<std::string> findLossFault(const std::vector<Source>& sources,
@@ -99,8 +130,11 @@ std::optional<std::string> findLossFault(const std::vector<Source>& sources,
     for (const Source& source : sources) {
         for (const fs::path& path : lost) {
             if (!isSameFile(source.path, path)) continue;
-            return source.argument + ": the run would overwrite or remove " + source.path.string() +
-                   (path == output ? ", which is also the output" : "") + "; choose another output";
+            std::string fault = source.argument + ": the run would overwrite or remove ";
+            fault += source.path.string();
+            if (path == output) fault += ", which is also the output";
+            fault += "; choose another output";
+            return fault;
         }
     }
     return std::nullopt;
@@ -116,7 +150,7 @@ PublishPaths resolvePublishPaths(const PublishOptions& options) {
 
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths) {
-    if (const auto fault = findTextFault(options, paths)) return fault;
+    if (std::optional<std::string> fault = findTextFault(options, paths)) return fault;
     if (const auto reason = findReadFault(paths.map)) {
         return "MAP: cannot read " + options.map + ": " + *reason;
     }
@@ -125,8 +159,12 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
             return "--filter: cannot read " + *options.filter + ": " + *reason;
         }
     }
-    if (const auto fault = findOutputFault(options, paths.output)) return fault;
-    return findLossFault(sourcesOf(options, paths), paths.output);
+    if (std::optional<std::string> fault = findOutputFault(options, paths.output)) return fault;
+    if (std::optional<std::string> fault = findPlaceFault(options, paths.output)) return fault;
+    if (std::optional<std::string> fault = findLossFault(sourcesOf(options, paths), paths.output)) {
+        return fault;
+    }
+    return findReplaceFault(options, paths.output);
 }
 
 }  // namespace marrowpress

@@ -22,8 +22,9 @@ PublishPaths resolvePublishPaths(const PublishOptions& options);
 /// Why the run must not be started, as a sentence that names the argument; empty when it may.
 ///
 /// The sources must be readable files, the output a file in a folder that exists, and nothing
-/// that the run writes, uses in passing or removes may be one of the sources. All paths and texts
-/// must be UTF-8, because the request is.
+/// that the run writes, uses in passing or removes may be one of the sources, the catalogs among
+/// them. What stands at the output must be that of an earlier run. All paths and texts must be
+/// UTF-8, because the request is.
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths);
 

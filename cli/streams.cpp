@@ -20,6 +20,7 @@ std::string_view withoutLineEnd(std::string_view text) {
 
 void secureStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(descriptor, F_GETFD) != -1) continue;
         // The lowest free number is this one. It is opened the wrong way round, so that reading

@@ -6,15 +6,15 @@
 
 namespace marrowpress {
 
-/// The standard streams of a command: results go to `out`, talk goes to `err`.
+/// What a command writes to: results go to `out`, talk goes to `err`.
 struct Streams {
-    std::istream& in;
     std::ostream& out;
     std::ostream& err;
 };
 
 /// Readies the process for honest results: a closed standard stream is taken by nothing that is
-/// opened later, and a reader that goes away is a failed write instead of the end of the process.
+/// opened later, and a reader that goes away or a file that grows too large is a failed write
+/// instead of the end of the process.
 void secureStandardStreams();
 
 /// Writes `text` to standard output at once; says so on standard error and returns false when

@@ -16,6 +16,8 @@ target_compile_options(
 if(MARROWPRESS_SANITIZE)
     set(sanitize -fsanitize=${MARROWPRESS_SANITIZE} -fno-sanitize-recover=all
                  -fno-omit-frame-pointer)
-    target_compile_options(marrowpress_build_flags INTERFACE ${sanitize})
+    # The instrumentation hides from the compiler what is initialised.
+    target_compile_options(marrowpress_build_flags INTERFACE ${sanitize}
+                                                             -Wno-maybe-uninitialized)
     target_link_options(marrowpress_build_flags INTERFACE ${sanitize})
 endif()

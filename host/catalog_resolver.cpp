@@ -4,7 +4,6 @@
 #include <libxml/parser.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <limits>
 #include <sstream>
 #include <system_error>
@@ -37,8 +36,7 @@ struct FreeDocument {
 /// A catalog is named by URI: its entries are resolved against its name, and a path with a blank
 /// or a percent sign would be none to resolve against.
 std::string toCatalogUri(const std::string& catalog) {
-    const std::optional<std::string> path = fileUriToPath(catalog);
-    return toFileUri(std::filesystem::absolute(path.value_or(catalog)).string());
+    return toFileUri(catalogPath(catalog).string());
 }
 
 bool isCatalog(const xmlDoc& document) {
@@ -93,8 +91,14 @@ std::vector<std::string> defaultCatalogs() {
     return catalogs;
 }
 
-std::optional<std::string> findCatalogFault(const std::string& path) {
+std::filesystem::path catalogPath(const std::string& catalog) {
+    return std::filesystem::absolute(fileUriToPath(catalog).value_or(catalog));
+}
+
+std::optional<std::string> findCatalogFault(const std::string& catalog) {
     restrictLibxmlToLocalFiles();
+    // A path is shown as it was given.
+    const std::string path = fileUriToPath(catalog).value_or(catalog);
     std::error_code ignored;
     if (std::filesystem::exists(path, ignored) &&
         !std::filesystem::is_regular_file(path, ignored)) {

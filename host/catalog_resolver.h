@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,8 +40,11 @@ private:
 /// environment variable XML_CATALOG_FILES, else the system's and the DITA Open Toolkit's.
 std::vector<std::string> defaultCatalogs();
 
-/// What is wrong with the catalog file at `path`, for people; empty when it is readable and its
-/// root is a catalog. Other files that it names are not looked at.
-std::optional<std::string> findCatalogFault(const std::string& path);
+/// The absolute path of a catalog that is named by a path or a `file:` URI.
+std::filesystem::path catalogPath(const std::string& catalog);
+
+/// What is wrong with a catalog, named by a path or a `file:` URI, for people; empty when it is
+/// readable and its root is a catalog. Other files that it names are not looked at.
+std::optional<std::string> findCatalogFault(const std::string& catalog);
 
 }  // namespace marrowpress

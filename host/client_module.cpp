@@ -36,8 +36,8 @@ ClientModule::ClientModule(const std::filesystem::path& path)
 std::filesystem::path defaultModulePath() {
     const std::filesystem::path folder =
         std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    const std::filesystem::path beside = folder / kModuleName;
-    const std::filesystem::path installed =
+    std::filesystem::path beside = folder / kModuleName;
+    std::filesystem::path installed =
         (folder / MARROWPRESS_MODULE_FOLDER / kModuleName).lexically_normal();
     std::error_code ignored;
     if (!std::filesystem::exists(beside, ignored) && std::filesystem::exists(installed, ignored)) {

@@ -14,8 +14,8 @@ class ClientSession {
 public:
     /// @throws std::runtime_error when the module at `modulePath` cannot be loaded, or its client
     ///         refuses to attach or to start.
-    ClientSession(StandInHostOptions options,
-                  const std::filesystem::path& modulePath = defaultModulePath());
+    explicit ClientSession(StandInHostOptions options,
+                           const std::filesystem::path& modulePath = defaultModulePath());
 
     /// One request and its answer, as `StandInHost::send`.
     std::optional<TypedValues> send(const std::string& text) { return host_.send(text); }

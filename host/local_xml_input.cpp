@@ -7,7 +7,8 @@
 #include <unistd.h>
 
 #include <cstddef>
-#include <cstdint>
+#include <cstdio>
+#include <memory>
 
 namespace marrowpress {
 namespace {
@@ -60,15 +61,9 @@ bool isRegularFile(int descriptor) {
     return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
-// libxml2 carries the opened file from call to call as a pointer and takes null for a failure:
-// the descriptor goes into it with 1 added.
-void* toContext(int descriptor) {
-    return reinterpret_cast<void*>(static_cast<std::intptr_t>(descriptor) + 1);
-}
-
-int toDescriptor(void* context) {
-    return static_cast<int>(reinterpret_cast<std::intptr_t>(context) - 1);
-}
+struct CloseFile {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
 
 int matchesEveryName(const char*) {
     return 1;
@@ -80,19 +75,24 @@ void* openLocalFile(const char* name) {
     if (!path || !isRegularFile(*path)) return nullptr;
     const int descriptor = open(path->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) return nullptr;
-    if (!isRegularFile(descriptor)) {
+    std::unique_ptr<std::FILE, CloseFile> file(fdopen(descriptor, "rb"));
+    if (!file) {
         close(descriptor);
         return nullptr;
     }
-    return toContext(descriptor);
+    // From here on it is libxml2's, which hands it back to be closed.
+    return isRegularFile(descriptor) ? file.release() : nullptr;
 }
 
 int readLocalFile(void* context, char* buffer, int length) {
-    return static_cast<int>(read(toDescriptor(context), buffer, static_cast<std::size_t>(length)));
+    auto* const file = static_cast<std::FILE*>(context);
+    const std::size_t count = std::fread(buffer, 1, static_cast<std::size_t>(length), file);
+    return std::ferror(file) != 0 ? -1 : static_cast<int>(count);
 }
 
 int closeLocalFile(void* context) {
-    return close(toDescriptor(context));
+    const std::unique_ptr<std::FILE, CloseFile> file(static_cast<std::FILE*>(context));
+    return 0;
 }
 
 void ignoreError(void*, const char*, ...) {}

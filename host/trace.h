@@ -27,8 +27,8 @@ public:
     void getIdProp(std::uint32_t object, std::uint32_t property, std::uint32_t result);
     void getStringProp(std::uint32_t object, std::uint32_t property,
                        const std::optional<std::string>& result);
-    void reportProgress(std::int32_t kind, std::string_view text, std::int32_t number);
-    void consoleWrite(std::string_view text);
+    void reportProgress(std::int32_t kind, std::string_view line, std::int32_t number);
+    void consoleWrite(std::string_view line);
     void callClient(std::string_view client, std::string_view command, std::int32_t result);
     void callClientTyped(std::string_view client, std::string_view command,
                          const TypedValues& reply);

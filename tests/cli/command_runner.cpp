@@ -28,17 +28,31 @@ void setEnvironment(const std::optional<std::string>& catalogs) {
 }
 
 void limitFileSize(unsigned bytes) {
-    // Ignored, the signal leaves a write that fails, as on a full disk.
-    std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit{bytes, bytes};
     if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(126);
+}
+
+/// As a shell starts a command, whatever this process ignores.
+void resetSignals() {
+    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_DFL);
+}
+
+void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& streams,
+                      const CommandSetting& setting) {
+    if (!setting.inputFile) {
+        redirect(STDIN_FILENO, streams.file("in"), O_RDONLY);
+    } else if (setting.inputFile->empty()) {
+        close(STDIN_FILENO);
+    } else {
+        redirect(STDIN_FILENO, folder.file(*setting.inputFile), O_RDONLY);
+    }
 }
 
 [[noreturn]] void becomeCommand(const TemporaryFolder& folder, const TemporaryFolder& streams,
                                 std::vector<std::string> arguments, const CommandSetting& setting) {
     constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
-    redirect(STDIN_FILENO, streams.file("in"), O_RDONLY);
     redirect(STDERR_FILENO, streams.file("err"), kWrite);
+    setStandardInput(folder, streams, setting);
     if (!setting.output) {
         redirect(STDOUT_FILENO, streams.file("out"), kWrite);
     } else if (setting.output->empty()) {
@@ -47,11 +61,13 @@ void limitFileSize(unsigned bytes) {
         redirect(STDOUT_FILENO, *setting.output, O_WRONLY);
     }
     setEnvironment(setting.catalogs);
+    resetSignals();
     if (setting.largestFile) limitFileSize(*setting.largestFile);
     if (chdir(folder.path().c_str()) != 0) _exit(126);
 
     arguments.insert(arguments.begin(), MARROWPRESS_COMMAND);
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
     execv(MARROWPRESS_COMMAND, pointers.data());

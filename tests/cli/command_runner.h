@@ -10,10 +10,11 @@ namespace marrowpress {
 
 /// How the built command is started; every member may be left as it is.
 struct CommandSetting {
-    std::string input;                    ///< What stands on standard input.
-    std::optional<std::string> output;    ///< A file to take standard output; "" closes it.
-    std::optional<std::string> catalogs;  ///< XML_CATALOG_FILES; not set without it.
-    std::optional<unsigned> largestFile;  ///< Bytes that the command may write to one file.
+    std::string input;                     ///< What stands on standard input.
+    std::optional<std::string> inputFile;  ///< What to read as standard input; "" closes it.
+    std::optional<std::string> output;     ///< A file to take standard output; "" closes it.
+    std::optional<std::string> catalogs;   ///< XML_CATALOG_FILES; not set without it.
+    std::optional<unsigned> largestFile;   ///< Bytes that the command may write to one file.
 };
 
 /// What the command left behind.

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 #include "tests/cli/command_runner.h"
@@ -130,9 +131,30 @@ TEST_F(CommandTest, PublishWritesTheComposite) {
 }
 
 TEST_F(CommandTest, PublishReplacesAnOldOutput) {
-    folder_.write("out/m.dita", "old");
     EXPECT_EQ(publish().code, 0);
-    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;Text of b;");
+    writeTopic("a", "New text");
+    EXPECT_EQ(publish({"--print"}).code, 0);
+    EXPECT_EQ(bodiesOf("out/m.dita"), "New text;");
+}
+
+TEST_F(CommandTest, PublishDeletesNoFileButItsOwn) {
+    const std::string topic = folder_.read("docs/a.dita");
+    const CommandResult result = run({"publish", "docs/m.ditamap", "-f", "composite", "-o",
+                                      "docs/a.dita", "--catalog", "catalog.xml"});
+    EXPECT_EQ(result.err,
+              "marrowpress publish: --output: docs/a.dita is there already, and no composite of an "
+              "earlier run: the run would delete it; choose another output\n"
+              "Run `marrowpress publish --help` for help.\n");
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(folder_.read("docs/a.dita"), topic);
+}
+
+TEST_F(CommandTest, PublishWritesTheLongestNameThatMayBe) {
+    const std::string name = "out/" + std::string(251, 'n');
+    const Texts arguments{"publish", "docs/m.ditamap", "-f",         "composite", "-o",
+                          name,      "--catalog",      "catalog.xml"};
+    EXPECT_EQ(run(arguments).code, 0);
+    EXPECT_EQ(bodiesOf(name), "Text of a;Text of b;");
 }
 
 TEST_F(CommandTest, PublishLeavesOutWhatIsNotForPrint) {
@@ -195,6 +217,30 @@ TEST_F(CommandTest, PublishSaysThatTheOutputCouldNotBeWritten) {
         << result.err;
     EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))
         << result.err;
+    // What stays is the document that the composite was to be built in, and nothing else.
+    EXPECT_TRUE(folder_.read("out/m.dita").ends_with("\"ditabase.dtd\"><dita/>"));
+    EXPECT_FALSE(folder_.exists("out/m.dita_tmp"));
+    EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
+    EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap_tmp"));
+
+    EXPECT_EQ(publish().code, 0);
+    EXPECT_EQ(bodiesOf("out/m.dita"), std::string(40000, 'x') + ";Text of b;");
+}
+
+TEST_F(CommandTest, PublishFailsWhenTheKeySpaceDocumentCouldNotBeWritten) {
+    writeMap("<topicref keys=\"" + std::string(8000, 'k') + "\" href=\"a.dita\"/>");
+    CommandSetting setting;
+    setting.largestFile = 4096;
+    const CommandResult result = publish({}, setting);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_NE(
+        result.err.find("\nSpeichern nicht möglich: " + folder_.file("out/KeyspaceDoc.ditamap\n")),
+        std::string::npos)
+        << result.err;
+    EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))
+        << result.err;
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;");
 }
 
 TEST_F(CommandTest, PublishRefusesWrongUsageBeforeAnythingRuns) {
@@ -343,6 +389,85 @@ TEST_F(CommandTest, HostRefusesWrongUsageBeforeAnythingRuns) {
     EXPECT_EQ(refusal({"--trace", "none/t"}),
               "marrowpress host: --trace: cannot write none/t" + help);
     EXPECT_FALSE(folder_.exists("out/m.dita"));
+}
+
+TEST_F(CommandTest, HostNeverEmptiesWhatItReads) {
+    folder_.write("1.json", request("out/1.dita"));
+    folder_.write("open.json", "[]");
+    std::filesystem::create_symlink("1.json", folder_.path() / "link");
+    CommandSetting setting;
+    setting.inputFile = "1.json";
+    setting.catalogs = "file://" + folder_.file("catalog.xml");
+    const auto refusal = [&](const Texts& arguments, const std::string& kept) {
+        Texts all{"host"};
+        all.insert(all.end(), arguments.begin(), arguments.end());
+        const std::string before = folder_.read(kept);
+        const CommandResult result = run(all, setting);
+        EXPECT_EQ(result.code, 2);
+        EXPECT_EQ(folder_.read(kept), before);
+        return result.err.substr(0, result.err.find('\n'));
+    };
+    const std::string start = "marrowpress host: --trace: ";
+    const std::string end = ", and would be emptied; choose another file";
+    EXPECT_EQ(refusal({"1.json", "--trace", "1.json"}, "1.json"),
+              start + "1.json is also REQUEST 1.json" + end);
+    EXPECT_EQ(refusal({"1.json", "--trace", "link"}, "1.json"),
+              start + "link is also REQUEST 1.json" + end);
+    EXPECT_EQ(refusal({"-", "--trace", "1.json"}, "1.json"),
+              start + "1.json is also what standard input reads" + end);
+    EXPECT_EQ(
+        refusal({"1.json", "--open-documents", "open.json", "--trace", "./open.json"}, "open.json"),
+        start + "./open.json is also --open-documents" + end);
+    EXPECT_EQ(refusal({"1.json", "--trace", "catalog.xml"}, "catalog.xml"),
+              start + "catalog.xml is also a default catalog" + end);
+    const std::string named = start + "dtd/../catalog.xml is also a --catalog" + end;
+    for (const std::string& catalog :
+         {std::string("catalog.xml"), "file:" + folder_.file("catalog.xml")}) {
+        EXPECT_EQ(refusal({"1.json", "--catalog", catalog, "--no-xml-utilities", "--trace",
+                           "dtd/../catalog.xml"},
+                          "catalog.xml"),
+                  named);
+    }
+    EXPECT_FALSE(folder_.exists("out/1.dita"));
+
+    // Nothing asks the default catalogs then, and the trace's file may be any other.
+    EXPECT_EQ(run({"host", "1.json", "--no-xml-utilities", "--trace", "catalog.xml"}, setting).code,
+              0);
+    EXPECT_TRUE(folder_.read("catalog.xml").starts_with("{\"op\""));
+}
+
+TEST_F(CommandTest, HostRefusesAStandardInputThatCannotBeRead) {
+    const std::string start = "marrowpress host: REQUEST: cannot read standard input: ";
+    const std::string help = "\nRun `marrowpress host --help` for help.\n";
+    CommandSetting setting;
+    setting.inputFile = "docs";
+    const CommandResult folder = run({"host", "-"}, setting);
+    EXPECT_EQ(folder.err, start + "Is a directory" + help);
+    EXPECT_EQ(folder.code, 2);
+    EXPECT_EQ(folder.out, "");
+
+    setting.inputFile = "";
+    const CommandResult closed = run({"host", "-", "--trace", "t"}, setting);
+    EXPECT_EQ(closed.err, start + "Bad file descriptor" + help);
+    EXPECT_EQ(closed.code, 2);
+    EXPECT_EQ(closed.out, "");
+    EXPECT_FALSE(folder_.exists("t"));
+}
+
+TEST_F(CommandTest, ACatalogMayBeNamedByUri) {
+    std::filesystem::create_directory(folder_.path() / "a b");
+    std::filesystem::create_symlink("../dtd", folder_.path() / "a b/dtd");
+    folder_.write("a b/c.xml", kCatalog);
+    const std::string uri = "file://" + folder_.path().string() + "/a%20b/c.xml";
+    const CommandResult published =
+        run({"publish", "docs/m.ditamap", "-f", "composite", "-o", "out/m.dita", "--catalog", uri});
+    EXPECT_EQ(published.code, 0) << published.err;
+    EXPECT_EQ(bodiesOf("out/m.dita"), "Text of a;Text of b;");
+
+    CommandSetting setting;
+    setting.input = request("out/host.dita");
+    EXPECT_EQ(run({"host", "-", "--catalog", uri}, setting).code, 0);
+    EXPECT_EQ(bodiesOf("out/host.dita"), "Text of a;Text of b;");
 }
 
 TEST_F(CommandTest, HostFailsWhenTheTraceCannotBeWritten) {

@@ -3,12 +3,19 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
+
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// What stands in front of the root in everything that the module writes as a composite.
+const std::string kDoctype =
+    R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)"
+    R"(<!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd">)";
 
 class PublishPathsTest : public testing::Test {
 protected:
@@ -46,7 +53,7 @@ TEST_F(PublishPathsTest, AreAbsoluteAndNormal) {
 TEST_F(PublishPathsTest, GoodOnesHaveNoFault) {
     options_.filter = folder_.file("docs/f.ditaval");
     EXPECT_EQ(fault(), "");
-    folder_.write("out/m.dita", "old");
+    folder_.write("out/m.dita", kDoctype + "<dita/>");
     EXPECT_EQ(fault(), "");
 }
 
@@ -99,8 +106,82 @@ TEST_F(PublishPathsTest, TheOutputMayNotBeASource) {
     EXPECT_TRUE(faultWithOutput("out/hard").starts_with("--filter: "));
 
     const std::string catalog = folder_.write("out/catalog.xml", "");
-    options_.catalogs = {catalog};
-    EXPECT_TRUE(faultWithOutput("out/catalog.xml").starts_with("--catalog: "));
+    for (const std::string& name : {catalog, "file://" + catalog}) {
+        options_.catalogs = {name};
+        EXPECT_TRUE(faultWithOutput("out/catalog.xml").starts_with("--catalog: ")) << fault();
+    }
+}
+
+TEST_F(PublishPathsTest, TheOutputMayNotBeADefaultCatalog) {
+    const std::string catalog = folder_.write("out/m.dita_tmp", "<catalog/>");
+    const char* const value = std::getenv("XML_CATALOG_FILES");
+    const std::optional<std::string> saved =
+        value == nullptr ? std::nullopt : std::optional<std::string>(value);
+    setenv("XML_CATALOG_FILES", ("/none.xml file://" + catalog).c_str(), 1);
+    const std::string withDefaults = fault();
+    options_.catalogs = {folder_.file("docs/catalog.xml")};
+    const std::string withNamed = fault();
+    if (saved) {
+        setenv("XML_CATALOG_FILES", saved->c_str(), 1);
+    } else {
+        unsetenv("XML_CATALOG_FILES");
+    }
+    EXPECT_EQ(withDefaults, "default catalog: the run would overwrite or remove " + catalog +
+                                "; choose another output");
+    EXPECT_EQ(withNamed, "");
+}
+
+TEST_F(PublishPathsTest, NothingMayBeALinkToNothing) {
+    fs::create_symlink("none", folder_.path() / "out/link");
+    EXPECT_EQ(faultWithOutput("out/link"),
+              "--output: " + folder_.file("out/link") + " is a symbolic link to nothing");
+    fs::create_symlink("none", folder_.path() / "docs/KeyspaceDoc.ditamap");
+    EXPECT_EQ(faultWithOutput("docs/m.dita"),
+              "--output: " + folder_.file("docs/m.dita") + ": " +
+                  folder_.file("docs/KeyspaceDoc.ditamap") +
+                  ", which the run writes, is a symbolic link to nothing");
+    folder_.write("docs/none", "");
+    EXPECT_EQ(faultWithOutput("docs/m.dita"), "");
+}
+
+TEST_F(PublishPathsTest, TheOutputsNameMustLeaveRoomForASuffix) {
+    EXPECT_EQ(faultWithOutput("out/" + std::string(251, 'n')), "");
+    for (const std::size_t length : {252U, 300U}) {
+        const std::string found = faultWithOutput("out/" + std::string(length, 'n'));
+        EXPECT_EQ(found, "--output: " + options_.output +
+                             ": the name is too long; _tmp must fit behind it");
+    }
+}
+
+TEST_F(PublishPathsTest, OnlyACompositeOfAnEarlierRunIsReplaced) {
+    const std::string uuid = "0f8fad5b-d9cb-469f-a165-70867728950e";
+    const std::string topic = "<dita><topic id=\"id" + uuid + "\"><title/></topic></dita>";
+    const std::string cutOff = topic.substr(0, topic.find("\"><title/>"));
+    const std::string bare = kDoctype.substr(kDoctype.find("<!"));
+    const std::string noSystemId = bare.substr(0, bare.find(" \"ditabase")) + ">";
+    for (const std::string& own :
+         {kDoctype + topic, bare + topic, bare + "<dita/>", noSystemId + topic,
+          kDoctype + topic.substr(0, topic.size() - 7) + std::string(9000, 'x') + "</dita>"}) {
+        folder_.write("out/m.dita", own);
+        EXPECT_EQ(fault(), "") << own.substr(0, 300);
+    }
+    const auto replaced = [](std::string text, const std::string& from, const std::string& to) {
+        return text.replace(text.find(from), from.size(), to);
+    };
+    for (const std::string& other :
+         {std::string(), std::string("old"), topic, std::string("<dita/>"), kDoctype,
+          kDoctype + "<dita></dita>", kDoctype + "<dita/><!-- note -->",
+          kDoctype + "<dita><topic id=\"one\"/></dita>",
+          replaced(kDoctype, "Composite", "Topic") + topic, kDoctype + replaced(topic, "-4", "-1"),
+          kDoctype + replaced(topic, "-a", "-c"), kDoctype + replaced(topic, "0f", "0F"),
+          kDoctype + replaced(topic, "0e\"", "0e1\""), kDoctype + cutOff,
+          replaced(bare, "ditabase.dtd", std::string(5000, 'x')) + topic}) {
+        folder_.write("out/m.dita", other);
+        EXPECT_EQ(fault(), "--output: " + options_.output +
+                               " is there already, and no composite of an earlier run: the run "
+                               "would delete it; choose another output")
+            << other.substr(0, 300);
+    }
 }
 
 TEST_F(PublishPathsTest, NoSourceMayHaveANameThatTheRunRemoves) {

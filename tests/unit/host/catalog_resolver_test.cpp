@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <sstream>
 #include <stdexcept>
 
 #include "tests/support/temporary_folder.h"
@@ -176,13 +177,14 @@ TEST_F(CatalogResolverTest, NeverCallsAServer) {
     const Listener listener;
     for (const std::string& scheme : {std::string("http"), std::string("ftp")}) {
         const std::string url = listener.url(scheme, "/c.xml");
-        const std::string doctype = "<?xml version='1.0'?>\n<!DOCTYPE catalog PUBLIC 'x' '" + url +
-                                    "' [<!ENTITY % e SYSTEM '" + url + "'> %e;]>\n";
-        const std::string entries = "<nextCatalog catalog='" + url + "'/>" +
-                                    "<delegatePublic publicIdStartString='-//' catalog='" + url +
-                                    "'/>";
+        std::ostringstream doctype;
+        doctype << "<?xml version='1.0'?>\n<!DOCTYPE catalog PUBLIC 'x' '" << url
+                << "' [<!ENTITY % e SYSTEM '" << url << "'> %e;]>\n";
+        std::ostringstream entries;
+        entries << "<nextCatalog catalog='" << url << "'/>"
+                << "<delegatePublic publicIdStartString='-//' catalog='" << url << "'/>";
         const std::string catalog =
-            folder_.write(scheme + ".xml", doctype + catalogOf(entries).substr(22));
+            folder_.write(scheme + ".xml", doctype.str() + catalogOf(entries.str()).substr(22));
         EXPECT_EQ(findCatalogFault(catalog), std::nullopt);
         CatalogResolver resolver({url, catalog});
         EXPECT_EQ(resolver.resolvePublic(kMapId), std::nullopt);
@@ -207,6 +209,22 @@ TEST_F(CatalogResolverTest, FindsWhatIsWrongWithACatalog) {
               folder_.file("fifo") + ": not a regular file");
     EXPECT_EQ(findCatalogFault(text), text + ": not well-formed XML");
     EXPECT_EQ(findCatalogFault(other), other + ": not an XML catalog");
+}
+
+TEST_F(CatalogResolverTest, FindsWhatIsWrongWithACatalogThatAUriNames) {
+    writeCatalog("a b/good.xml", "");
+    folder_.write("a b/bad.xml", "<catalog/>");
+    const std::string uri = "file://" + folder_.path().string() + "/a%20b/";
+    EXPECT_EQ(findCatalogFault(uri + "good.xml"), std::nullopt);
+    EXPECT_EQ(findCatalogFault(uri + "bad.xml"),
+              folder_.file("a b/bad.xml") + ": not an XML catalog");
+    EXPECT_EQ(findCatalogFault("file://server/c.xml"),
+              "file://server/c.xml: No such file or directory");
+}
+
+TEST(CatalogPathTest, IsAbsolute) {
+    EXPECT_EQ(catalogPath("c.xml"), std::filesystem::current_path() / "c.xml");
+    EXPECT_EQ(catalogPath("file:///a%20b/c.xml"), "/a b/c.xml");
 }
 
 /// Sets the environment's list of catalogs for one test.

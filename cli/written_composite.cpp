@@ -1,0 +1,67 @@
+#include "cli/written_composite.h"
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace marrowpress {
+namespace {
+
+/// Bytes of a file that are looked at.
+constexpr std::size_t kStartSize = 4096;
+
+std::string readStart(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string start(kStartSize, '\0');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<std::size_t>(file.gcount()));
+    return start;
+}
+
+/// Takes `prefix` off the front of `rest`; false, with nothing taken, when it isn't there.
+bool take(std::string_view& rest, std::string_view prefix) {
+    if (!rest.starts_with(prefix)) return false;
+    rest.remove_prefix(prefix.size());
+    return true;
+}
+
+/// Takes everything up to the first `end`, and `end` itself; false when it isn't there.
+bool takeThrough(std::string_view& rest, std::string_view end) {
+    const std::size_t at = rest.find(end);
+    if (at == std::string_view::npos) return false;
+    rest.remove_prefix(at + end.size());
+    return true;
+}
+
+bool takeDoctype(std::string_view& rest) {
+    if (!take(rest, R"(<!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN")")) return false;
+    if (take(rest, " \"") && !takeThrough(rest, "\"")) return false;
+    return take(rest, ">");
+}
+
+/// Whether `text` begins with a random (version 4) UUID as the module writes it, and a quote.
+bool startsWithUuid(std::string_view text) {
+    constexpr std::string_view kShape = "xxxxxxxx-xxxx-4xxx-vxxx-xxxxxxxxxxxx\"";
+    const auto fits = [](char shape, char character) {
+        const bool isDigit = character >= '0' && character <= '9';
+        if (shape == 'x') return isDigit || (character >= 'a' && character <= 'f');
+        if (shape == 'v') return std::string_view("89ab").find(character) != std::string_view::npos;
+        return character == shape;
+    };
+    return text.size() >= kShape.size() &&
+           std::equal(kShape.begin(), kShape.end(), text.begin(), fits);
+}
+
+}  // namespace
+
+bool isWrittenComposite(const std::filesystem::path& path) {
+    const std::string start = readStart(path);
+    std::string_view rest = start;
+    if (take(rest, "<?xml ") && !takeThrough(rest, "?>")) return false;
+    if (!takeDoctype(rest)) return false;
+    if (rest == "<dita/>") return true;
+    return take(rest, R"(<dita><topic id="id)") && startsWithUuid(rest);
+}
+
+}  // namespace marrowpress
