@@ -9,6 +9,7 @@
 #include "references/element_walker.h"
 #include "references/keyref_resolution.h"
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -52,7 +53,7 @@ std::vector<DOMDocument*> KeySpaceLoader::followMapReferences(DOMDocument& map) 
     PulledFragments fragments;
     ElementWalker walker(map.getDocumentElement(), mapRefFilter_);
     while (DOMElement* const reference = walker.nextNode()) {
-        const std::u16string href(domText(reference->getAttribute(u"href")));
+        const std::u16string href = attributeOf(*reference, u"href");
         const HrefParts parts = splitHref(href);
         DOMDocument& target = DocumentStore::instance().mustLoad(toAbsolutePath(parts.path, map));
         if (!parts.topicId.empty()) {
@@ -71,7 +72,7 @@ void KeySpaceLoader::collectKeys(DOMDocument& map, DOMDocument& keySpace,
                                  TopicIdMap& topicIds) const {
     ElementWalker walker(map.getDocumentElement(), definitionFilter_);
     while (const DOMElement* const element = walker.nextNode()) {
-        const std::u16string keys(domText(element->getAttribute(u"keys")));
+        const std::u16string keys = attributeOf(*element, u"keys");
         for (const std::u16string_view keyName : splitTokens(keys)) {
             addDefinition(*element, keyName, map, keySpace, topicIds);
         }

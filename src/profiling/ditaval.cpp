@@ -1,7 +1,7 @@
 #include "profiling/ditaval.h"
 
 #include "references/element_walker.h"
-#include "support/xerces_ptr.h"
+#include "support/dom_attributes.h"
 
 namespace marrowpress {
 namespace {
@@ -12,10 +12,6 @@ using xercesc::DOMElement;
 /// The attributes of conditional processing, which fall under a default of exclude.
 constexpr const char16_t* kFilterableAttributes[] = {u"audience", u"props", u"platform", u"product",
                                                      u"otherprops"};
-
-std::u16string attributeOf(const DOMElement& element, const XMLCh* name) {
-    return std::u16string(domText(element.getAttribute(name)));
-}
 
 }  // namespace
 
@@ -93,7 +89,7 @@ std::unique_ptr<DitaValAttrValFilter> DitaValReader::filterForValue(const std::u
 }
 
 DitaValAction readAction(const DOMElement& prop) {
-    const std::u16string_view action = domText(prop.getAttribute(u"action"));
+    const std::u16string_view action = attributeView(prop, u"action");
     if (action == u"include") {
         return DitaValAction::kInclude;
     }

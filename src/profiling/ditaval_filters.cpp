@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "references/element_walker.h"
+#include "support/dom_attributes.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
@@ -17,9 +18,8 @@ DOMNodeFilter::FilterAction DitaValNodeFilter::acceptElement(const DOMElement& e
     if (domText(element.getTagName()) != u"prop") {
         return FILTER_SKIP;
     }
-    const bool isSelected =
-        selects(domText(element.getAttribute(u"att")), domText(element.getAttribute(u"val")),
-                domText(element.getAttribute(u"action")));
+    const bool isSelected = selects(attributeView(element, u"att"), attributeView(element, u"val"),
+                                    attributeView(element, u"action"));
     return isSelected ? FILTER_ACCEPT : FILTER_REJECT;
 }
 
@@ -46,7 +46,7 @@ DitaValAttrValFilter::DitaValAttrValFilter(std::u16string attributeName, std::u1
 }
 
 DOMNodeFilter::FilterAction DitaValAttrValFilter::acceptElement(const DOMElement& element) const {
-    const std::u16string_view value = domText(element.getAttribute(attributeName_.c_str()));
+    const std::u16string_view value = attributeView(element, attributeName_.c_str());
     return value.empty() ? FILTER_SKIP : acceptTokens(splitTokens(value));
 }
 

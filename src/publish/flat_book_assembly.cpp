@@ -6,9 +6,9 @@
 #include "client/messages.h"
 #include "publish/reference_kind.h"
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "support/xerces_ptr.h"
 #include "xml/document_store.h"
 
 namespace marrowpress {
@@ -109,7 +109,7 @@ void FlatBookAssembler::addTopicComponent(DOMElement& node, State& state) {
 }
 
 void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
-    std::u16string name(domText(node.getAttribute(u"navtitle")));
+    std::u16string name = attributeOf(node, u"navtitle");
     if (name.empty()) {
         name = u"container" + toUtf16(std::to_string(state.containerCounter));
         ++state.containerCounter;

@@ -9,6 +9,7 @@
 #include "publish/reference_kind.h"
 #include "references/dom_children.h"
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
@@ -91,7 +92,7 @@ void TopicrefWalk::visitChildren(const DOMElement& node, DOMElement& parent) {
 }
 
 DOMElement& TopicrefWalk::appendHead(const DOMElement& node, DOMElement& parent) const {
-    const std::u16string navtitle(domText(node.getAttribute(u"navtitle")));
+    const std::u16string navtitle = attributeOf(node, u"navtitle");
     if (navtitle.empty()) {
         return parent;
     }

@@ -10,7 +10,7 @@
 #include "references/dom_children.h"
 #include "references/element_walker.h"
 #include "references/reference_resolution.h"
-#include "support/xerces_ptr.h"
+#include "support/dom_attributes.h"
 #include "xml/document_store.h"
 
 namespace marrowpress {
@@ -20,10 +20,6 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
-
-std::u16string attributeOf(const DOMElement& element, const XMLCh* name) {
-    return std::u16string(domText(element.getAttribute(name)));
-}
 
 void removeConref(DOMElement& element) {
     element.removeAttribute(u"conref");
@@ -51,7 +47,7 @@ bool isTaken(const DOMElement& destination, const DOMElement& source, const XMLC
     if (attribute == u"href" && hasOverridingHref(source)) {
         return true;
     }
-    const std::u16string_view present = domText(destination.getAttribute(name));
+    const std::u16string_view present = attributeView(destination, name);
     return present.empty() || present == u"-dita-use-conref-target";
 }
 

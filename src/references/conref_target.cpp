@@ -6,6 +6,7 @@
 #include "references/element_walker.h"
 #include "references/node_filters.h"
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 
@@ -19,7 +20,7 @@ DOMElement* firstTopicWithId(const DOMDocument& document) {
     const TopicNodeFilter topics;
     ElementWalker walker(document.getDocumentElement(), topics);
     DOMElement* topic = walker.nextNode();
-    while (topic && domText(topic->getAttribute(u"id")).empty()) {
+    while (topic && attributeView(*topic, u"id").empty()) {
         topic = walker.nextNode();
     }
     return topic;

@@ -8,6 +8,7 @@
 
 #include "references/element_walker.h"
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/request_singleton.h"
 #include "support/xerces_ptr.h"
 
@@ -21,7 +22,7 @@ using xercesc::DOMElement;
 class NamedRefAttrHandler : public DirectRefAttrHandler {
 public:
     std::u16string getRefValue(const DOMElement& element) const override {
-        return std::u16string(domText(element.getAttribute(name_)));
+        return attributeOf(element, name_);
     }
     void setRefValue(DOMElement& element, const std::u16string& value) const override {
         element.setAttribute(name_, value.c_str());
@@ -156,7 +157,7 @@ void ReferenceNormalizer::regenerateTopicIds(DOMElement* root, const std::u16str
         if (topicFilter_.acceptNode(element) != xercesc::DOMNodeFilter::FILTER_ACCEPT) {
             continue;
         }
-        const std::u16string oldId(domText(element->getAttribute(u"id")));
+        const std::u16string oldId = attributeOf(*element, u"id");
         const std::u16string newId = TopicIdGenerator::instance().nextTopicId();
         element->setAttribute(u"id", newId.c_str());
         // A topic that is taken in again gets an id of its own, but references lead to the first.

@@ -5,7 +5,7 @@
 
 #include "references/element_walker.h"
 #include "references/key_definitions.h"
-#include "support/xerces_ptr.h"
+#include "support/dom_attributes.h"
 
 namespace marrowpress {
 namespace {
@@ -87,7 +87,7 @@ DOMElement* KeyChainPass::chainEnd(DOMElement* element, std::vector<Link>& links
 
 /// The definition of the whole reference: a chain with an element part leads nowhere.
 DOMElement* KeyChainPass::targetOf(const DOMElement& element) const {
-    return findKeyDefinition(keyDoc_, domText(element.getAttribute(u"keyref")));
+    return findKeyDefinition(keyDoc_, attributeView(element, u"keyref"));
 }
 
 void KeyChainPass::apply(DOMElement& element, DOMElement* definition) {

@@ -4,6 +4,7 @@
 #include "references/dom_children.h"
 #include "references/node_filters.h"
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -88,18 +89,18 @@ std::u16string resolveKeyHref(const DOMDocument& keyDoc, std::u16string_view key
         reportKeyNotFound(keyName);
         return {};
     }
-    return effectiveKeyHref(keyReference, domText(definition->getAttribute(u"href")));
+    return effectiveKeyHref(keyReference, attributeView(*definition, u"href"));
 }
 
 void applyKeyDefinition(DOMElement& element, const DOMElement* definition, const ParserBundle& dtd,
                         KeyContent content) {
-    const std::u16string keyReference(domText(element.getAttribute(u"keyref")));
+    const std::u16string keyReference = attributeOf(element, u"keyref");
     if (definition) {
         const bool declaresHref = dtd.parser().declaresAttribute(element.getTagName(), u"href");
         if (content == KeyContent::kPull && !element.hasChildNodes()) {
             pullKeyContent(element, *definition, declaresHref);
         }
-        const std::u16string href(domText(definition->getAttribute(u"href")));
+        const std::u16string href = attributeOf(*definition, u"href");
         if (declaresHref && !href.empty()) {
             element.setAttribute(u"href", effectiveKeyHref(keyReference, href).c_str());
         }

@@ -7,7 +7,7 @@
 #include "references/key_definitions.h"
 #include "references/multimedia_references.h"
 #include "references/reference_resolution.h"
-#include "support/xerces_ptr.h"
+#include "support/dom_attributes.h"
 #include "xml/grammar_parser_cache.h"
 
 namespace marrowpress {
@@ -18,10 +18,6 @@ using xercesc::DOMElement;
 
 /// Under this name a key space document remembers that a chain pass found nothing in it.
 constexpr const XMLCh* kChainsAreResolved = u"marrowpress-key-chains-are-resolved";
-
-std::u16string attributeOf(const DOMElement& element, const XMLCh* name) {
-    return std::u16string(domText(element.getAttribute(name)));
-}
 
 /// The end of a content reference's range, in the file of its start.
 std::u16string conrefendFor(const std::u16string& conref, const std::u16string& conrefend) {

@@ -7,7 +7,7 @@
 
 #include "references/direct_references.h"
 #include "references/element_walker.h"
-#include "support/xerces_ptr.h"
+#include "support/dom_attributes.h"
 
 namespace marrowpress {
 namespace {
@@ -18,13 +18,13 @@ using xercesc::DOMElement;
 class NamedMultimediaNodeHandler : public MultimediaNodeHandler {
 public:
     std::u16string getRefValue(const DOMElement& element) const override {
-        return std::u16string(domText(element.getAttribute(refName_)));
+        return attributeOf(element, refName_);
     }
     void setRefValue(DOMElement& element, const std::u16string& value) const override {
         element.setAttribute(refName_, value.c_str());
     }
     std::u16string getKeyrefValue(const DOMElement& element) const override {
-        return std::u16string(domText(element.getAttribute(keyrefName_)));
+        return attributeOf(element, keyrefName_);
     }
     void setKeyrefValue(DOMElement& element, const std::u16string& value) const override {
         element.setAttribute(keyrefName_, value.c_str());

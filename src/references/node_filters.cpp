@@ -4,8 +4,8 @@
 #include <functional>
 
 #include "references/reference_resolution.h"
+#include "support/dom_attributes.h"
 #include "support/request_singleton.h"
-#include "support/xerces_ptr.h"
 
 namespace marrowpress {
 namespace {
@@ -17,10 +17,6 @@ using FilterAction = DOMNodeFilter::FilterAction;
 
 /// How many characters open a class value: a sign and a blank.
 constexpr std::size_t kClassOpening = 2;
-
-std::u16string_view attributeOf(const DOMElement& element, const XMLCh* name) {
-    return domText(element.getAttribute(name));
-}
 
 FilterAction acceptIf(bool isSelected) {
     return isSelected ? DOMNodeFilter::FILTER_ACCEPT : DOMNodeFilter::FILTER_SKIP;
@@ -49,7 +45,7 @@ FilterAction ElementNodeFilter::acceptNode(const DOMNode* node) const {
 }
 
 FilterAction ClassBasedElementNodeFilter::acceptElement(const DOMElement& element) const {
-    const std::u16string_view classValue = attributeOf(element, u"class");
+    const std::u16string_view classValue = attributeView(element, u"class");
     if (classValue.empty()) {
         const std::u16string_view tagName = domText(element.getTagName());
         return acceptIf(std::find(elementNames_.begin(), elementNames_.end(), tagName) !=
@@ -108,23 +104,23 @@ FilterAction ElemTagBasedElementNodeFilter::acceptElement(const DOMElement& elem
 DitabaseNodeFilter::DitabaseNodeFilter() : ElemTagBasedElementNodeFilter(u"dita") {}
 
 FilterAction AttrBasedElementNodeFilter::acceptElement(const DOMElement& element) const {
-    return acceptIf(attributeOf(element, attribute_.c_str()) == value_);
+    return acceptIf(attributeView(element, attribute_.c_str()) == value_);
 }
 
 FilterAction IdAttrContainingNodeFilter::acceptElement(const DOMElement& element) const {
-    return acceptIf(!attributeOf(element, u"id").empty());
+    return acceptIf(!attributeView(element, u"id").empty());
 }
 
 FilterAction ConrefAttrContainingNodeFilter::acceptElement(const DOMElement& element) const {
-    return acceptIf(!attributeOf(element, u"conref").empty());
+    return acceptIf(!attributeView(element, u"conref").empty());
 }
 
 FilterAction ConkeyrefAttrContainingNodeFilter::acceptElement(const DOMElement& element) const {
-    return acceptIf(!attributeOf(element, u"conkeyref").empty());
+    return acceptIf(!attributeView(element, u"conkeyref").empty());
 }
 
 FilterAction KeyrefAttrContainingNodeFilter::acceptElement(const DOMElement& element) const {
-    const std::u16string_view keyref = attributeOf(element, u"keyref");
+    const std::u16string_view keyref = attributeView(element, u"keyref");
     return acceptIf(!keyref.empty() && keyref != kIgnoreKeyref);
 }
 
@@ -132,13 +128,13 @@ FilterAction KeyDefinitionNodeFilter::acceptElement(const DOMElement& element) c
     if (isExcluded(element)) {
         return FILTER_REJECT;
     }
-    return acceptIf(!attributeOf(element, u"keys").empty());
+    return acceptIf(!attributeView(element, u"keys").empty());
 }
 
 std::uint32_t DirectRefAttrContainingNodeFilter::mask(const DOMElement& element) const {
     std::uint32_t mask = 0;
     for (const Entry& entry : entries_) {
-        if (!attributeOf(element, entry.attribute.c_str()).empty()) {
+        if (!attributeView(element, entry.attribute.c_str()).empty()) {
             mask |= entry.bit;
         }
     }
@@ -225,11 +221,11 @@ FilterAction MultimediaRefAttrContainingNodeFilter::acceptNode(const DOMNode* no
 MultimediaNodeType MultimediaRefAttrContainingNodeFilter::getType(const DOMNode* node) const {
     static const MultimediaTests tests{
         makeObjectTest(
-            [](const DOMElement& object) { return !attributeOf(object, u"data").empty(); }),
+            [](const DOMElement& object) { return !attributeView(object, u"data").empty(); }),
         makeParamTest([](const DOMElement& param) {
-            const std::u16string_view name = attributeOf(param, u"name");
+            const std::u16string_view name = attributeView(param, u"name");
             const bool isReference = name == u"src" || name == u"poster";
-            return isReference && !attributeOf(param, u"value").empty();
+            return isReference && !attributeView(param, u"value").empty();
         })};
     return firstAnswer(tests, node);
 }
@@ -240,10 +236,10 @@ FilterAction MultimediaKeyrefAttrContainingNodeFilter::acceptNode(const DOMNode*
 
 MultimediaNodeType MultimediaKeyrefAttrContainingNodeFilter::getType(const DOMNode* node) const {
     static const MultimediaTests tests{makeObjectTest([](const DOMElement& object) {
-                                           return !attributeOf(object, u"datakeyref").empty();
+                                           return !attributeView(object, u"datakeyref").empty();
                                        }),
                                        makeParamTest([](const DOMElement& param) {
-                                           return !attributeOf(param, u"keyref").empty();
+                                           return !attributeView(param, u"keyref").empty();
                                        })};
     return firstAnswer(tests, node);
 }

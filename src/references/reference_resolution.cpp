@@ -5,9 +5,9 @@
 
 #include "client/messages.h"
 #include "references/node_filters.h"
+#include "support/dom_attributes.h"
 #include "support/paths.h"
 #include "support/text.h"
-#include "support/xerces_ptr.h"
 
 namespace marrowpress {
 namespace {
@@ -17,10 +17,6 @@ using xercesc::DOMElement;
 
 constexpr std::string_view kFileScheme = "file:";
 constexpr char kNativeSeparator = '/';
-
-std::u16string attributeOf(const DOMElement& element, const XMLCh* name) {
-    return std::u16string(domText(element.getAttribute(name)));
-}
 
 /// The value of a hexadecimal digit. Other characters give a value too: what stands behind "%" is
 /// taken for digits.
