@@ -26,7 +26,11 @@ bool isShortEnough(std::u16string_view path) {
     return toUtf8(pathFileName(path)).size() + kTemporarySuffix <= NAME_MAX;
 }
 
+/// Both in normal form; an empty folder is the current one.
 bool isInside(std::u16string_view path, std::u16string_view folder) {
+    if (folder.empty()) {
+        return !isAbsolutePath(path) && !path.starts_with(u"../");
+    }
     return path.size() > folder.size() && path.starts_with(folder) &&
            (folder.ends_with(u'/') || path[folder.size()] == u'/');
 }

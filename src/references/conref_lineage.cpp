@@ -1,6 +1,6 @@
 #include "references/conref_lineage.h"
 
-#include <utility>
+#include "references/dom_copies.h"
 
 namespace marrowpress {
 namespace {
@@ -11,18 +11,9 @@ bool isReference(const DOMElement& element) {
     return element.hasAttribute(u"conref") || element.hasAttribute(u"conkeyref");
 }
 
-/// The element behind `element` in a walk below `root`; null at the end.
-DOMElement* nextInSubtree(DOMElement* element, const DOMElement& root) {
-    if (DOMElement* const child = element->getFirstElementChild()) {
-        return child;
-    }
-    while (element != &root) {
-        if (DOMElement* const sibling = element->getNextElementSibling()) {
-            return sibling;
-        }
-        element = static_cast<DOMElement*>(element->getParentNode());
-    }
-    return nullptr;
+/// Whether `element` is a reference or may get some.
+bool isWorthRecording(const DOMElement& element) {
+    return isReference(element) || element.hasAttribute(u"keyref");
 }
 
 }  // namespace
@@ -51,15 +42,40 @@ void ConrefLineage::recordRangeMember(const Element& original, const Element& co
 }
 
 void ConrefLineage::recordContent(Element& original, Element& copy, const Element& owner) {
-    DOMElement* from = &original;
-    DOMElement* to = &copy;
-    while (from && to) {
-        if (isReference(*from)) {
-            origins_[to] = {originOf(*from).source, &owner, followed_.size() - 1};
+    forEachCopiedElement(original, copy, [&](const Element& from, const Element& to) {
+        if (isWorthRecording(from)) {
+            origins_[&to] = {originOf(from).source, &owner, followed_.size() - 1};
         }
-        from = nextInSubtree(from, original);
-        to = nextInSubtree(to, copy);
+    });
+}
+
+void ConrefLineage::recordTakenReference(const Element& element, const Element& start) {
+    if (isReference(element)) {
+        Origin origin = originOf(element);
+        origin.source = originOf(start).source;
+        origins_[&element] = origin;
     }
+}
+
+void ConrefLineage::recordPulledContent(Element& copy) {
+    std::map<const Element*, std::size_t> places;
+    for (Element* element = &copy; element; element = nextInSubtree(element, copy)) {
+        if (element == &copy || !isReference(*element) || origins_.contains(element)) {
+            continue;
+        }
+        const Element* const host = originOf(recordedHost(*element, copy)).source;
+        const auto first = pulled_.emplace(std::pair(host, places[host]++), element).first;
+        origins_[element] = {first->second, nullptr, followed_.size() - 1};
+    }
+}
+
+/// The innermost element around `element` that is recorded; `root` if there is none below it.
+const DOMElement& ConrefLineage::recordedHost(const Element& element, const Element& root) const {
+    const xercesc::DOMNode* host = element.getParentNode();
+    while (host != &root && !origins_.contains(static_cast<const Element*>(host))) {
+        host = host->getParentNode();
+    }
+    return *static_cast<const Element*>(host);
 }
 
 ConrefLineage::Origin ConrefLineage::originOf(const Element& element) const {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 #include <xercesc/dom/DOMElement.hpp>
 
@@ -36,6 +38,14 @@ public:
     /// `owner`, are copies of those in the subtree of `original`. Both have the same shape.
     void recordContent(Element& original, Element& copy, const Element& owner);
 
+    /// `element` got the reference of `start`, on which the walk won't stand again: what copies it
+    /// from now on copies that reference.
+    void recordTakenReference(const Element& element, const Element& start);
+
+    /// References in the subtree of `copy` that were not recorded before came through keys: each
+    /// time that the same key reference is copied, it gives the same.
+    void recordPulledContent(Element& copy);
+
 private:
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
@@ -46,9 +56,13 @@ private:
     };
 
     Origin originOf(const Element& element) const;
+    const Element& recordedHost(const Element& element, const Element& root) const;
 
     std::unordered_map<const Element*, Origin> origins_;
     std::vector<Origin> followed_;
+    /// For what a key reference gives: its first original, by the original of the key reference and
+    /// the place in what it gives.
+    std::map<std::pair<const Element*, std::size_t>, const Element*> pulled_;
 };
 
 }  // namespace marrowpress

@@ -12,6 +12,7 @@
 #include "references/reference_resolution.h"
 #include "support/dom_attributes.h"
 #include "xml/document_store.h"
+#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -98,7 +99,7 @@ void ConrefWalk::resolve(DOMElement& element) {
     }
     const std::u16string tagName(domText(element.getTagName()));
     DOMElement* const start = findConrefTarget(*document, &reference, tagName);
-    if (start && lineage_.isEndless(element, *start)) {
+    if (start && (lineage_.isEndless(element, *start) || isNestedTooDeeply(start))) {
         reportElementNotFound(tagName,
                               reference.elementId.empty() ? reference.topicId : reference.elementId,
                               *document);
@@ -138,6 +139,7 @@ void ConrefWalk::replace(DOMElement& element, const Target& target) {
     insertRange(element, target);
     copyContent(element, target.start);
     mergeAttributes(element, target.start);
+    lineage_.recordTakenReference(element, target.start);
     adopt(element, target);
 }
 
@@ -145,6 +147,9 @@ void ConrefWalk::replace(DOMElement& element, const Target& target) {
 void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
     DOMNode* const parent = element.getParentNode();
     DOMNode* const before = element.getNextSibling();
+    if (!asElement(parent)) {
+        return;  // a document has no room beside its root
+    }
     // Listed first, so that no copy becomes part of the range that it is made from.
     std::vector<DOMNode*> members;
     for (DOMNode* member = target.start.getNextSibling(); member && member != target.stop;
@@ -152,8 +157,10 @@ void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
         members.push_back(member);
     }
     for (DOMNode* const member : members) {
-        if (member->getNodeType() == DOMNode::ELEMENT_NODE) {
-            insertMember(static_cast<DOMElement&>(*member), element, before, target);
+        if (const DOMElement* const memberElement = asElement(member)) {
+            if (!isNestedTooDeeply(memberElement)) {
+                insertMember(static_cast<DOMElement&>(*member), element, before, target);
+            }
         } else {
             parent->insertBefore(document_.importNode(member, true), before);
         }
@@ -186,6 +193,7 @@ void ConrefWalk::adopt(DOMElement& copy, const Target& target) {
     if (target.isExternal) {
         processor_.normalizer_.normalizeSubtree(&copy, target.document, topicIds_);
         processor_.keyrefs_.resolveAllKeyrefs(&copy, keyDoc_);
+        lineage_.recordPulledContent(copy);
         processor_.updater_.rewriteReferences(&copy, topicIds_);
     }
 }

@@ -19,7 +19,8 @@ namespace marrowpress {
 /// copied are followed in the same walk.
 ///
 /// A target that isn't found is reported, and the element keeps its content.
-/// So it is with a reference that would copy itself without end: message 109.
+/// So it is with a reference that would copy itself without end, or elements that nest too deeply
+/// to be copied: message 109.
 /// While the target's file can't be loaded, the reference stays.
 class ConrefProcessor {
 public:

@@ -1,8 +1,8 @@
 #include "references/key_chains.h"
 
 #include <vector>
-#include <xercesc/dom/DOMUserDataHandler.hpp>
 
+#include "references/dom_copies.h"
 #include "references/element_walker.h"
 #include "references/key_definitions.h"
 #include "support/dom_attributes.h"
@@ -17,21 +17,25 @@ using xercesc::DOMNodeFilter;
 /// Under this name an element remembers the definition that its content was pulled from.
 constexpr const XMLCh* kPulledFrom = u"marrowpress-pulled-from";
 
-/// Lets copies of an element remember what the element does.
-class MemoryOfCopies final : public xercesc::DOMUserDataHandler {
-public:
-    void handle(DOMOperationType operation, const XMLCh* key, void* data, const DOMNode* /*source*/,
-                DOMNode* copy) override {
-        if (operation == NODE_IMPORTED || operation == NODE_CLONED) {
-            copy->setUserData(key, data, this);
-        }
-    }
+const DOMElement* pulledFrom(const DOMNode& node) {
+    return static_cast<const DOMElement*>(node.getUserData(kPulledFrom));
+}
 
-    static MemoryOfCopies& instance() {
-        static MemoryOfCopies memory;
-        return memory;
+/// Lets the children of `target` remember what those of `source`, whose copies they are, do: the
+/// engine doesn't carry it over.
+void copyMemory(const DOMElement& source, const DOMElement& target) {
+    DOMElement* original = source.getFirstElementChild();
+    DOMElement* copy = target.getFirstElementChild();
+    while (original && copy) {
+        forEachCopiedElement(*original, *copy, [](const DOMElement& from, DOMElement& to) {
+            if (void* const memory = from.getUserData(kPulledFrom)) {
+                to.setUserData(kPulledFrom, memory, nullptr);
+            }
+        });
+        original = original->getNextElementSibling();
+        copy = copy->getNextElementSibling();
     }
-};
+}
 
 }  // namespace
 
@@ -92,11 +96,11 @@ DOMElement* KeyChainPass::targetOf(const DOMElement& element) const {
 
 void KeyChainPass::apply(DOMElement& element, DOMElement* definition) {
     const bool isEndless = definition && standsInside(element, *definition);
-    const bool wasEmpty = !element.hasChildNodes();
-    applyKeyDefinition(element, definition, dtd_,
-                       isEndless ? KeyContent::kLeave : KeyContent::kPull);
-    if (wasEmpty && element.hasChildNodes()) {
-        element.setUserData(kPulledFrom, definition, &MemoryOfCopies::instance());
+    const DOMElement* const source = applyKeyDefinition(
+        element, definition, dtd_, isEndless ? KeyContent::kLeave : KeyContent::kPull);
+    if (source) {
+        element.setUserData(kPulledFrom, definition, nullptr);
+        copyMemory(*source, element);
     }
 }
 
@@ -104,8 +108,14 @@ void KeyChainPass::apply(DOMElement& element, DOMElement* definition) {
 /// content it would get itself, and so on without end, for the walk goes on into what it gets.
 bool KeyChainPass::standsInside(const DOMElement& element, const DOMElement& definition) const {
     for (const DOMNode* node = &element; node; node = node->getParentNode()) {
-        if (node == &definition || node->getUserData(kPulledFrom) == &definition) {
+        if (node == &definition) {
             return true;
+        }
+        // What was pulled from a definition that had pulled it itself is content of both.
+        for (const DOMElement* origin = pulledFrom(*node); origin; origin = pulledFrom(*origin)) {
+            if (origin == &definition) {
+                return true;
+            }
         }
     }
     return false;

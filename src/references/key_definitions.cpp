@@ -92,13 +92,14 @@ std::u16string resolveKeyHref(const DOMDocument& keyDoc, std::u16string_view key
     return effectiveKeyHref(keyReference, attributeView(*definition, u"href"));
 }
 
-void applyKeyDefinition(DOMElement& element, const DOMElement* definition, const ParserBundle& dtd,
-                        KeyContent content) {
+const DOMElement* applyKeyDefinition(DOMElement& element, const DOMElement* definition,
+                                     const ParserBundle& dtd, KeyContent content) {
     const std::u16string keyReference = attributeOf(element, u"keyref");
+    const DOMElement* source = nullptr;
     if (definition) {
         const bool declaresHref = dtd.parser().declaresAttribute(element.getTagName(), u"href");
         if (content == KeyContent::kPull && !element.hasChildNodes()) {
-            pullKeyContent(element, *definition, declaresHref);
+            source = pullKeyContent(element, *definition, declaresHref);
         }
         const std::u16string href = attributeOf(*definition, u"href");
         if (declaresHref && !href.empty()) {
@@ -108,14 +109,18 @@ void applyKeyDefinition(DOMElement& element, const DOMElement* definition, const
         reportKeyNotFound(keyNameOf(keyReference));
     }
     element.removeAttribute(u"keyref");
+    return source;
 }
 
-void pullKeyContent(DOMElement& element, const DOMElement& definition, bool declaresHref) {
-    if (const DOMElement* const source = contentSource(element, definition, declaresHref)) {
+const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definition,
+                                 bool declaresHref) {
+    const DOMElement* const source = contentSource(element, definition, declaresHref);
+    if (source) {
         for (const DOMNode* const child : childrenOf(*source)) {
             element.appendChild(element.getOwnerDocument()->importNode(child, true));
         }
     }
+    return source;
 }
 
 DOMElement* findChildByTag(std::u16string_view tagName, const DOMElement& parent) {

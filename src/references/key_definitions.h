@@ -44,14 +44,18 @@ enum class KeyContent { kPull, kLeave };
 /// effective href in place of its own. No other attribute comes from the definition.
 ///
 /// `definition` may be null: then message 105 names the key, and the element stays as it is but
-/// for the "keyref". `dtd` tells what the element's type declares.
-void applyKeyDefinition(xercesc::DOMElement& element, const xercesc::DOMElement* definition,
-                        const ParserBundle& dtd, KeyContent content = KeyContent::kPull);
+/// for the "keyref". `dtd` tells what the element's type declares. Gives the element whose children
+/// were copied; null when none were.
+const xercesc::DOMElement* applyKeyDefinition(xercesc::DOMElement& element,
+                                              const xercesc::DOMElement* definition,
+                                              const ParserBundle& dtd,
+                                              KeyContent content = KeyContent::kPull);
 
 /// Appends to `element` copies of what the definition has for it, in its topicmeta or, for a
 /// topic reference, as a whole. `declaresHref` says whether the type of `element` has an "href".
-void pullKeyContent(xercesc::DOMElement& element, const xercesc::DOMElement& definition,
-                    bool declaresHref);
+/// Gives the element whose children were copied; null when there is none.
+const xercesc::DOMElement* pullKeyContent(xercesc::DOMElement& element,
+                                          const xercesc::DOMElement& definition, bool declaresHref);
 
 /// The first child element with exactly that tag name; null if there is none.
 xercesc::DOMElement* findChildByTag(std::u16string_view tagName, const xercesc::DOMElement& parent);
