@@ -13,6 +13,11 @@ constexpr const char* kPublishExample =
     "  build/release/bin/marrowpress publish examples/drill-guide/drill-guide.ditamap \\\n"
     "      -f composite -o drill-guide.dita\n";
 
+constexpr const char* kFlatBookExample =
+    "  mkdir -p out/book\n"
+    "  build/release/bin/marrowpress publish examples/drill-guide/drill-guide.ditamap \\\n"
+    "      -f flatbook -o out/book --one-location\n";
+
 constexpr const char* kHostExample =
     "Example:\n"
     "  printf '%s' '{\"type\":\"PublishComp\",\"params\":{\"ditaVal\":\"\",\"usePrint\":false,\n"
@@ -124,12 +129,22 @@ private:
         addText(*publishCommand_, "MAP", publish_.map, "The DITA map", "FILE")
             ->required()
             ->option_text(" ");
-        addText(*publishCommand_, "-f,--format", format_,
-                "What to make of the map: composite (one document that holds all topics)", "FORMAT")
+        addText(
+            *publishCommand_, "-f,--format", format_,
+            "What to make of the map: composite (one document that holds all topics) or flatbook "
+            "(one document for each first-level reference of the map)",
+            "FORMAT")
             ->required();
         addText(*publishCommand_, "-o,--output", publish_.output,
-                "The file to write. Replaces a composite of an earlier run, no other file", "OUT")
+                "composite: the file to write. Replaces a composite of an earlier run, no other "
+                "file. flatbook: a folder that is there already; it takes the components that have "
+                "no source. Replaces files of the components' names",
+                "OUT")
             ->required();
+        publishCommand_
+            ->add_flag("--one-location", publish_.isAtOneLocation,
+                       "flatbook: put every component into OUT, not beside its source")
+            ->disable_flag_override();
         filterOption_ = addText(*publishCommand_, "--filter", filter_,
                                 "A DITAVAL file that says what to leave out", "FILE");
         addCatalog(*publishCommand_, publish_.catalogs);
@@ -138,15 +153,15 @@ private:
                        "Leave out what the map marks with print=\"no\"")
             ->disable_flag_override();
         addText(*publishCommand_, "--composite-dtd", publish_.compositeDtd,
-                "System identifier in the composite's doctype", "ID")
+                "System identifier in the doctype of the composite or the components", "ID")
             ->capture_default_str();
         addText(*publishCommand_, "--keyspace-dtd", publish_.keySpaceDtd,
                 "System identifier in the key space document's doctype", "ID")
             ->capture_default_str();
         publishCommand_->footer(
-            std::string("\n") + kPublishExample +
-            "\nProgress and reports go to standard error, the written file's path to standard "
-            "output.\n" +
+            std::string("\n") + kPublishExample + "\n" + kFlatBookExample +
+            "\nProgress and reports go to standard error, the paths of the written files to "
+            "standard output.\n" +
             kExitCodes);
     }
 
@@ -161,10 +176,14 @@ private:
     }
 
     Options finishPublish() {
-        if (format_ != "composite") {
-            return wrongUsage("--format: unknown format \"" + format_ + "\"; known: composite");
+        if (format_ == "flatbook") {
+            publish_.format = OutputFormat::kFlatBook;
+        } else if (format_ != "composite") {
+            return wrongUsage("--format: unknown format \"" + format_ +
+                              "\"; known: composite, flatbook");
+        } else if (publish_.isAtOneLocation) {
+            return wrongUsage("--one-location: a composite is one file; this is for flatbook only");
         }
-        publish_.format = OutputFormat::kComposite;
         if (filterOption_->count() > 0) publish_.filter = filter_;
         return publish_;
     }

@@ -16,13 +16,17 @@ struct HostOptions {
     std::optional<std::string> trace;
 };
 
-enum class OutputFormat { kComposite };
+enum class OutputFormat {
+    kComposite,  ///< one document that holds all topics
+    kFlatBook,   ///< one document for each first-level reference of the map
+};
 
 /// `marrowpress publish`: publishes one map. Paths stand as they were given.
 struct PublishOptions {
     std::string map;
-    std::string output;
+    std::string output;  ///< A file for a composite, a folder for a flat book.
     OutputFormat format = OutputFormat::kComposite;
+    bool isAtOneLocation = false;  ///< Flat book: all components in the output's folder.
     std::optional<std::string> filter;
     std::vector<std::string> catalogs;  ///< Empty: the default catalogs.
     bool isForPrint = false;

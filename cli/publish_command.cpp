@@ -4,6 +4,7 @@
 #include <boost/json/serialize.hpp>
 #include <ostream>
 #include <system_error>
+#include <unordered_set>
 
 #include "cli/public_ids.h"
 #include "host/client_session.h"
@@ -22,6 +23,7 @@ enum PublishStatus : std::int32_t {
 struct RunOutcome {
     std::optional<std::int32_t> status;  ///< Empty when the client gave no answer.
     bool hasUnwrittenDocument = false;
+    std::optional<std::vector<std::string>> components;  ///< A flat book's, once it was published.
 };
 
 std::optional<std::string> findFault(const PublishOptions& options, const PublishPaths& paths) {
@@ -40,17 +42,18 @@ RunOutcome runRequest(const PublishOptions& options, const PublishPaths& paths, 
     };
     ClientSession session(std::move(host));
     const std::optional<TypedValues> answer = session.send(buildRequest(options, paths));
-    if (answer) outcome.status = statusOf(*answer);
+    if (!answer) return outcome;
+    outcome.status = statusOf(*answer);
+    outcome.components = componentsOf(*answer);
     return outcome;
 }
 
-/// The sentence about a run that came to nothing; empty when the output was written.
-std::optional<std::string> findRunFault(const RunOutcome& outcome, const PublishOptions& options,
-                                        const PublishPaths& paths) {
+/// The sentence about a run that did not come to its end; empty when it did.
+std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
     if (!outcome.status) return "the client gave no answer";
     switch (*outcome.status) {
         case kPublished:
-            break;
+            return std::nullopt;
         case kRunFailedStatus:
             return "the run failed (status -42)";
         case kRefusedStatus:
@@ -58,12 +61,16 @@ std::optional<std::string> findRunFault(const RunOutcome& outcome, const Publish
         default:
             return "the run ended with the unknown status " + std::to_string(*outcome.status);
     }
+}
+
+/// The sentence about a run that came to nothing; empty when all of its output was written.
+std::optional<std::string> findRunFault(const RunOutcome& outcome, const PublishOptions& options,
+                                        const PublishPaths& paths) {
+    if (std::optional<std::string> fault = findStatusFault(outcome)) return fault;
     if (outcome.hasUnwrittenDocument) return "a document could not be written";
-    std::error_code ignored;
-    if (!std::filesystem::is_regular_file(paths.output, ignored)) {
-        return "the run ended, but " + options.output + " was not written";
-    }
-    return std::nullopt;
+    if (options.format == OutputFormat::kComposite) return findMissingFile({paths.output.string()});
+    if (!outcome.components) return "the client did not say what it wrote";
+    return findMissingFile(*outcome.components);
 }
 
 /// The output as it was given, unless the client reads that as another file.
@@ -71,6 +78,15 @@ std::string shownOutput(const PublishOptions& options, const PublishPaths& paths
     std::error_code ignored;
     const bool isSame = std::filesystem::equivalent(options.output, paths.output, ignored);
     return isSame ? options.output : paths.output.string();
+}
+
+/// What a good run gives on standard output.
+std::string resultText(const RunOutcome& outcome, const PublishOptions& options,
+                       const PublishPaths& paths) {
+    if (options.format == OutputFormat::kComposite) return shownOutput(options, paths) + "\n";
+    std::string text;
+    for (const std::string& component : *outcome.components) text += component + "\n";
+    return text;
 }
 
 }  // namespace
@@ -82,6 +98,11 @@ std::string buildRequest(const PublishOptions& options, const PublishPaths& path
         case OutputFormat::kComposite:
             type = "PublishComp";
             params["output"] = paths.output.string();
+            break;
+        case OutputFormat::kFlatBook:
+            type = "PublishFlatBook";
+            params["outputDir"] = paths.output.string();
+            params["generateQSComponentsAtOneLoc"] = options.isAtOneLocation;
             break;
     }
     params["ditaVal"] = paths.filter ? paths.filter->string() : std::string();
@@ -97,6 +118,29 @@ bool saysCannotWrite(std::string_view consoleText) {
     return consoleText.starts_with(kPattern.substr(0, kPattern.find("%s")));
 }
 
+std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer) {
+    constexpr std::size_t kIndex = 4;
+    if (answer.size() <= kIndex) return std::nullopt;
+    const auto* const listed = std::get_if<std::vector<std::string>>(&answer[kIndex].value);
+    if (listed == nullptr) return std::nullopt;
+    std::vector<std::string> components;
+    // A source that the map refers to twice is one component, which the answer names twice.
+    std::unordered_set<std::string_view> seen;
+    for (const std::string& path : *listed) {
+        if (seen.insert(path).second) components.push_back(path);
+    }
+    return components;
+}
+
+std::optional<std::string> findMissingFile(const std::vector<std::string>& paths) {
+    for (const std::string& path : paths) {
+        std::error_code ignored;
+        if (std::filesystem::is_regular_file(path, ignored)) continue;
+        return "the run ended, but " + path + " was not written";
+    }
+    return std::nullopt;
+}
+
 ExitCode runPublish(const PublishOptions& options, const Streams& streams) {
     const PublishPaths paths = resolvePublishPaths(options);
     if (const std::optional<std::string> fault = findFault(options, paths)) {
@@ -108,8 +152,8 @@ ExitCode runPublish(const PublishOptions& options, const Streams& streams) {
         streams.err << "marrowpress publish: " << *fault << ".\n";
         return ExitCode::kRunFailed;
     }
-    return writeResult(streams, shownOutput(options, paths) + "\n") ? ExitCode::kSuccess
-                                                                    : ExitCode::kRunFailed;
+    return writeResult(streams, resultText(outcome, options, paths)) ? ExitCode::kSuccess
+                                                                     : ExitCode::kRunFailed;
 }
 
 }  // namespace marrowpress

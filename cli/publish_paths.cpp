@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <system_error>
 #include <vector>
@@ -46,6 +45,19 @@ fs::path toClientPath(const std::string& text) {
     return fs::path(path).lexically_normal();
 }
 
+fs::path withoutLastSeparator(const fs::path& path) {
+    return path.has_filename() ? path : path.parent_path();
+}
+
+bool isFlatBook(const PublishOptions& options) {
+    return options.format == OutputFormat::kFlatBook;
+}
+
+/// Where the key space document stands while the run lasts.
+fs::path keySpacePath(const PublishOptions& options, const fs::path& output) {
+    return (isFlatBook(options) ? output : output.parent_path()) / kKeySpaceName;
+}
+
 std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths& paths) {
     std::vector<Source> sources{{"MAP", paths.map}};
     if (paths.filter) sources.push_back({"--filter", *paths.filter});
@@ -76,7 +88,17 @@ std::optional<std::string> findReadFault(const fs::path& path) {
     return isFile ? std::nullopt : std::optional<std::string>("not a regular file");
 }
 
+std::optional<std::string> findFolderFault(const PublishOptions& options, const fs::path& output) {
+    const std::string name = "--output: " + options.output;
+    std::error_code ignored;
+    const fs::file_status status = fs::status(output, ignored);
+    if (fs::is_directory(status)) return std::nullopt;
+    if (fs::exists(status)) return name + " is no folder, and a flat book needs one";
+    return name + ": there is no such folder; create it first";
+}
+
 std::optional<std::string> findOutputFault(const PublishOptions& options, const fs::path& output) {
+    if (isFlatBook(options)) return findFolderFault(options, output);
     const std::string name = "--output: " + options.output;
     std::error_code error;
     const fs::file_status status = fs::status(output, error);
@@ -96,13 +118,15 @@ std::optional<std::string> findOutputFault(const PublishOptions& options, const 
 /// Why the run could not write and move aside what it writes, though the folder is there.
 std::optional<std::string> findPlaceFault(const PublishOptions& options, const fs::path& output) {
     const std::string name = "--output: " + options.output;
-    const fs::path keySpace = output.parent_path() / kKeySpaceName;
-    std::error_code error;
-    static_cast<void>(fs::symlink_status(besideWithSuffix(output), error));
-    if (error == std::errc::filename_too_long) {
-        return name + ": the name is too long; " + kAsideSuffix + " must fit behind it";
+    const fs::path keySpace = keySpacePath(options, output);
+    if (!isFlatBook(options)) {
+        std::error_code error;
+        static_cast<void>(fs::symlink_status(besideWithSuffix(output), error));
+        if (error == std::errc::filename_too_long) {
+            return name + ": the name is too long; " + kAsideSuffix + " must fit behind it";
+        }
+        if (isDanglingLink(output)) return name + " is a symbolic link to nothing";
     }
-    if (isDanglingLink(output)) return name + " is a symbolic link to nothing";
     if (!isDanglingLink(keySpace)) return std::nullopt;
     return name + ": " + keySpace.string() +
            ", which the run writes, is a symbolic link to nothing";
@@ -111,7 +135,9 @@ std::optional<std::string> findPlaceFault(const PublishOptions& options, const f
 /// Why the file that stands at the output may not be replaced.
 std::optional<std::string> findReplaceFault(const PublishOptions& options, const fs::path& output) {
     std::error_code ignored;
-    if (!fs::exists(output, ignored) || isWrittenComposite(output)) return std::nullopt;
+    if (isFlatBook(options) || !fs::exists(output, ignored) || isWrittenComposite(output)) {
+        return std::nullopt;
+    }
     return "--output: " + options.output +
            " is there already, and no composite of an earlier run: the run would delete it; "
            "choose another output";
@@ -122,12 +148,14 @@ bool isSameFile(const fs::path& left, const fs::path& right) {
     return left == right || fs::equivalent(left, right, ignored);
 }
 
-std::optional<std::string> findLossFault(const std::vector<Source>& sources,
-                                         const fs::path& output) {
-    const fs::path keySpace = output.parent_path() / kKeySpaceName;
-    const std::array<fs::path, 4> lost{output, besideWithSuffix(output), keySpace,
-                                       besideWithSuffix(keySpace)};
-    for (const Source& source : sources) {
+std::optional<std::string> findLossFault(const PublishOptions& options, const PublishPaths& paths) {
+    const fs::path& output = paths.output;
+    const fs::path keySpace = keySpacePath(options, output);
+    std::vector<fs::path> lost{keySpace, besideWithSuffix(keySpace)};
+    if (!isFlatBook(options)) {
+        lost.insert(lost.begin(), {output, besideWithSuffix(output)});
+    }
+    for (const Source& source : sourcesOf(options, paths)) {
         for (const fs::path& path : lost) {
             if (!isSameFile(source.path, path)) continue;
             std::string fault = source.argument + ": the run would overwrite or remove ";
@@ -145,6 +173,7 @@ std::optional<std::string> findLossFault(const std::vector<Source>& sources,
 PublishPaths resolvePublishPaths(const PublishOptions& options) {
     PublishPaths paths{toClientPath(options.map), toClientPath(options.output), std::nullopt};
     if (options.filter) paths.filter = toClientPath(*options.filter);
+    if (isFlatBook(options)) paths.output = withoutLastSeparator(paths.output);
     return paths;
 }
 
@@ -161,9 +190,7 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
     }
     if (std::optional<std::string> fault = findOutputFault(options, paths.output)) return fault;
     if (std::optional<std::string> fault = findPlaceFault(options, paths.output)) return fault;
-    if (std::optional<std::string> fault = findLossFault(sourcesOf(options, paths), paths.output)) {
-        return fault;
-    }
+    if (std::optional<std::string> fault = findLossFault(options, paths)) return fault;
     return findReplaceFault(options, paths.output);
 }
 

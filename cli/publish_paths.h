@@ -12,7 +12,7 @@ namespace marrowpress {
 /// normal, with "/" for each backslash.
 struct PublishPaths {
     std::filesystem::path map;
-    std::filesystem::path output;
+    std::filesystem::path output;  ///< Without a separator at its end when it is a folder's.
     std::optional<std::filesystem::path> filter;
 };
 
@@ -21,10 +21,11 @@ PublishPaths resolvePublishPaths(const PublishOptions& options);
 
 /// Why the run must not be started, as a sentence that names the argument; empty when it may.
 ///
-/// The sources must be readable files, the output a file in a folder that exists, and nothing
-/// that the run writes, uses in passing or removes may be one of the sources, the catalogs among
-/// them. What stands at the output must be that of an earlier run. All paths and texts must be
-/// UTF-8, because the request is.
+/// The sources must be readable files, the output a file in a folder that exists, or for a flat
+/// book that folder itself, and nothing that the run writes, uses in passing or removes may be one
+/// of the sources, the catalogs among them; which components a flat book has is not known before
+/// it runs. What stands at the output of a composite must be that of an earlier run. All paths and
+/// texts must be UTF-8, because the request is.
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths);
 

@@ -2,40 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <sstream>
 
-#include "tests/cli/command_runner.h"
+#include "tests/cli/command_fixture.h"
 
 namespace marrowpress {
 namespace {
-
-using Texts = std::vector<std::string>;
-
-constexpr const char* kMapDtd = R"(<!ELEMENT map (title?, topicref*)>
-<!ATTLIST map id ID #IMPLIED class CDATA "- map/map ">
-<!ELEMENT title (#PCDATA)>
-<!ATTLIST title class CDATA "- topic/title ">
-<!ELEMENT topicref (topicref*)>
-<!ATTLIST topicref href CDATA #IMPLIED keys CDATA #IMPLIED print (yes|no) #IMPLIED
-                   class CDATA "- map/topicref ">
-)";
-
-constexpr const char* kTopicDtd = R"(<!ELEMENT dita (topic*)>
-<!ELEMENT topic (title, body?, topic*)>
-<!ATTLIST topic id ID #REQUIRED class CDATA "- topic/topic ">
-<!ELEMENT title (#PCDATA)>
-<!ATTLIST title class CDATA "- topic/title ">
-<!ELEMENT body (#PCDATA)>
-<!ATTLIST body class CDATA "- topic/body ">
-)";
-
-constexpr const char* kCatalog =
-    R"(<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog">
-<public publicId="-//OASIS//DTD DITA Map//EN" uri="dtd/map.dtd"/>
-<public publicId="-//OASIS//DTD DITA Topic//EN" uri="dtd/topic.dtd"/>
-<public publicId="-//OASIS//DTD DITA Composite//EN" uri="dtd/topic.dtd"/>
-</catalog>
-)";
 
 constexpr const char* kProgress =
     "> Schlüsselräume werden in Ditamap verarbeitet...\n"
@@ -48,74 +19,6 @@ constexpr const char* kRefusal =
     R"({"values":[{"type":1,"value":-43},{"type":6,"value":[]},{"type":15,"value":[]},)"
     R"({"type":15,"value":[]}]})"
     "\n";
-
-/// The built command on a map with two topics, and a catalog for the DTDs of all three.
-class CommandTest : public testing::Test {
-protected:
-    CommandTest() {
-        folder_.write("dtd/map.dtd", kMapDtd);
-        folder_.write("dtd/topic.dtd", kTopicDtd);
-        folder_.write("catalog.xml", kCatalog);
-        writeMap(R"(<topicref href="a.dita"/><topicref href="b.dita" print="no"/>)");
-        writeTopic("a", "Text of a");
-        writeTopic("b", "Text of b");
-        folder_.write("out/keep.txt", "");
-    }
-
-    void writeMap(const std::string& references) const {
-        folder_.write("docs/m.ditamap",
-                      R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd"><map>)" +
-                          references + "</map>");
-    }
-
-    void writeTopic(const std::string& id, const std::string& text) const {
-        folder_.write("docs/" + id + ".dita",
-                      R"(<!DOCTYPE topic PUBLIC "-//OASIS//DTD DITA Topic//EN" "topic.dtd">)"
-                      "<topic id=\"" +
-                          id + "\"><title>" + id + "</title><body>" + text + "</body></topic>");
-    }
-
-    CommandResult run(const Texts& arguments, const CommandSetting& setting = {}) const {
-        return runCommand(folder_, arguments, setting);
-    }
-
-    /// `publish` of the map, with `more` behind the usual arguments.
-    CommandResult publish(const Texts& more = {}, const CommandSetting& setting = {}) const {
-        Texts arguments{"publish", "docs/m.ditamap", "-f",        "composite",
-                        "-o",      "out/m.dita",     "--catalog", "catalog.xml"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return run(arguments, setting);
-    }
-
-    /// The bodies of the topics in the output, in order.
-    std::string bodiesOf(const std::string& name) const {
-        const std::string text = folder_.read(name);
-        std::string bodies;
-        for (std::size_t at = 0; (at = text.find("<body", at)) != std::string::npos; ++at) {
-            const std::size_t begin = text.find('>', at) + 1;
-            bodies += text.substr(begin, text.find("</body>", at) - begin) + ";";
-        }
-        return bodies;
-    }
-
-    std::string request(const std::string& output) const {
-        return R"({"type":"PublishComp","params":{"ditamap":"docs/m.ditamap","output":")" + output +
-               R"(","ditaVal":"","keyspaceDocDtd":"map.dtd","compositeDocDtd":"d.dtd",)"
-               R"("usePrint":false}})";
-    }
-
-    /// The lines of a trace that are not about property 89, which nothing depends on.
-    Texts traceLines(const std::string& name) const {
-        std::istringstream in(folder_.read(name));
-        Texts lines;
-        for (std::string line; std::getline(in, line);) {
-            if (line.find(R"("property":89,)") == std::string::npos) lines.push_back(line);
-        }
-        return lines;
-    }
-
-    TemporaryFolder folder_;
-};
 
 TEST_F(CommandTest, PublishWritesTheComposite) {
     const CommandResult result = publish();
@@ -457,7 +360,7 @@ TEST_F(CommandTest, HostRefusesAStandardInputThatCannotBeRead) {
 TEST_F(CommandTest, ACatalogMayBeNamedByUri) {
     std::filesystem::create_directory(folder_.path() / "a b");
     std::filesystem::create_symlink("../dtd", folder_.path() / "a b/dtd");
-    folder_.write("a b/c.xml", kCatalog);
+    folder_.write("a b/c.xml", folder_.read("catalog.xml"));
     const std::string uri = "file://" + folder_.path().string() + "/a%20b/c.xml";
     const CommandResult published =
         run({"publish", "docs/m.ditamap", "-f", "composite", "-o", "out/m.dita", "--catalog", uri});

@@ -27,6 +27,7 @@ TEST(OptionsTest, PublishTakesItsDefaults) {
     EXPECT_EQ(options.format, OutputFormat::kComposite);
     EXPECT_EQ(options.filter, std::nullopt);
     EXPECT_TRUE(options.catalogs.empty());
+    EXPECT_FALSE(options.isAtOneLocation);
     EXPECT_FALSE(options.isForPrint);
     EXPECT_EQ(options.compositeDtd, "ditabase.dtd");
     EXPECT_EQ(options.keySpaceDtd, "map.dtd");
@@ -44,6 +45,16 @@ TEST(OptionsTest, PublishTakesEveryOption) {
     EXPECT_TRUE(options.isForPrint);
     EXPECT_EQ(options.compositeDtd, "a.dtd");
     EXPECT_EQ(options.keySpaceDtd, "b.dtd");
+}
+
+TEST(OptionsTest, PublishTakesAFlatBook) {
+    const auto options = parseAs<PublishOptions>({"publish", "m", "-f", "flatbook", "-o", "dir"});
+    EXPECT_EQ(options.format, OutputFormat::kFlatBook);
+    EXPECT_EQ(options.output, "dir");
+    EXPECT_FALSE(options.isAtOneLocation);
+    EXPECT_TRUE(
+        parseAs<PublishOptions>({"publish", "--one-location", "m", "-f", "flatbook", "-o", "dir"})
+            .isAtOneLocation);
 }
 
 TEST(OptionsTest, PublishTakesFilesNamedLikeCommandsAndLists) {
@@ -99,6 +110,8 @@ TEST(OptionsTest, HelpHasAnExample) {
                   std::string::npos)
             << text;
     }
+    EXPECT_NE(parseAs<Information>({"publish", "-h"}).text.find("-f flatbook -o out/book"),
+              std::string::npos);
     const std::string text = parseAs<Information>({"host", "-h"}).text;
     EXPECT_NE(text.find("build/release/bin/marrowpress host -"), std::string::npos) << text;
     EXPECT_NE(text.find("--no-xml-utilities"), std::string::npos) << text;
@@ -119,9 +132,17 @@ const BadCase kBadCases[] = {
     {"NoOutput", {"publish", "m", "-f", "composite"}, "--output", "marrowpress publish"},
     {"NoFormat", {"publish", "m", "-o", "o"}, "--format", "marrowpress publish"},
     {"UnknownFormat", {"publish", "m", "-f", "pdf", "-o", "o"}, "\"pdf\"", "marrowpress publish"},
-    {"FlatBookIsNoFormatYet",
-     {"publish", "m", "-f", "flatbook", "-o", "o"},
-     "\"flatbook\"",
+    {"OneLocationWithComposite",
+     {"publish", "m", "-f", "composite", "-o", "o", "--one-location"},
+     "--one-location",
+     "marrowpress publish"},
+    {"OneLocationWithValue",
+     {"publish", "m", "-f", "flatbook", "-o", "o", "--one-location=no"},
+     "one-location",
+     "marrowpress publish"},
+    {"FlatBookWithoutOutput",
+     {"publish", "m", "-f", "flatbook"},
+     "--output",
      "marrowpress publish"},
     {"FormatInOtherCase",
      {"publish", "m", "-f", "Composite", "-o", "o"},

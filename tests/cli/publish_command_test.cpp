@@ -153,6 +153,49 @@ TEST_F(PublishPathsTest, TheOutputsNameMustLeaveRoomForASuffix) {
     }
 }
 
+TEST_F(PublishPathsTest, TheOutputOfAFlatBookIsAFolder) {
+    options_.format = OutputFormat::kFlatBook;
+    for (const char* const name : {"out", "out/", "docs/../out//", "docs"}) {
+        EXPECT_EQ(faultWithOutput(name), "") << name;
+        EXPECT_TRUE(resolvePublishPaths(options_).output.has_filename()) << name;
+    }
+    for (const char* const name : {"none", "docs/m.ditamap/out"}) {
+        EXPECT_EQ(faultWithOutput(name),
+                  "--output: " + folder_.file(name) + ": there is no such folder; create it first");
+    }
+    EXPECT_EQ(faultWithOutput("docs/f.ditaval"), "--output: " + folder_.file("docs/f.ditaval") +
+                                                     " is no folder, and a flat book needs one");
+}
+
+TEST_F(PublishPathsTest, NoSourceOfAFlatBookMayHaveANameThatTheRunRemoves) {
+    options_.format = OutputFormat::kFlatBook;
+    options_.output = folder_.file("out/");
+    for (const char* const name : {"out/KeyspaceDoc.ditamap", "out/KeyspaceDoc.ditamap_tmp"}) {
+        const PublishOptions good = options_;
+        const std::string end =
+            ": the run would overwrite or remove " + folder_.file(name) + "; choose another output";
+        options_.map = folder_.write(name, "<map/>");
+        EXPECT_EQ(fault(), "MAP" + end);
+        options_ = good;
+        options_.filter = folder_.file(name);
+        EXPECT_EQ(fault(), "--filter" + end);
+        options_ = good;
+        options_.catalogs = {folder_.file(name)};
+        EXPECT_EQ(fault(), "--catalog" + end);
+        options_ = good;
+        EXPECT_EQ(fault(), "");
+    }
+}
+
+TEST_F(PublishPathsTest, TheKeySpaceOfAFlatBookMayNotBeALinkToNothing) {
+    options_.format = OutputFormat::kFlatBook;
+    options_.output = folder_.file("out");
+    fs::create_symlink("none", folder_.path() / "out/KeyspaceDoc.ditamap");
+    EXPECT_EQ(fault(), "--output: " + options_.output + ": " +
+                           folder_.file("out/KeyspaceDoc.ditamap") +
+                           ", which the run writes, is a symbolic link to nothing");
+}
+
 TEST_F(PublishPathsTest, OnlyACompositeOfAnEarlierRunIsReplaced) {
     const std::string uuid = "0f8fad5b-d9cb-469f-a165-70867728950e";
     const std::string topic = "<dita><topic id=\"id" + uuid + "\"><title/></topic></dita>";
@@ -228,6 +271,46 @@ TEST(PublishRequestTest, SaysThatThereIsNoFilter) {
     EXPECT_EQ(buildRequest({}, {"/m", "/o", std::nullopt}),
               R"({"type":"PublishComp","params":{"ditamap":"/m","output":"/o","ditaVal":"",)"
               R"("keyspaceDocDtd":"map.dtd","compositeDocDtd":"ditabase.dtd","usePrint":false}})");
+}
+
+TEST(PublishRequestTest, AsksForAFlatBook) {
+    PublishOptions options;
+    options.format = OutputFormat::kFlatBook;
+    const std::string start =
+        R"({"type":"PublishFlatBook","params":{"ditamap":"/m","outputDir":"/o",)"
+        R"("generateQSComponentsAtOneLoc":)";
+    const std::string end = R"(,"ditaVal":"","keyspaceDocDtd":"map.dtd",)"
+                            R"("compositeDocDtd":"ditabase.dtd","usePrint":false}})";
+    EXPECT_EQ(buildRequest(options, {"/m", "/o", std::nullopt}), start + "false" + end);
+    options.isAtOneLocation = true;
+    EXPECT_EQ(buildRequest(options, {"/m", "/o", std::nullopt}), start + "true" + end);
+}
+
+TEST(ComponentsTest, AreTheFifthValueEachOnce) {
+    using Texts = std::vector<std::string>;
+    TypedValues answer{{1, 0},
+                       {6, Texts{"/open"}},
+                       {15, std::vector<std::int32_t>{7}},
+                       {15, std::vector<std::int32_t>{}}};
+    EXPECT_EQ(componentsOf(answer), std::nullopt);
+    answer.push_back({6, Texts{"/b.qs", "/a.qs", "/b.qs", "/c.qs", "/a.qs"}});
+    EXPECT_EQ(componentsOf(answer), (Texts{"/b.qs", "/a.qs", "/c.qs"}));
+    answer.back() = {6, Texts{}};
+    EXPECT_EQ(componentsOf(answer), Texts{});
+    answer.back() = {15, std::vector<std::int32_t>{1}};
+    EXPECT_EQ(componentsOf(answer), std::nullopt);
+}
+
+TEST(MissingFileTest, IsTheFirstThatIsNoFile) {
+    const TemporaryFolder folder;
+    const std::string there = folder.write("a.qs", "");
+    EXPECT_EQ(findMissingFile({}), std::nullopt);
+    EXPECT_EQ(findMissingFile({there, there}), std::nullopt);
+    const std::string end = " was not written";
+    EXPECT_EQ(findMissingFile({there, folder.file("b.qs"), folder.file("c.qs")}),
+              "the run ended, but " + folder.file("b.qs") + end);
+    EXPECT_EQ(findMissingFile({folder.path().string()}),
+              "the run ended, but " + folder.path().string() + end);
 }
 
 TEST(CannotWriteTest, IsToldByTheTextInFrontOfTheArgument) {
