@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs Condition X 1 y hide z?><?Qs BoolCondExpr  State 1?><dita><topic id="id-1"><title/></topic><topic id="id-2"><title>A</title><body><p/></body><topic id="id-3"><title>B</title></topic></topic></dita>

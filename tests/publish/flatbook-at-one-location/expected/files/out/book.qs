@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-5"><title><ph>The book</ph></title></topic><topic id="id-6"><title>Chapter</title><body><p><xref href="$CASE/out/inner.qs#id-7"/></p></body></topic></dita>

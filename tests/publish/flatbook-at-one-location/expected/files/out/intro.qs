@@ -1,0 +1,5 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-17"><title/></topic><topic id="id-4"><title>Intro</title><body>
+  <p><xref href="#id-4"/> <xref href="#id-4"/> <xref href="#id-18/p"/> <xref href="$CASE/out/container0.qs#id-9"/></p>
+  <p><xref href="#id-16"/> <xref href="$CASE/out/last.qs#id-10/p"/> <xref href="$CASE/out/inner.qs#id-7"/> <xref href="$CASE/never.dita#never"/></p>
+  <p><image href="$CASE/guide/deep/a.png"/> <xref href="http://example.org/a.dita"/> <xref href="$CASE/out/container0.qs#id-11"/> <xref href="$CASE/guide/deep/first.dita#unknown"/></p>
+</body><topic id="id-18"><title>Details</title><body><p id="p"><xref href="#id-4"/> <xref href="#id-18/p"/></p></body><topic id="id-16"><title>Shared</title><body><p><xref href="#id-16"/> <xref href="#id-4"/></p></body></topic></topic><topic id="id-19"><title>Within</title><topic id="id-20"><title>Within</title><body><p><xref href="#id-18"/></p></body></topic></topic></topic></dita>

@@ -1,0 +1,5 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-1"><title/></topic><topic id="id-2"><title>Intro</title><body>
+  <p><xref href="#id-2"/> <xref href="#id-2"/> <xref href="#id-3/p"/> <xref href="$CASE/out/container0.qs#id-4"/></p>
+  <p><xref href="#id-5"/> <xref href="$CASE/guide/last.qs#id-6/p"/> <xref href="$CASE/maps/inner.qs#id-7"/> <xref href="$CASE/never.dita#never"/></p>
+  <p><image href="$CASE/guide/deep/a.png"/> <xref href="http://example.org/a.dita"/> <xref href="$CASE/out/container0.qs#id-8"/> <xref href="$CASE/guide/deep/first.dita#unknown"/></p>
+</body><topic id="id-3"><title>Details</title><body><p id="p"><xref href="#id-2"/> <xref href="#id-3/p"/></p></body><topic id="id-5"><title>Shared</title><body><p><xref href="#id-5"/> <xref href="#id-2"/></p></body></topic></topic><topic id="id-9"><title>Within</title><topic id="id-10"><title>Within</title><body><p><xref href="#id-3"/></p></body></topic></topic></topic></dita>

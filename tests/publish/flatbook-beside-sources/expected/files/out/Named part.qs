@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-16"><title/></topic><topic id="id-17"><title>Named part</title><topic id="id-18"><title>Shared</title><body><p><xref href="#id-18"/> <xref href="$CASE/guide/intro.qs#id-2"/></p></body></topic></topic></dita>

@@ -1,0 +1,1 @@
+Nobody's business.

@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-1"><title/></topic><topic id="id-2"><title>B</title><body><p>stays <xref href="$CASE/a.dita"/></p><?Qs Condstart expert?><p>stays too</p><?Qs Condend expert?></body></topic></dita>

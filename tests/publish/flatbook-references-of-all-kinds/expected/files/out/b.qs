@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-4"><title/></topic><topic id="id-3"><title>B</title><body><p id="p">From B: <xref href="$CASE/out/a.qs#id-2/p" xtrf="$CASE/out/a.qs#id-2"/></p></body></topic></dita>

@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-6"><title/></topic><topic id="id-7"><title>B</title><body><p><xref href="$CASE/out/a.qs#id-2"/> <xref href="$CASE/out/a.qs#id-3"/></p></body></topic></dita>

@@ -1,0 +1,332 @@
+#include "client/request_dispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <boost/json/array.hpp>
+#include <boost/json/object.hpp>
+#include <boost/json/serialize.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include "client/host_operations.h"
+#include "client/messages.h"
+#include "references/direct_references.h"
+#include "references/node_filters.h"
+#include "support/request_singleton.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/unit/client/icu_data_directory.h"
+#include "tests/unit/client/scripted_host.h"
+#include "xml/document_store.h"
+#include "xml/grammar_parser_cache.h"
+
+namespace marrowpress {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+bool isPlatformUp() {
+    return xercesc::XMLPlatformUtils::fgMemoryManager != nullptr;
+}
+
+bool hasRequestObjects() {
+    return RequestSingleton<DocumentStore>::existing() ||
+           RequestSingleton<GrammarParserCache>::existing() ||
+           RequestSingleton<TopicIdGenerator>::existing() ||
+           RequestSingleton<OpenDocumentTable>::existing() ||
+           RequestSingleton<ProgressMessenger>::existing() ||
+           RequestSingleton<ReportMessenger>::existing() ||
+           RequestSingleton<ExclusionFilterHolder>::existing();
+}
+
+/// An answer of four values, the lists as JSON.
+std::string answer(std::int32_t status, const boost::json::array& flaggedPaths = {},
+                   const boost::json::array& flaggedIds = {},
+                   const boost::json::array& openIds = {}) {
+    return boost::json::serialize(boost::json::array{{{"type", 1}, {"value", status}},
+                                                     {{"type", 6}, {"value", flaggedPaths}},
+                                                     {{"type", 15}, {"value", flaggedIds}},
+                                                     {{"type", 15}, {"value", openIds}}});
+}
+
+class RequestDispatchTest : public testing::Test {
+protected:
+    RequestDispatchTest() { interfaces_.connect(); }
+    ~RequestDispatchTest() override {
+        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(hasRequestObjects());
+        HostLastError = 0;
+        HostFinishMessageLoop = false;
+        HostSetClientEncoding("UTF-8");
+    }
+
+    ScriptedHost host;
+
+private:
+    QsApiInterfacesC interfaces_{host.provider()};
+};
+
+using OnClientInitializeTest = RequestDispatchTest;
+
+TEST_F(OnClientInitializeTest, SubscribesInItsOrder) {
+    const IcuDataDirectory none;
+    HostSetClientEncoding("QuillRoman");
+    HostFinishMessageLoop = false;
+    std::map<std::string, std::string> encodings;
+    host.onCall = [&](const std::string& call) {
+        encodings[call] = hostClientEncoding();
+        EXPECT_FALSE(HostFinishMessageLoop) << call;
+    };
+    onClientInitialize(1);
+    EXPECT_EQ(host.calls,
+              Lines({"enableUnicode 1", "getStringProp 0 0 89", "registerNotification 13 1"}));
+    EXPECT_EQ(encodings["enableUnicode 1"], "QuillRoman");
+    EXPECT_EQ(encodings["getStringProp 0 0 89"], "QuillRoman");
+    EXPECT_EQ(encodings["registerNotification 13 1"], "UTF-8");
+    EXPECT_TRUE(HostFinishMessageLoop);
+}
+
+TEST_F(OnClientInitializeTest, ShowsIcuTheHostsDataFolder) {
+    const IcuDataDirectory none;
+    host.texts[{0, 89}] = "/opt/host";
+    onClientInitialize(1);
+    EXPECT_EQ(IcuDataDirectory::current(), "/opt/host/icu_data");
+}
+
+TEST_F(OnClientInitializeTest, DoesNotAskForTheDataOfAnIcuThatHasIts) {
+    const IcuDataDirectory earlier("/usr/share/other");
+    onClientInitialize(1);
+    EXPECT_EQ(host.calls, Lines({"enableUnicode 1", "registerNotification 13 1"}));
+}
+
+TEST_F(OnClientInitializeTest, OtherCodesDoNothing) {
+    const IcuDataDirectory none;
+    HostSetClientEncoding("QuillRoman");
+    HostFinishMessageLoop = false;
+    for (const std::uint32_t code : {0U, 2U, 13U, 0x100U, 0xFFFFFFFFU}) {
+        onClientInitialize(code);
+        EXPECT_EQ(host.calls, Lines{}) << code;
+        EXPECT_EQ(hostClientEncoding(), "QuillRoman") << code;
+        EXPECT_FALSE(HostFinishMessageLoop) << code;
+    }
+}
+
+TEST_F(OnClientInitializeTest, GoesOnWhenTheHostRefuses) {
+    const IcuDataDirectory none;
+    host.hostStatus = 17;
+    onClientInitialize(1);
+    EXPECT_EQ(host.calls.back(), "registerNotification 13 1");
+    EXPECT_TRUE(HostFinishMessageLoop);
+}
+
+using OnNotifyTest = RequestDispatchTest;
+
+TEST_F(OnNotifyTest, OtherNotificationsAreIgnored) {
+    for (const std::uint32_t notification : {0U, 1U, 12U, 14U, 75U, 0x10DU, 0xFFFFFFFFU}) {
+        onNotify(notification, 0, "{}", 0);
+        onNotify(notification, 0, nullptr, 0);
+        EXPECT_EQ(host.calls, Lines{}) << notification;
+        EXPECT_FALSE(isPlatformUp()) << notification;
+        EXPECT_FALSE(hasRequestObjects()) << notification;
+    }
+}
+
+TEST_F(OnNotifyTest, AnEmptyTextIsAnsweredWithinASession) {
+    bool isUpAtAnswer = false;
+    host.onCall = [&](const std::string&) { isUpAtAnswer = isPlatformUp(); };
+    onNotify(13, 0, "", 0);
+    EXPECT_EQ(host.calls, Lines{"returnTypedValue"});
+    EXPECT_TRUE(isUpAtAnswer);
+    EXPECT_FALSE(isPlatformUp());
+    EXPECT_EQ(host.answers, Lines{answer(-43)});
+}
+
+TEST_F(OnNotifyTest, BadRequestsAreRefused) {
+    for (const char* text : {
+             static_cast<const char*>(nullptr),
+             " ",
+             "x",
+             "{",
+             "[]",
+             "1",
+             "null",
+             "{}",
+             R"({"params": {}})",
+             R"({"type": 1, "params": {}})",
+             R"({"type": null, "params": {}})",
+             R"({"type": "Publish", "params": {}})",
+             R"({"type": "Other", "params": {}})",
+             R"({"type": "PublishComp"})",
+             R"({"type": "PublishComp", "params": null})",
+             R"({"type": "PublishComp", "params": []})",
+             R"({"type": "PublishComp", "params": {}})",
+             R"({"type": "PublishComp", "params": {"output": 1}})",
+             R"({"type": "PublishFlatBook"})",
+             R"({"type": "PublishFlatBook", "params": {}})",
+             R"({"type": "PublishFlatBook", "params": {"outputDir": false}})",
+         }) {
+        host.answers.clear();
+        onNotify(13, 0, text, 0);
+        EXPECT_EQ(host.answers, Lines{answer(-43)}) << (text ? text : "(null)");
+        EXPECT_FALSE(isPlatformUp());
+    }
+}
+
+TEST_F(OnNotifyTest, TheObjectAndTheNumberDoNotCount) {
+    onNotify(13, 4294967295U, "", -7);
+    EXPECT_EQ(host.answers, Lines{answer(-43)});
+}
+
+TEST_F(OnNotifyTest, AHostThatTakesNoAnswerChangesNothing) {
+    host.hostStatus = 17;
+    onNotify(13, 0, "", 0);
+    EXPECT_FALSE(isPlatformUp());
+    host.hostStatus = 0;
+    host.comStatus = kComServerBusy;
+    onNotify(13, 0, "", 0);
+    EXPECT_FALSE(isPlatformUp());
+    EXPECT_EQ(host.answers.size(), 2U);
+}
+
+TEST_F(OnNotifyTest, WithoutTheInterfaceForAnswersTheSessionIsClosed) {
+    host.missing = {IHostClients::kId};
+    QsApiInterfacesC interfaces(host.provider());
+    interfaces.connect();
+    onNotify(13, 0, "", 0);
+    EXPECT_EQ(HostLastError, -1);
+    EXPECT_FALSE(isPlatformUp());
+}
+
+/// Requests for a map with one topic.
+class ServedRequestTest : public RequestDispatchTest {
+protected:
+    ServedRequestTest() {
+        folder.write("book.ditamap",
+                     "<map class=\"- map/map \"><topicref class=\"- map/topicref \" "
+                     "href=\"t.dita\"/></map>");
+        folder.write("t.dita",
+                     "<topic class=\"- topic/topic \" id=\"t\"><title class=\"- topic/title \">T"
+                     "</title></topic>");
+        params["ditamap"] = folder.file("book.ditamap");
+        params["output"] = folder.file("out.xml");
+        params["ditaVal"] = "";
+        params["keyspaceDocDtd"] = folder.write("map.dtd", "<!ELEMENT map ANY>");
+        params["compositeDocDtd"] = folder.write("dita.dtd", "<!ELEMENT dita ANY>");
+        params["usePrint"] = false;
+    }
+
+    /// Runs the request and gives the one answer.
+    std::string serve() {
+        host.answers.clear();
+        const boost::json::object request{{"type", "PublishComp"}, {"params", params}};
+        onNotify(13, 0, boost::json::serialize(request).c_str(), 0);
+        EXPECT_EQ(host.answers.size(), 1U);
+        return host.answers.empty() ? "" : host.answers.front();
+    }
+
+    /// Opens a document in the host, as the only one.
+    void open(const std::string& path, std::uint32_t id, std::int32_t flag) {
+        host.ids[{0, 53}] = id;
+        host.texts[{id, 20}] = path;
+        host.integers[{id, 131}] = flag;
+    }
+
+    TemporaryFolder folder;
+    boost::json::object params;
+};
+
+TEST_F(ServedRequestTest, GivesTheStatusAndThreeEmptyLists) {
+    EXPECT_EQ(serve(), answer(0));
+    EXPECT_NE(folder.read("out.xml").find("id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5"),
+              std::string::npos);
+}
+
+TEST_F(ServedRequestTest, ASecondTimeGivesTheSame) {
+    serve();
+    const std::string first = folder.read("out.xml");
+    EXPECT_EQ(serve(), answer(0));
+    EXPECT_EQ(folder.read("out.xml"), first);
+}
+
+TEST_F(ServedRequestTest, OpenDocumentsAreAskedForEachTime) {
+    EXPECT_EQ(serve(), answer(0));
+    open(folder.file("t.dita"), 7, 1);
+    EXPECT_EQ(serve(), answer(0, {folder.file("t.dita")}, {7}, {}));
+    open(folder.file("book.ditamap"), 8, 0);
+    EXPECT_EQ(serve(), answer(0, {}, {}, {8}));
+}
+
+TEST_F(ServedRequestTest, AFailureAfterItForgetsItsLists) {
+    open(folder.file("t.dita"), 7, 1);
+    serve();
+    onNotify(13, 0, "", 0);
+    EXPECT_EQ(host.answers.back(), answer(-43));
+}
+
+TEST_F(ServedRequestTest, TheAnswerComesBeforeTheParserGoes) {
+    bool isStoreThereAtAnswer = false;
+    host.onCall = [&](const std::string& call) {
+        if (call == "returnTypedValue") {
+            isStoreThereAtAnswer = RequestSingleton<DocumentStore>::existing() != nullptr;
+        }
+    };
+    serve();
+    EXPECT_TRUE(isStoreThereAtAnswer);
+    const auto returned = std::find(host.calls.begin(), host.calls.end(), "returnTypedValue");
+    EXPECT_NE(
+        std::find(returned, host.calls.end(), "callClient XmlUtilities: EntityResolver terminate"),
+        host.calls.end());
+}
+
+TEST_F(ServedRequestTest, TheTextEndsAtItsFirstNul) {
+    boost::json::object request{{"type", "PublishComp"}, {"params", params}};
+    const std::string text = boost::json::serialize(request) + '\0' + "garbage";
+    onNotify(13, 0, text.c_str(), 0);
+    EXPECT_EQ(host.answers, Lines{answer(0)});
+}
+
+TEST_F(ServedRequestTest, AnUnreadableTopicIsNoFailure) {
+    folder.write("t.dita", "<topic");
+    EXPECT_EQ(serve(), answer(0));
+    EXPECT_NE(std::find(host.calls.begin(), host.calls.end(),
+                        "write Lesen nicht m\xC3\xB6glich: " + folder.file("t.dita") + "\r\n"),
+              host.calls.end());
+}
+
+TEST_F(ServedRequestTest, AFailureOfTheRunItselfHasItsOwnStatus) {
+    folder.write("book.ditamap", "<map");
+    EXPECT_EQ(serve(), answer(-42));
+}
+
+TEST_F(ServedRequestTest, AnOutputThatCannotBeRemovedIsRefused) {
+    std::filesystem::create_directory(folder.path() / "out.xml");
+    EXPECT_EQ(serve(), answer(-43));
+}
+
+TEST_F(ServedRequestTest, AParameterOfTheWrongTypeIsRefused) {
+    params["usePrint"] = 1;
+    EXPECT_EQ(serve(), answer(-43));
+    params["usePrint"] = "true";
+    EXPECT_EQ(serve(), answer(-43));
+    params["usePrint"] = true;
+    EXPECT_EQ(serve(), answer(0));
+}
+
+TEST_F(ServedRequestTest, AMissingParameterIsRefused) {
+    for (const char* key :
+         {"ditamap", "output", "ditaVal", "keyspaceDocDtd", "compositeDocDtd", "usePrint"}) {
+        const boost::json::object all = params;
+        params.erase(key);
+        EXPECT_EQ(serve(), answer(-43)) << key;
+        EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap")) << key;
+        params = all;
+    }
+}
+
+TEST_F(ServedRequestTest, ATypeThatOnlyBeginsWithTheKeyIsServed) {
+    const boost::json::object request{{"type", "PublishCompanion"}, {"params", params}};
+    onNotify(13, 0, boost::json::serialize(request).c_str(), 0);
+    EXPECT_EQ(host.answers, Lines{answer(0)});
+}
+
+}  // namespace
+}  // namespace marrowpress

@@ -1,0 +1,216 @@
+#include "publish/doc_publisher.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <typeinfo>
+
+#include "publish/composite_publisher.h"
+#include "publish/flat_book_publisher.h"
+#include "tests/support/xml_text.h"
+#include "tests/unit/publish/whole_request.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The code of what `action` throws; 0 when nothing is thrown.
+template <class Action>
+int codeOf(Action&& action) {
+    try {
+        action();
+        return 0;
+    } catch (const PublishException& failure) {
+        return failure.code();
+    } catch (const fs::filesystem_error& failure) {
+        EXPECT_NE(std::string(failure.what()).find("remove"), std::string::npos);
+        return -42;
+    }
+}
+
+class ForeignParamsTest : public XmlTest {
+protected:
+    ForeignParamsTest() {
+        folder.write("out/KeyspaceDoc.ditamap", "old");
+        folder.write("out/book.dita", "old");
+    }
+
+    boost::json::value params() const {
+        return {{"ditamap", folder.file("root.ditamap")},
+                {"output", folder.file("out/book.dita")},
+                {"outputDir", folder.file("out")}};
+    }
+
+    void expectUntouched() const {
+        EXPECT_EQ(folder.read("out/KeyspaceDoc.ditamap"), "old");
+        EXPECT_EQ(folder.read("out/book.dita"), "old");
+        EXPECT_TRUE(host.progress().empty());
+        EXPECT_TRUE(host.console().empty());
+    }
+};
+
+TEST_F(ForeignParamsTest, AreRefusedByTheFlatBook) {
+    FlatBookPublisher publisher;
+    EXPECT_EQ(
+        codeOf([&] { publisher.publish(std::make_unique<CompositePublishParams>(params())); }),
+        -43);
+    expectUntouched();
+}
+
+TEST_F(ForeignParamsTest, AreRefusedByTheComposite) {
+    CompositeDocPublisher publisher;
+    EXPECT_EQ(codeOf([&] { publisher.publish(std::make_unique<FlatBookPublishParams>(params())); }),
+              -43);
+    expectUntouched();
+}
+
+class RemoveOldFileTest : public testing::Test {
+protected:
+    int remove(const char* name) const {
+        return codeOf([&] { removeOldFile(folder.file16(name)); });
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(RemoveOldFileTest, RemovesFilesAlone) {
+    folder.write("file", "x");
+    folder.write("target", "x");
+    folder.write("full/file", "x");
+    fs::create_directory(folder.path() / "empty");
+    fs::create_symlink("target", folder.path() / "link");
+    fs::create_symlink("none", folder.path() / "dangling");
+    fs::create_symlink("full", folder.path() / "linked-folder");
+    ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+
+    EXPECT_EQ(remove("file"), 0);
+    EXPECT_FALSE(folder.exists("file"));
+    EXPECT_EQ(remove("file"), 0);
+    EXPECT_EQ(remove("link"), 0);
+    EXPECT_FALSE(folder.exists("link"));
+    EXPECT_EQ(folder.read("target"), "x");
+    EXPECT_EQ(remove("dangling"), 0);
+    EXPECT_TRUE(folder.exists("dangling"));
+    for (const char* name : {"full", "empty", "pipe", "linked-folder", "."}) {
+        EXPECT_EQ(remove(name), -43) << name;
+        EXPECT_TRUE(folder.exists(name)) << name;
+    }
+    EXPECT_EQ(codeOf([] { removeOldFile(u""); }), 0);
+    EXPECT_EQ(codeOf([] { removeOldFile(u"/proc/version"); }), -42);
+}
+
+class DocPublisherTest : public WholeRequestTest {
+protected:
+    DocPublisherTest() {
+        fs::create_directories(folder.path() / "out");
+        folder.write("a.dita", topic("a", "<body><p audience='expert'>P</p></body>"));
+        folder.write("root.ditamap", map(topicref("href='a.dita'")));
+    }
+};
+
+TEST_F(DocPublisherTest, AFailureInTheAssemblyLeavesNoKeySpaceDocument) {
+    bool isThere = false;
+    watch = [&](const std::string& line) {
+        isThere |= line == "Referenzen in Ditamap werden aktualisiert..." &&
+                   folder.exists("out/KeyspaceDoc.ditamap");
+    };
+    for (const bool isFlatBook : {true, false}) {
+        isThere = false;
+        boost::json::object params = isFlatBook ? flatBook() : composite();
+        params.erase("compositeDocDtd");
+        EXPECT_EQ(status(isFlatBook ? publishFlatBook(params) : publishComposite(params)), -43);
+        EXPECT_TRUE(isThere);
+        EXPECT_EQ(tree(), "a.dita out root.ditamap ");
+    }
+}
+
+TEST_F(DocPublisherTest, AnOldKeySpaceDocumentIsBuiltAnew) {
+    folder.write("out/KeyspaceDoc.ditamap", "<map><topicref keys='old'/></map>");
+    std::string seen;
+    watch = [&](const std::string& line) {
+        if (line == "Referenzen in Ditamap werden aktualisiert...") {
+            seen = folder.read("out/KeyspaceDoc.ditamap");
+        }
+    };
+    folder.write("root.ditamap", map("<keydef keys='k' href='a.dita'/>"));
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_EQ(neutral(seen),
+              "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?><!DOCTYPE map PUBLIC "
+              "\"-//OASIS//DTD DITA Map//EN\" \"map.dtd\"><map><keydef href=\"$F/a.dita\" "
+              "keys=\"k\"/></map>");
+    EXPECT_FALSE(folder.exists("out/KeyspaceDoc.ditamap"));
+}
+
+TEST_F(DocPublisherTest, TheProfileOfARequestEndsWithIt) {
+    folder.write("p.ditaval", "<val><prop att='audience' val='expert' action='exclude'/></val>");
+    boost::json::object params = composite();
+    params["ditaVal"] = folder.file("p.ditaval");
+    EXPECT_EQ(status(publishComposite(params)), 0);
+    EXPECT_EQ(written("out/book.dita").find("audience"), std::string::npos);
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_NE(written("out/book.dita").find("audience"), std::string::npos);
+    params["ditaVal"] = folder.file("none.ditaval");
+    EXPECT_EQ(status(publishComposite(params)), 0);
+    EXPECT_NE(written("out/book.dita").find("audience"), std::string::npos);
+    EXPECT_EQ(console, "Lesen nicht möglich: $F/none.ditaval\n");
+}
+
+/// Lines of a trace, as the host operations write them.
+std::string calls(const std::string& command) {
+    return R"({"op":"HostCallClient","client":"XmlUtilities","command":"EntityResolver )" +
+           command + "\",\"result\":1}\n";
+}
+
+std::string starts(const std::string& file) {
+    return calls("start -basefile \\\"$F/" + file + "\\\"");
+}
+
+std::string asks(const std::string& publicId) {
+    return R"({"op":"HostCallClientTyped","client":"XmlUtilities","command":"EntityResolver )"
+           R"(resolveentity -publicid \"-//OASIS//DTD DITA )" +
+           publicId + "//EN\\\"\",\"reply\":[]}\n";
+}
+
+std::string shows(const std::string& line) {
+    return R"({"op":"HostReportProgress","kind":4,"text":")" + line + "\",\"number\":-1}\n";
+}
+
+TEST_F(DocPublisherTest, ACompositeRunAsksTheHostInThisOrder) {
+    folder.write(
+        "a.dita",
+        "<!DOCTYPE topic PUBLIC \"-//OASIS//DTD DITA Topic//EN\" \"topic.dtd\">" + topic("a"));
+    folder.write("root.ditamap", map(topicref("href='a.dita'") + topicref("href='none.dita'")));
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+
+    const std::string end = calls("end");
+    const std::string keySpace = "out/KeyspaceDoc.ditamap";
+    const std::string book = "out/book.dita";
+    const std::string isMissing =
+        R"({"op":"HostConsoleWrite","text":"Die Datei, auf die verwiesen wird, kann nicht )"
+        R"(gefunden werden: $F/none.dita\r\n"})"
+        "\n";
+    EXPECT_EQ(
+        neutral(operations.str()),
+        shows("Schlüsselräume werden in Ditamap verarbeitet...") +
+            R"({"op":"HostGetIdProp","object":0,"property":53,"result":0})" + "\n" +
+            // Without its DTD a document takes two tries; the answer is known at the second.
+            starts(keySpace) + asks("Map") + end + starts(keySpace) + end +
+            // Without a doctype there is nothing to ask.
+            starts("root.ditamap") + end + isMissing +
+            // The passes ask for the DTD of the key space document, by a resolver of their own.
+            starts(keySpace) + asks("Map") + end + calls("terminate") + starts(keySpace) + end +
+            shows("Referenzen in Ditamap werden aktualisiert...") + starts(book) +
+            asks("Composite") + end + starts(book) + end + starts("a.dita") + asks("Topic") + end +
+            starts("a.dita") + end + shows("Wird angehängt: a.dita") + isMissing +
+            shows("Referenzen werden verarbeitet") + starts(book) + asks("Composite") + end +
+            starts(book) + end +
+            R"({"op":"HostReturnTypedValue","values":[{"type":1,"value":0},)"
+            R"({"type":6,"value":[]},{"type":15,"value":[]},{"type":15,"value":[]}]})"
+            "\n" +
+            calls("terminate") + calls("terminate"));
+}
+
+}  // namespace
+}  // namespace marrowpress

@@ -1,0 +1,281 @@
+#include "publish/flat_book_assembly.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "publish/reference_kind.h"
+#include "tests/support/xml_text.h"
+#include "tests/unit/publish/whole_request.h"
+
+namespace marrowpress {
+namespace {
+
+const std::string kShell = "<topic id=\"id-1\"><title/></topic>";
+const std::string kNothingMerged = "<?Qs BoolCondExpr  State 1?>";
+
+std::string cannotWrite(const std::string& path) {
+    return "Speichern nicht möglich: " + path + "\n";
+}
+
+/// What is reported when the shell of a component can't be written, and so can't be read.
+std::string cannotCreate(const std::string& path) {
+    const std::string cannotRead = "Lesen nicht möglich: " + path + "\n";
+    return cannotWrite(path) + cannotRead + cannotRead;
+}
+
+/// A book of three components, of which the second is a head with some title.
+class OddTitleTest : public WholeRequestTest {
+protected:
+    OddTitleTest() {
+        std::filesystem::create_directories(folder.path() / "out");
+        folder.write("a.dita", topic("a"));
+    }
+
+    /// Publishes; the names of what came of it in the folder.
+    std::string publish(const std::string& navtitle) {
+        folder.write("root.ditamap",
+                     map(topicref("href='a.dita'") +
+                         topichead("navtitle='" + navtitle + "'", topicref("href='a.dita'")) +
+                         topichead("navtitle='Last'")));
+        const TypedValues answer = publishFlatBook(flatBook());
+        EXPECT_EQ(status(answer), 0);
+        listed = components(answer);
+        return tree();
+    }
+
+    std::string listed;
+};
+
+struct TitleCase {
+    const char* name;
+    const char* navtitle;
+    const char* path;
+    bool isTried;  ///< inside the folder: the file system is asked
+};
+
+const std::string kLongName(300, 'x');
+const std::string kLongestTitle(252, 'x');
+
+constexpr TitleCase kImpossibleTitles[] = {
+    {"MissingFolder", "TCP/IP", "$F/out/TCP/IP.qs", true},
+    {"MissingFolderBackslash", "a\\b", "$F/out/a/b.qs", true},
+    {"DeepMissingFolder", "a/b/../c/d", "$F/out/a/c/d.qs", true},
+    {"AboveTheFolder", "../x", "$F/x.qs", false},
+    {"AboveTheFolderBackslash", "..\\x", "$F/x.qs", false},
+    {"FarAbove", "x/../../../../../../../../../x", "/x.qs", false},
+    {"OutAndInAgain", "x/../../other/x", "$F/other/x.qs", false},
+    {"FolderOfASimilarName", "../out2/x", "$F/out2/x.qs", false},
+    {"Absolute", "/abs/x", "/abs/x.qs", false},
+    {"AbsoluteBackslash", "\\abs\\x", "/abs/x.qs", false},
+    {"Drive", "C:\\x", "C:/x.qs", false},
+    {"DriveWithoutRoot", "C:x", "C:x.qs", false},
+    {"Server", "\\\\server\\share\\x", "//server/share/x.qs", false},
+};
+
+class ImpossibleTitleTest : public OddTitleTest, public testing::WithParamInterface<TitleCase> {};
+
+TEST_P(ImpossibleTitleTest, IsReportedAndLeftOut) {
+    folder.write("out2/kept.txt", "");
+    folder.write("other/kept.txt", "");
+    EXPECT_EQ(publish(GetParam().navtitle),
+              "a.dita other other/kept.txt out out/Last.qs out/a.qs out2 out2/kept.txt "
+              "root.ditamap ");
+    EXPECT_EQ(listed, "$F/out/a.qs $F/out/Last.qs ");
+    EXPECT_EQ(console,
+              GetParam().isTried ? cannotCreate(GetParam().path) : cannotWrite(GetParam().path));
+    EXPECT_FALSE(std::filesystem::exists("/abs/x.qs"));
+    EXPECT_FALSE(std::filesystem::exists("/x.qs"));
+    EXPECT_FALSE(std::filesystem::exists("C:x.qs"));
+    EXPECT_EQ(written("out/a.qs"), kNothingMerged + "<dita>" + kShell +
+                                       "<topic id=\"id-2\"><title>a</title></topic></dita>");
+}
+
+INSTANTIATE_TEST_SUITE_P(, ImpossibleTitleTest, testing::ValuesIn(kImpossibleTitles),
+                         [](const auto& example) { return std::string(example.param.name); });
+
+TEST_F(OddTitleTest, ANameThatIsTooLongIsReported) {
+    EXPECT_EQ(publish(kLongName), "a.dita out out/Last.qs out/a.qs root.ditamap ");
+    EXPECT_EQ(console, cannotWrite("$F/out/" + kLongName + ".qs"));
+}
+
+TEST_F(OddTitleTest, ANameMustLeaveRoomForTheTemporaryOne) {
+    EXPECT_EQ(publish(kLongestTitle), "a.dita out out/Last.qs out/a.qs root.ditamap ");
+    EXPECT_EQ(console, cannotWrite("$F/out/" + kLongestTitle + ".qs"));
+    const std::string oneTooMany(249, 'x');
+    EXPECT_EQ(publish(oneTooMany), "a.dita out out/Last.qs out/a.qs root.ditamap ");
+    EXPECT_EQ(console, cannotWrite("$F/out/" + oneTooMany + ".qs"));
+    // Counted in bytes.
+    std::string umlauts;
+    for (int count = 0; count < 125; ++count) {
+        umlauts += "\xC3\xBC";
+    }
+    EXPECT_EQ(publish(umlauts), "a.dita out out/Last.qs out/a.qs root.ditamap ");
+    const std::string fitting(248, 'x');
+    EXPECT_EQ(publish(fitting),
+              "a.dita out out/Last.qs out/a.qs out/" + fitting + ".qs root.ditamap ");
+    EXPECT_EQ(console, "");
+}
+
+TEST_F(OddTitleTest, AFolderInItsPlaceIsReported) {
+    folder.write("out/Folder.qs/kept.txt", "");
+    EXPECT_EQ(publish("Folder"),
+              "a.dita out out/Folder.qs out/Folder.qs/kept.txt out/Last.qs out/a.qs root.ditamap ");
+    EXPECT_EQ(listed, "$F/out/a.qs $F/out/Last.qs ");
+    EXPECT_EQ(console, cannotCreate("$F/out/Folder.qs"));
+}
+
+TEST_F(OddTitleTest, WhatIsNotThereLeadsNowhere) {
+    publish("../x");
+    // The topic of the component that couldn't be created keeps its first place.
+    folder.write("b.dita", topic("b", "<body><p><xref href='only.dita'/></p></body>"));
+    folder.write("only.dita", topic("only"));
+    folder.write("root.ditamap", map(topichead("navtitle='../x'", topicref("href='only.dita'")) +
+                                     topicref("href='b.dita'") +
+                                     topichead("navtitle='y'", topicref("href='only.dita'"))));
+    EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/b.qs $F/out/y.qs ");
+    EXPECT_NE(written("out/b.qs").find("href=\"$F/out/y.qs#id-"), std::string::npos);
+}
+
+TEST_F(OddTitleTest, OtherNamesAreTakenAsTheyStand) {
+    folder.write("out/TCP/kept.txt", "");
+    for (const auto& [navtitle, file] : std::vector<std::pair<std::string, std::string>>{
+             {"TCP/IP", "TCP/IP.qs"},
+             {"TCP\\UDP", "TCP/UDP.qs"},
+             {"x/../y", "y.qs"},
+             {" ", " .qs"},
+             {".", "..qs"},
+             {"..", "...qs"},
+             {"a.b", "a.b.qs"},
+             {"ab:c?*|&lt;&gt;&quot;", "ab:c?*|<>\".qs"},
+             {"KeyspaceDoc.ditamap", "KeyspaceDoc.ditamap.qs"},
+             {"&#xFC; &#x1F600;", "\xC3\xBC \xF0\x9F\x98\x80.qs"}}) {
+        publish(navtitle);
+        EXPECT_EQ(listed, "$F/out/a.qs $F/out/" + file + " $F/out/Last.qs ") << navtitle;
+        EXPECT_EQ(console, "") << navtitle;
+        EXPECT_TRUE(folder.exists("out/" + file)) << navtitle;
+    }
+}
+
+TEST_F(OddTitleTest, TheNameOfASourceMustFitToo) {
+    const std::string longStem(250, 's');
+    folder.write(longStem + ".dita", topic("s"));
+    folder.write("root.ditamap",
+                 map(topicref("href='./" + longStem + ".dita'") + topicref("href='a.dita'")));
+    EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/a.qs ");
+    EXPECT_EQ(console, cannotWrite("$F/out/" + longStem + ".qs"));
+    EXPECT_FALSE(folder.exists("out/" + longStem + ".qs"));
+}
+
+TEST_F(OddTitleTest, TheFolderMayBeGivenInAnySpelling) {
+    folder.write("root.ditamap", map(topicref("href='a.dita'") + topichead("navtitle='Head'")));
+    for (const char* spelling : {"out/", "out/.", "./out", "x/../out", "out//"}) {
+        boost::json::object params = flatBook();
+        params["outputDir"] = folder.path().string() + "/" + spelling;
+        EXPECT_EQ(components(publishFlatBook(params)), "$F/out/a.qs $F/out/Head.qs ") << spelling;
+        EXPECT_EQ(console, "") << spelling;
+    }
+}
+
+using HeadComponentTest = OddTitleTest;
+
+TEST_F(HeadComponentTest, OnlyNamelessOnesAreCounted) {
+    folder.write("root.ditamap",
+                 map(topichead("") + topichead("navtitle='Named'") + topichead("navtitle=''") +
+                     topichead("navtitle='container0'") + topichead("", topichead(""))));
+    EXPECT_EQ(components(publishFlatBook(flatBook())),
+              "$F/out/container0.qs $F/out/Named.qs $F/out/container1.qs $F/out/container0.qs "
+              "$F/out/container2.qs ");
+    EXPECT_EQ(written("out/Named.qs"),
+              "<dita>" + kShell + "<topic id=\"id-2\"><title>Named</title></topic></dita>");
+    EXPECT_EQ(written("out/container1.qs"), "<dita>" + kShell + "</dita>");
+    // The next request counts anew.
+    EXPECT_EQ(components(publishFlatBook(flatBook())),
+              "$F/out/container0.qs $F/out/Named.qs $F/out/container1.qs $F/out/container0.qs "
+              "$F/out/container2.qs ");
+}
+
+TEST_F(HeadComponentTest, RejectedOnesAreNotCounted) {
+    boost::json::object params = flatBook();
+    params["usePrint"] = true;
+    folder.write("root.ditamap",
+                 map(topichead("print='no'") + topichead("processing-role='resource-only'") +
+                     topichead("print='yes'") + topicref("href='a.dita' print='no'") +
+                     "<reltable>" + topicref("href='a.dita'") + "</reltable>" + topichead("")));
+    EXPECT_EQ(components(publishFlatBook(params)), "$F/out/container0.qs $F/out/container1.qs ");
+    params["usePrint"] = false;
+    EXPECT_EQ(components(publishFlatBook(params)),
+              "$F/out/container0.qs $F/out/container1.qs $F/out/a.qs $F/out/container2.qs ");
+}
+
+TEST_F(HeadComponentTest, ATargetOfAHeadIsNotLookedAt) {
+    folder.write("root.ditamap", map(topichead("navtitle='Head' href='a.dita'")));
+    EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/Head.qs ");
+    EXPECT_EQ(written("out/Head.qs"),
+              "<dita>" + kShell + "<topic id=\"id-2\"><title>Head</title></topic></dita>");
+}
+
+class FlatBookAssemblerTest : public XmlTest {
+protected:
+    ParsedXml keySpace{"<map/>"};
+    FlatBookRequest request;
+    TopicIdMap topicIds;
+};
+
+TEST_F(FlatBookAssemblerTest, ReplacesWhatTheMapHeld) {
+    topicIds.add(u"/old.dita#old", u"#new");
+    EXPECT_TRUE(
+        FlatBookAssembler().assembleBook(nullptr, keySpace.document(), request, topicIds).empty());
+    EXPECT_TRUE(topicIds.byReference().empty());
+    EXPECT_TRUE(topicIds.byFile().empty());
+}
+
+TEST_F(FlatBookAssemblerTest, LeavesTheLocationsOfTheWholeBook) {
+    folder.write("out/x", "");
+    const std::string text = topic("a");
+    folder.write("one/a.dita", text);
+    folder.write("b.dita", topic("b"));
+    const ParsedXml book(
+        map(topicref("href='one/a.dita'", topicref("href='b.dita'")) + topicref("href='b.dita'")),
+        u"file://" + folder.file16("root.ditamap"));
+    request.outputDir = folder.file16("out");
+    request.doctypeSystemId = u"ditabase.dtd";
+    const std::vector<xercesc::DOMDocument*> documents =
+        FlatBookAssembler().assembleBook(book.root(), keySpace.document(), request, topicIds);
+    ASSERT_EQ(documents.size(), 2U);
+    EXPECT_TRUE(folder.exists("one/a.qs"));
+    EXPECT_TRUE(folder.exists("b.qs"));
+    EXPECT_EQ(topicIds.byReference().size(), 2U);
+    const std::u16string location = topicIds.find(folder.file16("b.dita") + u"#b");
+    EXPECT_TRUE(location.starts_with(folder.file16("one/a.qs") + u"#id"));
+    EXPECT_EQ(topicIds.find(folder.file16("b.dita")), location);
+}
+
+class KindOfReferenceTest : public XmlTest {
+protected:
+    DitaDocKind kindOf(const std::string& attributes) {
+        const ParsedXml parsed(topicref(attributes), u"file://" + folder.file16("root.ditamap"));
+        const DitaReference reference = readDitaReference(*parsed.root(), nullptr);
+        return kindOfReference(reference, *parsed.root());
+    }
+};
+
+TEST_F(KindOfReferenceTest, IsLookedUpWhereTheNameDoesNotTell) {
+    folder.write("map.xml", "<map/>");
+    folder.write("topic.xml", "<topic/>");
+    folder.write("other.xml", "<other/>");
+    folder.write("malformed.xml", "<topic>");
+    folder.write("a.dita", "not looked at");
+    EXPECT_EQ(kindOf("href='map.xml'"), DitaDocKind::DitaDocMap);
+    EXPECT_EQ(kindOf("href='topic.xml'"), DitaDocKind::DitaDocTopic);
+    EXPECT_EQ(kindOf("href='other.xml'"), DitaDocKind::DitaDocNone);
+    EXPECT_EQ(kindOf("href='a.dita'"), DitaDocKind::DitaDocTopic);
+    EXPECT_EQ(kindOf(""), DitaDocKind::DitaDocNone);
+    EXPECT_TRUE(host.console().empty());
+    EXPECT_EQ(kindOf("href='malformed.xml'"), DitaDocKind::DitaDocNone);
+    EXPECT_EQ(host.console(), std::vector<std::string>{
+                                  "Lesen nicht möglich: " + folder.file("malformed.xml") + "\r\n"});
+}
+
+}  // namespace
+}  // namespace marrowpress

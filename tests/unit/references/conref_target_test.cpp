@@ -1,0 +1,157 @@
+#include "references/conref_target.h"
+
+#include <xercesc/dom/DOMImplementation.hpp>
+
+#include "references/reference_resolution.h"
+#include "support/xerces_ptr.h"
+#include "tests/unit/references/conref_samples.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMElement;
+
+struct TargetCase {
+    const char* name;
+    const char* xml;
+    const char* reference;  // what stands behind "#"
+    const char* tagName;
+    const char* found;    // the value of "mark"; empty for none
+    const char* message;  // "108 element topic", "109 id" or empty
+};
+
+constexpr const char* kTopics =
+    "<dita><topic mark='no id'/>"
+    "<topic id='t' mark='t'><p id='e' mark='p'/><ph id='e' mark='ph'/><p id='e' mark='second'/>"
+    "<x id='t' mark='x'/><p id='f/g' mark='slash'/><p mark='no id'/>"
+    "<topic id='n' mark='n'><p id='inner' mark='inner'/></topic></topic>"
+    "<topic id='u' mark='u'><p id='only-u' mark='only u'/></topic></dita>";
+
+constexpr const char* kMap =
+    "<map mark='map'><topicref id='a' mark='a'><keydef id='b' mark='b'/></topicref>"
+    "<topicref id='b' mark='second b'><ph id='e' mark='e of second b'/></topicref>"
+    "<topicref id='a' mark='second a'/>"
+    "<ph id='c' mark='c'><ph id='e' mark='e'/></ph></map>";
+
+constexpr TargetCase kTargetCases[] = {
+    {"Topic", kTopics, "t", "topic", "t", ""},
+    {"NestedTopic", kTopics, "n", "topic", "n", ""},
+    {"ElementInTopic", kTopics, "t/e", "ph", "ph", ""},
+    {"FirstElementOfIdAndName", kTopics, "t/e", "p", "p", ""},
+    {"ElementInNestedTopic", kTopics, "t/inner", "p", "inner", ""},
+    {"ContainerItselfAsElement", kTopics, "t/t", "topic", "t", ""},
+    {"OtherElementWithTheContainersId", kTopics, "t/t", "x", "x", ""},
+    {"SlashInElementId", kTopics, "t/f/g", "p", "slash", ""},
+    {"FirstTopicWithId", kTopics, ".", "topic", "t", ""},
+    {"ElementInFirstTopicWithId", kTopics, "./e", "ph", "ph", ""},
+    {"EmptyElementIdMeansTheTopic", kTopics, "t/", "topic", "t", ""},
+    {"FirstTopicIsTheRoot", "<topic id='r' mark='r'><topic id='s'/></topic>", ".", "topic", "r",
+     ""},
+    {"FirstTopicOfAnyType", "<dita><p id='p'/><concept id='c' mark='c'/></dita>", ".", "concept",
+     "c", ""},
+    {"FirstTopicByClass", "<dita><mine id='c' mark='c' class='- topic/topic mine/mine '/></dita>",
+     ".", "mine", "c", ""},
+    {"ClassesAreNotCompared", "<topic id='t'><p id='e' class='- topic/ph ' mark='e'/></topic>",
+     "t/e", "p", "e", ""},
+    {"MapByValue", kMap, "a", "topicref", "a", ""},
+    {"MapByValueInDocumentOrder", kMap, "b", "keydef", "b", ""},
+    {"MapByValueOfAnyElement", kMap, "c", "ph", "c", ""},
+    {"ElementInMap", kMap, "c/e", "ph", "e", ""},
+    {"MapByClass", "<x class='- map/map '><topicref id='a' mark='a'/></x>", "a", "topicref", "a",
+     ""},
+    {"EmptyIdInMapIsTheFirstElementWithoutId", kMap, "", "map", "map", ""},
+    {"ElementBehindEmptyIdInMap", kMap, "/e", "ph", "e of second b", ""},
+    {"IdAttributeOfAnyElement", "<topic id='t'><keydef keys='k' mark='k'/></topic>", "k", "keydef",
+     "k", ""},
+
+    {"NoSuchTopic", kTopics, "v", "topic", "", "109 v"},
+    {"NoSuchTopicForAnElement", kTopics, "v/e", "p", "", "109 v"},
+    {"TopicOfOtherName", kTopics, "t", "concept", "", "109 t"},
+    {"TopicNameInOtherCase", kTopics, "t", "Topic", "", "109 t"},
+    {"IdInOtherCase", kTopics, "T", "topic", "", "109 T"},
+    {"EmptyIdInTopic", kTopics, "", "topic", "", "109 "},
+    {"ElementBehindEmptyId", kTopics, "/e", "p", "", "109 "},
+    {"ElementIdAsTopicId", kTopics, "e", "p", "", "109 e"},
+    {"NoSuchElement", kTopics, "t/none", "p", "", "108 none t"},
+    {"ElementOfOtherName", kTopics, "t/inner", "ph", "", "108 inner t"},
+    {"ElementNameInOtherCase", kTopics, "t/e", "PH", "", "108 e t"},
+    {"ElementOfOtherTopic", kTopics, "t/only-u", "p", "", "108 only-u t"},
+    {"NoSuchElementInFirstTopic", kTopics, "./none", "p", "", "108 none ."},
+    {"ContainerOfOtherNameAsElement", kTopics, "u/u", "p", "", "108 u u"},
+    {"FirstOfTheIdInMapHasOtherName", kMap, "b", "topicref", "", "109 b"},
+    {"FirstOfTheIdInMapLacksTheElement", kMap, "b/e", "ph", "", "108 e b"},
+    {"NoSuchIdInMap", kMap, "d", "topicref", "", "109 d"},
+    {"MapHasNoFirstTopic", kMap, ".", "topicref", "", "109 ."},
+    {"NoTopicHasAnId", "<dita><topic/><p id='p'/></dita>", ".", "topic", "", "109 ."},
+};
+
+class ConrefTargetTest : public ConrefTest, public testing::WithParamInterface<TargetCase> {
+protected:
+    static std::string messageText(std::string_view tagName, const std::string& message) {
+        if (message.empty()) {
+            return {};
+        }
+        const std::string number = message.substr(0, 3);
+        const std::string ids = message.substr(4);
+        if (number == "109") {
+            return notFound(tagName, ids, "d.dita");
+        }
+        const std::size_t blank = ids.find(' ');
+        return notFoundInTopic(tagName, ids.substr(0, blank), ids.substr(blank + 1), "d.dita");
+    }
+};
+
+TEST_P(ConrefTargetTest, FindsOrReports) {
+    const ParsedXml document = parse(GetParam().xml);
+    const std::u16string reference = u"#" + toUtf16(std::string_view(GetParam().reference));
+    const HrefParts parts = splitHref(reference);
+    const DOMElement* const target = findConrefTarget(
+        document.document(), &parts, toUtf16(std::string_view(GetParam().tagName)));
+    EXPECT_EQ(target ? attribute(*target, "mark") : "", GetParam().found);
+    EXPECT_EQ(target == nullptr, std::string_view(GetParam().found).empty());
+    EXPECT_EQ(console(), messageText(GetParam().tagName, GetParam().message));
+}
+
+INSTANTIATE_TEST_SUITE_P(, ConrefTargetTest, testing::ValuesIn(kTargetCases),
+                         [](const auto& instance) { return std::string(instance.param.name); });
+
+using FindConrefTargetTest = ConrefTest;
+
+TEST_F(FindConrefTargetTest, FindsNothingAndReportsNothingWithoutParts) {
+    const ParsedXml document = parse(kTopics);
+    EXPECT_EQ(findConrefTarget(document.document(), nullptr, u"topic"), nullptr);
+    EXPECT_EQ(console(), "");
+}
+
+TEST_F(FindConrefTargetTest, ReportsForADocumentWithoutElements) {
+    const XercesPtr<xercesc::DOMDocument> empty(
+        xercesc::DOMImplementation::getImplementation()->createDocument());
+    empty->setDocumentURI((u"file://" + folder.file16("empty.dita")).c_str());
+    for (const std::u16string_view topicId : {u".", u"t"}) {
+        const HrefParts parts{{}, topicId, {}};
+        EXPECT_EQ(findConrefTarget(*empty, &parts, u"p"), nullptr);
+    }
+    EXPECT_EQ(console(), notFound("p", ".", "empty.dita") + notFound("p", "t", "empty.dita"));
+}
+
+TEST_F(FindConrefTargetTest, ReportsNamesInUtf8AndAsTheyAre) {
+    const ParsedXml document = parse(topicOf(""));
+    const HrefParts missingTopic{{}, u"ü%s", {}};
+    const HrefParts missingElement{{}, u"t", u"\U0001F600%d"};
+    EXPECT_EQ(findConrefTarget(document.document(), &missingTopic, u"ä"), nullptr);
+    EXPECT_EQ(findConrefTarget(document.document(), &missingElement, u"ä"), nullptr);
+    EXPECT_EQ(console(),
+              notFound("ä", "ü%s", "d.dita") + notFoundInTopic("ä", "😀%d", "t", "d.dita"));
+}
+
+TEST_F(FindConrefTargetTest, MissesATopicWhoseIdIsNotDeclaredAsOne) {
+    const ParsedXml document("<topic id='t'/>", u"file://" + folder.file16("d.dita"));
+    const HrefParts byId{{}, u"t", {}};
+    const HrefParts first{{}, u".", {}};
+    EXPECT_EQ(findConrefTarget(document.document(), &byId, u"topic"), nullptr);
+    EXPECT_EQ(console(), notFound("topic", "t", "d.dita"));
+    EXPECT_EQ(findConrefTarget(document.document(), &first, u"topic"), document.root());
+}
+
+}  // namespace
+}  // namespace marrowpress

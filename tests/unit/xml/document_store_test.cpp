@@ -1,0 +1,398 @@
+#include "xml/document_store.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "client/messages.h"
+#include "references/direct_references.h"
+#include "references/node_filters.h"
+#include "support/publish_exception.h"
+#include "support/request_singleton.h"
+#include "tests/unit/xml/file_conditions.h"
+#include "tests/unit/xml/replaced_interfaces.h"
+#include "tests/unit/xml/sample_documents.h"
+#include "xml/document_writer.h"
+#include "xml/grammar_parser_cache.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Records as text, "path state id" each, in the order of their paths.
+Texts listed(const OpenDocumentRecords& records) {
+    Texts texts;
+    for (const auto& [path, record] : records) {
+        texts.push_back(toUtf8(path) + " " + std::to_string(static_cast<int>(record.state)) + " " +
+                        std::to_string(record.documentId));
+    }
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+class DocumentStoreTest : public XmlTest {
+protected:
+    static xercesc::DOMDocument* load(const std::string& path) {
+        return DocumentStore::instance().getOrLoad(toUtf16(path));
+    }
+};
+
+TEST_F(DocumentStoreTest, GivesOneTreeForOnePath) {
+    const std::string path = folder.write("a.dita", "<a/>");
+    xercesc::DOMDocument* const first = load(path);
+    ASSERT_TRUE(first);
+    first->getDocumentElement()->setAttribute(u"changed", u"yes");
+    EXPECT_EQ(load(path), first);
+    EXPECT_EQ(printed(*load(path)->getDocumentElement()), "<a changed=\"yes\"/>");
+    EXPECT_EQ(host.commands(), tries(1, path));
+    EXPECT_EQ(host.console(), Texts{});
+}
+
+TEST_F(DocumentStoreTest, GivesATreeOfItsOwnForEachSpelling) {
+    folder.write("a.dita", "<a/>");
+    const std::string root = folder.path().string();
+    std::vector<xercesc::DOMDocument*> documents;
+    for (const char* spelling : {"/a.dita", "//a.dita", "/./a.dita"}) {
+        documents.push_back(load(root + spelling));
+        ASSERT_TRUE(documents.back()) << spelling;
+    }
+    EXPECT_NE(documents[0], documents[1]);
+    EXPECT_NE(documents[0], documents[2]);
+    EXPECT_NE(documents[1], documents[2]);
+    EXPECT_EQ(load("file://" + root + "/a.dita"), nullptr);
+    EXPECT_EQ(load(root + "/A.dita"), nullptr);
+}
+
+TEST_F(DocumentStoreTest, ReadsAFileOnceOnly) {
+    const std::string path = folder.write("a.dita", "<a/>");
+    load(path);
+    folder.write("a.dita", "<changed/>");
+    EXPECT_EQ(printed(*load(path)->getDocumentElement()), "<a/>");
+}
+
+TEST_F(DocumentStoreTest, KeepsTreesWhenTheirFilesGo) {
+    const std::string path = folder.write("a.dita", "<a>text</a>");
+    const xercesc::DOMDocument* const document = load(path);
+    fs::remove(path);
+    EXPECT_EQ(printed(*document->getDocumentElement()), "<a>text</a>");
+}
+
+TEST_F(DocumentStoreTest, ReportsAFileThatCannotBeReadEachTime) {
+    const std::string missing = folder.file("größe 100%s.dita");
+    EXPECT_EQ(load(missing), nullptr);
+    EXPECT_EQ(load(missing), nullptr);
+    EXPECT_EQ(host.console(), (Texts{cannotRead(missing), cannotRead(missing)}));
+    EXPECT_EQ(host.commands(), tries(6, missing));
+}
+
+TEST_F(DocumentStoreTest, ReportsAMalformedDocumentOnceForItsThreeTries) {
+    const std::string path = folder.write("a.dita", "<a>");
+    EXPECT_EQ(load(path), nullptr);
+    EXPECT_EQ(host.console(), Texts{cannotRead(path)});
+    EXPECT_EQ(host.commands(), tries(3, path));
+}
+
+TEST_F(DocumentStoreTest, ReportsAFileWithoutContent) {
+    const std::string path = folder.write("a.dita", "");
+    EXPECT_EQ(load(path), nullptr);
+    EXPECT_EQ(host.console(), Texts{cannotRead(path)});
+}
+
+TEST_F(DocumentStoreTest, ReportsAFileOutOfReach) {
+    const std::string path = folder.write("a.dita", "<a/>");
+    ASSERT_EQ(::chmod(path.c_str(), 0), 0);
+    const WithoutRights nobody;
+    EXPECT_EQ(load(path), nullptr);
+    EXPECT_EQ(host.console(), Texts{cannotRead(path)});
+}
+
+TEST_F(DocumentStoreTest, LoadsAFileThatHasBecomeReadable) {
+    const std::string path = folder.file("a.dita");
+    EXPECT_EQ(load(path), nullptr);
+    folder.write("a.dita", "<a/>");
+    EXPECT_TRUE(load(path));
+    EXPECT_EQ(host.console(), Texts{cannotRead(path)});
+}
+
+TEST_F(DocumentStoreTest, ReportsTheEmptyPathOnce) {
+    EXPECT_EQ(load(""), nullptr);
+    EXPECT_EQ(load(""), nullptr);
+    EXPECT_EQ(host.console(), Texts{cannotRead("")});
+    EXPECT_EQ(host.commands(), Texts{});
+}
+
+TEST_F(DocumentStoreTest, SharesOneParserAmongItsDocuments) {
+    folder.write("dtd/topic.dtd", kTopicDtd);
+    host.pathsByPublicId[kTopicId] = folder.file("dtd/topic.dtd");
+    const std::string first = folder.write("a.dita", topicText("topic.dtd"));
+    const std::string second = folder.write("b.dita", topicText("topic.dtd"));
+    load(first);
+    load(second);
+    EXPECT_EQ(host.commands(),
+              (Texts{startOf(first), questionFor(kTopicId), kEnd, startOf(second), kEnd}));
+    EXPECT_EQ(createdClass(*load(first)), "- topic/p ");
+    EXPECT_EQ(createdClass(*load(second)), "none");
+}
+
+TEST_F(DocumentStoreTest, ThrowsForADocumentThatMustLoad) {
+    const std::string path = folder.write("a.dita", "<a/>");
+    EXPECT_EQ(&DocumentStore::instance().mustLoad(toUtf16(path)), load(path));
+    EXPECT_EQ(host.console(), Texts{});
+    EXPECT_THROW(DocumentStore::instance().mustLoad(folder.file16("missing.dita")),
+                 PublishException);
+    EXPECT_EQ(host.console(), Texts{cannotRead(folder.file("missing.dita"))});
+    EXPECT_THROW(DocumentStore::instance().mustLoad(u""), PublishException);
+}
+
+TEST_F(DocumentStoreTest, HasAnEmptyTableWhenNothingIsOpen) {
+    load(folder.write("a.dita", "<a/>"));
+    ASSERT_TRUE(RequestSingleton<OpenDocumentTable>::existing());
+    EXPECT_EQ(OpenDocumentTable::instance().size(), 0U);
+    EXPECT_EQ(listed(DocumentStore::instance().touchedOpenDocuments()), Texts{});
+}
+
+TEST_F(DocumentStoreTest, BuildsTheTableAtTheFirstMiss) {
+    DocumentStore::instance();
+    EXPECT_FALSE(RequestSingleton<OpenDocumentTable>::existing());
+    load("");
+    EXPECT_TRUE(RequestSingleton<OpenDocumentTable>::existing());
+}
+
+TEST_F(DocumentStoreTest, BuildsTheTableBeforeItReads) {
+    const std::string path = folder.write("a.dita", "<a/>");
+    std::vector<bool> exists;
+    ScriptedClients clients;
+    clients.onCall = [&] {
+        exists.push_back(RequestSingleton<OpenDocumentTable>::existing() != nullptr);
+    };
+    load(path);
+    EXPECT_EQ(exists, (std::vector<bool>{true, true}));
+}
+
+TEST_F(DocumentStoreTest, ReadsThroughTheLoadersFallbackToo) {
+    // A process file has no size and no mapping.
+    EXPECT_EQ(load("/proc/self/status"), nullptr);
+    EXPECT_EQ(host.console(), Texts{cannotRead("/proc/self/status")});
+}
+
+/// A host with documents open in it.
+class StoreOpenDocumentsTest : public testing::Test {
+protected:
+    xercesc::DOMDocument* load(const std::string& name) {
+        return DocumentStore::instance().getOrLoad(folder.file16(name));
+    }
+    Texts touched() { return listed(DocumentStore::instance().touchedOpenDocuments()); }
+
+    TemporaryFolder folder;
+    RecordingHost host{{{7, folder.file("größe.dita"), 0},
+                        {9, folder.file("flagged.dita"), 5},
+                        {11, folder.file("broken.dita"), -1},
+                        {13, folder.file("twice.dita"), 1},
+                        {15, folder.file("twice.dita"), 0},
+                        {17, folder.file("unused.dita"), 1}}};
+    XmlSession session;
+};
+
+TEST_F(StoreOpenDocumentsTest, AreInTheTableByName) {
+    const OpenDocumentTable table;
+    EXPECT_EQ(table.size(), 5U);
+    const OpenDocumentRecord* const plain = table.find(folder.file16("größe.dita"));
+    ASSERT_TRUE(plain);
+    EXPECT_EQ(static_cast<int>(plain->state), 1);
+    EXPECT_EQ(plain->documentId, 7U);
+    const OpenDocumentRecord* const flagged = table.find(folder.file16("flagged.dita"));
+    ASSERT_TRUE(flagged);
+    EXPECT_EQ(static_cast<int>(flagged->state), 2);
+    EXPECT_EQ(table.find(folder.file16("other.dita")), nullptr);
+    EXPECT_EQ(table.find(u""), nullptr);
+}
+
+TEST_F(StoreOpenDocumentsTest, AreTouchedWhenTheyAreAskedFor) {
+    for (const char* name : {"größe.dita", "flagged.dita", "other.dita"}) {
+        folder.write(name, "<a/>");
+        load(name);
+        load(name);
+    }
+    EXPECT_EQ(touched(),
+              (Texts{folder.file("flagged.dita") + " 2 9", folder.file("größe.dita") + " 1 7"}));
+}
+
+TEST_F(StoreOpenDocumentsTest, AreTouchedWhenTheyCannotBeRead) {
+    folder.write("broken.dita", "<a>");
+    EXPECT_EQ(load("broken.dita"), nullptr);
+    EXPECT_EQ(touched(), Texts{folder.file("broken.dita") + " 2 11"});
+}
+
+TEST_F(StoreOpenDocumentsTest, AreTouchedBeforeTheyAreRead) {
+    folder.write("größe.dita", "<a/>");
+    std::vector<std::size_t> touchedCounts;
+    ScriptedClients clients;
+    clients.onCall = [&] { touchedCounts.push_back(touched().size()); };
+    load("größe.dita");
+    EXPECT_EQ(touchedCounts, (std::vector<std::size_t>{1, 1}));
+}
+
+TEST_F(StoreOpenDocumentsTest, CountByTheLastOfOneName) {
+    folder.write("twice.dita", "<a/>");
+    load("twice.dita");
+    EXPECT_EQ(touched(), Texts{folder.file("twice.dita") + " 1 15"});
+}
+
+TEST_F(StoreOpenDocumentsTest, AreFoundUnderTheirExactNameOnly) {
+    folder.write("größe.dita", "<a/>");
+    EXPECT_TRUE(load("./größe.dita"));
+    EXPECT_TRUE(DocumentStore::instance().getOrLoad(folder.file16("") + u"/größe.dita"));
+    EXPECT_EQ(load("GRÖßE.dita"), nullptr);
+    std::string backslashes = folder.file("größe.dita");
+    std::replace(backslashes.begin(), backslashes.end(), '/', '\\');
+    DocumentStore::instance().getOrLoad(toUtf16(backslashes));
+    EXPECT_EQ(touched(), Texts{});
+}
+
+TEST_F(StoreOpenDocumentsTest, AreReadFromTheDisk) {
+    folder.write("größe.dita", "<on-disk/>");
+    EXPECT_EQ(printed(*load("größe.dita")->getDocumentElement()), "<on-disk/>");
+}
+
+/// Properties that a test sets, as text of what was read.
+class ScriptedProperties final : public ScriptedInterface<IHostProperties> {
+public:
+    ComStatus getIntProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
+                         std::int32_t* value, std::int32_t* hostStatus) override {
+        *value = 0;
+        return record("int", context, object, property, hostStatus);
+    }
+    ComStatus getIdProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
+                        std::uint32_t* value, std::int32_t* hostStatus) override {
+        *value = object < 2 ? object + 1 : 0;
+        return record("id", context, object, property, hostStatus);
+    }
+    ComStatus getStringProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
+                            char** value, std::int32_t* hostStatus) override {
+        *value = nullptr;
+        return record("text", context, object, property, hostStatus);
+    }
+
+    Texts reads;
+
+private:
+    ComStatus record(const std::string& kind, std::uint32_t context, std::uint32_t object,
+                     std::uint32_t property, std::int32_t* hostStatus) {
+        reads.push_back(kind + " " + std::to_string(context) + " " + std::to_string(object) + " " +
+                        std::to_string(property));
+        *hostStatus = 0;
+        return kComOk;
+    }
+
+    InterfaceReplacement<IHostProperties> replacement_{QsApiInterfacesC::connected()->properties,
+                                                       this};
+};
+
+TEST_F(StoreOpenDocumentsTest, AreReadInTheOrderOfTheHost) {
+    ScriptedProperties properties;
+    const OpenDocumentTable table;
+    EXPECT_EQ(properties.reads, (Texts{"id 0 0 53", "text 0 1 20", "int 0 1 131", "id 0 1 111",
+                                       "text 0 2 20", "int 0 2 131", "id 0 2 111"}));
+}
+
+TEST_F(StoreOpenDocumentsTest, ArePassedOverWithoutAName) {
+    const ScriptedProperties properties;
+    const OpenDocumentTable table;
+    EXPECT_EQ(table.size(), 0U);
+}
+
+TEST_F(StoreOpenDocumentsTest, AreNoneWithoutTheHostsProperties) {
+    const InterfaceReplacement<IHostProperties> missing(QsApiInterfacesC::connected()->properties,
+                                                        nullptr);
+    EXPECT_EQ(OpenDocumentTable().size(), 0U);
+}
+
+TEST_F(StoreOpenDocumentsTest, AreReadOnceInARequest) {
+    folder.write("größe.dita", "<a/>");
+    folder.write("flagged.dita", "<a/>");
+    ScriptedProperties properties;
+    load("größe.dita");
+    load("flagged.dita");
+    load("missing.dita");
+    EXPECT_EQ(std::count(properties.reads.begin(), properties.reads.end(), "id 0 0 53"), 1);
+}
+
+/// Sessions that follow each other.
+class RequestEndTest : public testing::Test {
+protected:
+    TemporaryFolder folder;
+    RecordingHost host;
+};
+
+TEST_F(RequestEndTest, EndsTheStoreThenTheGrammarsThenTheRest) {
+    const std::string path = folder.write("a.dita", topicText("topic.dtd"));
+    const std::string dtd = folder.write("topic.dtd", kTopicDtd);
+    host.pathsByPublicId[kTopicId] = dtd;
+    Texts alive;
+    ScriptedClients clients;
+    {
+        const XmlSession session;
+        xercesc::DOMDocument* const document = DocumentStore::instance().getOrLoad(toUtf16(path));
+        ASSERT_TRUE(document);
+        clients.makeReply = [] { return HostTypedValueList{0, nullptr}; };
+        GrammarParserCache::instance().parserForDocument(*document);
+        TopicIdGenerator::instance();
+        ReportMessenger::instance();
+        ProgressMessenger::instance();
+        ExclusionFilterHolder::instance();
+        clients.calls.clear();
+        clients.onCall = [&] {
+            std::string present = clients.calls.back() + ":";
+            present += RequestSingleton<DocumentStore>::existing() ? " store" : "";
+            present += RequestSingleton<GrammarParserCache>::existing() ? " grammars" : "";
+            present += RequestSingleton<TopicIdGenerator>::existing() ? " ids" : "";
+            present += RequestSingleton<OpenDocumentTable>::existing() ? " table" : "";
+            present += RequestSingleton<ProgressMessenger>::existing() ? " progress" : "";
+            present += RequestSingleton<ReportMessenger>::existing() ? " reports" : "";
+            present += RequestSingleton<ExclusionFilterHolder>::existing() ? " exclusions" : "";
+            alive.push_back(present);
+        };
+    }
+    clients.onCall = nullptr;
+    const std::string call = "plain:XmlUtilities:EntityResolver terminate:";
+    EXPECT_EQ(alive, (Texts{call + " grammars ids table progress reports exclusions",
+                            call + " ids table progress reports exclusions"}));
+    EXPECT_FALSE(RequestSingleton<DocumentStore>::existing());
+    EXPECT_FALSE(RequestSingleton<GrammarParserCache>::existing());
+    EXPECT_FALSE(RequestSingleton<TopicIdGenerator>::existing());
+    EXPECT_FALSE(RequestSingleton<OpenDocumentTable>::existing());
+    EXPECT_FALSE(RequestSingleton<ProgressMessenger>::existing());
+    EXPECT_FALSE(RequestSingleton<ReportMessenger>::existing());
+    EXPECT_FALSE(RequestSingleton<ExclusionFilterHolder>::existing());
+}
+
+TEST_F(RequestEndTest, SaysNothingWhenNothingWasRead) {
+    { const XmlSession session; }
+    EXPECT_EQ(host.commands(), Texts{});
+}
+
+TEST_F(RequestEndTest, LeavesNothingForTheNextRequest) {
+    folder.write("dtd/topic.dtd", kTopicDtd);
+    host.pathsByPublicId[kTopicId] = folder.file("dtd/topic.dtd");
+    const std::string path = folder.write("a.dita", topicText("topic.dtd"));
+    for (const char* const expected : {"- topic/p ", "changed"}) {
+        host.forget();
+        {
+            const XmlSession session;
+            xercesc::DOMDocument* const document =
+                DocumentStore::instance().getOrLoad(toUtf16(path));
+            ASSERT_TRUE(document);
+            EXPECT_EQ(createdClass(*document), expected);
+        }
+        EXPECT_EQ(host.commands(), (Texts{startOf(path), questionFor(kTopicId), kEnd, kTerminate}));
+        std::string changed(kTopicDtd);
+        changed.replace(changed.find("- topic/p "), 10, "changed");
+        folder.write("dtd/topic.dtd", changed);
+    }
+}
+
+}  // namespace
+}  // namespace marrowpress
