@@ -1,1 +1,0 @@
-<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs BoolCondExpr  State 1?><dita><topic id="id-22"><title/></topic><topic id="id-23"><title>Shared</title><body><p><xref href="#id-23"/> <xref href="$CASE/out/intro.qs#id-4"/></p></body></topic></dita>
