@@ -156,6 +156,11 @@ std::optional<std::string> findLossFault(const PublishOptions& options, const Pu
         lost.insert(lost.begin(), {output, besideWithSuffix(output)});
     }
     for (const Source& source : sourcesOf(options, paths)) {
+        const std::string name = source.path.filename().string();
+        if (isFlatBook(options) && (name.ends_with(".qs") || name.ends_with(".qs_tmp"))) {
+            return source.argument + ": " + source.path.string() +
+                   " has the name of a component, which the run may write over it; rename it";
+        }
         for (const fs::path& path : lost) {
             if (!isSameFile(source.path, path)) continue;
             std::string fault = source.argument + ": the run would overwrite or remove ";

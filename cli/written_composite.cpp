@@ -60,7 +60,8 @@ bool isWrittenComposite(const std::filesystem::path& path) {
     std::string_view rest = start;
     if (take(rest, "<?xml ") && !takeThrough(rest, "?>")) return false;
     if (!takeDoctype(rest)) return false;
-    if (rest == "<dita/>") return true;
+    // Without any element: the profile has excluded even the root.
+    if (rest.empty() || rest == "<dita/>") return true;
     return take(rest, R"(<dita><topic id="id)") && startsWithUuid(rest);
 }
 

@@ -23,7 +23,9 @@ using xercesc::DOMElement;
 DOMDocument& KeySpaceLoader::load(const std::u16string& mapPath,
                                   const std::u16string& keySpaceDocPath, TopicIdMap& topicIds,
                                   const std::u16string& dtdPath) {
-    writeEmptyDocument("map", "-//OASIS//DTD DITA Map//EN", toUtf8(dtdPath), keySpaceDocPath);
+    // A failure is reported; the document can't be loaded then.
+    static_cast<void>(
+        writeEmptyDocument("map", "-//OASIS//DTD DITA Map//EN", toUtf8(dtdPath), keySpaceDocPath));
     DOMDocument& keySpace = DocumentStore::instance().mustLoad(keySpaceDocPath);
     mapRefFilter_.setContext(&keySpace);
     gatherKeys(DocumentStore::instance().mustLoad(mapPath), keySpace, topicIds);

@@ -8,6 +8,27 @@ namespace marrowpress {
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 
+namespace {
+
+/// Whether `node` is `element` or stands in it.
+bool isAround(const DOMElement& element, const DOMNode& node) {
+    const DOMNode* around = &node;
+    while (around && around != &element) {
+        around = around->getParentNode();
+    }
+    return around;
+}
+
+}  // namespace
+
+/// Whether `fragment` is among what was pulled, one on account of the other, up to `cause`.
+bool PulledFragments::hasLedTo(const Copy* cause, const Fragment& fragment) {
+    while (cause && !(cause->fragment == fragment)) {
+        cause = cause->cause;
+    }
+    return cause;
+}
+
 void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& target,
                            std::u16string_view id) {
     const Fragment fragment{&target, std::u16string(id)};
@@ -16,23 +37,24 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     // A document has room for one element only.
     DOMNode* const parent = reference.getParentNode();
     const bool hasRoom = parent && parent->getNodeType() == DOMNode::ELEMENT_NODE;
-    if (!element || !hasRoom || standsInside(reference, *element, fragment)) {
+    const Copy* const cause = innermostCopy(reference);
+    if (!element || !hasRoom || isAround(*element, reference) || hasLedTo(cause, fragment)) {
         return;
     }
     DOMNode* const copy = reference.getOwnerDocument()->importNode(element, true);
     parent->insertBefore(copy, reference.getNextElementSibling());
-    copies_.emplace(copy, fragment);
+    copies_.emplace(copy, Copy{fragment, cause});
 }
 
-bool PulledFragments::standsInside(const DOMElement& reference, const DOMElement& element,
-                                   const Fragment& fragment) const {
+/// What `reference` came with; null when it was not pulled.
+const PulledFragments::Copy* PulledFragments::innermostCopy(const DOMElement& reference) const {
     for (const DOMNode* node = &reference; node; node = node->getParentNode()) {
         const auto copy = copies_.find(node);
-        if (node == &element || (copy != copies_.end() && copy->second == fragment)) {
-            return true;
+        if (copy != copies_.end()) {
+            return &copy->second;
         }
     }
-    return false;
+    return nullptr;
 }
 
 }  // namespace marrowpress

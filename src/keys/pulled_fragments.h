@@ -14,8 +14,8 @@ namespace marrowpress {
 class PulledFragments {
 public:
     /// Puts a copy of the element of `target` whose "id" is `id` right behind `reference`. Does
-    /// nothing when there is no such element, or when the reference stands inside it or inside a
-    /// copy of it. `reference` itself stays.
+    /// nothing when there is no such element, when the reference stands inside it, or when a copy
+    /// of it has led to the reference. `reference` itself stays.
     void pull(xercesc::DOMElement& reference, const xercesc::DOMDocument& target,
               std::u16string_view id);
 
@@ -28,10 +28,15 @@ private:
         friend bool operator==(const Fragment&, const Fragment&) = default;
     };
 
-    bool standsInside(const xercesc::DOMElement& reference, const xercesc::DOMElement& element,
-                      const Fragment& fragment) const;
+    struct Copy {
+        Fragment fragment;
+        const Copy* cause;  ///< what the reference was a part of; null for nothing pulled
+    };
 
-    std::unordered_map<const xercesc::DOMNode*, Fragment> copies_;
+    static bool hasLedTo(const Copy* cause, const Fragment& fragment);
+    const Copy* innermostCopy(const xercesc::DOMElement& reference) const;
+
+    std::unordered_map<const xercesc::DOMNode*, Copy> copies_;
 };
 
 }  // namespace marrowpress

@@ -76,9 +76,9 @@ DOMNodeFilter::FilterAction CompositeDocNodeFilter::acceptElement(const DOMEleme
 DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, DOMDocument& keyDoc,
                                                       CompositeDocRequest& request) {
     filter_.setUsePrint(request.usePrint);
-    createBody(start, keyDoc, request);
+    const bool isUsable = createBody(start, keyDoc, request);
     DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
-    if (!document) {
+    if (!document || !isUsable) {
         return nullptr;
     }
     ProgressMessenger::instance().reportProgress(MessageId::kProcessingReferences);
@@ -92,19 +92,25 @@ DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, DOMDocu
     return document;
 }
 
-void CompositeDocAssembler::createBody(DOMElement* start, DOMDocument& keyDoc,
+/// Gives false when the file is an old one that can't be replaced: what it holds is of another run.
+bool CompositeDocAssembler::createBody(DOMElement* start, DOMDocument& keyDoc,
                                        CompositeDocRequest& request) {
-    writeEmptyDocument("dita", "-//OASIS//DTD DITA Composite//EN", toUtf8(request.doctypeSystemId),
-                       request.outputPath);
+    const bool isOfThisRun = DocumentStore::instance().holds(request.outputPath);
+    const WriteStatus created =
+        writeEmptyDocument("dita", "-//OASIS//DTD DITA Composite//EN",
+                           toUtf8(request.doctypeSystemId), request.outputPath);
     DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
     if (!root) {
-        return;
+        return true;
     }
     if (!root->hasChildNodes()) {
         addDocumentShell(*root, request.sourcePath);
+    } else if (created == WriteStatus::kFailed && !isOfThisRun) {
+        return false;
     }
     TopicrefWalk(*this, keyDoc, request).run(*root, start);
+    return true;
 }
 
 void CompositeDocAssembler::addDocumentShell(DOMElement& root,

@@ -61,7 +61,7 @@ public:
 private:
     friend class TopicrefWalk;
 
-    void createBody(xercesc::DOMElement* start, xercesc::DOMDocument& keyDoc,
+    bool createBody(xercesc::DOMElement* start, xercesc::DOMDocument& keyDoc,
                     CompositeDocRequest& request);
     void addDocumentShell(xercesc::DOMElement& root, const std::u16string& sourcePath) const;
     void copyMapTitle(xercesc::DOMElement& title, const xercesc::DOMDocument& map) const;

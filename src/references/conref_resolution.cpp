@@ -180,11 +180,13 @@ void ConrefWalk::insertMember(DOMElement& member, const DOMElement& element, DOM
 
 void ConrefWalk::copyContent(DOMElement& to, DOMElement& from) {
     for (DOMNode* const child : childrenOf(from)) {
-        DOMNode* const copy = to.appendChild(document_.importNode(child, true));
+        DOMNode* const copy = document_.importNode(child, true);
+        // Before it is appended: `to` may stand in `child`, which then had another shape.
         if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
             lineage_.recordContent(static_cast<DOMElement&>(*child),
                                    static_cast<DOMElement&>(*copy), from);
         }
+        to.appendChild(copy);
     }
 }
 

@@ -67,6 +67,9 @@ public:
     /// @throws PublishException in place of null.
     xercesc::DOMDocument& mustLoad(const std::u16string& path);
 
+    /// Whether the document of `path` has been asked for before and is kept.
+    bool holds(const std::u16string& path) const { return documents_.contains(path); }
+
     /// The requested paths that are open in the host, whether or not they could be read.
     const OpenDocumentRecords& touchedOpenDocuments() const noexcept {
         return touchedOpenDocuments_;

@@ -108,7 +108,7 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
     return status;
 }
 
-void writeEmptyDocument(const std::string& rootName, const std::string& publicId,
+WriteStatus writeEmptyDocument(const std::string& rootName, const std::string& publicId,
                         const std::string& systemId, const std::u16string& path) {
     XercesPtr<xercesc::DOMDocument> document;
     if (xercesc::DOMImplementation* const implementation = loadAndSaveImplementation()) {
@@ -120,7 +120,7 @@ void writeEmptyDocument(const std::string& rootName, const std::string& publicId
         // The document owns it now.
         static_cast<void>(doctype.release());
     }
-    static_cast<void>(writeDocument(document.get(), path));
+    return writeDocument(document.get(), path);
 }
 
 }  // namespace marrowpress

@@ -27,7 +27,7 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document);
 
 /// Writes a document of nothing but a doctype and a root element. The first three texts are
 /// UTF-8. A failure is message 107.
-void writeEmptyDocument(const std::string& rootName, const std::string& publicId,
+WriteStatus writeEmptyDocument(const std::string& rootName, const std::string& publicId,
                         const std::string& systemId, const std::u16string& path);
 
 }  // namespace marrowpress

@@ -185,6 +185,14 @@ TEST_F(FlatBookCommandTest, RefusesWrongUsageBeforeAnythingRuns) {
               start + "MAP: the run would overwrite or remove " +
                   folder_.file("docs/KeyspaceDoc.ditamap") + "; choose another output");
     EXPECT_EQ(folder_.read("docs/KeyspaceDoc.ditamap"), map);
+
+    for (const char* const name : {"docs/m.qs", "docs/m.qs_tmp"}) {
+        folder_.write(name, map);
+        EXPECT_EQ(refusal({name, "-f", "flatbook", "-o", "docs"}),
+                  start + "MAP: " + folder_.file(name) +
+                      " has the name of a component, which the run may write over it; rename it");
+        EXPECT_EQ(folder_.read(name), map);
+    }
 }
 
 }  // namespace

@@ -229,6 +229,9 @@ const WalkCase kEndlessCases[] = {
      "<p id='a'><p><p/><p>own</p></p>"
      "<p><p><p/><p>own</p></p><p><p><p/><p>own</p></p></p></p></p>",
      notFound("p", "a", "d.dita")},
+    {"TwoReferencesDeepInTheTarget", "<p id='a'><q><p conref='#t/a'/><p conref='#t/a'/></q></p>",
+     "<p id='a'><q><p><q><p/><p/></q></p><p><q><p><q><p/><p/></q></p><p/></q></p></q></p>",
+     notFound("p", "a", "d.dita")},
     {"TopicIntoItself", "<topic conref='#s'/><topic id='s'>S<topic conref='#s'>own</topic></topic>",
      "<topic>S<topic>own</topic></topic><topic id='s'>S<topic>S<topic>S</topic></topic></topic>",
      notFound("topic", "s", "d.dita")},

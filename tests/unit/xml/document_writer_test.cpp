@@ -377,15 +377,17 @@ TEST_F(DocumentWriterTest, SavesAFileInPlaceOfAPipe) {
 }
 
 TEST_F(DocumentWriterTest, WritesAnEmptyDocumentWithItsDoctype) {
-    writeEmptyDocument("größe", "-//Größe//EN", "größe.dtd", folder.file16("größe.dita"));
+    EXPECT_EQ(writeEmptyDocument("größe", "-//Größe//EN", "größe.dtd", folder.file16("größe.dita")),
+              WriteStatus::kWritten);
     EXPECT_EQ(folder.read("größe.dita"),
               kHead + "<!DOCTYPE größe PUBLIC \"-//Größe//EN\" \"größe.dtd\"><größe/>");
     EXPECT_EQ(host.console(), Texts{});
 }
 
 TEST_F(DocumentWriterTest, WritesEmptyDocumentsThatLoadAndSave) {
-    writeEmptyDocument("dita", "-//OASIS//DTD DITA Composite//EN", "ditabase.dtd",
-                       folder.file16("out.dita"));
+    EXPECT_EQ(writeEmptyDocument("dita", "-//OASIS//DTD DITA Composite//EN", "ditabase.dtd",
+                                 folder.file16("out.dita")),
+              WriteStatus::kWritten);
     xercesc::DOMDocument* const document =
         DocumentStore::instance().getOrLoad(folder.file16("out.dita"));
     ASSERT_TRUE(document);
@@ -399,7 +401,8 @@ TEST_F(DocumentWriterTest, WritesEmptyDocumentsThatLoadAndSave) {
 }
 
 TEST_F(DocumentWriterTest, ReportsAnEmptyDocumentThatCannotBeWritten) {
-    writeEmptyDocument("dita", "id", "a.dtd", folder.file16("missing/out.dita"));
+    EXPECT_EQ(writeEmptyDocument("dita", "id", "a.dtd", folder.file16("missing/out.dita")),
+              WriteStatus::kFailed);
     EXPECT_EQ(host.console(), Texts{cannotWrite(folder.file("missing/out.dita"))});
     EXPECT_EQ(names(), Texts{});
 }
