@@ -85,7 +85,7 @@ std::u16string ConditionRenamer::replacementName(std::u16string_view name) {
     return std::u16string(kReplacementPrefix).append(name).append(u"_").append(number);
 }
 
-void mergeConditionCatalog(ConditionMergeState& state, ConditionCatalog catalog) {
+void mergeConditionCatalog(ConditionMergeState& state, const ConditionCatalog& catalog) {
     if (!state.mergeEnabled) {
         return;
     }

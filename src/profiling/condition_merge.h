@@ -48,7 +48,7 @@ private:
 };
 
 /// Merges a document, before its content is copied. Tags inside its root are renamed in place.
-void mergeConditionCatalog(ConditionMergeState& state, ConditionCatalog catalog);
+void mergeConditionCatalog(ConditionMergeState& state, const ConditionCatalog& catalog);
 
 /// Gives a start or end tag about to be copied the name that its condition has now. Other nodes
 /// stay as they are.

@@ -127,7 +127,7 @@ void TopicrefWalk::gatherConditions(DOMElement& root) {
     }
     ConditionCatalog catalog;
     loadConditionCatalog(catalog, root);
-    mergeConditionCatalog(request_.conditions, std::move(catalog));
+    mergeConditionCatalog(request_.conditions, catalog);
 }
 
 DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent) {
