@@ -136,8 +136,9 @@ private:
             "FORMAT")
             ->required();
         addText(*publishCommand_, "-o,--output", publish_.output,
-                "composite: the file to write. Replaces a composite of an earlier run, no other "
-                "file. flatbook: a folder that is there already; it takes the components that have "
+                "composite: the file to write. Replaces a composite of an earlier run, and what "
+                "stands beside it as OUT_tmp and KeyspaceDoc.ditamap, no other file. flatbook: a "
+                "folder that is there already; it takes the components that have "
                 "no source. Replaces files of the components' names",
                 "OUT")
             ->required();
