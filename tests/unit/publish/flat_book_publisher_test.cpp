@@ -6,6 +6,7 @@
 
 #include "tests/support/xml_text.h"
 #include "tests/unit/publish/whole_request.h"
+#include "tests/unit/xml/file_conditions.h"
 
 namespace marrowpress {
 namespace {
@@ -63,6 +64,24 @@ TEST_F(FlatBookPublisherTest, AFailureWhileWritingLeavesWhatWasWritten) {
     EXPECT_EQ(written("out/b.qs"), "<dita/>");
     EXPECT_EQ(written("out/c.qs"), "<dita/>");
     EXPECT_FALSE(folder.exists("out/KeyspaceDoc.ditamap"));
+}
+
+TEST_F(FlatBookPublisherTest, AnOldComponentThatCannotBeReplacedTakesNothingIn) {
+    const std::string old = "<dita><topic id=\"old\"><title>Old</title></topic></dita>";
+    folder.write("out/b.qs", old);
+    namespace fs = std::filesystem;
+    fs::permissions(folder.file("out/b.qs"),
+                    fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    fs::permissions(folder.path(), fs::perms::all);
+    fs::permissions(folder.path() / "out", fs::perms::all);
+    TypedValues answer;
+    {
+        const WithoutRights nobody;
+        answer = publishFlatBook(flatBook());
+    }
+    EXPECT_EQ(status(answer), 0);
+    EXPECT_EQ(folder.read("out/b.qs"), old);
+    EXPECT_EQ(components(answer), "$F/out/a.qs $F/out/c.qs ");
 }
 
 /// `inner` in that many elements.
