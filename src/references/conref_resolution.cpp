@@ -157,12 +157,14 @@ void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
         members.push_back(member);
     }
     for (DOMNode* const member : members) {
-        if (const DOMElement* const memberElement = asElement(member)) {
-            if (!isNestedTooDeeply(memberElement)) {
-                insertMember(static_cast<DOMElement&>(*member), element, before, target);
-            }
-        } else {
+        const DOMElement* const memberElement = asElement(member);
+        if (!memberElement) {
             parent->insertBefore(document_.importNode(member, true), before);
+        } else if (isNestedTooDeeply(memberElement)) {
+            reportElementNotFound(domText(memberElement->getTagName()),
+                                  attributeView(*memberElement, u"id"), target.document);
+        } else {
+            insertMember(static_cast<DOMElement&>(*member), element, before, target);
         }
     }
 }

@@ -20,7 +20,7 @@ namespace marrowpress {
 ///
 /// A target that isn't found is reported, and the element keeps its content.
 /// So it is with a reference that would copy itself without end, or elements that nest too deeply
-/// to be copied: message 109.
+/// to be copied: message 109. A member of a range that nests too deeply is left out alone.
 /// While the target's file can't be loaded, the reference stays.
 class ConrefProcessor {
 public:

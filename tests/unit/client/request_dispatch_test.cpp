@@ -15,6 +15,7 @@
 #include "support/request_singleton.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/unit/client/icu_data_directory.h"
+#include "tests/unit/client/refused_converters.h"
 #include "tests/unit/client/scripted_host.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
@@ -194,6 +195,34 @@ TEST_F(OnNotifyTest, WithoutTheInterfaceForAnswersTheSessionIsClosed) {
     onNotify(13, 0, "", 0);
     EXPECT_EQ(HostLastError, -1);
     EXPECT_FALSE(isPlatformUp());
+}
+
+/// Whether a request passes a failure on, and nobody has heard of it.
+bool endsUnanswered(const ScriptedHost& host) {
+    try {
+        onNotify(13, 0, "", 0);
+        return false;
+    } catch (...) {
+        return host.calls.empty() && !hasRequestObjects();
+    }
+}
+
+// An engine that couldn't start is not to be tried again, so that this takes a process of its own.
+TEST(EngineStartDeathTest, AFailureIsPassedOnByThisRequestAndAllToCome) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            ScriptedHost host;
+            QsApiInterfacesC interfaces(host.provider());
+            interfaces.connect();
+            bool areUnanswered = false;
+            {
+                const RefusedConverters refused;
+                areUnanswered = endsUnanswered(host);
+            }
+            std::_Exit(areUnanswered && endsUnanswered(host) ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 /// Requests for a map with one topic.

@@ -408,6 +408,18 @@ TEST_F(KeySpaceLoaderTest, WhatIsExcludedInsideADefinitionGoesBeforeItIsUsed) {
               R"(<keydef keys="l"><topicmeta><ph>N</ph></topicmeta></keydef>)");
 }
 
+TEST_F(KeySpaceLoaderTest, ReferencesOfWhatIsExcludedAreNotFollowed) {
+    ExclusionFilterHolder::instance().reset(
+        std::make_unique<AttrBasedElementNodeFilter>(u"audience", u"x"));
+    EXPECT_EQ(definitionsOf("<keydef keys='k'><topicmeta><ph audience='x' keyref='no'/>"
+                            "<ph audience='x' conref='no.dita#t/p'/><ph conref='seen.dita#t/p'/>"
+                            "<ph audience='x' conkeyref='no/p'/><ph keyref='seen'/></topicmeta>"
+                            "</keydef>"),
+              R"(<keydef keys="k"><topicmeta><ph conref="$F/seen.dita#t/p"/><ph/></topicmeta>)"
+              R"(</keydef>)");
+    EXPECT_EQ(told(), Lines({keyNotFound("seen"), cannotRead("$F/seen.dita")}));
+}
+
 TEST_F(KeySpaceLoaderTest, WithoutAProfileDefinitionsStayAsTheyAre) {
     EXPECT_EQ(definitionsOf("<keydef keys='k'><topicmeta audience='x'><draft-comment/></topicmeta>"
                             "</keydef>"),

@@ -221,6 +221,8 @@ constexpr ProfileCase kPlaceCases[] = {
      "<val xmlns:d='urn:d'><d:prop action='exclude'/><d:prop att='audience' action='exclude'/>"
      "<d:prop att='audience' val='a' action='exclude'/></val>",
      kNothing},
+    {"NamespaceWithoutPrefix",
+     "<val xmlns='urn:d'><prop att='audience' val='a' action='exclude'/></val>", kListedA},
     {"BelowAPrefixedProp",
      "<val xmlns:d='urn:d'><d:prop><prop att='audience' val='a' action='exclude'/></d:prop></val>",
      kListedA},

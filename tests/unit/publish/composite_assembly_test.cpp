@@ -303,6 +303,26 @@ TEST_F(CompositeAssemblyTest, AMapThatLeadsToItselfIsPassedOver) {
     }
 }
 
+TEST_F(CompositeAssemblyTest, AMapUnderAnotherSpellingIsAnotherDocument) {
+    const std::string path = folder.path().string() + "/./root.ditamap";
+    for (const std::string& href : {path, "file://" + path}) {
+        EXPECT_EQ(publish(map(topicref("href='a.dita'") + mapref("href='" + href + "'") +
+                              topicref("href='b.dita'"))),
+                  taken(2, "a") + taken(3, "a") + taken(4, "b") + taken(5, "b") + kEndOfDita)
+            << href;
+        EXPECT_EQ(console, "") << href;
+    }
+}
+
+TEST_F(CompositeAssemblyTest, AMapThatIsAReferenceToAPartIsEmpty) {
+    folder.write("parts.ditamap", map(topicref("id='x' href='a.dita'")));
+    folder.write("root.ditamap", map(topicref("href='b.dita'"), "href='parts.ditamap#x'"));
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_EQ(written("out/book.dita"), "<dita><topic id=\"id-1\"><title/></topic></dita>");
+    EXPECT_EQ(components(publishFlatBook(flatBook())), "");
+    EXPECT_EQ(console, "");
+}
+
 TEST_F(CompositeAssemblyTest, APartOfTheMapItselfIsTakenInItsPlace) {
     EXPECT_EQ(
         publish(map(topicref("id='x' href='a.dita'", topicref("href='b.dita'")) +

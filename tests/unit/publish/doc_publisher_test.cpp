@@ -177,6 +177,34 @@ std::string shows(const std::string& line) {
     return R"({"op":"HostReportProgress","kind":4,"text":")" + line + "\",\"number\":-1}\n";
 }
 
+const std::string kEnd = calls("end");
+const std::string kTerminate = calls("terminate");
+const std::string kNoneIsMissing =
+    R"({"op":"HostConsoleWrite","text":"Die Datei, auf die verwiesen wird, kann nicht )"
+    R"(gefunden werden: $F/none.dita\r\n"})"
+    "\n";
+
+/// Status 0 and no open documents, and what the kind of result adds.
+std::string answers(const std::string& extraValues) {
+    return R"({"op":"HostReturnTypedValue","values":[{"type":1,"value":0},{"type":6,"value":[]},)"
+           R"({"type":15,"value":[]},{"type":15,"value":[]})" +
+           extraValues + "]}\n";
+}
+
+/// The key space of a map without a doctype that names a file "none.dita".
+std::string readsTheMap() {
+    const std::string keySpace = "out/KeyspaceDoc.ditamap";
+    return shows("Schlüsselräume werden in Ditamap verarbeitet...") +
+           R"({"op":"HostGetIdProp","object":0,"property":53,"result":0})" + "\n" +
+           // Without its DTD a document takes two tries; the answer is known at the second.
+           starts(keySpace) + asks("Map") + kEnd + starts(keySpace) + kEnd +
+           // Without a doctype there is nothing to ask.
+           starts("root.ditamap") + kEnd + kNoneIsMissing +
+           // The passes ask for the DTD of the key space document, by a resolver of their own.
+           starts(keySpace) + asks("Map") + kEnd + kTerminate + starts(keySpace) + kEnd +
+           shows("Referenzen in Ditamap werden aktualisiert...");
+}
+
 TEST_F(DocPublisherTest, ACompositeRunAsksTheHostInThisOrder) {
     folder.write(
         "a.dita",
@@ -184,32 +212,36 @@ TEST_F(DocPublisherTest, ACompositeRunAsksTheHostInThisOrder) {
     folder.write("root.ditamap", map(topicref("href='a.dita'") + topicref("href='none.dita'")));
     EXPECT_EQ(status(publishComposite(composite())), 0);
 
-    const std::string end = calls("end");
-    const std::string keySpace = "out/KeyspaceDoc.ditamap";
     const std::string book = "out/book.dita";
-    const std::string isMissing =
-        R"({"op":"HostConsoleWrite","text":"Die Datei, auf die verwiesen wird, kann nicht )"
-        R"(gefunden werden: $F/none.dita\r\n"})"
-        "\n";
-    EXPECT_EQ(
-        neutral(operations.str()),
-        shows("Schlüsselräume werden in Ditamap verarbeitet...") +
-            R"({"op":"HostGetIdProp","object":0,"property":53,"result":0})" + "\n" +
-            // Without its DTD a document takes two tries; the answer is known at the second.
-            starts(keySpace) + asks("Map") + end + starts(keySpace) + end +
-            // Without a doctype there is nothing to ask.
-            starts("root.ditamap") + end + isMissing +
-            // The passes ask for the DTD of the key space document, by a resolver of their own.
-            starts(keySpace) + asks("Map") + end + calls("terminate") + starts(keySpace) + end +
-            shows("Referenzen in Ditamap werden aktualisiert...") + starts(book) +
-            asks("Composite") + end + starts(book) + end + starts("a.dita") + asks("Topic") + end +
-            starts("a.dita") + end + shows("Wird angehängt: a.dita") + isMissing +
-            shows("Referenzen werden verarbeitet") + starts(book) + asks("Composite") + end +
-            starts(book) + end +
-            R"({"op":"HostReturnTypedValue","values":[{"type":1,"value":0},)"
-            R"({"type":6,"value":[]},{"type":15,"value":[]},{"type":15,"value":[]}]})"
-            "\n" +
-            calls("terminate") + calls("terminate"));
+    EXPECT_EQ(neutral(operations.str()),
+              readsTheMap() + starts(book) + asks("Composite") + kEnd + starts(book) + kEnd +
+                  starts("a.dita") + asks("Topic") + kEnd + starts("a.dita") + kEnd +
+                  shows("Wird angehängt: a.dita") + kNoneIsMissing +
+                  shows("Referenzen werden verarbeitet") + starts(book) + asks("Composite") + kEnd +
+                  starts(book) + kEnd + answers("") + kTerminate + kTerminate);
+}
+
+TEST_F(DocPublisherTest, AFlatBookRunAsksTheHostInThisOrder) {
+    folder.write("root.ditamap", map(topicref("href='a.dita'", topicref("href='b.dita'")) +
+                                     topicref("href='none.dita'") +
+                                     topichead("navtitle='Head'", topicref("href='b.dita'"))));
+    folder.write("b.dita", topic("b"));
+    EXPECT_EQ(status(publishFlatBook(flatBook())), 0);
+
+    const std::string first = "out/a.qs";
+    const std::string second = "out/Head.qs";
+    EXPECT_EQ(neutral(operations.str()),
+              readsTheMap() +
+                  // A source is read before its component is created.
+                  starts("a.dita") + kEnd + starts(first) + asks("Composite") + kEnd +
+                  starts(first) + kEnd + shows("Wird angehängt: a.dita") + starts("b.dita") + kEnd +
+                  shows("Wird angehängt: b.dita") + shows("Referenzen werden verarbeitet") +
+                  starts(first) + asks("Composite") + kEnd + starts(first) + kEnd + kNoneIsMissing +
+                  // By now both resolvers know the answer.
+                  starts(second) + kEnd + starts(second) + kEnd + shows("Wird angehängt: b.dita") +
+                  shows("Referenzen werden verarbeitet") + starts(second) + kEnd + starts(second) +
+                  kEnd + answers(R"(,{"type":6,"value":["$F/out/a.qs","$F/out/Head.qs"]})") +
+                  kTerminate + kTerminate);
 }
 
 }  // namespace

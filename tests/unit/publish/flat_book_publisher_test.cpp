@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
+#include "tests/support/file_conditions.h"
 #include "tests/support/xml_text.h"
 #include "tests/unit/publish/whole_request.h"
-#include "tests/unit/xml/file_conditions.h"
 
 namespace marrowpress {
 namespace {

@@ -278,5 +278,14 @@ TEST_F(ConrefCopiesTest, CopiesThatNestDeeperAndDeeperDoNotEndTheProgram) {
     EXPECT_FALSE(document.byId("copy")->hasAttribute(u"conref"));
 }
 
+TEST_F(ConrefCopiesTest, AMemberOfARangeThatNestsTooDeeplyIsReportedAndLeftOut) {
+    const std::string result =
+        resolved("<p conref='#t/a' conrefend='#t/c'/><p id='a'>A</p><p id='deep'>" +
+                 nested(std::vector<std::string>(5000), "") + "</p><p id='c'>C</p>");
+    EXPECT_EQ(result.substr(0, result.find("<ph>")),
+              "<p>A</p><p>C</p><p id='a'>A</p><p id='deep'>");
+    EXPECT_EQ(console(), notFound("p", "deep", "d.dita"));
+}
+
 }  // namespace
 }  // namespace marrowpress

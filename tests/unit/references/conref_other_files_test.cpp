@@ -218,6 +218,16 @@ TEST_F(ConrefOtherFilesTest, TheRootMayRefer) {
     EXPECT_EQ(readable(printed(*document.root())), "<topic audience='a' id='U1'>N</topic>");
 }
 
+TEST_F(ConrefOtherFilesTest, BesideTheRootThereIsNoRoomForARange) {
+    write("x.dita", "<topic id='a'>A</topic>text<topic id='b'>B</topic>");
+    const ParsedXml document =
+        parse("<topic id='root' conref='x.dita#a' conrefend='x.dita#b'>own</topic>");
+    resolve(document);
+    EXPECT_EQ(readable(printed(*document.root())), "<topic id='U1'>A</topic>");
+    EXPECT_EQ(document.root()->getNextSibling(), nullptr);
+    EXPECT_EQ(console(), "");
+}
+
 TEST_F(ConrefOtherFilesTest, SiblingsOfTheRootAreNotWalked) {
     const ParsedXml document =
         parse(topicOf("<x id='x'><p conref='#t/s'/></x><y><p conref='#t/s'/></y><p id='s'>S</p>"));

@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/unit/xml/file_conditions.h"
 
 namespace marrowpress {
 namespace {

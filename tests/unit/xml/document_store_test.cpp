@@ -11,7 +11,7 @@
 #include "references/node_filters.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 #include "tests/unit/xml/replaced_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/document_writer.h"

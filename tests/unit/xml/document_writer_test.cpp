@@ -8,9 +8,10 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 #include "tests/unit/xml/replaced_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
+#include "tests/unit/xml/separate_volumes.h"
 #include "xml/document_store.h"
 
 namespace marrowpress {
@@ -291,6 +292,34 @@ TEST_F(DocumentWriterTest, LeavesTheOldFileAsideWhenItCannotBePutBack) {
     EXPECT_EQ(folder.read("a.dita_tmp"), "old");
     EXPECT_EQ(folder.read("a.dita").substr(0, kHead.size() + 3), kHead + "<a>");
     EXPECT_EQ(names(), (Texts{"a.dita", "a.dita_tmp"}));
+}
+
+TEST_F(DocumentWriterTest, CopiesWhatItCannotRename) {
+    const SeparateVolumes volumes;
+    const xercesc::DOMDocument& document = load("a.dita", "<a>old</a>");
+    folder.write("a.dita_tmp", "left by an earlier save");
+    document.getDocumentElement()->setTextContent(u"new");
+    EXPECT_EQ(saveDocumentInPlace(&document), WriteStatus::kWritten);
+    EXPECT_EQ(folder.read("a.dita"), kHead + "<a>new</a>");
+    EXPECT_EQ(names(), Texts{"a.dita"});
+
+    document.getDocumentElement()->setTextContent(u"\x1");
+    EXPECT_EQ(saveDocumentInPlace(&document), WriteStatus::kFailed);
+    EXPECT_EQ(folder.read("a.dita"), kHead + "<a>new</a>");
+    EXPECT_EQ(names(), Texts{"a.dita"});
+    EXPECT_EQ(host.console(), Texts{cannotWrite(folder.file("a.dita"))});
+}
+
+TEST_F(DocumentWriterTest, LeavesAFileThatItCanNeitherRenameNorCopy) {
+    const SeparateVolumes volumes;
+    const xercesc::DOMDocument& document = load("a.dita", "<a>old</a>");
+    {
+        const NoFileHandles none;
+        EXPECT_EQ(failureOf(document), renameFailure("a.dita"));
+    }
+    EXPECT_EQ(folder.read("a.dita"), "<a>old</a>");
+    EXPECT_EQ(names(), Texts{"a.dita"});
+    EXPECT_EQ(host.console(), Texts{});
 }
 
 TEST_F(DocumentWriterTest, ThrowsWhenTheFileIsGone) {

@@ -7,7 +7,7 @@
 #include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 #include "tests/unit/xml/replaced_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 

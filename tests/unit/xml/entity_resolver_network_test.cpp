@@ -4,7 +4,7 @@
 #include <chrono>
 #include <filesystem>
 
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/document_store.h"
 #include "xml/entity_resolver.h"

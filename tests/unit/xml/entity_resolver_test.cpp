@@ -7,7 +7,7 @@
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
 #include "host/typed_record.h"
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 #include "tests/unit/xml/replaced_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/dom_parser.h"

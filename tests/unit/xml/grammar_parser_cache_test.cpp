@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 #include "tests/unit/xml/sample_documents.h"
 
 namespace marrowpress {

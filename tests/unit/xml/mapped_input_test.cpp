@@ -9,8 +9,8 @@
 #include <xercesc/util/BinFileInputStream.hpp>
 
 #include "support/text.h"
+#include "tests/support/file_conditions.h"
 #include "tests/support/xml_text.h"
-#include "tests/unit/xml/file_conditions.h"
 
 namespace marrowpress {
 namespace {

@@ -1,4 +1,4 @@
-#include "tests/unit/xml/file_conditions.h"
+#include "tests/support/file_conditions.h"
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,33 @@
+#include "tests/unit/xml/separate_volumes.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace {
+
+bool areVolumesSeparate = false;
+
+}  // namespace
+
+// Stands in front of the system's own for the whole program, the standard library included.
+extern "C" int rename(const char* from, const char* to) noexcept {
+    if (areVolumesSeparate) {
+        errno = EXDEV;
+        return -1;
+    }
+    return ::renameat(AT_FDCWD, from, AT_FDCWD, to);
+}
+
+namespace marrowpress {
+
+SeparateVolumes::SeparateVolumes() {
+    areVolumesSeparate = true;
+}
+
+SeparateVolumes::~SeparateVolumes() {
+    areVolumesSeparate = false;
+}
+
+}  // namespace marrowpress
