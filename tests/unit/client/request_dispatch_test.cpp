@@ -6,10 +6,16 @@
 #include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
+#include <functional>
+#include <new>
+#include <stdexcept>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLException.hpp>
 
 #include "client/host_operations.h"
 #include "client/messages.h"
+#include "profiling/condition_merge.h"
 #include "references/direct_references.h"
 #include "references/node_filters.h"
 #include "support/request_singleton.h"
@@ -36,7 +42,8 @@ bool hasRequestObjects() {
            RequestSingleton<OpenDocumentTable>::existing() ||
            RequestSingleton<ProgressMessenger>::existing() ||
            RequestSingleton<ReportMessenger>::existing() ||
-           RequestSingleton<ExclusionFilterHolder>::existing();
+           RequestSingleton<ExclusionFilterHolder>::existing() ||
+           RequestSingleton<ConditionRenamer>::existing();
 }
 
 /// An answer of four values, the lists as JSON.
@@ -324,6 +331,59 @@ TEST_F(ServedRequestTest, AnUnreadableTopicIsNoFailure) {
 TEST_F(ServedRequestTest, AFailureOfTheRunItselfHasItsOwnStatus) {
     folder.write("book.ditamap", "<map");
     EXPECT_EQ(serve(), answer(-42));
+}
+
+/// A failure of the engine that is no exception of the standard library's.
+class EngineFailure final : public xercesc::XMLException {
+public:
+    const XMLCh* getType() const override { return u"EngineFailure"; }
+};
+
+TEST_F(ServedRequestTest, WhateverIsThrownInARunIsAFailureOfIt) {
+    const std::vector<std::function<void()>> throwers{
+        [] { throw 42; },
+        [] { throw std::bad_alloc(); },
+        [] { throw std::runtime_error("unexpected"); },
+        [] { throw xercesc::OutOfMemoryException(); },
+        [] { throw EngineFailure(); },
+    };
+    for (const std::function<void()>& thrower : throwers) {
+        host.onCall = [&](const std::string& call) {
+            if (call.starts_with("reportProgress")) {
+                thrower();
+            }
+        };
+        EXPECT_EQ(serve(), answer(-42));
+        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap"));
+    }
+    host.onCall = nullptr;
+    EXPECT_EQ(serve(), answer(0));
+}
+
+TEST_F(ServedRequestTest, AHostThatFailsEveryCallChangesNothing) {
+    serve();
+    const std::string usual = folder.read("out.xml");
+    host.hostStatus = 17;
+    EXPECT_EQ(serve(), answer(0));
+    EXPECT_EQ(folder.read("out.xml"), usual);
+    host.hostStatus = 0;
+    host.comStatus = kComServerBusy;
+    EXPECT_EQ(serve(), answer(0));
+    EXPECT_EQ(folder.read("out.xml"), usual);
+    EXPECT_EQ(HostLastError, -88);
+
+    host.missing = {IHostText::kId,    IHostModules::kId,    IHostNotifications::kId,
+                    IHostClients::kId, IHostProperties::kId, IHostProgress::kId,
+                    IHostConsole::kId};
+    QsApiInterfacesC interfaces(host.provider());
+    interfaces.connect();
+    std::filesystem::remove(folder.file("out.xml"));
+    host.calls.clear();
+    const boost::json::object request{{"type", "PublishComp"}, {"params", params}};
+    onNotify(13, 0, boost::json::serialize(request).c_str(), 0);
+    EXPECT_EQ(host.calls, Lines{});
+    EXPECT_EQ(folder.read("out.xml"), usual);
 }
 
 TEST_F(ServedRequestTest, AnOutputThatCannotBeRemovedIsRefused) {

@@ -8,6 +8,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "client/messages.h"
+#include "profiling/condition_merge.h"
 #include "references/direct_references.h"
 #include "references/node_filters.h"
 #include "support/request_singleton.h"
@@ -26,6 +27,7 @@ bool isPlatformUp() {
 }
 
 void createAllSingletons() {
+    ConditionRenamer::instance();
     ExclusionFilterHolder::instance();
     ReportMessenger::instance();
     ProgressMessenger::instance();
@@ -51,6 +53,7 @@ std::string existingSingletons() {
     add(RequestSingleton<ProgressMessenger>::existing(), "progress");
     add(RequestSingleton<ReportMessenger>::existing(), "report");
     add(RequestSingleton<ExclusionFilterHolder>::existing(), "exclusion");
+    add(RequestSingleton<ConditionRenamer>::existing(), "renamer");
     return names;
 }
 
@@ -96,7 +99,8 @@ TEST(XmlSessionTest, EndsAllThatBelongsToTheRequest) {
     {
         const XmlSession session;
         createAllSingletons();
-        ASSERT_EQ(existingSingletons(), "store grammars ids open progress report exclusion");
+        ASSERT_EQ(existingSingletons(),
+                  "store grammars ids open progress report exclusion renamer");
     }
     EXPECT_EQ(existingSingletons(), "");
 }
@@ -122,11 +126,11 @@ TEST(XmlSessionTest, EndsTheStoreFirstAndTheGrammarsNext) {
             }
         };
     }
-    EXPECT_EQ(existingAtTerminate, Lines({"grammars ids open progress report exclusion",
-                                          "ids open progress report exclusion"}));
+    EXPECT_EQ(existingAtTerminate, Lines({"grammars ids open progress report exclusion renamer",
+                                          "ids open progress report exclusion renamer"}));
 }
 
-TEST(XmlSessionTest, EndsTheExclusionFilterLastWithThePlatformStillUp) {
+TEST(XmlSessionTest, EndsTheExclusionFilterBehindTheMessengersWithThePlatformStillUp) {
     std::string existingAtEnd = "never ended";
     bool isPlatformUpAtEnd = false;
     {
@@ -135,7 +139,7 @@ TEST(XmlSessionTest, EndsTheExclusionFilterLastWithThePlatformStillUp) {
         ExclusionFilterHolder::instance().reset(
             std::make_unique<LastFilter>(existingAtEnd, isPlatformUpAtEnd));
     }
-    EXPECT_EQ(existingAtEnd, "");
+    EXPECT_EQ(existingAtEnd, "renamer");
     EXPECT_TRUE(isPlatformUpAtEnd);
     EXPECT_FALSE(isPlatformUp());
 }

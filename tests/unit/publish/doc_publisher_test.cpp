@@ -8,6 +8,7 @@
 
 #include "publish/composite_publisher.h"
 #include "publish/flat_book_publisher.h"
+#include "tests/support/file_conditions.h"
 #include "tests/support/xml_text.h"
 #include "tests/unit/publish/whole_request.h"
 
@@ -110,20 +111,164 @@ protected:
     }
 };
 
-TEST_F(DocPublisherTest, AFailureInTheAssemblyLeavesNoKeySpaceDocument) {
-    bool isThere = false;
-    watch = [&](const std::string& line) {
-        isThere |= line == "Referenzen in Ditamap werden aktualisiert..." &&
-                   folder.exists("out/KeyspaceDoc.ditamap");
-    };
-    for (const bool isFlatBook : {true, false}) {
-        isThere = false;
-        boost::json::object params = isFlatBook ? flatBook() : composite();
-        params.erase("compositeDocDtd");
-        EXPECT_EQ(status(isFlatBook ? publishFlatBook(params) : publishComposite(params)), -43);
-        EXPECT_TRUE(isThere);
-        EXPECT_EQ(tree(), "a.dita out root.ditamap ");
+const std::string kReadingKeys = "Schlüsselräume werden in Ditamap verarbeitet...\n";
+const std::string kUpdatingMap = "Referenzen in Ditamap werden aktualisiert...\n";
+
+/// What is wrong with a parameter, and how far a run gets in spite of it.
+struct BadParam {
+    const char* key;
+    std::string progress;
+};
+
+class BadParamTest : public DocPublisherTest {
+protected:
+    /// A run with the parameter missing, and one with a value of the wrong type.
+    void expectRefusal(const BadParam& bad, bool isFlatBook) {
+        for (const bool isMissing : {true, false}) {
+            boost::json::object params = isFlatBook ? flatBook() : composite();
+            params[bad.key] = 7;
+            if (isMissing) {
+                params.erase(bad.key);
+            }
+            bool isKeySpaceThere = false;
+            watch = [&](const std::string&) {
+                isKeySpaceThere = folder.exists("out/KeyspaceDoc.ditamap");
+            };
+            const TypedValues answer =
+                isFlatBook ? publishFlatBook(params) : publishComposite(params);
+            EXPECT_EQ(status(answer), -43) << bad.key;
+            EXPECT_EQ(answer.size(), 4U) << bad.key;
+            EXPECT_EQ(progress, bad.progress) << bad.key;
+            EXPECT_EQ(isKeySpaceThere, bad.progress == kReadingKeys + kUpdatingMap) << bad.key;
+            EXPECT_EQ(tree(), "a.dita out root.ditamap ") << bad.key;
+        }
     }
+};
+
+TEST_F(BadParamTest, EndsAFlatBookWhereItIsFirstRead) {
+    for (const BadParam& bad : {BadParam{"outputDir", ""},
+                                {"ditaVal", ""},
+                                {"ditamap", kReadingKeys},
+                                {"keyspaceDocDtd", kReadingKeys},
+                                {"compositeDocDtd", kReadingKeys + kUpdatingMap},
+                                {"generateQSComponentsAtOneLoc", kReadingKeys + kUpdatingMap},
+                                {"usePrint", kReadingKeys + kUpdatingMap}}) {
+        expectRefusal(bad, true);
+    }
+}
+
+TEST_F(BadParamTest, EndsACompositeWhereItIsFirstRead) {
+    for (const BadParam& bad : {BadParam{"output", ""},
+                                {"ditaVal", ""},
+                                {"ditamap", kReadingKeys},
+                                {"keyspaceDocDtd", kReadingKeys},
+                                {"compositeDocDtd", kReadingKeys + kUpdatingMap},
+                                {"usePrint", kReadingKeys + kUpdatingMap}}) {
+        expectRefusal(bad, false);
+    }
+}
+
+TEST_F(BadParamTest, OfTheFlatBookIsNoneOfAComposite) {
+    boost::json::object params = composite();
+    params["outputDir"] = 7;
+    params["generateQSComponentsAtOneLoc"] = "x";
+    EXPECT_EQ(status(publishComposite(params)), 0);
+}
+
+TEST_F(DocPublisherTest, AnOldCompositeGoesBeforeTheRunStarts) {
+    folder.write("out/book.dita", "old");
+    boost::json::object params = composite();
+    params.erase("ditaVal");
+    EXPECT_EQ(status(publishComposite(params)), -43);
+    EXPECT_EQ(tree(), "a.dita out root.ditamap ");
+}
+
+TEST_F(DocPublisherTest, AFailureWhileWritingLeavesTheCompositeAsItWas) {
+    folder.write("out/book.dita_tmp/in-the-way.txt", "");
+    const TypedValues answer = publishComposite(composite());
+    EXPECT_EQ(status(answer), -42);
+    EXPECT_EQ(answer.size(), 4U);
+    EXPECT_EQ(written("out/book.dita"), "<dita/>");
+    EXPECT_FALSE(folder.exists("out/KeyspaceDoc.ditamap"));
+}
+
+/// Files that only their owner may touch, and somebody else who publishes.
+class ForeignFilesTest : public DocPublisherTest {
+protected:
+    ForeignFilesTest() { fs::permissions(folder.path(), fs::perms::all); }
+
+    TypedValues publishAsNobody() {
+        const WithoutRights nobody;
+        return publishComposite(composite());
+    }
+
+    void expectOldFileStays(const std::string& name) {
+        folder.write(name, "old");
+        fs::permissions(folder.path() / "out", kReadable | fs::perms::owner_exec |
+                                                   fs::perms::group_exec | fs::perms::others_exec);
+        const TypedValues answer = publishAsNobody();
+        fs::permissions(folder.path() / "out", fs::perms::all);
+        EXPECT_EQ(status(answer), -42) << name;
+        EXPECT_EQ(answer.size(), 4U) << name;
+        EXPECT_EQ(progress, "") << name;
+        EXPECT_EQ(folder.read(name), "old") << name;
+        EXPECT_EQ(tree(), "a.dita out " + name + " root.ditamap ");
+        fs::remove(folder.path() / name);
+    }
+
+    static constexpr fs::perms kReadable =
+        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+};
+
+TEST_F(ForeignFilesTest, EndTheRunWhenTheyCannotBeRemoved) {
+    expectOldFileStays("out/book.dita");
+    expectOldFileStays("out/KeyspaceDoc.ditamap");
+}
+
+TEST_F(ForeignFilesTest, AreRemovedEvenWhereTheyCannotBeOverwritten) {
+    for (const char* name : {"out/book.dita", "out/KeyspaceDoc.ditamap"}) {
+        folder.write(name, "old");
+        fs::permissions(folder.path() / name, kReadable);
+        fs::permissions(folder.path() / "out", fs::perms::all);
+        EXPECT_EQ(status(publishAsNobody()), 0) << name;
+        EXPECT_EQ(console, "") << name;
+        EXPECT_EQ(tree(), "a.dita out out/book.dita root.ditamap ") << name;
+    }
+}
+
+TEST_F(DocPublisherTest, AKeySpaceDocumentThatCannotBeRemovedStays) {
+    watch = [&](const std::string& line) {
+        if (line == "Referenzen werden verarbeitet") {
+            fs::remove(folder.path() / "out/KeyspaceDoc.ditamap");
+            folder.write("out/KeyspaceDoc.ditamap/kept.txt", "");
+        }
+    };
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_NE(written("out/book.dita").find("<title>a</title>"), std::string::npos);
+    EXPECT_TRUE(folder.exists("out/KeyspaceDoc.ditamap/kept.txt"));
+}
+
+TEST_F(DocPublisherTest, DtdsMayHaveAnyName) {
+    boost::json::object params = composite();
+    params["compositeDocDtd"] =
+        "dtd/gr\xC3\xB6\xC3\x9F"
+        "e x.dtd";
+    params["keyspaceDocDtd"] = "dtd/\xF0\x9F\x98\x80.dtd";
+    std::string keySpace;
+    watch = [&](const std::string& line) {
+        if (line + "\n" == kUpdatingMap) {
+            keySpace = folder.read("out/KeyspaceDoc.ditamap");
+        }
+    };
+    EXPECT_EQ(status(publishComposite(params)), 0);
+    EXPECT_NE(keySpace.find("\"-//OASIS//DTD DITA Map//EN\" \"dtd/\xF0\x9F\x98\x80.dtd\">"),
+              std::string::npos)
+        << keySpace;
+    const std::string book = folder.read("out/book.dita");
+    EXPECT_NE(book.find("\"-//OASIS//DTD DITA Composite//EN\" \"dtd/gr\xC3\xB6\xC3\x9F"
+                        "e x.dtd\">"),
+              std::string::npos)
+        << book;
 }
 
 TEST_F(DocPublisherTest, AnOldKeySpaceDocumentIsBuiltAnew) {
@@ -184,6 +329,11 @@ const std::string kNoneIsMissing =
     R"(gefunden werden: $F/none.dita\r\n"})"
     "\n";
 
+const std::string kKeyIsMissing =
+    R"({"op":"HostConsoleWrite","text":"Die Definition von Schlüssel k wurde im geladenen )"
+    R"(Schlüsselraum nicht gefunden.\r\n"})"
+    "\n";
+
 /// Status 0 and no open documents, and what the kind of result adds.
 std::string answers(const std::string& extraValues) {
     return R"({"op":"HostReturnTypedValue","values":[{"type":1,"value":0},{"type":6,"value":[]},)"
@@ -209,14 +359,15 @@ TEST_F(DocPublisherTest, ACompositeRunAsksTheHostInThisOrder) {
     folder.write(
         "a.dita",
         "<!DOCTYPE topic PUBLIC \"-//OASIS//DTD DITA Topic//EN\" \"topic.dtd\">" + topic("a"));
-    folder.write("root.ditamap", map(topicref("href='a.dita'") + topicref("href='none.dita'")));
+    folder.write("root.ditamap",
+                 map(topicref("href='a.dita'") + topicref("href='none.dita'", "<ph keyref='k'/>")));
     EXPECT_EQ(status(publishComposite(composite())), 0);
 
     const std::string book = "out/book.dita";
     EXPECT_EQ(neutral(operations.str()),
-              readsTheMap() + starts(book) + asks("Composite") + kEnd + starts(book) + kEnd +
-                  starts("a.dita") + asks("Topic") + kEnd + starts("a.dita") + kEnd +
-                  shows("Wird angehängt: a.dita") + kNoneIsMissing +
+              readsTheMap() + kKeyIsMissing + starts(book) + asks("Composite") + kEnd +
+                  starts(book) + kEnd + starts("a.dita") + asks("Topic") + kEnd + starts("a.dita") +
+                  kEnd + shows("Wird angehängt: a.dita") + kNoneIsMissing +
                   shows("Referenzen werden verarbeitet") + starts(book) + asks("Composite") + kEnd +
                   starts(book) + kEnd + answers("") + kTerminate + kTerminate);
 }

@@ -208,6 +208,37 @@ TEST_F(HeadComponentTest, RejectedOnesAreNotCounted) {
               "$F/out/container0.qs $F/out/container1.qs $F/out/a.qs $F/out/container2.qs ");
 }
 
+TEST_F(HeadComponentTest, ATitleElementIsNoTitle) {
+    folder.write("root.ditamap",
+                 map(topichead("",
+                               "<topicmeta class='- map/topicmeta '><navtitle "
+                               "class='- topic/navtitle '>Nav</navtitle></topicmeta>" +
+                                   topicref("href='a.dita'"))));
+    EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/container0.qs ");
+    EXPECT_EQ(
+        written("out/container0.qs"),
+        kNothingMerged + "<dita>" + kShell + "<topic id=\"id-2\"><title>a</title></topic></dita>");
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_EQ(written("out/book.dita"),
+              "<dita><topic id=\"id-1\"><title></title></topic>"
+              "<topic id=\"id-2\"><title>a</title></topic></dita>");
+}
+
+TEST_F(HeadComponentTest, WhatIsNotForPrintIsLeftOutBelowComponentsToo) {
+    boost::json::object params = flatBook();
+    folder.write("b.dita", topic("b"));
+    folder.write("root.ditamap",
+                 map(topicref("href='a.dita'",
+                              topicref("href='b.dita' print='no'", topicref("href='b.dita'")))));
+    publishFlatBook(params);
+    EXPECT_NE(written("out/a.qs").find("<title>b</title>"), std::string::npos);
+    params["usePrint"] = true;
+    publishFlatBook(params);
+    EXPECT_EQ(written("out/a.qs"), kNothingMerged + "<dita>" + kShell +
+                                       "<topic id=\"id-2\"><title>a</title></topic></dita>");
+    EXPECT_EQ(progress.find("b.dita"), std::string::npos);
+}
+
 TEST_F(HeadComponentTest, ATargetOfAHeadIsNotLookedAt) {
     folder.write("root.ditamap", map(topichead("navtitle='Head' href='a.dita'")));
     EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/Head.qs ");

@@ -152,21 +152,10 @@ TEST_F(FlatBookPublisherTest, BesideTheSourcesTheFolderIsForHeadsAlone) {
     EXPECT_EQ(tree(), "a.dita a.qs b.dita c.dita out out/Head.qs root.ditamap ");
 }
 
-TEST_F(FlatBookPublisherTest, ParametersAreReadWhenTheyAreNeeded) {
-    for (const char* key : {"ditamap", "outputDir", "ditaVal", "keyspaceDocDtd", "compositeDocDtd",
-                            "generateQSComponentsAtOneLoc", "usePrint"}) {
-        for (const bool isMissing : {true, false}) {
-            boost::json::object params = flatBook();
-            params[key] = 7;
-            if (isMissing) {
-                params.erase(key);
-            }
-            const TypedValues answer = publishFlatBook(params);
-            EXPECT_EQ(status(answer), -43) << key;
-            EXPECT_EQ(answer.size(), 4U) << key;
-            EXPECT_EQ(tree(), kInput) << key;
-        }
-    }
+TEST_F(FlatBookPublisherTest, TheOutputOfACompositeIsNotRead) {
+    boost::json::object params = flatBook();
+    params["output"] = 7;
+    EXPECT_EQ(components(publishFlatBook(params)), "$F/out/a.qs $F/out/b.qs $F/out/c.qs ");
 }
 
 TEST_F(FlatBookPublisherTest, OldComponentsStayUntilTheyAreWritten) {
