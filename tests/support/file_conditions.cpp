@@ -9,8 +9,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
 namespace marrowpress {
 namespace {
+
+namespace fs = std::filesystem;
 
 /// Sets the soft limit of a resource and gives the earlier one.
 std::size_t setLimit(__rlimit_resource resource, std::size_t limit) {
@@ -64,6 +70,22 @@ WithoutRights::~WithoutRights() {
 void makePipe(const std::string& path) {
     constexpr mode_t kOwnerOnly = 0600;
     ASSERT_EQ(::mkfifo(path.c_str(), kOwnerOnly), 0);
+}
+
+bool isMappedByProcess(const std::string& path) {
+    std::ostringstream maps;
+    maps << std::ifstream("/proc/self/maps").rdbuf();
+    return maps.str().find(path) != std::string::npos;
+}
+
+bool isOpenInProcess(const std::string& path) {
+    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        if (fs::read_symlink(entry.path(), error) == path) {
+            return true;
+        }
+    }
+    return false;
 }
 
 SilentServer::SilentServer() : descriptor_(::socket(AF_INET, SOCK_STREAM, 0)) {

@@ -55,6 +55,10 @@ public:
 /// Makes a pipe at `path`.
 void makePipe(const std::string& path);
 
+/// Whether this process has the file at `path` in its memory, or holds a handle on it.
+bool isMappedByProcess(const std::string& path);
+bool isOpenInProcess(const std::string& path);
+
 /// A server on this machine that listens and never answers.
 class SilentServer {
 public:

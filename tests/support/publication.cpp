@@ -41,15 +41,23 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
     }
 }
 
-/// All files below `folder`, by relative path.
+/// What is below `folder`, by relative path: files with their text, and other things by their kind.
+/// A folder shows in what it holds.
 std::map<std::string, std::string> readTree(const fs::path& folder) {
     std::map<std::string, std::string> files;
     if (!fs::exists(folder)) {
         return files;
     }
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) {
-            files[fs::relative(entry.path(), folder).string()] = readFile(entry.path());
+        const std::string path = fs::relative(entry.path(), folder).string();
+        if (entry.is_symlink()) {
+            files[path] = "(link)";
+        } else if (entry.is_regular_file()) {
+            files[path] = readFile(entry.path());
+        } else if (!entry.is_directory()) {
+            files[path] = "(no file)";
+        } else if (fs::is_empty(entry.path())) {
+            files[path] = "(empty folder)";
         }
     }
     return files;

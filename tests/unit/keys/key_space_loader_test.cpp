@@ -55,6 +55,12 @@ protected:
         return 0;
     }
 
+    /// How often the parser has begun to read the file.
+    std::ptrdiff_t timesRead(std::string_view name) const {
+        const std::string command = startOf(folder.file(name));
+        return std::count(host.commands().begin(), host.commands().end(), command);
+    }
+
     TopicIdMap topicIds;
 };
 
@@ -259,20 +265,18 @@ TEST_F(KeySpaceLoaderTest, AnXmlFileIsReadForKeysIfItIsAMap) {
                             "<topicref href='typed.xml' type='topic'/>"),
               R"(<keydef keys="m"/>)");
     // What only a look into it can tell has been read, what its type tells hasn't.
-    const auto isRead = [&](std::string_view name) {
-        const std::string command = startOf(folder.file(name));
-        return std::count(host.commands().begin(), host.commands().end(), command);
-    };
-    EXPECT_EQ(isRead("t.xml"), 1);
-    EXPECT_EQ(isRead("o.xml"), 1);
-    EXPECT_EQ(isRead("typed.xml"), 0);
+    EXPECT_EQ(timesRead("t.xml"), 1);
+    EXPECT_EQ(timesRead("o.xml"), 1);
+    EXPECT_EQ(timesRead("typed.xml"), 0);
     EXPECT_EQ(told(), Lines());
 }
 
 TEST_F(KeySpaceLoaderTest, TopicsAreNotRead) {
     write("t.dita", "<topic id='t'><ph keys='t'/></topic>");
-    EXPECT_EQ(definitionsOf("<topicref href='t.dita' format='ditamap'/>"), "");
-    EXPECT_FALSE(load("t.dita").getDocumentElement() == nullptr);
+    EXPECT_EQ(definitionsOf("<topicref href='t.dita' format='ditamap'/>"
+                            "<topicref href='t.dita#t'/><mapref href='t.dita'/>"),
+              "");
+    EXPECT_EQ(timesRead("t.dita"), 0);
 }
 
 TEST_F(KeySpaceLoaderTest, AFragmentTakesThePlaceOfItsReference) {
@@ -331,6 +335,50 @@ TEST_F(KeySpaceLoaderTest, AReferenceInsideTheOneToAFragmentIsFollowed) {
 TEST_F(KeySpaceLoaderTest, AFragmentDoesNotMakeItsMapARead) {
     write("part.ditamap", mapOf("<keydef id='f' keys='f'/><keydef keys='rest'/>"));
     EXPECT_EQ(definitionsOf("<mapref href='part.ditamap#f'/>"), R"(<keydef id="f" keys="f"/>)");
+}
+
+TEST_F(KeySpaceLoaderTest, AFragmentLeavesItsMapToBeReadAsAWhole) {
+    write("part.ditamap", mapOf("<keydef id='f' keys='f'/><keydef keys='rest'/>"));
+    EXPECT_EQ(definitionsOf("<mapref href='part.ditamap#f'/><mapref href='part.ditamap'/>"),
+              R"(<keydef id="f" keys="f"/><keydef keys="rest"/>)");
+    EXPECT_EQ(contentOf("root.ditamap"),
+              R"(<map><keydef id="f" keys="f"/><mapref href="part.ditamap"/></map>)");
+}
+
+TEST_F(KeySpaceLoaderTest, AHashWithoutATopicIdMeansTheWholeMap) {
+    write("part.ditamap", mapOf("<keydef id='e' keys='k'/>"));
+    write("other.ditamap", mapOf("<keydef id='e' keys='l'/>"));
+    EXPECT_EQ(definitionsOf("<mapref href='part.ditamap#'/><mapref href='other.ditamap#/e'/>"),
+              R"(<keydef id="e" keys="k"/><keydef id="e" keys="l"/>)");
+    EXPECT_EQ(contentOf("root.ditamap"),
+              R"(<map><mapref href="part.ditamap#"/><mapref href="other.ditamap#/e"/></map>)");
+}
+
+TEST_F(KeySpaceLoaderTest, AFragmentIsNormalisedAgainstTheMapThatItWasPulledInto) {
+    write("sub/part.ditamap",
+          mapOf("<keydef id='f' keys='k' href='t.dita'><topic id='t'/></keydef>"));
+    const DOMDocument& keySpace = keySpaceOfMap("<mapref href='sub/part.ditamap#f'/>");
+    EXPECT_NE(definition(keySpace, "k").find(R"(href="$F/t.dita")"), std::string::npos);
+    EXPECT_EQ(topicIds.byReference().size(), 1U);
+    EXPECT_NE(topicIds.find(folder.file16("root.ditamap") + u"#t"), u"");
+}
+
+TEST_F(KeySpaceLoaderTest, AMapBelowTheRootPullsFragmentsToo) {
+    write("sub/m.ditamap", mapOf("<mapref href='p.ditamap#f'/>"));
+    write("sub/p.ditamap", mapOf("<keydef id='f' keys='k' href='t.dita'/>"));
+    EXPECT_EQ(definitionsOf("<mapref href='sub/m.ditamap'/>"),
+              R"(<keydef href="$F/sub/t.dita" id="f" keys="k"/>)");
+    EXPECT_EQ(contentOf("sub/m.ditamap"), R"(<map><keydef href="t.dita" id="f" keys="k"/></map>)");
+}
+
+TEST_F(KeySpaceLoaderTest, WhatIsNoMapInSpiteOfItsNameIsNotReadForKeys) {
+    writePlain("topic.ditamap", "<topic id='t'><ph keys='t'/></topic>");
+    writePlain("book.ditamap", "<bookmap><keydef keys='b'/></bookmap>");
+    EXPECT_EQ(definitionsOf("<mapref href='topic.ditamap'/><mapref href='book.ditamap'/>"),
+              R"(<keydef keys="b"/>)");
+    EXPECT_EQ(timesRead("topic.ditamap"), 1);
+    EXPECT_EQ(timesRead("book.ditamap"), 1);
+    EXPECT_EQ(told(), Lines());
 }
 
 TEST_F(KeySpaceLoaderTest, ReferencesInAFragmentAreFollowedFromWhereItStandsNow) {

@@ -236,6 +236,20 @@ TEST_F(ForeignFilesTest, AreRemovedEvenWhereTheyCannotBeOverwritten) {
     }
 }
 
+TEST_F(DocPublisherTest, ADtdOfTheKeySpaceThatCannotBeLoadedEndsTheRun) {
+    for (const char* dtd :
+         {"<!ELEMENT", "<!ELEMENT map ANY><!ATTLIST map b CDATA 'x' b CDATA 'y'>"}) {
+        boost::json::object params = composite();
+        params["keyspaceDocDtd"] = folder.write("bad.dtd", dtd);
+        const TypedValues answer = publishComposite(params);
+        EXPECT_EQ(status(answer), -42) << dtd;
+        EXPECT_EQ(answer.size(), 4U) << dtd;
+        EXPECT_EQ(console, "") << dtd;
+        EXPECT_EQ(progress, kReadingKeys) << dtd;
+        EXPECT_EQ(tree(), "a.dita bad.dtd out root.ditamap ") << dtd;
+    }
+}
+
 TEST_F(DocPublisherTest, AKeySpaceDocumentThatCannotBeRemovedStays) {
     watch = [&](const std::string& line) {
         if (line == "Referenzen werden verarbeitet") {

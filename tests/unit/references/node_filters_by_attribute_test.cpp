@@ -70,6 +70,7 @@ constexpr AnswerCase kCases[] = {
     {"KeyrefMarkedInOtherCase", makeFilter<KeyrefAttrContainingNodeFilter>,
      "<x keyref='--QS-mwpp-ignore-keyref'/>", "accept"},
     {"KeysGiven", makeFilter<KeyDefinitionNodeFilter>, "<x keys='a b'/>", "accept"},
+    {"KeysBlank", makeFilter<KeyDefinitionNodeFilter>, "<x keys='  '/>", "accept"},
     {"KeysEmpty", makeFilter<KeyDefinitionNodeFilter>, "<x keys=''/>", "skip"},
     {"KeysMissing", makeFilter<KeyDefinitionNodeFilter>, "<keydef keyref='a' key='a'/>", "skip"},
     {"DirectRefByHref", makeFilter<DirectRefAttrContainingNodeFilter>, "<x href='a'/>", "accept"},

@@ -1,21 +1,28 @@
 #include "xml/document_store.h"
 
 #include <gtest/gtest.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
+#include <functional>
+#include <stdexcept>
+#include <xercesc/dom/DOMException.hpp>
 
 #include "client/messages.h"
 #include "references/direct_references.h"
 #include "references/node_filters.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
+#include "support/scope_exit.h"
 #include "tests/support/file_conditions.h"
 #include "tests/unit/xml/replaced_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/document_writer.h"
 #include "xml/grammar_parser_cache.h"
+#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -173,9 +180,62 @@ TEST_F(DocumentStoreTest, BuildsTheTableBeforeItReads) {
 }
 
 TEST_F(DocumentStoreTest, ReadsThroughTheLoadersFallbackToo) {
-    // A process file has no size and no mapping.
-    EXPECT_EQ(load("/proc/self/status"), nullptr);
-    EXPECT_EQ(host.console(), Texts{cannotRead("/proc/self/status")});
+    // The name of the process, as a file that has no size and can't be mapped.
+    std::array<char, 16> earlierName{};
+    ASSERT_EQ(::prctl(PR_GET_NAME, earlierName.data()), 0);
+    const ScopeExit restore([&] { ::prctl(PR_SET_NAME, earlierName.data()); });
+    ASSERT_EQ(::prctl(PR_SET_NAME, "<a>fallback</a>"), 0);
+    const xercesc::DOMDocument* const document = load("/proc/self/comm");
+    ASSERT_TRUE(document);
+    EXPECT_EQ(printed(*document->getDocumentElement()), "<a>fallback</a>");
+    EXPECT_EQ(host.commands(), tries(1, "/proc/self/comm"));
+    EXPECT_EQ(host.console(), Texts{});
+}
+
+TEST_F(DocumentStoreTest, ReportsWhateverIsThrownWhileItReads) {
+    const std::string path = folder.write("a.dita", topicText("missing.dtd"));
+    const std::vector<std::function<void()>> throwers{
+        [] { throw std::runtime_error("unexpected"); },
+        [] { throw xercesc::DOMException(xercesc::DOMException::SYNTAX_ERR); },
+        [] { throw 42; },
+    };
+    for (const std::function<void()>& thrower : throwers) {
+        host.forget();
+        ScriptedClients clients;
+        clients.onCall = [&] {
+            if (clients.calls.back().find("resolveentity") != std::string::npos) {
+                thrower();
+            }
+        };
+        EXPECT_EQ(load(path), nullptr);
+        EXPECT_EQ(clients.calls, (Texts{"plain:XmlUtilities:" + startOf(path),
+                                        "typed:XmlUtilities:" + questionFor(kTopicId),
+                                        "plain:XmlUtilities:" + kEnd}));
+        EXPECT_EQ(host.console(), Texts{cannotRead(path)});
+        EXPECT_FALSE(DocumentStore::instance().holds(toUtf16(path)));
+    }
+    EXPECT_TRUE(load(path));
+}
+
+/// A document of that many elements, each in the one before.
+std::string nestedElements(std::size_t count) {
+    std::string text;
+    for (std::size_t level = 0; level < count; ++level) {
+        text += "<a>";
+    }
+    for (std::size_t level = 0; level < count; ++level) {
+        text += "</a>";
+    }
+    return text;
+}
+
+TEST_F(DocumentStoreTest, ReportsADocumentThatNestsTooDeeplyToBeWorkedOn) {
+    const std::string path = folder.write("deep.dita", nestedElements(kDeepestNesting + 1));
+    EXPECT_EQ(load(path), nullptr);
+    EXPECT_FALSE(DocumentStore::instance().holds(toUtf16(path)));
+    EXPECT_EQ(load(path), nullptr);
+    EXPECT_EQ(host.console(), (Texts{cannotRead(path), cannotRead(path)}));
+    EXPECT_TRUE(load(folder.write("less-deep.dita", nestedElements(kDeepestNesting))));
 }
 
 /// A host with documents open in it.

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <stdexcept>
+#include <tuple>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/RuntimeException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
@@ -282,6 +284,31 @@ TEST_F(ParserBundleTest, LoadsADocumentWithABrokenDtdAtTheThirdTry) {
     EXPECT_EQ(host.commands(), tries(3, folder.file("a.dita")));
 }
 
+struct WarningCase {
+    const char* name;
+    std::string text;
+    int tries;
+    bool loads;
+};
+
+// Warnings of the engine: attributes declared twice, elements that are named and not declared.
+TEST_F(ParserBundleTest, TakesAWarningForAFailure) {
+    folder.write("twice.dtd", std::string(kTopicDtd) + "<!ATTLIST p z CDATA 'x' z CDATA 'y'>");
+    folder.write("unknown.dtd", std::string(kTopicDtd) + "<!ATTLIST none z CDATA 'x'>");
+    for (const WarningCase& warning :
+         {WarningCase{"dtd", topicText("twice.dtd"), 3, true},
+          {"unknown", topicText("unknown.dtd"), 3, true},
+          {"subset", "<!DOCTYPE a [<!ELEMENT a ANY><!ATTLIST a b CDATA 'x' b CDATA 'y'>]><a/>", 3,
+           false},
+          {"model", "<!DOCTYPE a [<!ELEMENT a (q?)>]><a/>", 3, true}}) {
+        host.forget();
+        folder.write(warning.name, warning.text);
+        EXPECT_EQ(failureOf(warning.name) == kNothingThrown, warning.loads) << warning.name;
+        EXPECT_EQ(host.commands(), tries(warning.tries, folder.file(warning.name))) << warning.name;
+        expectUsualSettings();
+    }
+}
+
 /// The settings of the parser whenever a command goes out, in a word for each.
 class SettingsAtCommands {
 public:
@@ -436,6 +463,80 @@ void expectOneTry(const std::string& path, const RecordingHost& host, Failure fa
     bundle.parser().setXMLEntityResolver(&resolver);
     EXPECT_THROW(bundle.parseFile(toUtf16(path), ParserBundle::kAllRetries), Failure);
     EXPECT_EQ(host.commands(), tries(1, path));
+}
+
+/// Throws a diagnostic of that code each time, and counts.
+class DiagnosticResolver final : public xercesc::XMLEntityResolver {
+public:
+    explicit DiagnosticResolver(unsigned code) : code_(code) {}
+    xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier*) override {
+        ++asked;
+        if (asked == lastOne) {
+            throw std::runtime_error("broken");
+        }
+        throw QSXercesParseException(code_, u"text", "", 1, 1);
+    }
+
+    int asked = 0;
+    int lastOne = 0;  ///< at which it throws what is no diagnostic; 0 for never
+
+private:
+    unsigned code_;
+};
+
+// The resolver is asked as long as grammars of the cache may be used.
+TEST_F(ParserBundleTest, ComparesTheNumberOfAFailureWhateverItIsOf) {
+    folder.write("a.dita", "<!DOCTYPE a SYSTEM 'x.dtd'><a/>");
+    xercesc::XMLEntityResolver* const own = parser().getXMLEntityResolver();
+    for (const auto& [code, expectedTries, outcome] :
+         {std::tuple(40U, 3, kNothingThrown), std::tuple(41U, 2, 41)}) {
+        host.forget();
+        DiagnosticResolver resolver(code);
+        parser().setXMLEntityResolver(&resolver);
+        EXPECT_EQ(failureOf("a.dita"), outcome) << code;
+        parser().setXMLEntityResolver(own);
+        EXPECT_EQ(host.commands(), tries(expectedTries, folder.file("a.dita"))) << code;
+        EXPECT_EQ(resolver.asked, 2) << code;
+        expectUsualSettings();
+    }
+}
+
+TEST_F(ParserBundleTest, RestoresItsSettingsWhateverIsThrown) {
+    folder.write("a.dita", topicText("topic.dtd"));
+    DiagnosticResolver resolver(40);
+    resolver.lastOne = 2;
+    xercesc::XMLEntityResolver* const own = parser().getXMLEntityResolver();
+    parser().setXMLEntityResolver(&resolver);
+    EXPECT_THROW(failureOf("a.dita"), std::runtime_error);
+    parser().setXMLEntityResolver(own);
+    EXPECT_EQ(host.commands(), tries(2, folder.file("a.dita")));
+    expectUsualSettings();
+    host.forget();
+    EXPECT_EQ(parsedClass(parse("b.dita", topicText("topic.dtd"))), "- topic/p ");
+    EXPECT_EQ(host.commands(), tries(1, folder.file("b.dita")));
+}
+
+TEST_F(ParserBundleTest, LetsGoOfItsFilesHoweverAParseEnds) {
+    const std::string dtd = folder.file("topic.dtd");
+    const auto expectLetGo = [&](const char* name) {
+        for (const std::string& path : {folder.file(name), dtd}) {
+            EXPECT_FALSE(isMappedByProcess(path)) << path;
+            EXPECT_FALSE(isOpenInProcess(path)) << path;
+        }
+    };
+    parse("valid", topicText("topic.dtd"));
+    expectLetGo("valid");
+    parse("invalid", invalidTopicText("topic.dtd"));
+    expectLetGo("invalid");
+    folder.write("malformed", brokenTopicText("topic.dtd"));
+    EXPECT_NE(failureOf("malformed"), kNothingThrown);
+    expectLetGo("malformed");
+    folder.write("throwing", topicText("topic.dtd"));
+    DiagnosticResolver resolver(40);
+    resolver.lastOne = 1;
+    parser().setXMLEntityResolver(&resolver);
+    EXPECT_THROW(failureOf("throwing"), std::runtime_error);
+    expectLetGo("throwing");
 }
 
 TEST_F(ParserBundleTest, LetsWhatIsNoXmlExceptionPassAtOnce) {

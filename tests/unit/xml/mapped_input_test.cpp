@@ -37,22 +37,6 @@ bool isMapped(const Stream& stream) {
     return dynamic_cast<const MemMapFileInputStream*>(stream.get()) != nullptr;
 }
 
-bool isMappedByProcess(const std::string& path) {
-    std::ostringstream maps;
-    maps << std::ifstream("/proc/self/maps").rdbuf();
-    return maps.str().find(path) != std::string::npos;
-}
-
-bool isOpenInProcess(const std::string& path) {
-    for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
-        std::error_code error;
-        if (fs::read_symlink(entry.path(), error) == path) {
-            return true;
-        }
-    }
-    return false;
-}
-
 class MemMapLocalFileInputSourceTest : public XmlTest {};
 
 TEST_F(MemMapLocalFileInputSourceTest, ReadsAFileThroughAMapping) {
@@ -72,6 +56,18 @@ TEST_F(MemMapLocalFileInputSourceTest, ReadsInPiecesOfTheReadersSize) {
         const Stream stream = openFile(folder.file16("a.xml"));
         ASSERT_TRUE(stream);
         EXPECT_EQ(readIn(*stream, piece), text) << piece;
+    }
+}
+
+TEST_F(MemMapLocalFileInputSourceTest, GivesAsMuchAtOnceAsItIsAskedFor) {
+    const std::string text(300000, 'x');
+    folder.write("a.xml", text);
+    for (const std::size_t room : {text.size(), text.size() + 100000}) {
+        const Stream stream = openFile(folder.file16("a.xml"));
+        ASSERT_TRUE(isMapped(stream));
+        std::vector<XMLByte> buffer(room);
+        EXPECT_EQ(stream->readBytes(buffer.data(), room), text.size());
+        EXPECT_EQ(stream->readBytes(buffer.data(), room), 0U);
     }
 }
 
