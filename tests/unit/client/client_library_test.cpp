@@ -5,7 +5,9 @@
 #include <cstdlib>
 
 #include "client/host_operations.h"
+#include "support/text.h"
 #include "tests/unit/client/icu_data_directory.h"
+#include "tests/unit/client/refused_converters.h"
 #include "tests/unit/client/scripted_host.h"
 
 namespace marrowpress {
@@ -252,6 +254,20 @@ TEST(TextLayerStartDeathTest, ChoosesTheDefaultWhenNothingWasChosen) {
             const bool wasEmpty = hostClientEncoding().empty();
             initializeTextLayer();
             std::_Exit(wasEmpty && hostClientEncoding() == "QuillRoman" ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+// The converter of a process is opened once.
+TEST(ConverterStartDeathTest, WithoutAConverterTheRunsBetweenControlCharactersAreLost) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const RefusedConverters refused;
+            const bool isAsTold = toUtf16(std::string_view("a\tb\nc")) == u"\t\n" &&
+                                  toUtf8(std::u16string_view(u"a\nb\x01")) == "\n\x01" &&
+                                  toUtf16(std::string_view("\xFF")) == u"???";
+            std::_Exit(isAsTold ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }

@@ -228,6 +228,14 @@ TEST_F(ConditionMergeTest, ADocumentThatHasAReplacementNameClashesLikeAnyOther) 
               u"QS_REPLACE_CONDITION_QS_REPLACE_CONDITION_A_0_1");
 }
 
+TEST_F(ConditionMergeTest, AReplacementTakesThePlaceOfARecordThatHasItsName) {
+    merge("<?Qs Condition A 1 y show z?><?Qs Condition QS_REPLACE_CONDITION_A_0 1 y hide z?><t/>");
+    merge("<?Qs Condition A 2 y show z?><t/>");
+    EXPECT_EQ(described(state),
+              "[A+ Condition A 1 y show z] [QS_REPLACE_CONDITION_A_0+ Condition "
+              "QS_REPLACE_CONDITION_A_0 2 y show z] <(\"A\")or(\"QS_REPLACE_CONDITION_A_0\")>");
+}
+
 TEST_F(ConditionMergeTest, ClearKeepsTheNames) {
     merge("<?Qs Condition A x y show z?><t/>");
     merge("<?Qs Condition A x y show z?><t/>");

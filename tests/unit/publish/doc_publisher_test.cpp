@@ -8,6 +8,7 @@
 
 #include "publish/composite_publisher.h"
 #include "publish/flat_book_publisher.h"
+#include "support/scope_exit.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/xml_text.h"
 #include "tests/unit/publish/whole_request.h"
@@ -234,6 +235,31 @@ TEST_F(ForeignFilesTest, AreRemovedEvenWhereTheyCannotBeOverwritten) {
         EXPECT_EQ(console, "") << name;
         EXPECT_EQ(tree(), "a.dita out out/book.dita root.ditamap ") << name;
     }
+}
+
+TEST_F(ForeignFilesTest, EndTheRunWhenTheyCannotBeLookedAt) {
+    folder.write("closed/a.dita", topic("a"));
+    folder.write("root.ditamap", map(topicref("href='closed/a.dita'")));
+    fs::permissions(folder.path() / "closed", fs::perms::none);
+    fs::permissions(folder.path() / "out", fs::perms::all);
+    EXPECT_EQ(status(publishAsNobody()), -42);
+    fs::permissions(folder.path() / "closed", fs::perms::owner_all);
+    EXPECT_EQ(console, "");
+    EXPECT_EQ(progress, kReadingKeys);
+    EXPECT_EQ(tree(), "a.dita closed closed/a.dita out root.ditamap ");
+}
+
+TEST_F(DocPublisherTest, ARelativeOutputNeedsACurrentFolder) {
+    const fs::path before = fs::current_path();
+    const ScopeExit back([&] { fs::current_path(before); });
+    fs::create_directory(folder.path() / "current");
+    fs::current_path(folder.path() / "current");
+    fs::remove(folder.path() / "current");
+    boost::json::object params = composite();
+    params["output"] = "book.dita";
+    EXPECT_EQ(status(publishComposite(params)), -42);
+    EXPECT_EQ(progress, "");
+    EXPECT_EQ(tree(), "a.dita out root.ditamap ");
 }
 
 TEST_F(DocPublisherTest, ADtdOfTheKeySpaceThatCannotBeLoadedEndsTheRun) {

@@ -278,6 +278,13 @@ TEST_F(ConrefCopiesTest, CopiesThatNestDeeperAndDeeperDoNotEndTheProgram) {
     EXPECT_FALSE(document.byId("copy")->hasAttribute(u"conref"));
 }
 
+TEST_F(ConrefCopiesTest, AStartThatNestsTooDeeplyIsReportedAndTheElementKeepsItsContent) {
+    const std::string result = resolved("<p conref='#t/deep'>own</p><p id='deep'>" +
+                                        nested(std::vector<std::string>(5000), "") + "</p>");
+    EXPECT_EQ(result.substr(0, result.find("<ph>")), "<p>own</p><p id='deep'>");
+    EXPECT_EQ(console(), notFound("p", "deep", "d.dita"));
+}
+
 TEST_F(ConrefCopiesTest, AMemberOfARangeThatNestsTooDeeplyIsReportedAndLeftOut) {
     const std::string result =
         resolved("<p conref='#t/a' conrefend='#t/c'/><p id='a'>A</p><p id='deep'>" +

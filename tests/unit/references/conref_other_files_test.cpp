@@ -57,6 +57,37 @@ TEST_F(ConrefOtherFilesTest, ReferencesToTopicsThatAreInThePublicationAreRewritt
               "<p><xref href='#there/e'/><xref href='#there'/></p><xref href='y.dita#y'/>");
 }
 
+TEST_F(ConrefOtherFilesTest, ReferencesThatKeysGiveAreRewrittenToo) {
+    defineKeys("<keydef keys='k' href='" + folder.file("y.dita") + "#y'/><keydef keys='n'/>");
+    topicIds.add(folder.file16("y.dita") + u"#y", u"#t");
+    write("x.dita", "<p id='s'><image keyref='k/i'/><ph conkeyref='k/here'/></p>");
+    EXPECT_EQ(resolved("<p conref='x.dita#t/s'/><ph id='here'>H</ph>"),
+              "<p><image href='#t/i'/><ph>H</ph></p><ph id='here'>H</ph>");
+    EXPECT_EQ(console(), "");
+}
+
+TEST_F(ConrefOtherFilesTest, ReferencesThatKeysGiveAreNotTakenAgainstTheTarget) {
+    defineKeys("<keydef keys='n'/>");
+    write("x.dita", "<p id='s'><image keyref='n/e'/></p>");
+    EXPECT_EQ(resolved("<p conref='x.dita#t/s'/>"), "<p><image href='#./e'/></p>");
+    EXPECT_EQ(console(), cannotRead(""));
+}
+
+TEST_F(ConrefOtherFilesTest, FurtherElementsOfARangeComeBeforeTheFirst) {
+    write("x.dita",
+          "<p id='a' xtrf='#n2'><ph keyref='ua'/><topic id='n1'/></p>"
+          "<p id='b'><ph keyref='ub'/><topic id='n2'/></p>");
+    EXPECT_EQ(resolved("<x><p conref='x.dita#t/a' conrefend='x.dita#t/b'/></x>"),
+              "<x><p xtrf='#U1'><ph/><topic id='U2'/></p><p><ph/><topic id='U1'/></p></x>");
+    EXPECT_LT(console().find("ub"), console().find("ua"));
+}
+
+TEST_F(ConrefOtherFilesTest, WhatFurtherElementsTakeFromTheReferenceIsTakenAgainstTheTarget) {
+    write("sub/x.dita", "<p id='a'/><p id='b'/>");
+    EXPECT_EQ(resolved("<x><p xtrf='y.dita' conref='sub/x.dita#t/a' conrefend='#t/b'/></x>"),
+              "<x><p xtrf='$D/sub/y.dita'/><p xtrf='$D/sub/y.dita'/></x>");
+}
+
 TEST_F(ConrefOtherFilesTest, NestedReferencesLeadOnFromTheirOwnFile) {
     write("sub/x.dita", "<p id='s'>X<ph conref='deep/y.dita#t/v'/></p>");
     write("sub/deep/y.dita", "<ph id='v'>Y<b conref='../../z.dita#./w'/></ph>");

@@ -81,6 +81,9 @@ constexpr TargetCase kTargetCases[] = {
     {"FirstOfTheIdInMapHasOtherName", kMap, "b", "topicref", "", "109 b"},
     {"FirstOfTheIdInMapLacksTheElement", kMap, "b/e", "ph", "", "108 e b"},
     {"NoSuchIdInMap", kMap, "d", "topicref", "", "109 d"},
+    {"FirstTopicComesBeforeAnIdInAMap",
+     "<map><topicref id='.'/><x class='- topic/topic ' id='n'/></map>", ".", "topicref", "",
+     "109 ."},
     {"MapHasNoFirstTopic", kMap, ".", "topicref", "", "109 ."},
     {"NoTopicHasAnId", "<dita><topic/><p id='p'/></dita>", ".", "topic", "", "109 ."},
 };

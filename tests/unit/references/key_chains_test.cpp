@@ -177,6 +177,29 @@ TEST_F(KeyChainPassTest, TheIgnoreMarkerEndsAChain) {
     EXPECT_EQ(told(), Lines());
 }
 
+// The marker is all that a finished definition can still refer to.
+TEST_F(KeyChainPassTest, AFinishedDefinitionWithTheIgnoreMarkerIsLookedUpAnew) {
+    constexpr std::string_view kChains =
+        "<keydef keys='a' keyref='b'/>"
+        "<keydef keys='b' keyref='--qs-mwpp-ignore-keyref' href='/b'/>"
+        "<keydef keys='c' keyref='b'/>";
+    EXPECT_EQ(content(resolved(kChains)),
+              R"(<map><keydef href="/b" keys="a"/><keydef href="/b" keys="b"/>)"
+              R"(<keydef href="/b" keys="c"/></map>)");
+    EXPECT_EQ(told(), Lines({keyNotFound("--qs-mwpp-ignore-keyref")}));
+}
+
+TEST_F(KeyChainPassTest, AFinishedDefinitionGetsWhatTheIgnoreMarkerMeansAsAKey) {
+    EXPECT_EQ(content(resolved("<keydef keys='a' keyref='b'/>"
+                               "<keydef keys='b' keyref='--qs-mwpp-ignore-keyref' href='/b'/>"
+                               "<keydef keys='c' keyref='b'/>"
+                               "<keydef keys='--qs-mwpp-ignore-keyref' href='/m'/>")),
+              R"(<map><keydef href="/b" keys="a"/><keydef href="/m" keys="b"/>)"
+              R"(<keydef href="/m" keys="c"/><keydef href="/m" keys="--qs-mwpp-ignore-keyref"/>)"
+              R"(</map>)");
+    EXPECT_EQ(told(), Lines());
+}
+
 TEST_F(KeyChainPassTest, OnlyTopicReferencesBeginAChain) {
     const DOMDocument& keySpace = resolved(
         "<ph keys='p' keyref='z'/><topicref keys='t' keyref='y'/>"

@@ -13,11 +13,13 @@ namespace {
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
-/// "k" has an href and a link text, "m" is a map, "t" a topic in a file, "n" has no href.
+/// "k" has an href and a link text, "m" is a map, "t" a topic in a file, "n" has no href,
+/// "h" one with an empty topic id.
 constexpr std::string_view kKeys =
     "<keydef keys='k' href='$F/t.dita' format='dita'><topicmeta><linktext>L</linktext></topicmeta>"
     "</keydef><keydef keys='m' href='$F/m.ditamap'/><keydef keys='t' href='$F/t.dita#t'/>"
-    "<keydef keys='n'><topicmeta><linktext>N</linktext></topicmeta></keydef>";
+    "<keydef keys='n'><topicmeta><linktext>N</linktext></topicmeta></keydef>"
+    "<keydef keys='h' href='$F/t.dita#'/>";
 
 class KeyrefProcessorTest : public KeySampleTest {
 protected:
@@ -238,6 +240,14 @@ INSTANTIATE_TEST_SUITE_P(
         ElementCase{"EndBesideATopic",
                     "<p conkeyref='t' conrefend='x.dita#x/f'/>",
                     R"(<p conref="$F/t.dita#t" conrefend="$F/t.dita#x"/>)",
+                    {}},
+        ElementCase{"EndBesideAFileWithoutATopic",
+                    "<p conkeyref='k' conrefend='x#/f'/>",
+                    R"(<p conref="$F/t.dita" conrefend="$F/t.dita#"/>)",
+                    {}},
+        ElementCase{"EndBesideAnElementOfNoTopic",
+                    "<p conkeyref='h/e' conrefend='x#x/f'/>",
+                    R"(<p conref="$F/t.dita#/e" conrefend="$F/t.dita/f"/>)",
                     {}},
         ElementCase{"EndInAMap",
                     "<p conkeyref='m/e' conrefend='x.ditamap#x/f'/>",

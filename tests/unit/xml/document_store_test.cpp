@@ -312,6 +312,21 @@ TEST_F(StoreOpenDocumentsTest, AreFoundUnderTheirExactNameOnly) {
     EXPECT_EQ(touched(), Texts{});
 }
 
+TEST(MalformedNameTest, IsNoPathOfAnyDocument) {
+    const TemporaryFolder folder;
+    const RecordingHost host{{{7, folder.path().string() + "/\xFF.dita", 0}}};
+    const XmlSession session;
+    const OpenDocumentTable table;
+    EXPECT_EQ(table.size(), 1U);
+    ASSERT_TRUE(table.find(u"???"));
+    EXPECT_EQ(table.find(u"???")->documentId, 7U);
+    folder.write("\xFF.dita", "<a/>");
+    folder.write("a.dita", "<a/>");
+    EXPECT_TRUE(DocumentStore::instance().getOrLoad(folder.file16("a.dita")));
+    EXPECT_TRUE(DocumentStore::instance().touchedOpenDocuments().empty());
+    EXPECT_EQ(host.console(), Texts{});
+}
+
 TEST_F(StoreOpenDocumentsTest, AreReadFromTheDisk) {
     folder.write("größe.dita", "<on-disk/>");
     EXPECT_EQ(printed(*load("größe.dita")->getDocumentElement()), "<on-disk/>");

@@ -181,6 +181,16 @@ HostTypedValueList replyOf(std::vector<std::pair<HostValueType, const char*>> va
     return {static_cast<std::uint32_t>(values.size()), blocks};
 }
 
+TEST_F(QSXMLEntityResolverTest, TakesMalformedTextForAPathThatLeadsNowhere) {
+    host.pathsByPublicId[kTopicId] = folder.write("\xFF.dtd", kTopicDtd);
+    const std::unique_ptr<xercesc::InputSource> source = resolver.sourceForPublicId(&kTopicId);
+    ASSERT_TRUE(source);
+    EXPECT_TRUE(std::u16string_view(source->getSystemId()).ends_with(u"???"));
+    const std::unique_ptr<xercesc::BinInputStream> stream(source->makeStream());
+    EXPECT_EQ(stream, nullptr);
+    EXPECT_EQ(host.console(), Texts{});
+}
+
 TEST_F(QSXMLEntityResolverTest, TakesOneTextForAnAnswerAndNothingElse) {
     using enum HostValueType;
     for (const auto& [name, make, path] :

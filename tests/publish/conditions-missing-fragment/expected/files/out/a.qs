@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs Condition X 1 y show z?><?Qs Condition QS_REPLACE_CONDITION_X_0 2 y show z?><?Qs Condition Y 2 y show z?><?Qs BoolCondExpr ("X")or("Y") State 1?><dita><topic id="id-1"><title/></topic><topic id="id-2"><title>A</title></topic></dita>

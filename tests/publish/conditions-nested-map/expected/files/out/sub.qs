@@ -1,0 +1,1 @@
+<?xml version="1.0" encoding="UTF-8" standalone="no" ?><!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd"><?Qs Condition X 1 y show z?><?Qs Condition H 1 y hide z?><?Qs BoolCondExpr "X" State 1?><dita><topic id="id-1"><title></title></topic><topic id="id-2"><title>A</title></topic></dita>
