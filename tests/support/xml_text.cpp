@@ -65,6 +65,18 @@ std::string attribute(const xercesc::DOMElement& element, std::string_view name)
     return toUtf8(domText(element.getAttribute(toUtf16(name).c_str())));
 }
 
+std::string nestedElements(std::size_t depth, std::string_view innermost) {
+    std::string text;
+    for (std::size_t level = 0; level < depth; ++level) {
+        text += "<ph>";
+    }
+    text += innermost;
+    for (std::size_t level = 0; level < depth; ++level) {
+        text += "</ph>";
+    }
+    return text;
+}
+
 std::string idsOf(const std::vector<xercesc::DOMElement*>& elements) {
     std::string ids;
     for (const xercesc::DOMElement* element : elements) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,6 +44,9 @@ std::string attribute(const xercesc::DOMElement& element, std::string_view name)
 /// The values of "id" of the elements, or the tag name in brackets where there is none, joined by
 /// blanks.
 std::string idsOf(const std::vector<xercesc::DOMElement*>& elements);
+
+/// `depth` elements "ph", each in the one before, and `innermost` in the last.
+std::string nestedElements(std::size_t depth, std::string_view innermost = {});
 
 /// A test with a host and an open XML session.
 class XmlTest : public testing::Test {

@@ -84,27 +84,14 @@ TEST_F(FlatBookPublisherTest, AnOldComponentThatCannotBeReplacedTakesNothingIn) 
     EXPECT_EQ(components(answer), "$F/out/a.qs $F/out/c.qs ");
 }
 
-/// `inner` in that many elements.
-std::string nested(std::size_t depth, const std::string& inner) {
-    std::string text;
-    for (std::size_t level = 0; level < depth; ++level) {
-        text += "<ph>";
-    }
-    text += inner;
-    for (std::size_t level = 0; level < depth; ++level) {
-        text += "</ph>";
-    }
-    return text;
-}
-
 TEST_F(FlatBookPublisherTest, AComponentThatCannotBeWrittenKeepsItsShell) {
     // Each source is as deep as can be written; together they are not.
-    folder.write(
-        "b.dita",
-        topic("b", "<body><p>" + nested(3000, "<ph conref='deep.dita#deep/x'/>") + "</p></body>"));
-    folder.write("deep.dita",
-                 "<!DOCTYPE topic [<!ATTLIST topic id ID #IMPLIED>]>" +
-                     topic("deep", "<body><ph id='x'>" + nested(3000, "x") + "</ph></body>"));
+    folder.write("b.dita",
+                 topic("b", "<body><p>" + nestedElements(3000, "<ph conref='deep.dita#deep/x'/>") +
+                                "</p></body>"));
+    folder.write("deep.dita", "<!DOCTYPE topic [<!ATTLIST topic id ID #IMPLIED>]>" +
+                                  topic("deep", "<body><ph id='x'>" + nestedElements(3000, "x") +
+                                                    "</ph></body>"));
     const TypedValues answer = publishFlatBook(flatBook());
     EXPECT_EQ(status(answer), 0);
     EXPECT_EQ(components(answer), "$F/out/a.qs $F/out/b.qs $F/out/c.qs ");

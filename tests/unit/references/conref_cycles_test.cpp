@@ -264,12 +264,11 @@ TEST_F(ConrefCopiesTest, AReferenceThatAKeyGivesEachTimeAnewIsCut) {
 // Each part may nest as deep as a file may; copying what they come to together is recursive.
 TEST_F(ConrefCopiesTest, CopiesThatNestDeeperAndDeeperDoNotEndTheProgram) {
     constexpr std::size_t kParts = 25;
-    const std::vector<std::string> levels(4000);
     std::string content;
     for (std::size_t part = 1; part <= kParts; ++part) {
         const std::string next = number(part + 1);
         content += "<p id='e" + number(part) + "'>" +
-                   nested(levels, "<p conref='#t/e" + next + "'/>") + "</p>";
+                   nestedElements(4000, "<p conref='#t/e" + next + "'/>") + "</p>";
     }
     write("x.dita", content + "<p id='e" + number(kParts + 1) + "'/>");
     const ParsedXml document =
@@ -279,8 +278,8 @@ TEST_F(ConrefCopiesTest, CopiesThatNestDeeperAndDeeperDoNotEndTheProgram) {
 }
 
 TEST_F(ConrefCopiesTest, AStartThatNestsTooDeeplyIsReportedAndTheElementKeepsItsContent) {
-    const std::string result = resolved("<p conref='#t/deep'>own</p><p id='deep'>" +
-                                        nested(std::vector<std::string>(5000), "") + "</p>");
+    const std::string result =
+        resolved("<p conref='#t/deep'>own</p><p id='deep'>" + nestedElements(5000) + "</p>");
     EXPECT_EQ(result.substr(0, result.find("<ph>")), "<p>own</p><p id='deep'>");
     EXPECT_EQ(console(), notFound("p", "deep", "d.dita"));
 }
@@ -288,7 +287,7 @@ TEST_F(ConrefCopiesTest, AStartThatNestsTooDeeplyIsReportedAndTheElementKeepsIts
 TEST_F(ConrefCopiesTest, AMemberOfARangeThatNestsTooDeeplyIsReportedAndLeftOut) {
     const std::string result =
         resolved("<p conref='#t/a' conrefend='#t/c'/><p id='a'>A</p><p id='deep'>" +
-                 nested(std::vector<std::string>(5000), "") + "</p><p id='c'>C</p>");
+                 nestedElements(5000) + "</p><p id='c'>C</p>");
     EXPECT_EQ(result.substr(0, result.find("<ph>")),
               "<p>A</p><p>C</p><p id='a'>A</p><p id='deep'>");
     EXPECT_EQ(console(), notFound("p", "deep", "d.dita"));

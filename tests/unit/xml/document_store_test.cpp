@@ -217,18 +217,6 @@ TEST_F(DocumentStoreTest, ReportsWhateverIsThrownWhileItReads) {
     EXPECT_TRUE(load(path));
 }
 
-/// A document of that many elements, each in the one before.
-std::string nestedElements(std::size_t count) {
-    std::string text;
-    for (std::size_t level = 0; level < count; ++level) {
-        text += "<a>";
-    }
-    for (std::size_t level = 0; level < count; ++level) {
-        text += "</a>";
-    }
-    return text;
-}
-
 TEST_F(DocumentStoreTest, ReportsADocumentThatNestsTooDeeplyToBeWorkedOn) {
     const std::string path = folder.write("deep.dita", nestedElements(kDeepestNesting + 1));
     EXPECT_EQ(load(path), nullptr);
