@@ -26,11 +26,8 @@ void DitaValReader::readAttributeRules(const DOMDocument& document) {
     ElementWalker walker(document.getDocumentElement(), filter);
     while (const DOMElement* const prop = walker.nextNode()) {
         const std::u16string attribute = attributeOf(*prop, u"att");
-        if (attrFilters_.contains(attribute)) {
-            continue;
-        }
         if (auto rule = createAttrValFilter(attribute, readAction(*prop))) {
-            attrFilters_.emplace(attribute, std::move(rule));
+            attrFilters_.try_emplace(attribute, std::move(rule));  // the first rule stands
         }
     }
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
+#include <system_error>
 
 #include "client/messages.h"
 #include "publish/reference_kind.h"
@@ -33,6 +35,22 @@ bool isInside(std::u16string_view path, std::u16string_view folder) {
     }
     return path.size() > folder.size() && path.starts_with(folder) &&
            (folder.ends_with(u'/') || path[folder.size()] == u'/');
+}
+
+/// Whether a link on the way from `folder` to `path`, which is inside it by its name, leads out of
+/// it. What the system can't tell counts as a way out.
+bool leadsOut(std::u16string_view path, std::u16string_view folder) {
+    const std::u16string_view parent = parentPath(path);
+    if (parent == folder) {
+        return false;
+    }
+    const auto target = [](std::u16string_view name) {
+        std::error_code error;
+        const std::filesystem::path found = std::filesystem::weakly_canonical(
+            nativePath(absolutePath(name.empty() ? u"." : name)), error);
+        return toUtf16(std::string_view(found.native()));
+    };
+    return !isInside(target(parent).append(u"/component"), target(folder));
 }
 
 /// The children of `node` on top of what is still to be visited, the first on top.
@@ -121,7 +139,7 @@ void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
     // A title may hold separators; what they make of the path has to be known before it is used.
     const std::u16string path =
         normalizePath(joinPath(state.request.outputDir, name.append(kComponentExtension)));
-    if (isInside(path, state.request.outputDir)) {
+    if (isInside(path, state.request.outputDir) && !leadsOut(path, state.request.outputDir)) {
         assembleComponent(node, {}, path, state);
     } else {
         ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(path));

@@ -125,6 +125,24 @@ TEST_F(OddTitleTest, AFolderInItsPlaceIsReported) {
     EXPECT_EQ(console, cannotCreate("$F/out/Folder.qs"));
 }
 
+TEST_F(OddTitleTest, ALinkDoesNotLeadOutOfTheFolder) {
+    namespace fs = std::filesystem;
+    folder.write("out2/kept.txt", "");
+    fs::create_directory_symlink("../out2", folder.path() / "out/away");
+    for (const char* name : {"away/x", "away/none/x"}) {
+        publish(name);
+        EXPECT_EQ(listed, "$F/out/a.qs $F/out/Last.qs ") << name;
+        EXPECT_EQ(console, cannotWrite("$F/out/" + std::string(name) + ".qs")) << name;
+    }
+    EXPECT_FALSE(folder.exists("out2/x.qs"));
+
+    fs::create_directory(folder.path() / "out/inner");
+    fs::create_directory_symlink("inner", folder.path() / "out/link");
+    publish("link/x");
+    EXPECT_EQ(listed, "$F/out/a.qs $F/out/link/x.qs $F/out/Last.qs ");
+    EXPECT_TRUE(folder.exists("out/inner/x.qs"));
+}
+
 TEST_F(OddTitleTest, WhatIsNotThereLeadsNowhere) {
     publish("../x");
     // The topic of the component that couldn't be created keeps its first place.

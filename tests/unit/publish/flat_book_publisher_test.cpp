@@ -217,6 +217,13 @@ TEST_F(FlatBookInCurrentFolderTest, ATitleDoesNotLeadOutOfIt) {
               "Speichern nicht möglich: ../x.qs\nSpeichern nicht möglich: ../x.qs\n"
               "Speichern nicht möglich: /abs/x.qs\n");
     EXPECT_EQ(tree(), kSources + "out out/y.qs root.ditamap ");
+
+    std::filesystem::create_directory("inner");
+    std::filesystem::create_directory_symlink("../..", folder.path() / "out/away");
+    folder.write("root.ditamap",
+                 map(topichead("navtitle='inner/x'") + topichead("navtitle='away/x'")));
+    EXPECT_EQ(components(publishFlatBook(params)), "$F/out/inner/x.qs ");
+    EXPECT_EQ(console, "Speichern nicht möglich: away/x.qs\n");
 }
 
 }  // namespace
