@@ -137,6 +137,8 @@ TEST(NormalizePathTest, GivesTheLexicalNormalForm) {
         {u"\\\\?\\..", u"//?/"},
         {u"\\\\.\\a/./b", u"//./a/b"},
         {u"\\??\\a\\..\\b", u"/\?\?/b"},
+        {u"\\??\\..\\b", u"/\?\?/b"},
+        {u"//s", u"//s"},
         {u"//?/../a", u"//?/a"},
         // Other text stays.
         {u"/\u00E4/\U0001F600", u"/\u00E4/\U0001F600"},
