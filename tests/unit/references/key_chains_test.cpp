@@ -242,6 +242,16 @@ TEST_F(KeyChainPassTest, ReferencesInWhatWasPulledAreFollowedInTheSamePass) {
     EXPECT_EQ(told(), Lines({keyNotFound("")}));
 }
 
+TEST_F(KeyChainPassTest, AReferenceInsideContentPulledFromElsewhereGetsItsContent) {
+    const DOMDocument& keySpace = resolved(
+        "<keydef keys='x' keyref='a'/>"
+        "<keydef keys='a'><topicmeta/><topicref keyref='y'/></keydef>"
+        "<keydef keys='y' href='/y'><topicmeta>Y</topicmeta></keydef>");
+    EXPECT_EQ(definition(keySpace, "x"),
+              R"(<keydef keys="x"><topicmeta/><topicref href="/y"><topicmeta>Y</topicmeta>)"
+              R"(</topicref></keydef>)");
+}
+
 TEST_F(KeyChainPassTest, AReferenceInsideItsOwnDefinitionGetsNoContent) {
     const DOMDocument& keySpace = resolved(
         "<keydef keys='a' href='/a'><topicmeta>A</topicmeta>"
