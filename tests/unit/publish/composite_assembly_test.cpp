@@ -323,6 +323,15 @@ TEST_F(CompositeAssemblyTest, AMapThatIsAReferenceToAPartIsEmpty) {
     EXPECT_EQ(console, "");
 }
 
+TEST_F(CompositeAssemblyTest, ANestedMapThatIsAReferenceToAPartIsPassedOver) {
+    folder.write("parts.ditamap", map(topicref("id='x' href='a.dita'")));
+    folder.write("empty.ditamap", map(topicref("href='b.dita'"), "href='parts.ditamap#x'"));
+    EXPECT_EQ(publish(map(mapref("href='empty.ditamap'") + mapref("href='root.ditamap'") +
+                          topicref("href='c.dita'"))),
+              taken(2, "c") + kEndOfDita);
+    EXPECT_EQ(console, "");
+}
+
 TEST_F(CompositeAssemblyTest, APartOfTheMapItselfIsTakenInItsPlace) {
     EXPECT_EQ(
         publish(map(topicref("id='x' href='a.dita'", topicref("href='b.dita'")) +

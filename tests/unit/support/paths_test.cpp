@@ -26,10 +26,11 @@ std::string show(std::u16string_view path) {
 
 TEST(IsAbsolutePathTest, BeginsWithASeparatorOrADriveAndASeparator) {
     for (const char16_t* path :
-         {u"/",        u"\\",      u"/a",       u"\\a",           u"//",
-          u"///",      u"///a",    u"//server", u"\\\\server\\a", u"/\\server/a",
-          u"C:/",      u"C:\\",    u"c:/a",     u"Z:\\a",         u"\\\\?\\C:\\a",
-          u"\\\\.\\a", u"\\??\\a", u"//?/a",    u"/..",           u"C:/.."}) {
+         {u"/",     u"\\",   u"/a",           u"\\a",           u"//",
+          u"///",   u"///a", u"//server",     u"\\\\server\\a", u"/\\server/a",
+          u"C:/",   u"C:\\", u"c:/a",         u"Z:\\a",         u"a:/",
+          u"z:/",   u"A:/",  u"\\\\?\\C:\\a", u"\\\\.\\a",      u"\\??\\a",
+          u"//?/a", u"/..",  u"C:/.."}) {
         EXPECT_TRUE(isAbsolutePath(path)) << show(path);
     }
 }
