@@ -37,20 +37,25 @@ bool isInside(std::u16string_view path, std::u16string_view folder) {
            (folder.ends_with(u'/') || path[folder.size()] == u'/');
 }
 
-/// Whether a link on the way from `folder` to `path`, which is inside it by its name, leads out of
-/// it. What the system can't tell counts as a way out.
+/// `path` with all links followed, as far as it is there; empty when the system can't tell.
+std::u16string realPath(std::u16string_view path) {
+    std::error_code error;
+    const std::filesystem::path found = std::filesystem::weakly_canonical(
+        nativePath(absolutePath(path.empty() ? u"." : path)), error);
+    return toUtf16(std::string_view(found.native()));
+}
+
+/// Whether links lead `path`, which is inside `folder` by its name, out of it. A link in its own
+/// place counts even if it leads to nothing: the writer would make a file there.
 bool leadsOut(std::u16string_view path, std::u16string_view folder) {
-    const std::u16string_view parent = parentPath(path);
-    if (parent == folder) {
-        return false;
+    std::error_code error;
+    const std::filesystem::path native = nativePath(path);
+    if (std::filesystem::is_symlink(native, error)) {
+        return !std::filesystem::exists(native, error) ||
+               !isInside(realPath(path), realPath(folder));
     }
-    const auto target = [](std::u16string_view name) {
-        std::error_code error;
-        const std::filesystem::path found = std::filesystem::weakly_canonical(
-            nativePath(absolutePath(name.empty() ? u"." : name)), error);
-        return toUtf16(std::string_view(found.native()));
-    };
-    return !isInside(target(parent).append(u"/component"), target(folder));
+    const std::u16string_view parent = parentPath(path);
+    return parent != folder && !isInside(realPath(parent).append(u"/component"), realPath(folder));
 }
 
 /// The children of `node` on top of what is still to be visited, the first on top.

@@ -136,6 +136,24 @@ TEST_F(OddTitleTest, ALinkDoesNotLeadOutOfTheFolder) {
     }
     EXPECT_FALSE(folder.exists("out2/x.qs"));
 
+    fs::create_symlink("../out2/kept.txt", folder.path() / "out/Elsewhere.qs");
+    fs::create_symlink("../out2/new.qs", folder.path() / "out/Nowhere.qs");
+    for (const char* name : {"Elsewhere", "Nowhere"}) {
+        publish(name);
+        EXPECT_EQ(listed, "$F/out/a.qs $F/out/Last.qs ") << name;
+        EXPECT_EQ(console, cannotWrite("$F/out/" + std::string(name) + ".qs")) << name;
+    }
+    EXPECT_EQ(folder.read("out2/kept.txt"), "");
+    EXPECT_FALSE(folder.exists("out2/new.qs"));
+    fs::remove(folder.path() / "out/Nowhere.qs");
+}
+
+TEST_F(OddTitleTest, ALinkInsideTheFolderIsFollowed) {
+    namespace fs = std::filesystem;
+    folder.write("out/Old.txt", "");
+    fs::create_symlink("Old.txt", folder.path() / "out/Old.qs");
+    publish("Old");
+    EXPECT_EQ(listed, "$F/out/a.qs $F/out/Old.qs $F/out/Last.qs ");
     fs::create_directory(folder.path() / "out/inner");
     fs::create_directory_symlink("inner", folder.path() / "out/link");
     publish("link/x");
