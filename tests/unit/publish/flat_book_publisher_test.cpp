@@ -139,6 +139,20 @@ TEST_F(FlatBookPublisherTest, BesideTheSourcesTheFolderIsForHeadsAlone) {
     EXPECT_EQ(tree(), "a.dita a.qs b.dita c.dita out out/Head.qs root.ditamap ");
 }
 
+TEST_F(FlatBookPublisherTest, WhatCannotBeReadBelowAComponentIsLeftOutAlone) {
+    folder.write("broken.dita", "<topic");
+    folder.write(
+        "root.ditamap",
+        map(topicref("href='a.dita'", topicref("href='broken.dita'", topicref("href='b.dita'"))) +
+            topicref("href='c.dita'")));
+    EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/a.qs $F/out/c.qs ");
+    EXPECT_EQ(console, "Lesen nicht möglich: $F/broken.dita\n");
+    EXPECT_EQ(written("out/a.qs"),
+              "<?Qs BoolCondExpr  State 1?><dita><topic id=\"id-1\"><title/></topic>"
+              "<topic id=\"id-2\"><title>a</title><topic id=\"id-3\"><title>b</title></topic>"
+              "</topic></dita>");
+}
+
 TEST_F(FlatBookPublisherTest, TheOutputOfACompositeIsNotRead) {
     boost::json::object params = flatBook();
     params["output"] = 7;

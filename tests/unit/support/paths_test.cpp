@@ -310,6 +310,8 @@ TEST(ParentPathTest, CutsTheLastElementAndKeepsTheRoot) {
         {u"//server/a", u"//server/"},
         {u"\\\\server\\a\\b", u"\\\\server\\a"},
         {u"\\\\?\\a", u"\\\\?\\"},
+        {u"\\??\\a", u"\\??\\"},
+        {u"\\??\\", u"\\??\\"},
     };
     for (const PathCase& path : cases) {
         EXPECT_EQ(parentPath(path.path), path.expected) << show(path.path);
