@@ -261,6 +261,14 @@ TEST_F(ConrefCopiesTest, AReferenceThatAKeyGivesEachTimeAnewIsCut) {
     EXPECT_EQ(console(), notFound("ph", "e", "x.dita"));
 }
 
+TEST_F(ConrefCopiesTest, AReferenceDeepInWhatAKeyGivesEachTimeAnewIsCut) {
+    write("x.dita", "<ph id='e'>x<b><ph keyref='k'/></b></ph>");
+    defineKeys("<keydef keys='k'><topicmeta><linktext><i><u><ph conref='" + folder.file("x.dita") +
+               "#t/e'>own</ph></u></i></linktext></topicmeta></keydef>");
+    resolved("<ph conref='x.dita#t/e'/>");
+    EXPECT_EQ(console(), notFound("ph", "e", "x.dita"));
+}
+
 // Each part may nest as deep as a file may; copying what they come to together is recursive.
 TEST_F(ConrefCopiesTest, CopiesThatNestDeeperAndDeeperDoNotEndTheProgram) {
     constexpr std::size_t kParts = 25;
