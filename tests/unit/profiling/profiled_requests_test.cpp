@@ -91,8 +91,8 @@ protected:
     }
     /// The status of a request, the first of the values that come back.
     std::int64_t publish(std::string_view ditaVal, std::string_view type = "PublishComp") {
-        const std::optional<TypedValues> answer = session_.send(request(type, ditaVal));
-        return answer ? toJson(*answer).at(0).at("value").as_int64() : 1;
+        answer = toJson(session_.send(request(type, ditaVal)).value_or(TypedValues{}));
+        return answer.empty() ? 1 : answer.at(0).at("value").as_int64();
     }
     /// The first output, from its root on.
     std::string output(std::string_view name = "out/book.dita") const {
@@ -103,6 +103,7 @@ protected:
 
     TemporaryFolder folder;
     std::string console;
+    boost::json::array answer;  ///< of the last request
     /// What the key space document held when it was last seen; it doesn't outlive its request.
     std::string keySpace;
     /// The lines, console and progress, in the order in which they came.
@@ -208,6 +209,9 @@ TEST_F(ProfiledRequestTest, ComponentsMayLoseTheirRoots) {
                   "<?Qs BoolCondExpr  State 1?>")
             << component;
     }
+    EXPECT_EQ(answer.at(4).at("value"),
+              (boost::json::array{folder.file("out/a.qs"), folder.file("out/b.qs"),
+                                  folder.file("out/a.qs")}));
 }
 
 TEST_F(ProfiledRequestTest, WhatReferencesBringIntoTheKeySpaceIsNotFilteredThere) {
