@@ -122,6 +122,7 @@ constexpr NativeCase kNativeCases[] = {
     {"a/%", "a/%"},
     {"a/%4", "a/%4"},
     {"a/b%20%2", "a/b %2"},
+    {"a/%30%31%39%40%4a%4F%5f%7E%6B%6c%6D%6e", "a/019@JO_~klmn"},
 };
 
 TEST(UrlFormToNativePathTest, UndoesSchemeAndEscapes) {
