@@ -313,10 +313,13 @@ TEST_F(DocumentWriterTest, CopiesWhatItCannotRename) {
 TEST_F(DocumentWriterTest, LeavesAFileThatItCanNeitherRenameNorCopy) {
     const SeparateVolumes volumes;
     const xercesc::DOMDocument& document = load("a.dita", "<a>old</a>");
+    fs::permissions(folder.path(), fs::perms::all);
+    fs::permissions(folder.path() / "a.dita", fs::perms::none);
     {
-        const NoFileHandles none;
+        const WithoutRights nobody;
         EXPECT_EQ(failureOf(document), renameFailure("a.dita"));
     }
+    fs::permissions(folder.path() / "a.dita", fs::perms::owner_all);
     EXPECT_EQ(folder.read("a.dita"), "<a>old</a>");
     EXPECT_EQ(names(), Texts{"a.dita"});
     EXPECT_EQ(host.console(), Texts{});
