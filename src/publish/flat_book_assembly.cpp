@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <filesystem>
-#include <system_error>
 
 #include "client/messages.h"
 #include "publish/reference_kind.h"
@@ -26,36 +24,6 @@ constexpr std::u16string_view kComponentExtension = u".qs";
 bool isShortEnough(std::u16string_view path) {
     constexpr std::size_t kTemporarySuffix = 4;
     return toUtf8(pathFileName(path)).size() + kTemporarySuffix <= NAME_MAX;
-}
-
-/// Both in normal form; an empty folder is the current one.
-bool isInside(std::u16string_view path, std::u16string_view folder) {
-    if (folder.empty()) {
-        return !isAbsolutePath(path) && !path.starts_with(u"../");
-    }
-    return path.size() > folder.size() && path.starts_with(folder) &&
-           (folder.ends_with(u'/') || path[folder.size()] == u'/');
-}
-
-/// `path` with all links followed, as far as it is there; empty when the system can't tell.
-std::u16string realPath(std::u16string_view path) {
-    std::error_code error;
-    const std::filesystem::path found = std::filesystem::weakly_canonical(
-        nativePath(absolutePath(path.empty() ? u"." : path)), error);
-    return toUtf16(std::string_view(found.native()));
-}
-
-/// Whether links lead `path`, which is inside `folder` by its name, out of it. A link in its own
-/// place counts even if it leads to nothing: the writer would make a file there.
-bool leadsOut(std::u16string_view path, std::u16string_view folder) {
-    std::error_code error;
-    const std::filesystem::path native = nativePath(path);
-    if (std::filesystem::is_symlink(native, error)) {
-        return !std::filesystem::exists(native, error) ||
-               !isInside(realPath(path), realPath(folder));
-    }
-    const std::u16string_view parent = parentPath(path);
-    return parent != folder && !isInside(realPath(parent).append(u"/component"), realPath(folder));
 }
 
 /// The children of `node` on top of what is still to be visited, the first on top.
@@ -144,7 +112,7 @@ void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
     // A title may hold separators; what they make of the path has to be known before it is used.
     const std::u16string path =
         normalizePath(joinPath(state.request.outputDir, name.append(kComponentExtension)));
-    if (isInside(path, state.request.outputDir) && !leadsOut(path, state.request.outputDir)) {
+    if (isBelow(path, state.request.outputDir) && !leadsOutOf(path, state.request.outputDir)) {
         assembleComponent(node, {}, path, state);
     } else {
         ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(path));

@@ -86,6 +86,14 @@ std::vector<std::u16string_view> normalNames(const std::vector<std::u16string_vi
     return kept;
 }
 
+/// `path` with all links followed, as far as it is there; empty when the system can't tell.
+std::u16string realPath(std::u16string_view path) {
+    std::error_code error;
+    const std::filesystem::path found = std::filesystem::weakly_canonical(
+        nativePath(absolutePath(path.empty() ? u"." : path)), error);
+    return toUtf16(std::string_view(found.native()));
+}
+
 }  // namespace
 
 bool isAbsolutePath(std::u16string_view path) {
@@ -156,6 +164,25 @@ std::u16string_view parentPath(std::u16string_view path) {
     }
     const bool hasRootDirectory = path.size() > rootLength && isPathSeparator(path[rootLength]);
     return path.substr(0, end == rootLength && hasRootDirectory ? end + 1 : end);
+}
+
+bool isBelow(std::u16string_view path, std::u16string_view folder) {
+    if (folder.empty()) {
+        return !isAbsolutePath(path) && !path.starts_with(u"../");
+    }
+    return path.size() > folder.size() && path.starts_with(folder) &&
+           (folder.ends_with(u'/') || path[folder.size()] == u'/');
+}
+
+bool leadsOutOf(std::u16string_view path, std::u16string_view folder) {
+    std::error_code error;
+    const std::filesystem::path native = nativePath(path);
+    if (std::filesystem::is_symlink(native, error)) {
+        return !std::filesystem::exists(native, error) ||
+               !isBelow(realPath(path), realPath(folder));
+    }
+    const std::u16string_view parent = parentPath(path);
+    return parent != folder && !isBelow(realPath(parent).append(u"/name"), realPath(folder));
 }
 
 std::u16string absolutePath(std::u16string_view path) {

@@ -43,6 +43,17 @@ std::u16string_view pathFileName(std::u16string_view path);
 /// `path` without its last element and the separators in front of it; a root stays.
 std::u16string_view parentPath(std::u16string_view path);
 
+/// Whether `path` stands below `folder` by its text. Both are in normal form; an empty folder is
+/// the current one.
+bool isBelow(std::u16string_view path, std::u16string_view folder);
+
+/// Whether links lead `path`, which is below `folder` by its text, out of it. A link in its own
+/// place counts even if it leads to nothing, for a file would be made where it leads.
+///
+/// @throws std::filesystem::filesystem_error "absolute" for relative paths without a current
+///         directory.
+bool leadsOutOf(std::u16string_view path, std::u16string_view folder);
+
 /// The normal form of `path` taken against the current directory. An empty path stays empty.
 ///
 /// @throws std::filesystem::filesystem_error "absolute" when there is no current directory.

@@ -436,6 +436,40 @@ TEST_F(PathExistsTest, WhatMayNotBeLookedAtIsAFailure) {
     }
 }
 
+TEST(IsBelowTest, ComparesWholeNames) {
+    EXPECT_TRUE(isBelow(u"/a/b", u"/a"));
+    EXPECT_TRUE(isBelow(u"/a/b/c", u"/a"));
+    EXPECT_TRUE(isBelow(u"/a/b", u"/a/"));
+    EXPECT_TRUE(isBelow(u"/a", u"/"));
+    EXPECT_TRUE(isBelow(u"a", u""));
+    EXPECT_TRUE(isBelow(u"..a", u""));
+    EXPECT_FALSE(isBelow(u"/a", u"/a"));
+    EXPECT_FALSE(isBelow(u"/a/", u"/a/"));
+    EXPECT_FALSE(isBelow(u"/ab", u"/a"));
+    EXPECT_FALSE(isBelow(u"/b", u"/a"));
+    EXPECT_FALSE(isBelow(u"../a", u""));
+    EXPECT_FALSE(isBelow(u"/a", u""));
+}
+
+using LeadsOutOfTest = PathExistsTest;
+
+TEST_F(LeadsOutOfTest, FollowsLinksOnTheWayAndInTheOwnPlace) {
+    folder.write("in/sub/file", "x");
+    folder.write("out/file", "x");
+    fs::create_directory_symlink("../out", folder.path() / "in/away");
+    fs::create_directory_symlink("sub", folder.path() / "in/stays");
+    fs::create_symlink("../out/file", folder.path() / "in/far");
+    fs::create_symlink("sub/file", folder.path() / "in/near");
+    fs::create_symlink("sub/none", folder.path() / "in/dangling");
+    for (const char* name : {"in/file", "in/sub/file", "in/none/file", "in/stays/new", "in/near"}) {
+        EXPECT_FALSE(leadsOutOf(folder.file16(name), folder.file16("in"))) << name;
+        EXPECT_FALSE(leadsOutOf(folder.file16(name), folder.file16("in/"))) << name;
+    }
+    for (const char* name : {"in/away/file", "in/away/none/new", "in/far", "in/dangling"}) {
+        EXPECT_TRUE(leadsOutOf(folder.file16(name), folder.file16("in"))) << name;
+    }
+}
+
 TEST_F(PathExistsTest, OnlyWhatIsNoFileIsIrregular) {
     folder.write("file", "x");
     fs::create_symlink("file", folder.path() / "link");
