@@ -109,7 +109,9 @@ StandInHostOptions makeHostOptions(const HostOptions& options, std::ostream& err
     host.openDocuments = openDocumentsOf(options);
     if (options.hasXmlUtilities) host.resolvePublicId = makePublicIdResolver(options.catalogs);
     host.onProgress = [&err](std::string_view line) { showProgress(err, line); };
-    host.onConsole = [&err](std::string_view line) { showReport(err, line); };
+    host.onConsole = [&err](std::optional<MessageId>, std::string_view line) {
+        showReport(err, line);
+    };
     return host;
 }
 

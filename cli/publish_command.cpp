@@ -9,15 +9,10 @@
 #include "cli/public_ids.h"
 #include "host/client_session.h"
 #include "marrowpress/messages.h"
+#include "marrowpress/publish_status.h"
 
 namespace marrowpress {
 namespace {
-
-enum PublishStatus : std::int32_t {
-    kPublished = 0,
-    kRunFailedStatus = -42,
-    kRefusedStatus = -43,
-};
 
 /// What a run came to.
 struct RunOutcome {
@@ -36,8 +31,8 @@ RunOutcome runRequest(const PublishOptions& options, const PublishPaths& paths, 
     StandInHostOptions host;
     host.resolvePublicId = makePublicIdResolver(options.catalogs);
     host.onProgress = [&err](std::string_view line) { showProgress(err, line); };
-    host.onConsole = [&](std::string_view line) {
-        outcome.hasUnwrittenDocument |= saysCannotWrite(line);
+    host.onConsole = [&](std::optional<MessageId> message, std::string_view line) {
+        outcome.hasUnwrittenDocument |= message == MessageId::kCannotWrite;
         showReport(err, line);
     };
     ClientSession session(std::move(host));
@@ -48,16 +43,21 @@ RunOutcome runRequest(const PublishOptions& options, const PublishPaths& paths, 
     return outcome;
 }
 
+std::string withStatus(PublishStatus status) {
+    return " (status " + std::to_string(status) + ")";
+}
+
 /// The sentence about a run that did not come to its end; empty when it did.
 std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
     if (!outcome.status) return "the client gave no answer";
     switch (*outcome.status) {
         case kPublished:
             return std::nullopt;
-        case kRunFailedStatus:
-            return "the run failed (status -42)";
-        case kRefusedStatus:
-            return "the request was refused, or an old output could not be removed (status -43)";
+        case kRunFailed:
+            return "the run failed" + withStatus(kRunFailed);
+        case kRequestRefused:
+            return "the request was refused, or an old output could not be removed" +
+                   withStatus(kRequestRefused);
         default:
             return "the run ended with the unknown status " + std::to_string(*outcome.status);
     }
@@ -111,11 +111,6 @@ std::string buildRequest(const PublishOptions& options, const PublishPaths& path
     params["usePrint"] = options.isForPrint;
     return boost::json::serialize(
         boost::json::object{{"type", type}, {"params", std::move(params)}});
-}
-
-bool saysCannotWrite(std::string_view consoleText) {
-    constexpr std::string_view kPattern = messageText(MessageId::kCannotWrite);
-    return consoleText.starts_with(kPattern.substr(0, kPattern.find("%s")));
 }
 
 std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer) {

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "cli/exit_code.h"
@@ -15,9 +14,6 @@ namespace marrowpress {
 
 /// The text of the publish request that `options` ask for. All texts must be UTF-8.
 std::string buildRequest(const PublishOptions& options, const PublishPaths& paths);
-
-/// Whether a console text says that a document could not be written.
-bool saysCannotWrite(std::string_view consoleText);
 
 /// The paths of a flat book's components in the client's answer, in its order, each once. Empty
 /// when the answer has no such list.

@@ -12,16 +12,12 @@
 #include "cli/public_ids.h"
 #include "cli/written_composite.h"
 #include "host/utf8.h"
+#include "marrowpress/output_names.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The file of this name in the output's folder belongs to the run, which removes it.
-constexpr const char* kKeySpaceName = "KeyspaceDoc.ditamap";
-/// A document that is saved is first moved aside under its name with this behind it.
-constexpr const char* kAsideSuffix = "_tmp";
 
 /// A file that the run reads, with the argument that names it.
 struct Source {
@@ -55,7 +51,7 @@ bool isFlatBook(const PublishOptions& options) {
 
 /// Where the key space document stands while the run lasts.
 fs::path keySpacePath(const PublishOptions& options, const fs::path& output) {
-    return (isFlatBook(options) ? output : output.parent_path()) / kKeySpaceName;
+    return (isFlatBook(options) ? output : output.parent_path()) / kKeySpaceDocName;
 }
 
 std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths& paths) {
@@ -107,7 +103,8 @@ std::optional<std::string> findOutputFault(const PublishOptions& options, const 
     if (!fs::is_directory(output.parent_path(), error)) {
         return name + ": there is no folder " + output.parent_path().string();
     }
-    for (const fs::path& reserved : {fs::path(kKeySpaceName), besideWithSuffix(kKeySpaceName)}) {
+    for (const fs::path& reserved :
+         {fs::path(kKeySpaceDocName), besideWithSuffix(kKeySpaceDocName)}) {
         if (output.filename() != reserved) continue;
         return name + ": the run itself uses the name " + reserved.string() +
                " in the output's folder, and removes it";
@@ -123,7 +120,8 @@ std::optional<std::string> findPlaceFault(const PublishOptions& options, const f
         std::error_code error;
         static_cast<void>(fs::symlink_status(besideWithSuffix(output), error));
         if (error == std::errc::filename_too_long) {
-            return name + ": the name is too long; " + kAsideSuffix + " must fit behind it";
+            return name + ": the name is too long; " + std::string(kAsideSuffix) +
+                   " must fit behind it";
         }
         if (isDanglingLink(output)) return name + " is a symbolic link to nothing";
     }
@@ -157,7 +155,9 @@ std::optional<std::string> findLossFault(const PublishOptions& options, const Pu
     }
     for (const Source& source : sourcesOf(options, paths)) {
         const std::string name = source.path.filename().string();
-        if (isFlatBook(options) && (name.ends_with(".qs") || name.ends_with(".qs_tmp"))) {
+        if (isFlatBook(options) &&
+            (name.ends_with(kComponentExtension) ||
+             name.ends_with(besideWithSuffix(kComponentExtension).string()))) {
             return source.argument + ": " + source.path.string() +
                    " has the name of a component, which the run may write over it; rename it";
         }

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "marrowpress/output_names.h"
+
 namespace marrowpress {
 namespace {
 
@@ -35,7 +37,10 @@ bool takeThrough(std::string_view& rest, std::string_view end) {
 }
 
 bool takeDoctype(std::string_view& rest) {
-    if (!take(rest, R"(<!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN")")) return false;
+    if (!take(rest, "<!DOCTYPE ") || !take(rest, kCompositeRootName) || !take(rest, " PUBLIC \"") ||
+        !take(rest, kCompositePublicId) || !take(rest, "\"")) {
+        return false;
+    }
     if (take(rest, " \"") && !takeThrough(rest, "\"")) return false;
     return take(rest, ">");
 }

@@ -1,11 +1,12 @@
 #include "host/stand_in_host.h"
 
-#include "host/host_interfaces.h"
+#include "host/stand_in_interfaces.h"
+#include "marrowpress/interface_ref.h"
 
 namespace marrowpress {
 
 StandInHost::StandInHost(StandInHostOptions options)
-    : interfaces_(std::make_shared<HostInterfaces>(std::move(options))) {}
+    : interfaces_(std::make_shared<StandInInterfaces>(std::move(options))) {}
 
 StandInHost::~StandInHost() {
     detach();

@@ -1,36 +1,16 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
-#include "host/open_documents.h"
+#include "host/stand_in_host_options.h"
 #include "host/typed_record.h"
 #include "marrowpress/client_entry.h"
 
 namespace marrowpress {
 
-class HostInterfaces;
-class Trace;
-
-/// What a stand-in host has to offer. Every member may be left as it is.
-struct StandInHostOptions {
-    using PublicIdResolver = std::function<std::optional<std::string>(std::string_view)>;
-    using LineSink = std::function<void(std::string_view)>;
-
-    /// The session's open documents, in order.
-    std::vector<OpenDocument> openDocuments;
-    /// Answers for the client "XmlUtilities", which does not exist without it.
-    PublicIdResolver resolvePublicId;
-    /// Takes the text of each progress line, and each console text as it came, line end included.
-    LineSink onProgress;
-    LineSink onConsole;
-    /// Gets every host operation; must outlive the host.
-    Trace* trace = nullptr;
-};
+class StandInInterfaces;
 
 /// Stands in for the application: offers its interfaces to one client and calls it as the
 /// application would.
@@ -77,7 +57,7 @@ public:
     void detach();
 
 private:
-    std::shared_ptr<HostInterfaces> interfaces_;
+    std::shared_ptr<StandInInterfaces> interfaces_;
     bool isStarted_ = false;
 };
 

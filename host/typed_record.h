@@ -44,18 +44,4 @@ std::optional<std::int32_t> statusOf(const TypedValues& values);
 /// `[{"type":1,"value":0},...]`; bytes that are no UTF-8 become U+FFFD.
 boost::json::array toJson(const TypedValues& values);
 
-/// Releases the blocks of a list at the end of a scope.
-class TypedValuesOwner {
-public:
-    explicit TypedValuesOwner(HostTypedValueList list) noexcept : list_(list) {}
-    TypedValuesOwner(const TypedValuesOwner&) = delete;
-    TypedValuesOwner& operator=(const TypedValuesOwner&) = delete;
-    ~TypedValuesOwner() { releaseTypedValues(list_); }
-
-    const HostTypedValueList& get() const noexcept { return list_; }
-
-private:
-    HostTypedValueList list_;
-};
-
 }  // namespace marrowpress

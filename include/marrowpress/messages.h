@@ -4,9 +4,9 @@
 
 /// The lines that a run shows to people, by id.
 ///
-/// A text is a printf pattern for UTF-8 arguments. Progress lines tell the
-/// state of a run; report lines stay on the console and never change the
-/// status of a run.
+/// In a text each "%s" is the place of an argument, in UTF-8. Progress lines
+/// tell the state of a run; report lines stay on the console and never change
+/// the status of a run.
 namespace marrowpress {
 
 enum class MessageId : unsigned {

@@ -79,4 +79,33 @@ inline void releaseTypedValues(HostTypedValueList& list) noexcept {
     list = {0, nullptr};
 }
 
+/// Owner of a typed value list that came from the host or is on its way there.
+class HostTypedValues {
+public:
+    HostTypedValues() = default;
+    explicit HostTypedValues(HostTypedValueList list) noexcept : list_(list) {}
+    HostTypedValues(HostTypedValues&& other) noexcept : list_(other.release()) {}
+    HostTypedValues& operator=(HostTypedValues&& other) noexcept {
+        if (this != &other) {
+            releaseTypedValues(list_);
+            list_ = other.release();
+        }
+        return *this;
+    }
+    ~HostTypedValues() { releaseTypedValues(list_); }
+
+    const HostTypedValueList& list() const noexcept { return list_; }
+    HostTypedValueList& list() noexcept { return list_; }
+
+    /// Gives the blocks away.
+    HostTypedValueList release() noexcept {
+        const HostTypedValueList given = list_;
+        list_ = {0, nullptr};
+        return given;
+    }
+
+private:
+    HostTypedValueList list_{0, nullptr};
+};
+
 }  // namespace marrowpress

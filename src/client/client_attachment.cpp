@@ -1,10 +1,14 @@
 #include "client/client_attachment.h"
 
-#include "client/client_library.h"
+#include "application/connection.h"
+#include "application/text_layer.h"
 #include "client/notifications.h"
 #include "client/version_resource.h"
 
 namespace marrowpress {
+
+bool HostFinishMessageLoop = false;
+
 namespace {
 
 constexpr std::int32_t kAttached = 0;
@@ -26,7 +30,7 @@ std::int32_t attachClient(void* module, IHostObject* provider, IHostObject* keep
 
     // Held until the end of this function: a host that takes no reference of its own is not
     // attached, and lets the object go with everything that it holds.
-    const HostRef<QuillstoneNotificationsC> client(
+    const InterfaceRef<QuillstoneNotificationsC> client(
         QuillstoneNotificationsC::create(std::move(interfaces), callbacks));
     const ClientRegistration own = registrationFromVersionResource();
     if (!registration && module) {
@@ -40,7 +44,7 @@ std::int32_t attachClient(void* module, IHostObject* provider, IHostObject* keep
     }
     initializeTextLayer();
     HostFinishMessageLoop = false;
-    client->keptAlive = HostRef<IHostObject>::share(keepAlive);
+    client->keptAlive = InterfaceRef<IHostObject>::share(keepAlive);
     return kAttached;
 }
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "client/client_library.h"
+#include "application/connection.h"
 
 namespace marrowpress {
 

@@ -4,8 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "client/client_library.h"
-#include "client/host_operations.h"
+#include "application/host_operations.h"
+#include "application/text_layer.h"
+#include "client/client_attachment.h"
 #include "client/xml_session.h"
 #include "publish/composite_publisher.h"
 #include "publish/flat_book_publisher.h"

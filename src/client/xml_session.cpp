@@ -4,10 +4,10 @@
 #include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
-#include "client/messages.h"
+#include "application/messengers.h"
 #include "profiling/condition_merge.h"
-#include "references/direct_references.h"
-#include "references/node_filters.h"
+#include "references/exclusion_filter.h"
+#include "references/topic_ids.h"
 #include "support/request_singleton.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"

@@ -3,13 +3,16 @@
 #include <queue>
 #include <vector>
 
+#include "dom/attributes.h"
+#include "dom/element_walker.h"
 #include "keys/pulled_fragments.h"
+#include "marrowpress/output_names.h"
 #include "profiling/ditaval_filters.h"
 #include "references/conref_resolution.h"
-#include "references/element_walker.h"
+#include "references/document_kind.h"
 #include "references/keyref_resolution.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
+#include "references/reference_paths.h"
+#include "support/hrefs.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -20,23 +23,23 @@ namespace marrowpress {
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
-DOMDocument& KeySpaceLoader::load(const std::u16string& mapPath,
-                                  const std::u16string& keySpaceDocPath, TopicIdMap& topicIds,
-                                  const std::u16string& dtdPath) {
+KeySpace KeySpaceLoader::load(const std::u16string& mapPath, const std::u16string& keySpaceDocPath,
+                              TopicIdMap& topicIds, const std::u16string& dtdPath) {
     // A failure is reported; the document can't be loaded then.
     static_cast<void>(
-        writeEmptyDocument("map", "-//OASIS//DTD DITA Map//EN", toUtf8(dtdPath), keySpaceDocPath));
-    DOMDocument& keySpace = DocumentStore::instance().mustLoad(keySpaceDocPath);
+        writeEmptyDocument(kKeySpaceRootName, kKeySpacePublicId, toUtf8(dtdPath), keySpaceDocPath));
+    KeySpace keySpace(DocumentStore::instance().mustLoad(keySpaceDocPath));
     mapRefFilter_.setContext(&keySpace);
     gatherKeys(DocumentStore::instance().mustLoad(mapPath), keySpace, topicIds);
-    removeExcludedElements(keySpace);
-    DOMElement* const root = keySpace.getDocumentElement();
+    removeExcludedElements(keySpace.document());
+    DOMElement* const root = keySpace.document().getDocumentElement();
     KeyrefProcessor().resolveAllKeyrefs(root, keySpace);
     ConrefProcessor().resolveConrefs(root, keySpace, topicIds);
+    mapRefFilter_.setContext(nullptr);
     return keySpace;
 }
 
-void KeySpaceLoader::gatherKeys(DOMDocument& map, DOMDocument& keySpace, TopicIdMap& topicIds) {
+void KeySpaceLoader::gatherKeys(DOMDocument& map, KeySpace& keySpace, TopicIdMap& topicIds) {
     std::queue<DOMDocument*> maps({&map});
     visitedDocuments_.emplace(domText(map.getDocumentURI()));
     for (; !maps.empty(); maps.pop()) {
@@ -57,7 +60,8 @@ std::vector<DOMDocument*> KeySpaceLoader::followMapReferences(DOMDocument& map) 
     while (DOMElement* const reference = walker.nextNode()) {
         const std::u16string href = attributeOf(*reference, u"href");
         const HrefParts parts = splitHref(href);
-        DOMDocument& target = DocumentStore::instance().mustLoad(toAbsolutePath(parts.path, map));
+        DOMDocument& target =
+            DocumentStore::instance().mustLoad(toAbsolutePath(parts.path, map), reference);
         if (!parts.topicId.empty()) {
             fragments.pull(*reference, target, parts.topicId);
             replaced.push_back(reference);
@@ -70,8 +74,7 @@ std::vector<DOMDocument*> KeySpaceLoader::followMapReferences(DOMDocument& map) 
     return referred;
 }
 
-void KeySpaceLoader::collectKeys(DOMDocument& map, DOMDocument& keySpace,
-                                 TopicIdMap& topicIds) const {
+void KeySpaceLoader::collectKeys(DOMDocument& map, KeySpace& keySpace, TopicIdMap& topicIds) const {
     ElementWalker walker(map.getDocumentElement(), definitionFilter_);
     while (const DOMElement* const element = walker.nextNode()) {
         const std::u16string keys = attributeOf(*element, u"keys");
@@ -83,17 +86,14 @@ void KeySpaceLoader::collectKeys(DOMDocument& map, DOMDocument& keySpace,
 
 /// Adds a definition of its own for `keyName`, unless there is one.
 void KeySpaceLoader::addDefinition(const DOMElement& element, std::u16string_view keyName,
-                                   const DOMDocument& map, DOMDocument& keySpace,
+                                   const DOMDocument& map, KeySpace& keySpace,
                                    TopicIdMap& topicIds) const {
-    const std::u16string name(keyName);
-    if (keySpace.getElementById(name.c_str())) {
+    if (keySpace.defines(keyName)) {
         return;
     }
-    auto* const copy = static_cast<DOMElement*>(keySpace.importNode(&element, true));
+    auto* const copy = static_cast<DOMElement*>(keySpace.document().importNode(&element, true));
     normalizer_.normalizeSubtree(copy, map, topicIds);
-    copy->setAttribute(u"keys", name.c_str());
-    copy->setIdAttribute(u"keys", true);
-    keySpace.getDocumentElement()->appendChild(copy);
+    keySpace.add(keyName, *copy);
 }
 
 }  // namespace marrowpress

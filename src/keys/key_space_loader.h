@@ -7,7 +7,10 @@
 #include <xercesc/dom/DOMElement.hpp>
 
 #include "references/direct_references.h"
+#include "references/ditamap_ref_node_filter.h"
+#include "references/key_space.h"
 #include "references/node_filters.h"
+#include "references/topic_ids.h"
 
 namespace marrowpress {
 
@@ -30,17 +33,15 @@ public:
     ///
     /// @throws PublishException when the document, the root map or a map that is referred to can't
     ///         be loaded.
-    xercesc::DOMDocument& load(const std::u16string& mapPath, const std::u16string& keySpaceDocPath,
-                               TopicIdMap& topicIds, const std::u16string& dtdPath);
+    KeySpace load(const std::u16string& mapPath, const std::u16string& keySpaceDocPath,
+                  TopicIdMap& topicIds, const std::u16string& dtdPath);
 
 private:
-    void gatherKeys(xercesc::DOMDocument& map, xercesc::DOMDocument& keySpace,
-                    TopicIdMap& topicIds);
+    void gatherKeys(xercesc::DOMDocument& map, KeySpace& keySpace, TopicIdMap& topicIds);
     std::vector<xercesc::DOMDocument*> followMapReferences(xercesc::DOMDocument& map);
-    void collectKeys(xercesc::DOMDocument& map, xercesc::DOMDocument& keySpace,
-                     TopicIdMap& topicIds) const;
+    void collectKeys(xercesc::DOMDocument& map, KeySpace& keySpace, TopicIdMap& topicIds) const;
     void addDefinition(const xercesc::DOMElement& element, std::u16string_view keyName,
-                       const xercesc::DOMDocument& map, xercesc::DOMDocument& keySpace,
+                       const xercesc::DOMDocument& map, KeySpace& keySpace,
                        TopicIdMap& topicIds) const;
 
     KeyDefinitionNodeFilter definitionFilter_;

@@ -1,25 +1,13 @@
 #include "keys/pulled_fragments.h"
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
+#include "dom/nodes.h"
 #include "references/node_filters.h"
 
 namespace marrowpress {
 
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-
-namespace {
-
-/// Whether `node` is `element` or stands in it.
-bool isAround(const DOMElement& element, const DOMNode& node) {
-    const DOMNode* around = &node;
-    while (around && around != &element) {
-        around = around->getParentNode();
-    }
-    return around;
-}
-
-}  // namespace
 
 /// Whether `fragment` is among what was pulled, one on account of the other, up to `cause`.
 bool PulledFragments::hasLedTo(const Copy* cause, const Fragment& fragment) {
@@ -36,9 +24,9 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     const DOMElement* const element = ElementWalker(target.getDocumentElement(), withId).nextNode();
     // A document has room for one element only.
     DOMNode* const parent = reference.getParentNode();
-    const bool hasRoom = parent && parent->getNodeType() == DOMNode::ELEMENT_NODE;
+    const bool hasRoom = asElement(parent);
     const Copy* const cause = innermostCopy(reference);
-    if (!element || !hasRoom || isAround(*element, reference) || hasLedTo(cause, fragment)) {
+    if (!element || !hasRoom || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
         return;
     }
     DOMNode* const copy = reference.getOwnerDocument()->importNode(element, true);

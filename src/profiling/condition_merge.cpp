@@ -5,7 +5,8 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMProcessingInstruction.hpp>
 
-#include "references/element_walker.h"
+#include "dom/element_node_filter.h"
+#include "dom/element_walker.h"
 #include "support/request_singleton.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
@@ -16,7 +17,6 @@ namespace {
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-using xercesc::DOMNodeFilter;
 
 constexpr std::u16string_view kReplacementPrefix = u"QS_REPLACE_CONDITION_";
 constexpr std::size_t kConditionTokens = 6;
@@ -26,7 +26,8 @@ std::u16string quoted(std::u16string_view name) {
 }
 
 bool isMarker(const DOMNode& node) {
-    return CondStartEndTagFilter().acceptNode(&node) == DOMNodeFilter::FILTER_ACCEPT;
+    static const CondStartEndTagFilter markers;
+    return selects(markers, &node);
 }
 
 /// The condition that a start or end tag is about.

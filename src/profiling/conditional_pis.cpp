@@ -4,7 +4,7 @@
 #include <array>
 #include <xercesc/dom/DOMProcessingInstruction.hpp>
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 

@@ -1,7 +1,7 @@
 #include "profiling/ditaval.h"
 
-#include "references/element_walker.h"
-#include "support/dom_attributes.h"
+#include "dom/attributes.h"
+#include "dom/element_walker.h"
 
 namespace marrowpress {
 namespace {

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
-#include "references/element_walker.h"
-#include "support/dom_attributes.h"
+#include "dom/attributes.h"
+#include "dom/element_walker.h"
+#include "references/exclusion_filter.h"
+#include "references/node_filters.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {

@@ -9,7 +9,7 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
-#include "references/node_filters.h"
+#include "dom/element_node_filter.h"
 #include "support/text.h"
 
 /// The filters that read a DITAVAL document, those that apply its rules, and

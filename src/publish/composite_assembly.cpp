@@ -1,10 +1,12 @@
 #include "publish/composite_assembly.h"
 
-#include "client/messages.h"
-#include "profiling/condition_merge.h"
+#include "application/messengers.h"
+#include "dom/nodes.h"
+#include "marrowpress/output_names.h"
 #include "profiling/ditaval_filters.h"
 #include "publish/topicref_walk.h"
-#include "references/reference_resolution.h"
+#include "references/document_kind.h"
+#include "references/exclusion_filter.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -16,36 +18,24 @@ namespace {
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-using xercesc::DOMNodeFilter;
 
-bool isExcluded(const DOMNode& node) {
+bool isExcludedElement(const DOMNode& node) {
     const DOMElement* const element = asElement(&node);
-    return element && ExclusionFilterHolder::instance().excludes(*element);
+    return element && isExcluded(*element);
 }
 
-/// Appends copies of all children of `source`.
-void appendChildren(DOMElement& target, const DOMNode& source) {
-    DOMDocument& document = *target.getOwnerDocument();
-    for (const DOMNode* child = source.getFirstChild(); child; child = child->getNextSibling()) {
-        target.appendChild(document.importNode(child, true));
-    }
-}
-
-/// Appends copies of the children of `source`, except for elements that profiling excludes.
-void appendIncludedChildren(DOMElement& target, const DOMNode& source) {
-    DOMDocument& document = *target.getOwnerDocument();
-    for (const DOMNode* child = source.getFirstChild(); child; child = child->getNextSibling()) {
-        if (!isExcluded(*child)) {
-            target.appendChild(document.importNode(child, true));
-        }
-    }
+/// The children of `parent`, except for elements that profiling excludes.
+std::vector<DOMNode*> includedChildrenOf(const DOMNode& parent) {
+    std::vector<DOMNode*> children = childrenOf(parent);
+    std::erase_if(children, [](const DOMNode* child) { return isExcludedElement(*child); });
+    return children;
 }
 
 /// Appends the parts of a booktitle: each element becomes a phrase with what the element holds,
 /// an empty one where profiling excludes it. Text between the parts is dropped.
 void appendBookTitle(DOMElement& title, const DOMElement& bookTitle) {
     DOMDocument& document = *title.getOwnerDocument();
-    for (const DOMNode* part = bookTitle.getFirstChild(); part; part = part->getNextSibling()) {
+    for (const DOMNode* const part : childrenOf(bookTitle)) {
         if (part->getNodeType() == DOMNode::TEXT_NODE) {
             continue;
         }
@@ -55,37 +45,27 @@ void appendBookTitle(DOMElement& title, const DOMElement& bookTitle) {
         }
         DOMElement* const phrase = document.createElement(u"ph");
         title.appendChild(phrase);
-        if (!isExcluded(*part)) {
-            appendIncludedChildren(*phrase, *part);
+        if (!isExcludedElement(*part)) {
+            appendCopies(*phrase, includedChildrenOf(*part));
         }
     }
 }
 
 }  // namespace
 
-DOMNodeFilter::FilterAction CompositeDocNodeFilter::acceptElement(const DOMElement& element) const {
-    const AttrBasedElementNodeFilter resourceOnly(u"processing-role", u"resource-only");
-    const AttrBasedElementNodeFilter notForPrint(u"print", u"no");
-    const bool isLeftOut = resourceOnly.acceptNode(&element) == FILTER_ACCEPT ||
-                           (usePrint_ && notForPrint.acceptNode(&element) == FILTER_ACCEPT) ||
-                           ReltableNodeFilter().acceptNode(&element) == FILTER_ACCEPT ||
-                           ExclusionFilterHolder::instance().excludes(element);
-    return isLeftOut ? FILTER_REJECT : TopicrefNodeFilter().acceptNode(&element);
-}
-
-DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, DOMDocument& keyDoc,
+DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, KeySpace& keySpace,
                                                       CompositeDocRequest& request) {
     filter_.setUsePrint(request.usePrint);
-    const bool isUsable = createBody(start, keyDoc, request);
+    const bool isUsable = createBody(start, keySpace, request);
     DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
     if (!document || !isUsable) {
         return nullptr;
     }
-    ProgressMessenger::instance().reportProgress(MessageId::kProcessingReferences);
+    ProgressMessenger::instance().reportProcessingReferences();
     DOMElement* const root = document->getDocumentElement();
-    keyrefs_.resolveAllKeyrefs(root, keyDoc);
+    keyrefs_.resolveAllKeyrefs(root, keySpace);
     updater_.rewriteReferences(root, request.idMap);
-    conrefs_.resolveConrefs(root, keyDoc, request.idMap);
+    conrefs_.resolveConrefs(root, keySpace, request.idMap);
     writeConditionPIs(request.conditions, root);
     request.conditions.clear();
     removeExcludedElements(*document);
@@ -93,12 +73,12 @@ DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, DOMDocu
 }
 
 /// Gives false when the file is an old one that can't be replaced: what it holds is of another run.
-bool CompositeDocAssembler::createBody(DOMElement* start, DOMDocument& keyDoc,
+bool CompositeDocAssembler::createBody(DOMElement* start, KeySpace& keySpace,
                                        CompositeDocRequest& request) {
     const bool isOfThisRun = DocumentStore::instance().holds(request.outputPath);
     const WriteStatus created =
-        writeEmptyDocument("dita", "-//OASIS//DTD DITA Composite//EN",
-                           toUtf8(request.doctypeSystemId), request.outputPath);
+        writeEmptyDocument(kCompositeRootName, kCompositePublicId, toUtf8(request.doctypeSystemId),
+                           request.outputPath);
     DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
     if (!root) {
@@ -109,7 +89,7 @@ bool CompositeDocAssembler::createBody(DOMElement* start, DOMDocument& keyDoc,
     } else if (created == WriteStatus::kFailed && !isOfThisRun) {
         return false;
     }
-    TopicrefWalk(*this, keyDoc, request).run(*root, start);
+    TopicrefWalk(filter_, keySpace, request.idMap, request.conditions).run(*root, start);
     return true;
 }
 
@@ -128,12 +108,12 @@ void CompositeDocAssembler::addDocumentShell(DOMElement& root,
 void CompositeDocAssembler::copyMapTitle(DOMElement& title, const DOMDocument& map) const {
     const DOMElement& root = *map.getDocumentElement();
     const DOMElement* const first = root.getFirstElementChild();
-    if (titleFilter_.acceptNode(first) != DOMNodeFilter::FILTER_ACCEPT) {
+    if (!selects(titleFilter_, first)) {
         title.setTextContent(root.getAttribute(u"title"));
-    } else if (bookTitleFilter_.acceptNode(first) == DOMNodeFilter::FILTER_ACCEPT) {
+    } else if (selects(bookTitleFilter_, first)) {
         appendBookTitle(title, *first);
     } else {
-        appendChildren(title, *first);
+        appendCopies(title, childrenOf(*first));
     }
 }
 

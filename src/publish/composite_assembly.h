@@ -5,27 +5,13 @@
 #include <xercesc/dom/DOMElement.hpp>
 
 #include "profiling/condition_merge.h"
+#include "publish/composite_doc_node_filter.h"
 #include "references/conref_resolution.h"
 #include "references/direct_references.h"
 #include "references/keyref_resolution.h"
 #include "references/node_filters.h"
 
 namespace marrowpress {
-
-/// Selects the references of a map that go into the output. Rejects, with all
-/// below them: what is only a resource, relationship tables, what profiling
-/// excludes, and, when the output is for print, what isn't.
-class CompositeDocNodeFilter final : public ElementNodeFilter {
-public:
-    /// Whether the value "no" of "print" counts.
-    void setUsePrint(bool usePrint) noexcept { usePrint_ = usePrint; }
-
-protected:
-    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
-
-private:
-    bool usePrint_ = false;
-};
 
 /// One composite document to build.
 struct CompositeDocRequest {
@@ -54,15 +40,11 @@ public:
     /// The result belongs to the `DocumentStore`; null when the file could not be created.
     ///
     /// A document that can't be read is message 106 and left out.
-    xercesc::DOMDocument* assembleComposite(xercesc::DOMElement* start,
-                                            xercesc::DOMDocument& keyDoc,
+    xercesc::DOMDocument* assembleComposite(xercesc::DOMElement* start, KeySpace& keySpace,
                                             CompositeDocRequest& request);
 
 private:
-    friend class TopicrefWalk;
-
-    bool createBody(xercesc::DOMElement* start, xercesc::DOMDocument& keyDoc,
-                    CompositeDocRequest& request);
+    bool createBody(xercesc::DOMElement* start, KeySpace& keySpace, CompositeDocRequest& request);
     void addDocumentShell(xercesc::DOMElement& root, const std::u16string& sourcePath) const;
     void copyMapTitle(xercesc::DOMElement& title, const xercesc::DOMDocument& map) const;
 
@@ -71,7 +53,6 @@ private:
     ReferenceUpdater updater_;
     KeyrefProcessor keyrefs_;
     ConrefProcessor conrefs_;
-    DitabaseNodeFilter ditabaseFilter_;
     TitleNodeFilter titleFilter_;
     BookTitleNodeFilter bookTitleFilter_;
 };

@@ -1,7 +1,9 @@
 #include "publish/composite_publisher.h"
 
+#include "marrowpress/output_names.h"
 #include "publish/composite_assembly.h"
 #include "support/paths.h"
+#include "support/text.h"
 #include "xml/document_store.h"
 #include "xml/document_writer.h"
 
@@ -15,7 +17,7 @@ std::u16string outputPath(const PublishParams& params) {
 }  // namespace
 
 std::unique_ptr<PublishResult> CompositeDocPublisher::assemble(const std::u16string& mapPath,
-                                                               xercesc::DOMDocument& keyDoc,
+                                                               KeySpace& keySpace,
                                                                TopicIdMap& /*topicIds*/,
                                                                const PublishParams& params) {
     xercesc::DOMDocument& map = DocumentStore::instance().mustLoad(mapPath);
@@ -25,7 +27,7 @@ std::unique_ptr<PublishResult> CompositeDocPublisher::assemble(const std::u16str
     request.doctypeSystemId = params.getCompositeDocDtd();
     request.usePrint = params.getUsePrint();
     return std::make_unique<CompositeDocPublishResult>(
-        CompositeDocAssembler().assembleComposite(map.getDocumentElement(), keyDoc, request));
+        CompositeDocAssembler().assembleComposite(map.getDocumentElement(), keySpace, request));
 }
 
 void CompositeDocPublisher::removeStaleOutput(const PublishParams& params) {
@@ -39,12 +41,8 @@ void CompositeDocPublisher::writeOutput(const PublishParams& /*params*/,
         saveDocumentInPlace(dynamic_cast<const CompositeDocPublishResult&>(result).document));
 }
 
-std::u16string CompositeDocPublisher::getMapPath(const PublishParams& params) {
-    return absolutePath(params.getDitamap());
-}
-
 std::u16string CompositeDocPublisher::getKeySpaceDocPath(const PublishParams& params) {
-    return joinPath(parentPath(outputPath(params)), kKeySpaceDocName);
+    return joinPath(parentPath(outputPath(params)), toUtf16(kKeySpaceDocName));
 }
 
 }  // namespace marrowpress

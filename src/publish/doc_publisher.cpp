@@ -3,13 +3,13 @@
 #include <filesystem>
 #include <system_error>
 
-#include "client/messages.h"
+#include "application/messengers.h"
 #include "keys/key_space_loader.h"
 #include "profiling/ditaval.h"
 #include "references/conref_resolution.h"
-#include "references/direct_references.h"
+#include "references/exclusion_filter.h"
 #include "references/keyref_resolution.h"
-#include "references/node_filters.h"
+#include "references/topic_ids.h"
 #include "support/paths.h"
 #include "support/scope_exit.h"
 #include "xml/document_store.h"
@@ -42,18 +42,19 @@ void setUpProfiling(const PublishParams& params) {
 }  // namespace
 
 std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishParams> params) {
-    const ScopeExit janitor([&] { cleanUp(*params); });
+    IDocPublisherJanitor& janitor = *this;
+    const ScopeExit cleanUpAtEnd([&] { janitor.cleanUp(*params); });
     prepare(*params);
     setUpProfiling(*params);
 
     TopicIdMap topicIds;
-    ProgressMessenger::instance().reportProgress(MessageId::kProcessingKeySpaces);
-    xercesc::DOMDocument& keyDoc = buildKeySpaceDoc(*params, topicIds);
-    ProgressMessenger::instance().reportProgress(MessageId::kUpdatingReferences);
+    ProgressMessenger::instance().reportProcessingKeySpaces();
+    KeySpace keySpace = buildKeySpaceDoc(*params, topicIds);
+    ProgressMessenger::instance().reportUpdatingReferences();
     const std::u16string mapPath = getMapPath(*params);
-    resolveMapReferences(mapPath, keyDoc, topicIds);
+    resolveMapReferences(mapPath, keySpace, topicIds);
 
-    std::unique_ptr<PublishResult> result = assemble(mapPath, keyDoc, topicIds, *params);
+    std::unique_ptr<PublishResult> result = assemble(mapPath, keySpace, topicIds, *params);
     writeOutput(*params, *result);
     result->status = 0;
     result->usedHostDocuments = DocumentStore::instance().touchedOpenDocuments();
@@ -76,23 +77,27 @@ void DocPublisher::prepare(const PublishParams& params) {
     removeStaleOutput(params);
 }
 
-xercesc::DOMDocument& DocPublisher::buildKeySpaceDoc(const PublishParams& params,
-                                                     TopicIdMap& topicIds) {
+KeySpace DocPublisher::buildKeySpaceDoc(const PublishParams& params, TopicIdMap& topicIds) {
     const std::u16string mapPath = getMapPath(params);
     const std::u16string keySpaceDocPath = getKeySpaceDocPath(params);
     const std::u16string dtd = params.getKeyspaceDocDtd();
-    xercesc::DOMDocument& keyDoc = KeySpaceLoader().load(mapPath, keySpaceDocPath, topicIds, dtd);
-    // A failure is reported; the document in memory is what the run goes on with.
-    static_cast<void>(saveDocumentInPlace(&keyDoc));
-    return keyDoc;
+    KeySpace keySpace = KeySpaceLoader().load(mapPath, keySpaceDocPath, topicIds, dtd);
+    if (saveDocumentInPlace(&keySpace.document()) == WriteStatus::kFailed) {
+        // Message 107 has told it. The document in memory is what the run goes on with.
+    }
+    return keySpace;
 }
 
-void DocPublisher::resolveMapReferences(const std::u16string& mapPath, xercesc::DOMDocument& keyDoc,
+void DocPublisher::resolveMapReferences(const std::u16string& mapPath, KeySpace& keySpace,
                                         TopicIdMap& topicIds) {
     xercesc::DOMElement* const root =
         DocumentStore::instance().mustLoad(mapPath).getDocumentElement();
-    KeyrefProcessor().resolveAllKeyrefs(root, keyDoc);
-    ConrefProcessor().resolveConrefs(root, keyDoc, topicIds);
+    KeyrefProcessor().resolveAllKeyrefs(root, keySpace);
+    ConrefProcessor().resolveConrefs(root, keySpace, topicIds);
+}
+
+std::u16string DocPublisher::getMapPath(const PublishParams& params) {
+    return absolutePath(params.getDitamap());
 }
 
 void removeOldFile(const std::u16string& path) {

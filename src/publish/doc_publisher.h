@@ -2,13 +2,13 @@
 
 #include <memory>
 #include <string>
-#include <xercesc/dom/DOMDocument.hpp>
 
 #include "publish/publish_params.h"
 #include "publish/publish_result.h"
 
 namespace marrowpress {
 
+class KeySpace;
 class TopicIdMap;
 
 /// What has to be cleaned up after a run, however it ended.
@@ -51,30 +51,26 @@ protected:
     virtual void prepare(const PublishParams& params);
 
     /// Builds and writes the key space document.
-    virtual xercesc::DOMDocument& buildKeySpaceDoc(const PublishParams& params,
-                                                   TopicIdMap& topicIds);
+    virtual KeySpace buildKeySpaceDoc(const PublishParams& params, TopicIdMap& topicIds);
 
     /// Resolves the keyrefs and conrefs of the root map.
-    virtual void resolveMapReferences(const std::u16string& mapPath, xercesc::DOMDocument& keyDoc,
+    virtual void resolveMapReferences(const std::u16string& mapPath, KeySpace& keySpace,
                                       TopicIdMap& topicIds);
 
     /// Builds the output in memory.
     virtual std::unique_ptr<PublishResult> assemble(const std::u16string& mapPath,
-                                                    xercesc::DOMDocument& keyDoc,
-                                                    TopicIdMap& topicIds,
+                                                    KeySpace& keySpace, TopicIdMap& topicIds,
                                                     const PublishParams& params) = 0;
 
     virtual void removeStaleOutput(const PublishParams& params) = 0;
     virtual void writeOutput(const PublishParams& params, const PublishResult& result) = 0;
-    virtual std::u16string getMapPath(const PublishParams& params) = 0;
+    /// The absolute path of "ditamap".
+    virtual std::u16string getMapPath(const PublishParams& params);
     virtual std::u16string getKeySpaceDocPath(const PublishParams& params) = 0;
 
 private:
     PublisherId publisherId_;
 };
-
-/// The name of the key space document in the folder of the output.
-inline constexpr std::u16string_view kKeySpaceDocName = u"KeyspaceDoc.ditamap";
 
 /// Removes the file at `path` if there is one.
 ///

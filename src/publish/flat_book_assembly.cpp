@@ -1,12 +1,13 @@
 #include "publish/flat_book_assembly.h"
 
-#include <algorithm>
 #include <climits>
 
-#include "client/messages.h"
-#include "publish/reference_kind.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
+#include "application/messengers.h"
+#include "dom/attributes.h"
+#include "dom/nodes.h"
+#include "marrowpress/output_names.h"
+#include "references/dita_reference.h"
+#include "references/document_kind.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "xml/document_store.h"
@@ -18,22 +19,9 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNodeFilter;
 
-constexpr std::u16string_view kComponentExtension = u".qs";
-
-/// Whether a name leaves room for the "_tmp" behind which a file is saved.
+/// Whether a name leaves room for what stands behind it while the file is replaced.
 bool isShortEnough(std::u16string_view path) {
-    constexpr std::size_t kTemporarySuffix = 4;
-    return toUtf8(pathFileName(path)).size() + kTemporarySuffix <= NAME_MAX;
-}
-
-/// The children of `node` on top of what is still to be visited, the first on top.
-void pushChildren(const DOMElement& node, std::vector<DOMElement*>& pending) {
-    const auto first = static_cast<std::ptrdiff_t>(pending.size());
-    for (DOMElement* child = node.getFirstElementChild(); child;
-         child = child->getNextElementSibling()) {
-        pending.push_back(child);
-    }
-    std::reverse(pending.begin() + first, pending.end());
+    return toUtf8(pathFileName(path)).size() + kAsideSuffix.size() <= NAME_MAX;
 }
 
 }  // namespace
@@ -41,17 +29,17 @@ void pushChildren(const DOMElement& node, std::vector<DOMElement*>& pending) {
 /// What one run gathers.
 struct FlatBookAssembler::State {
     const FlatBookRequest& request;
-    DOMDocument& keyDoc;
+    KeySpace& keySpace;
     std::vector<DOMDocument*> documents;
     TopicIdMap idMap;
     std::int32_t containerCounter = 0;
 };
 
-std::vector<DOMDocument*> FlatBookAssembler::assembleBook(DOMElement* mapRoot, DOMDocument& keyDoc,
+std::vector<DOMDocument*> FlatBookAssembler::assembleBook(DOMElement* mapRoot, KeySpace& keySpace,
                                                           const FlatBookRequest& request,
                                                           TopicIdMap& topicIds) {
     filter_.setUsePrint(request.usePrint);
-    State state{request, keyDoc, {}, {}, 0};
+    State state{request, keySpace, {}, {}, 0};
     if (mapRoot) {
         collectBookComponents(*mapRoot, state);
     }
@@ -71,18 +59,20 @@ void FlatBookAssembler::collectBookComponents(DOMElement& root, State& state) {
         const bool isComponent =
             action == DOMNodeFilter::FILTER_ACCEPT && addComponent(node, state);
         if (action != DOMNodeFilter::FILTER_REJECT && !isComponent) {
-            pushChildren(node, pending);
+            // The first child on top.
+            const std::vector<DOMElement*> children = childElementsOf(node);
+            pending.insert(pending.end(), children.rbegin(), children.rend());
         }
     }
 }
 
 /// Gives false for a reference without a target: what is below it is looked at in its place.
 bool FlatBookAssembler::addComponent(DOMElement& node, State& state) {
-    if (TopicheadNodeFilter().acceptNode(&node) == DOMNodeFilter::FILTER_ACCEPT) {
+    if (selects(topicheadFilter_, &node)) {
         addHeadComponent(node, state);
         return true;
     }
-    const DitaDocKind kind = kindOfReference(readDitaReference(node, &state.keyDoc), node);
+    const DitaDocKind kind = kindOfReference(readDitaReference(node, &state.keySpace), node);
     if (kind != DitaDocKind::DitaDocTopic && kind != DitaDocKind::DitaDocMap) {
         return false;
     }
@@ -92,14 +82,14 @@ bool FlatBookAssembler::addComponent(DOMElement& node, State& state) {
 
 void FlatBookAssembler::addTopicComponent(DOMElement& node, State& state) {
     const std::u16string sourcePath =
-        absoluteReferencePath(readDitaReference(node, &state.keyDoc), node);
-    if (!DocumentStore::instance().getOrLoad(sourcePath)) {
+        absoluteReferencePath(readDitaReference(node, &state.keySpace), node);
+    if (!DocumentStore::instance().getOrLoad(sourcePath, &node)) {
         return;
     }
     const std::u16string_view folder = state.request.atOneLocation
                                            ? std::u16string_view(state.request.outputDir)
                                            : parentPath(sourcePath);
-    const std::u16string fileName = pathStem(sourcePath).append(kComponentExtension);
+    const std::u16string fileName = pathStem(sourcePath).append(toUtf16(kComponentExtension));
     assembleComponent(node, sourcePath, joinPath(folder, fileName), state);
 }
 
@@ -111,18 +101,18 @@ void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
     }
     // A title may hold separators; what they make of the path has to be known before it is used.
     const std::u16string path =
-        normalizePath(joinPath(state.request.outputDir, name.append(kComponentExtension)));
+        normalizePath(joinPath(state.request.outputDir, name.append(toUtf16(kComponentExtension))));
     if (isBelow(path, state.request.outputDir) && !leadsOutOf(path, state.request.outputDir)) {
         assembleComponent(node, {}, path, state);
     } else {
-        ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(path));
+        ReportMessenger::instance().reportCannotWrite(path);
     }
 }
 
 void FlatBookAssembler::assembleComponent(DOMElement& node, const std::u16string& sourcePath,
                                           const std::u16string& outputPath, State& state) {
     if (!isShortEnough(outputPath)) {
-        ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(outputPath));
+        ReportMessenger::instance().reportCannotWrite(outputPath);
         return;
     }
     CompositeDocRequest request;
@@ -132,7 +122,7 @@ void FlatBookAssembler::assembleComponent(DOMElement& node, const std::u16string
     request.usePrint = state.request.usePrint;
     request.conditions.mergeEnabled = true;
     DOMDocument* const document =
-        compositeAssembler_.assembleComposite(&node, state.keyDoc, request);
+        compositeAssembler_.assembleComposite(&node, state.keySpace, request);
     if (document) {
         state.documents.push_back(document);
         state.idMap.mergeWithPrefix(request.idMap, outputPath);

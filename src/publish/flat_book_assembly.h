@@ -32,7 +32,7 @@ public:
     ///
     /// What can't be read or created is reported and left out.
     std::vector<xercesc::DOMDocument*> assembleBook(xercesc::DOMElement* mapRoot,
-                                                    xercesc::DOMDocument& keyDoc,
+                                                    KeySpace& keySpace,
                                                     const FlatBookRequest& request,
                                                     TopicIdMap& topicIds);
 
@@ -47,6 +47,7 @@ private:
                            const std::u16string& outputPath, State& state);
 
     CompositeDocNodeFilter filter_;
+    TopicheadNodeFilter topicheadFilter_;
     ReferenceUpdater updater_;
     CompositeDocAssembler compositeAssembler_;
 };

@@ -1,7 +1,9 @@
 #include "publish/flat_book_publisher.h"
 
+#include "marrowpress/output_names.h"
 #include "publish/flat_book_assembly.h"
 #include "support/paths.h"
+#include "support/text.h"
 #include "xml/document_store.h"
 #include "xml/document_writer.h"
 
@@ -19,8 +21,7 @@ std::u16string outputFolder(const PublishParams& params) {
 }  // namespace
 
 std::unique_ptr<PublishResult> FlatBookPublisher::assemble(const std::u16string& mapPath,
-                                                           xercesc::DOMDocument& keyDoc,
-                                                           TopicIdMap& topicIds,
+                                                           KeySpace& keySpace, TopicIdMap& topicIds,
                                                            const PublishParams& params) {
     xercesc::DOMDocument& map = DocumentStore::instance().mustLoad(mapPath);
     FlatBookRequest request;
@@ -29,7 +30,7 @@ std::unique_ptr<PublishResult> FlatBookPublisher::assemble(const std::u16string&
     request.atOneLocation = flatBookParams(params).getGenerateQSComponentsAtOneLoc();
     request.usePrint = params.getUsePrint();
     return std::make_unique<FlatBookPublishResult>(
-        FlatBookAssembler().assembleBook(map.getDocumentElement(), keyDoc, request, topicIds));
+        FlatBookAssembler().assembleBook(map.getDocumentElement(), keySpace, request, topicIds));
 }
 
 void FlatBookPublisher::removeStaleOutput(const PublishParams& /*params*/) {}
@@ -42,12 +43,8 @@ void FlatBookPublisher::writeOutput(const PublishParams& /*params*/, const Publi
     }
 }
 
-std::u16string FlatBookPublisher::getMapPath(const PublishParams& params) {
-    return absolutePath(params.getDitamap());
-}
-
 std::u16string FlatBookPublisher::getKeySpaceDocPath(const PublishParams& params) {
-    return joinPath(outputFolder(params), kKeySpaceDocName);
+    return joinPath(outputFolder(params), toUtf16(kKeySpaceDocName));
 }
 
 }  // namespace marrowpress

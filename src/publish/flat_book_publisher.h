@@ -12,12 +12,11 @@ public:
     FlatBookPublisher() : DocPublisher(PublisherId::kFlatBook) {}
 
 protected:
-    std::unique_ptr<PublishResult> assemble(const std::u16string& mapPath,
-                                            xercesc::DOMDocument& keyDoc, TopicIdMap& topicIds,
+    std::unique_ptr<PublishResult> assemble(const std::u16string& mapPath, KeySpace& keySpace,
+                                            TopicIdMap& topicIds,
                                             const PublishParams& params) override;
     void removeStaleOutput(const PublishParams& params) override;
     void writeOutput(const PublishParams& params, const PublishResult& result) override;
-    std::u16string getMapPath(const PublishParams& params) override;
     std::u16string getKeySpaceDocPath(const PublishParams& params) override;
 };
 

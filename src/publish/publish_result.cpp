@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "references/reference_resolution.h"
+#include "dom/document_path.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 
@@ -80,7 +80,7 @@ void PublishResult::appendExtraValues(HostTypedValueList& /*list*/) const {}
 void FlatBookPublishResult::appendExtraValues(HostTypedValueList& list) const {
     std::vector<std::string> paths;
     for (const xercesc::DOMDocument* const document : documents) {
-        paths.push_back(toUtf8(uriToPath(domText(document->getDocumentURI()))));
+        paths.push_back(toUtf8(documentPath(*document)));
     }
     void* const grown = std::realloc(list.values, (list.count + 1) * sizeof(HostTypedValue));
     if (!grown) {

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "client/host_operations.h"
+#include "application/host_operations.h"
 #include "xml/document_store.h"
 
 /// What goes back to the caller of a publish request.

@@ -2,16 +2,13 @@
 
 #include <algorithm>
 
-#include "client/messages.h"
-#include "profiling/condition_merge.h"
+#include "application/messengers.h"
+#include "dom/attributes.h"
+#include "dom/nodes.h"
 #include "profiling/conditional_pis.h"
-#include "publish/composite_assembly.h"
-#include "publish/reference_kind.h"
-#include "references/dom_children.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
+#include "references/dita_reference.h"
+#include "references/document_kind.h"
 #include "support/paths.h"
-#include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
 
@@ -51,7 +48,7 @@ void TopicrefWalk::run(DOMElement& parent, DOMElement* start) {
 }
 
 void TopicrefWalk::visit(DOMElement& node, DOMElement& parent) {
-    switch (assembler_.filter_.acceptNode(&node)) {
+    switch (filter_.acceptNode(&node)) {
         case DOMNodeFilter::FILTER_REJECT:
             break;
         case DOMNodeFilter::FILTER_SKIP:
@@ -64,11 +61,11 @@ void TopicrefWalk::visit(DOMElement& node, DOMElement& parent) {
 }
 
 void TopicrefWalk::visitReference(DOMElement& node, DOMElement& parent) {
-    if (TopicheadNodeFilter().acceptNode(&node) == DOMNodeFilter::FILTER_ACCEPT) {
+    if (selects(topicheadFilter_, &node)) {
         visitChildren(node, appendHead(node, parent));
         return;
     }
-    switch (kindOfReference(readDitaReference(node, &keyDoc_), node)) {
+    switch (kindOfReference(readDitaReference(node, &keySpace_), node)) {
         case DitaDocKind::DitaDocTopic:
             visitChildren(node, appendTopicDocument(parent, node));
             break;
@@ -83,12 +80,10 @@ void TopicrefWalk::visitReference(DOMElement& node, DOMElement& parent) {
 }
 
 void TopicrefWalk::visitChildren(const DOMElement& node, DOMElement& parent) {
-    const auto first = static_cast<std::ptrdiff_t>(steps_.size());
-    for (DOMElement* child = node.getFirstElementChild(); child;
-         child = child->getNextElementSibling()) {
-        steps_.push_back({child, &parent});
+    const std::vector<DOMElement*> children = childElementsOf(node);
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+        steps_.push_back({*child, &parent});
     }
-    std::reverse(steps_.begin() + first, steps_.end());
 }
 
 DOMElement& TopicrefWalk::appendHead(const DOMElement& node, DOMElement& parent) const {
@@ -102,8 +97,8 @@ DOMElement& TopicrefWalk::appendHead(const DOMElement& node, DOMElement& parent)
 }
 
 DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMElement& node) {
-    const DitaReference reference = readDitaReference(node, &keyDoc_);
-    DOMDocument* const document = DocumentStore::instance().getOrLoad(reference.path);
+    const DitaReference reference = readDitaReference(node, &keySpace_);
+    DOMDocument* const document = DocumentStore::instance().getOrLoad(reference.path, &node);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
     if (!root) {
         return parent;
@@ -115,34 +110,34 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
         return parent;
     }
     ProgressMessenger::instance().reportAppending(
-        toUtf8(pathFileName(domText(document->getDocumentURI()))));
+        pathFileName(domText(document->getDocumentURI())));
     DOMElement* const appended = appendTopicSubtree(*element, parent);
     return appended ? *appended : parent;
 }
 
 /// Always of the whole document, also when only a part of it is taken in.
 void TopicrefWalk::gatherConditions(DOMElement& root) {
-    if (!request_.conditions.mergeEnabled) {
+    if (!conditions_.mergeEnabled) {
         return;  // nothing would come of reading them
     }
     ConditionCatalog catalog;
     loadConditionCatalog(catalog, root);
-    mergeConditionCatalog(request_.conditions, catalog);
+    mergeConditionCatalog(conditions_, catalog);
 }
 
 DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent) {
     const DOMDocument& source = *element.getOwnerDocument();
     carryMarkersInFrontOf(element, parent);
     DOMElement* lastElement = nullptr;
-    if (assembler_.ditabaseFilter_.acceptNode(&element) == DOMNodeFilter::FILTER_ACCEPT) {
+    if (selects(ditabaseFilter_, &element)) {
         for (DOMNode* const child : childrenOf(element)) {
             DOMNode* const copy = importTopicNode(source, *child, parent);
-            if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
-                lastElement = static_cast<DOMElement*>(copy);
+            if (DOMElement* const copiedElement = asElement(copy)) {
+                lastElement = copiedElement;
             }
         }
     } else {
-        lastElement = static_cast<DOMElement*>(importTopicNode(source, element, parent));
+        lastElement = asElement(importTopicNode(source, element, parent));
     }
     carryMarkersBehind(element, parent);
     return lastElement;
@@ -152,37 +147,36 @@ DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& pa
 void TopicrefWalk::carryMarkersInFrontOf(const DOMNode& node, DOMElement& parent) {
     for (DOMNode* marker = node.getPreviousSibling(); marker;
          marker = marker->getPreviousSibling()) {
-        carryConditionMarker(request_.conditions, *marker, parent);
+        carryConditionMarker(conditions_, *marker, parent);
     }
 }
 
 void TopicrefWalk::carryMarkersBehind(const DOMNode& node, DOMElement& parent) {
     for (DOMNode* marker = node.getNextSibling(); marker; marker = marker->getNextSibling()) {
-        carryConditionMarker(request_.conditions, *marker, parent);
+        carryConditionMarker(conditions_, *marker, parent);
     }
 }
 
 DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, DOMNode& node,
                                        DOMElement& parent) {
-    renameMergedMarker(request_.conditions, node);
+    renameMergedMarker(conditions_, node);
     DOMNode* const copy = parent.getOwnerDocument()->importNode(&node, true);
-    if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
-        assembler_.normalizer_.normalizeSubtree(static_cast<DOMElement*>(copy), source,
-                                                request_.idMap);
+    if (DOMElement* const copiedElement = asElement(copy)) {
+        normalizer_.normalizeSubtree(copiedElement, source, topicIds_);
     }
     return parent.appendChild(copy);
 }
 
 void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node) {
-    const DitaReference reference = readDitaReference(node, &keyDoc_);
+    const DitaReference reference = readDitaReference(node, &keySpace_);
     DOMDocument* const map =
-        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node));
+        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node), &node);
     if (!map || isOpen(*map)) {
         return;
     }
     DOMElement* const root = map->getDocumentElement();
-    assembler_.keyrefs_.resolveAllKeyrefs(root, keyDoc_);
-    assembler_.conrefs_.resolveConrefs(root, keyDoc_, request_.idMap);
+    keyrefs_.resolveAllKeyrefs(root, keySpace_);
+    conrefs_.resolveConrefs(root, keySpace_, topicIds_);
     if (!root) {
         return;
     }

@@ -4,11 +4,15 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
-namespace marrowpress {
+#include "profiling/condition_merge.h"
+#include "publish/composite_doc_node_filter.h"
+#include "references/conref_resolution.h"
+#include "references/direct_references.h"
+#include "references/keyref_resolution.h"
+#include "references/node_filters.h"
+#include "references/topic_ids.h"
 
-class CompositeDocAssembler;
-struct CompositeDocRequest;
-struct DitaReference;
+namespace marrowpress {
 
 /// Appends an empty topic with a title and a new id to `parent`, and gives it.
 xercesc::DOMElement& createTopicShell(xercesc::DOMElement& parent);
@@ -19,11 +23,12 @@ xercesc::DOMElement& createTopicShell(xercesc::DOMElement& parent);
 /// A loop over a stack of its own: how deep references nest is up to the maps.
 class TopicrefWalk {
 public:
-    /// All arguments must outlive the walk. The request's `idMap` learns where the topics have
-    /// gone, and its `conditions` gather the conditional text of the sources.
-    TopicrefWalk(const CompositeDocAssembler& assembler, xercesc::DOMDocument& keyDoc,
-                 CompositeDocRequest& request)
-        : assembler_(assembler), keyDoc_(keyDoc), request_(request) {}
+    /// All arguments must outlive the walk. `filter` says what goes into the output, `topicIds`
+    /// learns where the topics have gone, and `conditions` gather the conditional text of the
+    /// sources.
+    TopicrefWalk(const CompositeDocNodeFilter& filter, KeySpace& keySpace, TopicIdMap& topicIds,
+                 ConditionMergeState& conditions)
+        : filter_(filter), keySpace_(keySpace), topicIds_(topicIds), conditions_(conditions) {}
 
     /// Walks from `start`, which may be null; its topics become children of `parent`.
     void run(xercesc::DOMElement& parent, xercesc::DOMElement* start);
@@ -54,9 +59,15 @@ private:
     void appendNestedMap(xercesc::DOMElement& parent, const xercesc::DOMElement& node);
     bool isOpen(const xercesc::DOMDocument& map) const;
 
-    const CompositeDocAssembler& assembler_;
-    xercesc::DOMDocument& keyDoc_;
-    CompositeDocRequest& request_;
+    const CompositeDocNodeFilter& filter_;
+    KeySpace& keySpace_;
+    TopicIdMap& topicIds_;
+    ConditionMergeState& conditions_;
+    TopicheadNodeFilter topicheadFilter_;
+    DitabaseNodeFilter ditabaseFilter_;
+    ReferenceNormalizer normalizer_;
+    KeyrefProcessor keyrefs_;
+    ConrefProcessor conrefs_;
     std::vector<Step> steps_;  ///< what is still to do, the next on top
     std::vector<const xercesc::DOMDocument*> openMaps_;
 };

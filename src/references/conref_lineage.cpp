@@ -1,6 +1,6 @@
 #include "references/conref_lineage.h"
 
-#include "references/dom_copies.h"
+#include "dom/copies.h"
 
 namespace marrowpress {
 namespace {

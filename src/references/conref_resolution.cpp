@@ -2,17 +2,18 @@
 
 #include <string>
 #include <vector>
-#include <xercesc/dom/DOMNamedNodeMap.hpp>
 
-#include "client/messages.h"
+#include "application/messengers.h"
+#include "dom/attributes.h"
+#include "dom/element_walker.h"
+#include "dom/nesting_depth.h"
+#include "dom/nodes.h"
+#include "references/conref_attributes.h"
 #include "references/conref_lineage.h"
 #include "references/conref_target.h"
-#include "references/dom_children.h"
-#include "references/element_walker.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
+#include "references/reference_paths.h"
+#include "support/hrefs.h"
 #include "xml/document_store.h"
-#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -20,36 +21,10 @@ namespace {
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-using xercesc::DOMNodeFilter;
 
 void removeConref(DOMElement& element) {
     element.removeAttribute(u"conref");
     element.removeAttribute(u"conrefend");
-}
-
-void removeChildren(DOMElement& element) {
-    while (DOMNode* const child = element.getFirstChild()) {
-        element.removeChild(child);
-    }
-}
-
-/// Whether the "href" of `source` counts whatever the other side has.
-bool hasOverridingHref(const DOMElement& source) {
-    return ImageNodeFilter().acceptNode(&source) == DOMNodeFilter::FILTER_ACCEPT ||
-           LinkNodeFilter().acceptNode(&source) == DOMNodeFilter::FILTER_ACCEPT ||
-           XrefNodeFilter().acceptNode(&source) == DOMNodeFilter::FILTER_ACCEPT;
-}
-
-bool isTaken(const DOMElement& destination, const DOMElement& source, const XMLCh* name) {
-    const std::u16string_view attribute = domText(name);
-    if (attribute == u"id" || attribute == u"class") {
-        return false;
-    }
-    if (attribute == u"href" && hasOverridingHref(source)) {
-        return true;
-    }
-    const std::u16string_view present = attributeView(destination, name);
-    return present.empty() || present == u"-dita-use-conref-target";
 }
 
 }  // namespace
@@ -57,9 +32,9 @@ bool isTaken(const DOMElement& destination, const DOMElement& source, const XMLC
 /// One walk over the content references of a subtree.
 class ConrefWalk {
 public:
-    ConrefWalk(const ConrefProcessor& processor, DOMDocument& document, DOMDocument& keyDoc,
+    ConrefWalk(const ConrefProcessor& processor, DOMDocument& document, KeySpace& keySpace,
                TopicIdMap& topicIds)
-        : processor_(processor), document_(document), keyDoc_(keyDoc), topicIds_(topicIds) {}
+        : processor_(processor), document_(document), keySpace_(keySpace), topicIds_(topicIds) {}
 
     /// Follows the reference of `element`, on which the walk stands.
     void resolve(DOMElement& element);
@@ -73,7 +48,7 @@ private:
         bool isExternal;  ///< the reference names a file
     };
 
-    DOMDocument* targetDocument(const HrefParts& reference) const;
+    DOMDocument* targetDocument(const HrefParts& reference, const DOMElement& element) const;
     void replace(DOMElement& element, const Target& target);
     void insertRange(DOMElement& element, const Target& target);
     void insertMember(DOMElement& member, const DOMElement& element, DOMNode* before,
@@ -83,7 +58,7 @@ private:
 
     const ConrefProcessor& processor_;
     DOMDocument& document_;
-    DOMDocument& keyDoc_;
+    KeySpace& keySpace_;
     TopicIdMap& topicIds_;
     ConrefLineage lineage_;
 };
@@ -93,28 +68,28 @@ void ConrefWalk::resolve(DOMElement& element) {
     const std::u16string conrefend = attributeOf(element, u"conrefend");
     const HrefParts reference = splitHref(conref);
     const HrefParts rangeEnd = splitHref(conrefend);
-    DOMDocument* const document = targetDocument(reference);
+    DOMDocument* const document = targetDocument(reference, element);
     if (!document) {
         return;
     }
     const std::u16string tagName(domText(element.getTagName()));
-    DOMElement* const start = findConrefTarget(*document, &reference, tagName);
+    DOMElement* const start = findConrefTarget(*document, &reference, element);
     if (start && (lineage_.isEndless(element, *start) || isNestedTooDeeply(start))) {
-        reportElementNotFound(tagName,
-                              reference.elementId.empty() ? reference.topicId : reference.elementId,
-                              *document);
+        ReportMessenger::instance().reportElementNotFound(
+            tagName, reference.elementId.empty() ? reference.topicId : reference.elementId,
+            *document, &element);
         removeConref(element);
         return;
     }
     const DOMElement* const end =
-        findConrefTarget(*document, conrefend.empty() ? nullptr : &rangeEnd, tagName);
+        findConrefTarget(*document, conrefend.empty() ? nullptr : &rangeEnd, element);
     if (!start) {
         removeConref(element);
         return;
     }
     const bool isRange = end && end->getParentNode() == start->getParentNode();
     if (!isRange && !conrefend.empty()) {
-        ReportMessenger::instance().reportInvalidConrefEnd();
+        ReportMessenger::instance().reportInvalidConrefEnd(&element);
     }
     DOMNode* const stop = isRange ? end->getNextSibling() : start->getNextSibling();
     if (stop == start) {
@@ -126,10 +101,11 @@ void ConrefWalk::resolve(DOMElement& element) {
 
 /// The document that the reference names, its own where it names none; null when it can't be
 /// loaded.
-DOMDocument* ConrefWalk::targetDocument(const HrefParts& reference) const {
+DOMDocument* ConrefWalk::targetDocument(const HrefParts& reference,
+                                        const DOMElement& element) const {
     const std::u16string path =
         reference.path.empty() ? std::u16string() : toAbsolutePath(reference.path, document_);
-    return path.empty() ? &document_ : DocumentStore::instance().getOrLoad(path);
+    return path.empty() ? &document_ : DocumentStore::instance().getOrLoad(path, &element);
 }
 
 void ConrefWalk::replace(DOMElement& element, const Target& target) {
@@ -151,20 +127,16 @@ void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
         return;  // a document has no room beside its root
     }
     // Listed first, so that no copy becomes part of the range that it is made from.
-    std::vector<DOMNode*> members;
-    for (DOMNode* member = target.start.getNextSibling(); member && member != target.stop;
-         member = member->getNextSibling()) {
-        members.push_back(member);
-    }
-    for (DOMNode* const member : members) {
-        const DOMElement* const memberElement = asElement(member);
+    for (DOMNode* const member : siblingsFrom(target.start.getNextSibling(), target.stop)) {
+        DOMElement* const memberElement = asElement(member);
         if (!memberElement) {
             parent->insertBefore(document_.importNode(member, true), before);
         } else if (isNestedTooDeeply(memberElement)) {
-            reportElementNotFound(domText(memberElement->getTagName()),
-                                  attributeView(*memberElement, u"id"), target.document);
+            ReportMessenger::instance().reportElementNotFound(domText(memberElement->getTagName()),
+                                                              attributeView(*memberElement, u"id"),
+                                                              target.document, &element);
         } else {
-            insertMember(static_cast<DOMElement&>(*member), element, before, target);
+            insertMember(*memberElement, element, before, target);
         }
     }
 }
@@ -184,9 +156,8 @@ void ConrefWalk::copyContent(DOMElement& to, DOMElement& from) {
     for (DOMNode* const child : childrenOf(from)) {
         DOMNode* const copy = document_.importNode(child, true);
         // Before it is appended: `to` may stand in `child`, which then had another shape.
-        if (copy->getNodeType() == DOMNode::ELEMENT_NODE) {
-            lineage_.recordContent(static_cast<DOMElement&>(*child),
-                                   static_cast<DOMElement&>(*copy), from);
+        if (DOMElement* const copiedElement = asElement(copy)) {
+            lineage_.recordContent(*asElement(child), *copiedElement, from);
         }
         to.appendChild(copy);
     }
@@ -196,33 +167,22 @@ void ConrefWalk::copyContent(DOMElement& to, DOMElement& from) {
 void ConrefWalk::adopt(DOMElement& copy, const Target& target) {
     if (target.isExternal) {
         processor_.normalizer_.normalizeSubtree(&copy, target.document, topicIds_);
-        processor_.keyrefs_.resolveAllKeyrefs(&copy, keyDoc_);
+        processor_.keyrefs_.resolveAllKeyrefs(&copy, keySpace_);
         lineage_.recordPulledContent(copy);
         processor_.updater_.rewriteReferences(&copy, topicIds_);
     }
 }
 
-void ConrefProcessor::resolveConrefs(DOMElement* root, DOMDocument& keyDoc,
+void ConrefProcessor::resolveConrefs(DOMElement* root, KeySpace& keySpace,
                                      TopicIdMap& topicIds) const {
     if (!root) {
         return;
     }
-    ConrefWalk walk(*this, *root->getOwnerDocument(), keyDoc, topicIds);
+    ConrefWalk walk(*this, *root->getOwnerDocument(), keySpace, topicIds);
     // Live, so that references in what was copied are followed as well.
     ElementWalker walker(root, conrefFilter_);
     while (DOMElement* const element = walker.nextNode()) {
         walk.resolve(*element);
-    }
-}
-
-void mergeAttributes(DOMElement& destination, const DOMElement& source) {
-    const xercesc::DOMNamedNodeMap& attributes = *source.getAttributes();
-    for (XMLSize_t index = 0; index < attributes.getLength(); ++index) {
-        const DOMNode& attribute = *attributes.item(index);
-        const std::u16string value(domText(attribute.getNodeValue()));
-        if (!value.empty() && isTaken(destination, source, attribute.getNodeName())) {
-            destination.setAttribute(attribute.getNodeName(), value.c_str());
-        }
     }
 }
 

@@ -26,8 +26,7 @@ class ConrefProcessor {
 public:
     /// Resolves below and including `root`, which may be null. `topicIds` learns the topics that
     /// come along. Documents that are copied from are not changed.
-    void resolveConrefs(xercesc::DOMElement* root, xercesc::DOMDocument& keyDoc,
-                        TopicIdMap& topicIds) const;
+    void resolveConrefs(xercesc::DOMElement* root, KeySpace& keySpace, TopicIdMap& topicIds) const;
 
 private:
     ConrefAttrContainingNodeFilter conrefFilter_;
@@ -37,10 +36,5 @@ private:
 
     friend class ConrefWalk;
 };
-
-/// Gives `destination` what it lacks of the attributes of `source`: those that are empty or
-/// "-dita-use-conref-target", and in any case the "href" of an image, a link or a cross reference.
-/// "id" and "class" are never taken, and no empty value is.
-void mergeAttributes(xercesc::DOMElement& destination, const xercesc::DOMElement& source);
 
 }  // namespace marrowpress

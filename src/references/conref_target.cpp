@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "client/messages.h"
-#include "references/element_walker.h"
+#include "application/messengers.h"
+#include "dom/attributes.h"
+#include "dom/element_walker.h"
+#include "references/document_kind.h"
 #include "references/node_filters.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
-#include "support/text.h"
+#include "support/hrefs.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
@@ -53,14 +53,16 @@ DOMElement* findInside(DOMElement& container, std::u16string_view elementId,
 }  // namespace
 
 DOMElement* findConrefTarget(const DOMDocument& document, const HrefParts* parts,
-                             std::u16string_view tagName) {
+                             const DOMElement& reference) {
     if (!parts) {
         return nullptr;
     }
+    const std::u16string_view tagName = domText(reference.getTagName());
     DOMElement* const container = findContainer(document, parts->topicId);
     const bool isContainerMeant = parts->elementId.empty();
     if (!container || (isContainerMeant && domText(container->getTagName()) != tagName)) {
-        reportElementNotFound(tagName, parts->topicId, document);
+        ReportMessenger::instance().reportElementNotFound(tagName, parts->topicId, document,
+                                                          &reference);
         return nullptr;
     }
     if (isContainerMeant) {
@@ -69,16 +71,9 @@ DOMElement* findConrefTarget(const DOMDocument& document, const HrefParts* parts
     DOMElement* const element = findInside(*container, parts->elementId, tagName);
     if (!element) {
         ReportMessenger::instance().reportElementInTopicNotFound(
-            toUtf8(tagName), toUtf8(parts->elementId), toUtf8(parts->topicId),
-            toUtf8(domText(document.getDocumentURI())));
+            tagName, parts->elementId, parts->topicId, document, &reference);
     }
     return element;
-}
-
-void reportElementNotFound(std::u16string_view tagName, std::u16string_view id,
-                           const DOMDocument& file) {
-    ReportMessenger::instance().reportElementNotFound(toUtf8(tagName), toUtf8(id),
-                                                      toUtf8(domText(file.getDocumentURI())));
 }
 
 }  // namespace marrowpress

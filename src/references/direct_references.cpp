@@ -1,16 +1,16 @@
 #include "references/direct_references.h"
 
 #include <algorithm>
-#include <boost/uuid/uuid_io.hpp>
 #include <cassert>
 #include <memory>
 #include <vector>
 
-#include "references/element_walker.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
-#include "support/request_singleton.h"
-#include "support/xerces_ptr.h"
+#include "dom/attributes.h"
+#include "dom/document_path.h"
+#include "dom/element_walker.h"
+#include "references/multimedia_references.h"
+#include "references/reference_paths.h"
+#include "support/hrefs.h"
 
 namespace marrowpress {
 namespace {
@@ -109,43 +109,9 @@ const DirectRefAttrHandler& directRefAttrHandler(std::uint32_t type) {
     return **found;
 }
 
-bool TopicIdMap::add(const std::u16string& key, const std::u16string& location) {
-    if (!byReference_.emplace(key, location).second) {
-        return false;
-    }
-    byFile_.emplace(splitHref(key).path, location);
-    return true;
-}
-
-std::u16string TopicIdMap::find(std::u16string_view key) const {
-    const HrefParts parts = splitHref(key);
-    const bool isFile = parts.topicId.empty() || parts.topicId == u".";
-    const Entries& entries = isFile ? byFile_ : byReference_;
-    const auto found = entries.find(isFile ? parts.path : key);
-    return found == entries.end() ? std::u16string() : found->second;
-}
-
-void TopicIdMap::mergeWithPrefix(const TopicIdMap& other, std::u16string_view prefix) {
-    const auto merge = [prefix](Entries& into, const Entries& from) {
-        for (const auto& [key, location] : from) {
-            into.emplace(key, std::u16string(prefix) + location);
-        }
-    };
-    merge(byReference_, other.byReference_);
-    merge(byFile_, other.byFile_);
-}
-
-TopicIdGenerator& TopicIdGenerator::instance() {
-    return RequestSingleton<TopicIdGenerator>::instance();
-}
-
-std::u16string TopicIdGenerator::nextTopicId() {
-    return u"id" + toUtf16(std::string_view(boost::uuids::to_string(uuids_())));
-}
-
 void ReferenceNormalizer::normalizeSubtree(DOMElement* root, const DOMDocument& base,
                                            TopicIdMap& topicIds) const {
-    regenerateTopicIds(root, uriToPath(domText(base.getDocumentURI())), topicIds);
+    regenerateTopicIds(root, documentPath(base), topicIds);
     makeDirectRefsAbsolute(root, base);
     makeMultimediaRefsAbsolute(root, base);
 }
@@ -154,7 +120,7 @@ void ReferenceNormalizer::regenerateTopicIds(DOMElement* root, const std::u16str
                                              TopicIdMap& topicIds) const {
     ElementWalker walker(root, idFilter_);
     while (DOMElement* const element = walker.nextNode()) {
-        if (topicFilter_.acceptNode(element) != xercesc::DOMNodeFilter::FILTER_ACCEPT) {
+        if (!selects(topicFilter_, element)) {
             continue;
         }
         const std::u16string oldId = attributeOf(*element, u"id");
@@ -168,6 +134,16 @@ void ReferenceNormalizer::regenerateTopicIds(DOMElement* root, const std::u16str
 void ReferenceNormalizer::makeDirectRefsAbsolute(DOMElement* root, const DOMDocument& base) const {
     changeDirectRefs(root, directRefFilter_,
                      [&](const std::u16string& value) { return makeAbsoluteHref(value, base); });
+}
+
+void ReferenceNormalizer::makeMultimediaRefsAbsolute(DOMElement* root,
+                                                     const DOMDocument& base) const {
+    ElementWalker walker(root, multimediaRefFilter_);
+    while (DOMElement* const element = walker.nextNode()) {
+        const MultimediaNodeHandler& handler =
+            multimediaNodeHandler(multimediaRefFilter_.getType(element));
+        handler.setRefValue(*element, makeAbsoluteHref(handler.getRefValue(*element), base));
+    }
 }
 
 std::u16string makeAbsoluteHref(std::u16string_view value, const DOMDocument& document) {

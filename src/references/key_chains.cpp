@@ -2,17 +2,16 @@
 
 #include <vector>
 
-#include "references/dom_copies.h"
-#include "references/element_walker.h"
+#include "dom/attributes.h"
+#include "dom/copies.h"
+#include "dom/element_walker.h"
 #include "references/key_definitions.h"
-#include "support/dom_attributes.h"
 
 namespace marrowpress {
 namespace {
 
 using xercesc::DOMElement;
 using xercesc::DOMNode;
-using xercesc::DOMNodeFilter;
 
 /// Under this name an element remembers the definition that its content was pulled from.
 constexpr const XMLCh* kPulledFrom = u"marrowpress-pulled-from";
@@ -41,10 +40,9 @@ void copyMemory(const DOMElement& source, const DOMElement& target) {
 
 std::size_t KeyChainPass::run() {
     std::size_t followed = 0;
-    ElementWalker walker(keyDoc_.getDocumentElement(), topicrefFilter_);
+    ElementWalker walker(keySpace_.document().getDocumentElement(), topicrefFilter_);
     while (DOMElement* const element = walker.nextNode()) {
-        const bool isReference = keyrefFilter_.acceptNode(element) == DOMNodeFilter::FILTER_ACCEPT;
-        if (isReference && !states_.contains(element)) {
+        if (selects(keyrefFilter_, element) && !states_.contains(element)) {
             followChain(*element);
             ++followed;
         }
@@ -79,7 +77,7 @@ DOMElement* KeyChainPass::chainEnd(DOMElement* element, std::vector<Link>& links
             apply(*element, target);
             return target;
         }
-        if (keyrefFilter_.acceptNode(element) != DOMNodeFilter::FILTER_ACCEPT) {
+        if (!selects(keyrefFilter_, element)) {
             entry->second = State::kResolved;
             return element;
         }
@@ -91,7 +89,7 @@ DOMElement* KeyChainPass::chainEnd(DOMElement* element, std::vector<Link>& links
 
 /// The definition of the whole reference: a chain with an element part leads nowhere.
 DOMElement* KeyChainPass::targetOf(const DOMElement& element) const {
-    return findKeyDefinition(keyDoc_, attributeView(element, u"keyref"));
+    return keySpace_.find(attributeView(element, u"keyref"), element);
 }
 
 void KeyChainPass::apply(DOMElement& element, DOMElement* definition) {

@@ -2,16 +2,16 @@
 
 #include <cstdint>
 #include <unordered_map>
-#include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "references/key_space.h"
 #include "references/node_filters.h"
 
 namespace marrowpress {
 
 class ParserBundle;
 
-/// One pass over a key space document that makes definitions direct which
+/// One pass over a key space that makes definitions direct which
 /// themselves refer to a key, so that each of them has the href and the text
 /// of what stands at the end of its chain.
 ///
@@ -21,8 +21,8 @@ class ParserBundle;
 class KeyChainPass {
 public:
     /// Both must outlive the pass. `dtd` tells what element types declare.
-    KeyChainPass(xercesc::DOMDocument& keyDoc, const ParserBundle& dtd)
-        : keyDoc_(keyDoc), dtd_(dtd) {}
+    KeyChainPass(const KeySpace& keySpace, const ParserBundle& dtd)
+        : keySpace_(keySpace), dtd_(dtd) {}
 
     /// Gives the number of references that were followed.
     std::size_t run();
@@ -41,7 +41,7 @@ private:
     bool standsInside(const xercesc::DOMElement& element,
                       const xercesc::DOMElement& definition) const;
 
-    xercesc::DOMDocument& keyDoc_;
+    const KeySpace& keySpace_;
     const ParserBundle& dtd_;
     TopicrefNodeFilter topicrefFilter_;
     KeyrefAttrContainingNodeFilter keyrefFilter_;

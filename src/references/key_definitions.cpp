@@ -1,11 +1,11 @@
 #include "references/key_definitions.h"
 
-#include "client/messages.h"
-#include "references/dom_children.h"
+#include "application/messengers.h"
+#include "dom/attributes.h"
+#include "dom/nodes.h"
+#include "references/document_kind.h"
+#include "references/key_space.h"
 #include "references/node_filters.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
-#include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
 #include "xml/dom_parser.h"
@@ -13,26 +13,21 @@
 namespace marrowpress {
 namespace {
 
-using xercesc::DOMDocument;
 using xercesc::DOMElement;
-using xercesc::DOMNode;
-using xercesc::DOMNodeFilter;
-
-bool isAcceptedBy(const DOMNodeFilter& filter, const DOMElement* element) {
-    return filter.acceptNode(element) == DOMNodeFilter::FILTER_ACCEPT;
-}
 
 /// The element whose children `element` gets from `definition`; null if there is none.
 const DOMElement* contentSource(const DOMElement& element, const DOMElement& definition,
                                 bool declaresHref) {
+    static const TopicmetaNodeFilter topicmetas;
+    static const TopicrefNodeFilter topicrefs;
     const DOMElement* const meta = definition.getFirstElementChild();
-    if (!isAcceptedBy(TopicmetaNodeFilter(), meta)) {
+    if (!selects(topicmetas, meta)) {
         return nullptr;
     }
     if (const DOMElement* const same = findChildByTag(domText(element.getTagName()), *meta)) {
         return same;
     }
-    if (declaresHref && isAcceptedBy(TopicrefNodeFilter(), &element)) {
+    if (declaresHref && selects(topicrefs, &element)) {
         return &definition;
     }
     if (!declaresHref) {
@@ -53,16 +48,8 @@ std::u16string_view keyNameOf(std::u16string_view keyReference) {
     return keyReference.substr(0, keyReference.find(u'/'));
 }
 
-DOMElement* findKeyDefinition(const DOMDocument& keyDoc, std::u16string_view keyName) {
-    return keyDoc.getElementById(std::u16string(keyName).c_str());
-}
-
-void reportKeyNotFound(std::u16string_view keyName) {
-    ReportMessenger::instance().reportMessage(MessageId::kKeyNotFound, toUtf8(keyName));
-}
-
 std::u16string effectiveKeyHref(std::u16string_view keyReference,
-                                std::u16string_view definitionHref) {
+                                std::u16string_view definitionHref, const DOMElement& reference) {
     std::u16string href(definitionHref);
     const std::size_t slash = keyReference.find(u'/');
     if (slash == std::u16string_view::npos) {
@@ -72,24 +59,25 @@ std::u16string effectiveKeyHref(std::u16string_view keyReference,
     if (href.find(u'#') != std::u16string::npos) {
         return href.append(elementPart);
     }
-    const bool isMap =
-        classifyDocument(DocumentStore::instance().getOrLoad(href)) == DitaDocKind::DitaDocMap;
+    const bool isMap = classifyDocument(DocumentStore::instance().getOrLoad(href, &reference)) ==
+                       DitaDocKind::DitaDocMap;
     // An id in a map stands where the topic id of a topic would; "." is a file's first topic.
     return isMap ? href.append(u"#").append(elementPart.substr(1))
                  : href.append(u"#.").append(elementPart);
 }
 
-std::u16string resolveKeyHref(const DOMDocument& keyDoc, std::u16string_view keyReference) {
+std::u16string resolveKeyHref(const KeySpace& keySpace, std::u16string_view keyReference,
+                              const DOMElement& reference) {
     const std::u16string_view keyName = keyNameOf(keyReference);
     if (keyName.empty()) {
         return {};
     }
-    const DOMElement* const definition = findKeyDefinition(keyDoc, keyName);
+    const DOMElement* const definition = keySpace.find(keyName, reference);
     if (!definition) {
-        reportKeyNotFound(keyName);
+        ReportMessenger::instance().reportKeyNotFound(keyName, &reference);
         return {};
     }
-    return effectiveKeyHref(keyReference, attributeView(*definition, u"href"));
+    return effectiveKeyHref(keyReference, attributeView(*definition, u"href"), reference);
 }
 
 const DOMElement* applyKeyDefinition(DOMElement& element, const DOMElement* definition,
@@ -103,10 +91,10 @@ const DOMElement* applyKeyDefinition(DOMElement& element, const DOMElement* defi
         }
         const std::u16string href = attributeOf(*definition, u"href");
         if (declaresHref && !href.empty()) {
-            element.setAttribute(u"href", effectiveKeyHref(keyReference, href).c_str());
+            element.setAttribute(u"href", effectiveKeyHref(keyReference, href, element).c_str());
         }
     } else {
-        reportKeyNotFound(keyNameOf(keyReference));
+        ReportMessenger::instance().reportKeyNotFound(keyNameOf(keyReference), &element);
     }
     element.removeAttribute(u"keyref");
     return source;
@@ -116,9 +104,7 @@ const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definiti
                                  bool declaresHref) {
     const DOMElement* const source = contentSource(element, definition, declaresHref);
     if (source) {
-        for (const DOMNode* const child : childrenOf(*source)) {
-            element.appendChild(element.getOwnerDocument()->importNode(child, true));
-        }
+        appendCopies(element, childrenOf(*source));
     }
     return source;
 }
@@ -126,7 +112,7 @@ const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definiti
 DOMElement* findChildByTag(std::u16string_view tagName, const DOMElement& parent) {
     const ElemTagBasedElementNodeFilter filter{std::u16string(tagName)};
     DOMElement* child = parent.getFirstElementChild();
-    while (child && !isAcceptedBy(filter, child)) {
+    while (child && !selects(filter, child)) {
         child = child->getNextElementSibling();
     }
     return child;

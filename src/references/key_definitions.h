@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
 /// What a key definition gives to an element that refers to it: an href, and
@@ -12,29 +11,26 @@
 /// the id of an element in what the key stands for.
 namespace marrowpress {
 
+class KeySpace;
 class ParserBundle;
 
 /// The key name in a key reference.
 std::u16string_view keyNameOf(std::u16string_view keyReference);
 
-/// The definition of exactly this key name; null if there is none.
-xercesc::DOMElement* findKeyDefinition(const xercesc::DOMDocument& keyDoc,
-                                       std::u16string_view keyName);
-
-/// Message 105.
-void reportKeyNotFound(std::u16string_view keyName);
-
 /// The href that a key reference stands for, given the "href" of the definition.
 ///
 /// An element id goes behind the topic id of the href. Where the href names no topic, it becomes
 /// the id itself in a map, and otherwise belongs to the first topic of the file ("#./id"). To know
-/// which, the document is loaded, which may report message 106.
+/// which, the document is loaded, which may report message 106. `reference` is the element that
+/// refers through the key.
 std::u16string effectiveKeyHref(std::u16string_view keyReference,
-                                std::u16string_view definitionHref);
+                                std::u16string_view definitionHref,
+                                const xercesc::DOMElement& reference);
 
-/// The effective href of a key reference. Empty without a key name; empty, after message 105,
-/// when the key isn't defined.
-std::u16string resolveKeyHref(const xercesc::DOMDocument& keyDoc, std::u16string_view keyReference);
+/// The effective href of a key reference of the element `reference`. Empty without a key name;
+/// empty, after message 105, when the key isn't defined.
+std::u16string resolveKeyHref(const KeySpace& keySpace, std::u16string_view keyReference,
+                              const xercesc::DOMElement& reference);
 
 /// Whether an element may take content from its key definition.
 enum class KeyContent { kPull, kLeave };

@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "references/element_walker.h"
+#include "dom/attributes.h"
+#include "dom/element_walker.h"
 #include "references/key_chains.h"
 #include "references/key_definitions.h"
 #include "references/multimedia_references.h"
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
+#include "support/hrefs.h"
 #include "xml/grammar_parser_cache.h"
 
 namespace marrowpress {
@@ -15,9 +15,6 @@ namespace {
 
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
-
-/// Under this name a key space document remembers that a chain pass found nothing in it.
-constexpr const XMLCh* kChainsAreResolved = u"marrowpress-key-chains-are-resolved";
 
 /// The end of a content reference's range, in the file of its start.
 std::u16string conrefendFor(const std::u16string& conref, const std::u16string& conrefend) {
@@ -31,41 +28,41 @@ std::u16string conrefendFor(const std::u16string& conref, const std::u16string& 
 
 }  // namespace
 
-void KeyrefProcessor::resolveAllKeyrefs(DOMElement* root, DOMDocument& keyDoc) const {
-    resolveKeyDefinitionChains(root, keyDoc);
-    resolveMultimediaKeyrefs(root, keyDoc);
-    resolveAbbreviatedForms(root, keyDoc);
-    resolveImageKeyrefs(root, keyDoc);
-    resolveElementKeyrefs(root, keyDoc);
-    resolveConkeyrefs(root, keyDoc);
+void KeyrefProcessor::resolveAllKeyrefs(DOMElement* root, KeySpace& keySpace) const {
+    if (root) {
+        resolveKeyDefinitionChains(keySpace, *root->getOwnerDocument());
+    }
+    resolveMultimediaKeyrefs(root, keySpace);
+    resolveAbbreviatedForms(root, keySpace);
+    resolveImageKeyrefs(root, keySpace);
+    resolveElementKeyrefs(root, keySpace);
+    resolveConkeyrefs(root, keySpace);
 }
 
-void KeyrefProcessor::resolveKeyDefinitionChains(DOMElement* root, DOMDocument& keyDoc) const {
-    if (!root) {
-        return;
-    }
-    const ParserBundle& dtd =
-        GrammarParserCache::instance().parserForDocument(*root->getOwnerDocument());
-    const bool changesKeySpace = root->getOwnerDocument() == &keyDoc;
+void KeyrefProcessor::resolveKeyDefinitionChains(KeySpace& keySpace,
+                                                 const DOMDocument& dtdSource) const {
+    const ParserBundle& dtd = GrammarParserCache::instance().parserForDocument(dtdSource);
+    const bool changesKeySpace = &dtdSource == &keySpace.document();
     if (changesKeySpace) {
-        forgetThatKeyChainsAreResolved(keyDoc);
-    } else if (keyDoc.getUserData(kChainsAreResolved)) {
+        keySpace.noteChange();
+    } else if (keySpace.areChainsResolved()) {
         // Nothing has changed the key space since a pass found no reference in it. The walk would
         // only repeat that, once for each content reference to another file.
         return;
     }
-    const std::size_t followed = KeyChainPass(keyDoc, dtd).run();
+    const std::size_t followed = KeyChainPass(keySpace, dtd).run();
     if (followed == 0 && !changesKeySpace) {
-        keyDoc.setUserData(kChainsAreResolved, &keyDoc, nullptr);
+        keySpace.noteThatChainsAreResolved();
     }
 }
 
-void KeyrefProcessor::resolveMultimediaKeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+void KeyrefProcessor::resolveMultimediaKeyrefs(DOMElement* root, const KeySpace& keySpace) const {
     ElementWalker walker(root, multimediaKeyrefFilter_);
     while (DOMElement* const element = walker.nextNode()) {
         const MultimediaNodeHandler& handler =
             multimediaNodeHandler(multimediaKeyrefFilter_.getType(element));
-        const std::u16string href = resolveKeyHref(keyDoc, handler.getKeyrefValue(*element));
+        const std::u16string href =
+            resolveKeyHref(keySpace, handler.getKeyrefValue(*element), *element);
         if (!href.empty()) {
             handler.setRefValue(*element, href);
         }
@@ -73,10 +70,11 @@ void KeyrefProcessor::resolveMultimediaKeyrefs(DOMElement* root, const DOMDocume
     }
 }
 
-void KeyrefProcessor::resolveAbbreviatedForms(DOMElement* root, const DOMDocument& keyDoc) const {
+void KeyrefProcessor::resolveAbbreviatedForms(DOMElement* root, const KeySpace& keySpace) const {
     ElementWalker walker(root, abbreviatedFormFilter_);
     while (DOMElement* const element = walker.nextNode()) {
-        const std::u16string href = resolveKeyHref(keyDoc, attributeOf(*element, u"keyref"));
+        const std::u16string href =
+            resolveKeyHref(keySpace, attributeOf(*element, u"keyref"), *element);
         if (!href.empty()) {
             element->setAttribute(u"xtrf", href.c_str());
         }
@@ -84,10 +82,11 @@ void KeyrefProcessor::resolveAbbreviatedForms(DOMElement* root, const DOMDocumen
     }
 }
 
-void KeyrefProcessor::resolveImageKeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+void KeyrefProcessor::resolveImageKeyrefs(DOMElement* root, const KeySpace& keySpace) const {
     ElementWalker walker(root, imageFilter_);
     while (DOMElement* const element = walker.nextNode()) {
-        const std::u16string href = resolveKeyHref(keyDoc, attributeOf(*element, u"keyref"));
+        const std::u16string href =
+            resolveKeyHref(keySpace, attributeOf(*element, u"keyref"), *element);
         if (!href.empty()) {
             element->setAttribute(u"href", href.c_str());
         }
@@ -95,7 +94,7 @@ void KeyrefProcessor::resolveImageKeyrefs(DOMElement* root, const DOMDocument& k
     }
 }
 
-void KeyrefProcessor::resolveElementKeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+void KeyrefProcessor::resolveElementKeyrefs(DOMElement* root, const KeySpace& keySpace) const {
     if (!root) {
         return;
     }
@@ -105,14 +104,15 @@ void KeyrefProcessor::resolveElementKeyrefs(DOMElement* root, const DOMDocument&
         GrammarParserCache::instance().parserForDocument(*root->getOwnerDocument());
     for (DOMElement* const element : elements) {
         const std::u16string keyReference = attributeOf(*element, u"keyref");
-        applyKeyDefinition(*element, findKeyDefinition(keyDoc, keyNameOf(keyReference)), dtd);
+        applyKeyDefinition(*element, keySpace.find(keyNameOf(keyReference), *element), dtd);
     }
 }
 
-void KeyrefProcessor::resolveConkeyrefs(DOMElement* root, const DOMDocument& keyDoc) const {
+void KeyrefProcessor::resolveConkeyrefs(DOMElement* root, const KeySpace& keySpace) const {
     ElementWalker walker(root, conkeyrefFilter_);
     while (DOMElement* const element = walker.nextNode()) {
-        const std::u16string conref = resolveKeyHref(keyDoc, attributeOf(*element, u"conkeyref"));
+        const std::u16string conref =
+            resolveKeyHref(keySpace, attributeOf(*element, u"conkeyref"), *element);
         const std::u16string conrefend = attributeOf(*element, u"conrefend");
         if (!conref.empty()) {
             element->setAttribute(u"conref", conref.c_str());
@@ -122,10 +122,6 @@ void KeyrefProcessor::resolveConkeyrefs(DOMElement* root, const DOMDocument& key
         }
         element->removeAttribute(u"conkeyref");
     }
-}
-
-void forgetThatKeyChainsAreResolved(DOMDocument& keyDoc) {
-    keyDoc.setUserData(kChainsAreResolved, nullptr, nullptr);
 }
 
 }  // namespace marrowpress

@@ -3,6 +3,8 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "references/key_space.h"
+#include "references/multimedia_node_filters.h"
 #include "references/node_filters.h"
 
 namespace marrowpress {
@@ -19,26 +21,28 @@ namespace marrowpress {
 ///
 /// A key that isn't defined is message 105; the element keeps its content.
 ///
-/// In every operation `root` may be null, which is a subtree without elements.
+/// In every operation `root` may be null, which is a subtree without elements. The passes over a
+/// subtree read the definitions and change none, unless the subtree is part of the key space
+/// document itself: the loader runs them there.
 class KeyrefProcessor {
 public:
     /// The six passes, in their order.
-    void resolveAllKeyrefs(xercesc::DOMElement* root, xercesc::DOMDocument& keyDoc) const;
+    void resolveAllKeyrefs(xercesc::DOMElement* root, KeySpace& keySpace) const;
 
-    /// Definitions in the key space document that themselves refer to a key.
-    void resolveKeyDefinitionChains(xercesc::DOMElement* root, xercesc::DOMDocument& keyDoc) const;
+    /// Definitions in the key space that themselves refer to a key. The DTD of `dtdSource`, the
+    /// document whose references are to be resolved next, says which element types have an "href".
+    void resolveKeyDefinitionChains(KeySpace& keySpace,
+                                    const xercesc::DOMDocument& dtdSource) const;
     /// "datakeyref" of objects and "keyref" of params.
-    void resolveMultimediaKeyrefs(xercesc::DOMElement* root,
-                                  const xercesc::DOMDocument& keyDoc) const;
+    void resolveMultimediaKeyrefs(xercesc::DOMElement* root, const KeySpace& keySpace) const;
     /// Abbreviated forms: the href goes to "xtrf", and "keyref" becomes the ignore marker.
-    void resolveAbbreviatedForms(xercesc::DOMElement* root,
-                                 const xercesc::DOMDocument& keyDoc) const;
+    void resolveAbbreviatedForms(xercesc::DOMElement* root, const KeySpace& keySpace) const;
     /// Images: the href, no content.
-    void resolveImageKeyrefs(xercesc::DOMElement* root, const xercesc::DOMDocument& keyDoc) const;
+    void resolveImageKeyrefs(xercesc::DOMElement* root, const KeySpace& keySpace) const;
     /// All other elements with a "keyref".
-    void resolveElementKeyrefs(xercesc::DOMElement* root, const xercesc::DOMDocument& keyDoc) const;
+    void resolveElementKeyrefs(xercesc::DOMElement* root, const KeySpace& keySpace) const;
     /// "conkeyref" becomes "conref", and "conrefend" follows it.
-    void resolveConkeyrefs(xercesc::DOMElement* root, const xercesc::DOMDocument& keyDoc) const;
+    void resolveConkeyrefs(xercesc::DOMElement* root, const KeySpace& keySpace) const;
 
 private:
     KeyrefAttrContainingNodeFilter keyrefFilter_;
@@ -47,9 +51,5 @@ private:
     AbbreviatedFormNodeFilter abbreviatedFormFilter_;
     ImageNodeFilter imageFilter_;
 };
-
-/// Makes the next chain pass over `keyDoc` look at every definition again. Only a change of the
-/// document that is no pass of `KeyrefProcessor` over it calls for this.
-void forgetThatKeyChainsAreResolved(xercesc::DOMDocument& keyDoc);
 
 }  // namespace marrowpress

@@ -5,9 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "references/direct_references.h"
-#include "references/element_walker.h"
-#include "support/dom_attributes.h"
+#include "dom/attributes.h"
 
 namespace marrowpress {
 namespace {
@@ -75,16 +73,6 @@ const MultimediaNodeHandler& multimediaNodeHandler(MultimediaNodeType type) {
                                     [&](const auto& handler) { return handler->type() == type; });
     assert(found != handlers.end());
     return **found;
-}
-
-void ReferenceNormalizer::makeMultimediaRefsAbsolute(DOMElement* root,
-                                                     const xercesc::DOMDocument& base) const {
-    ElementWalker walker(root, multimediaRefFilter_);
-    while (DOMElement* const element = walker.nextNode()) {
-        const MultimediaNodeHandler& handler =
-            multimediaNodeHandler(multimediaRefFilter_.getType(element));
-        handler.setRefValue(*element, makeAbsoluteHref(handler.getRefValue(*element), base));
-    }
 }
 
 }  // namespace marrowpress

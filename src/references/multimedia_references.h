@@ -3,7 +3,7 @@
 #include <string>
 #include <xercesc/dom/DOMElement.hpp>
 
-#include "references/node_filters.h"
+#include "references/multimedia_node_filters.h"
 
 namespace marrowpress {
 

@@ -1,48 +1,21 @@
 #include "references/node_filters.h"
 
 #include <algorithm>
-#include <functional>
 
-#include "references/reference_resolution.h"
-#include "support/dom_attributes.h"
-#include "support/request_singleton.h"
+#include "dom/attributes.h"
+#include "references/exclusion_filter.h"
 
 namespace marrowpress {
 namespace {
 
 using xercesc::DOMElement;
-using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
 using FilterAction = DOMNodeFilter::FilterAction;
 
 /// How many characters open a class value: a sign and a blank.
 constexpr std::size_t kClassOpening = 2;
 
-FilterAction acceptIf(bool isSelected) {
-    return isSelected ? DOMNodeFilter::FILTER_ACCEPT : DOMNodeFilter::FILTER_SKIP;
-}
-
-bool isExcluded(const DOMElement& element) {
-    const ExclusionFilterHolder* const holder = RequestSingleton<ExclusionFilterHolder>::existing();
-    return holder && holder->excludes(element);
-}
-
 }  // namespace
-
-const DOMElement* asElement(const DOMNode* node) noexcept {
-    return node && node->getNodeType() == DOMNode::ELEMENT_NODE
-               ? dynamic_cast<const DOMElement*>(node)
-               : nullptr;
-}
-
-ExclusionFilterHolder& ExclusionFilterHolder::instance() {
-    return RequestSingleton<ExclusionFilterHolder>::instance();
-}
-
-FilterAction ElementNodeFilter::acceptNode(const DOMNode* node) const {
-    const DOMElement* const element = asElement(node);
-    return element ? acceptElement(*element) : FILTER_REJECT;
-}
 
 FilterAction ClassBasedElementNodeFilter::acceptElement(const DOMElement& element) const {
     const std::u16string_view classValue = attributeView(element, u"class");
@@ -143,105 +116,6 @@ std::uint32_t DirectRefAttrContainingNodeFilter::mask(const DOMElement& element)
 
 FilterAction DirectRefAttrContainingNodeFilter::acceptElement(const DOMElement& element) const {
     return acceptIf(mask(element) != 0);
-}
-
-FilterAction DitamapRefNodeFilter::acceptElement(const DOMElement& element) const {
-    if (isExcluded(element)) {
-        return FILTER_REJECT;
-    }
-    const DitaDocKind kind = classifyReference(readDitaReference(element, context_));
-    return acceptIf(kind == DitaDocKind::DitaDocMap || kind == DitaDocKind::DitaDocUnknownXml);
-}
-
-namespace {
-
-using MultimediaTest = std::function<MultimediaNodeType(const DOMNode*)>;
-/// The object test and the param test, in the order in which they are tried.
-using MultimediaTests = std::array<MultimediaTest, 2>;
-
-const ClassBasedElementNodeFilter& objectFilter() {
-    static const ClassBasedElementNodeFilter filter(u"topic/object ", {u"object"});
-    return filter;
-}
-
-const ClassBasedElementNodeFilter& paramFilter() {
-    static const ClassBasedElementNodeFilter filter(u"topic/param ", {u"param"});
-    return filter;
-}
-
-/// A test that gives `type` for what both `filter` and `hasReference` select.
-template <class HasReference>
-MultimediaTest makeTest(const ClassBasedElementNodeFilter& filter, MultimediaNodeType type,
-                        HasReference hasReference) {
-    return [&filter, type, hasReference](const DOMNode* node) {
-        const FilterAction action = filter.acceptNode(node);
-        if (action == DOMNodeFilter::FILTER_REJECT) {
-            return MultimediaNodeType::MultimediaNodeRejected;
-        }
-        const bool isSelected =
-            action == DOMNodeFilter::FILTER_ACCEPT && hasReference(*asElement(node));
-        return isSelected ? type : MultimediaNodeType::MultimediaNodeNone;
-    };
-}
-
-template <class HasReference>
-MultimediaTest makeObjectTest(HasReference hasReference) {
-    return makeTest(objectFilter(), MultimediaNodeType::MultimediaNodeObject, hasReference);
-}
-
-template <class HasReference>
-MultimediaTest makeParamTest(HasReference hasReference) {
-    return makeTest(paramFilter(), MultimediaNodeType::MultimediaNodeParam, hasReference);
-}
-
-MultimediaNodeType firstAnswer(const MultimediaTests& tests, const DOMNode* node) {
-    const MultimediaNodeType object = tests[0](node);
-    return object == MultimediaNodeType::MultimediaNodeNone ? tests[1](node) : object;
-}
-
-FilterAction actionFor(MultimediaNodeType type) {
-    switch (type) {
-        case MultimediaNodeType::MultimediaNodeNone:
-            return DOMNodeFilter::FILTER_SKIP;
-        case MultimediaNodeType::MultimediaNodeRejected:
-            return DOMNodeFilter::FILTER_REJECT;
-        case MultimediaNodeType::MultimediaNodeObject:
-        case MultimediaNodeType::MultimediaNodeParam:
-            break;
-    }
-    return DOMNodeFilter::FILTER_ACCEPT;
-}
-
-}  // namespace
-
-FilterAction MultimediaRefAttrContainingNodeFilter::acceptNode(const DOMNode* node) const {
-    return actionFor(getType(node));
-}
-
-MultimediaNodeType MultimediaRefAttrContainingNodeFilter::getType(const DOMNode* node) const {
-    static const MultimediaTests tests{
-        makeObjectTest(
-            [](const DOMElement& object) { return !attributeView(object, u"data").empty(); }),
-        makeParamTest([](const DOMElement& param) {
-            const std::u16string_view name = attributeView(param, u"name");
-            const bool isReference = name == u"src" || name == u"poster";
-            return isReference && !attributeView(param, u"value").empty();
-        })};
-    return firstAnswer(tests, node);
-}
-
-FilterAction MultimediaKeyrefAttrContainingNodeFilter::acceptNode(const DOMNode* node) const {
-    return actionFor(getType(node));
-}
-
-MultimediaNodeType MultimediaKeyrefAttrContainingNodeFilter::getType(const DOMNode* node) const {
-    static const MultimediaTests tests{makeObjectTest([](const DOMElement& object) {
-                                           return !attributeView(object, u"datakeyref").empty();
-                                       }),
-                                       makeParamTest([](const DOMElement& param) {
-                                           return !attributeView(param, u"keyref").empty();
-                                       })};
-    return firstAnswer(tests, node);
 }
 
 }  // namespace marrowpress

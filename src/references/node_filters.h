@@ -2,14 +2,13 @@
 
 #include <array>
 #include <cstdint>
-#include <initializer_list>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
-#include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
-#include <xercesc/dom/DOMNodeFilter.hpp>
+
+#include "dom/element_node_filter.h"
 
 /// The selections of elements that everything else is built on: each is one
 /// small filter, used by a walker or asked directly about one element.
@@ -18,40 +17,6 @@
 /// comparisons are exact, by code unit, and a missing attribute reads as empty.
 /// Filters keep nothing from one call to the next.
 namespace marrowpress {
-
-/// `node` as an element; null when it is none.
-const xercesc::DOMElement* asElement(const xercesc::DOMNode* node) noexcept;
-
-/// Holder of the filter that says what profiling excludes from the run.
-///
-/// The filter accepts an element that is excluded. An empty holder excludes
-/// nothing.
-class ExclusionFilterHolder {
-public:
-    static ExclusionFilterHolder& instance();
-
-    /// Puts `filter`, which may be null, in the place of the one that is held.
-    void reset(std::unique_ptr<xercesc::DOMNodeFilter> filter) { filter_ = std::move(filter); }
-
-    /// The filter, or null.
-    const xercesc::DOMNodeFilter* filter() const noexcept { return filter_.get(); }
-
-    bool excludes(const xercesc::DOMElement& element) const {
-        return filter_ && filter_->acceptNode(&element) == xercesc::DOMNodeFilter::FILTER_ACCEPT;
-    }
-
-private:
-    std::unique_ptr<xercesc::DOMNodeFilter> filter_;
-};
-
-/// A filter of elements: what is no element never gets to `acceptElement`.
-class ElementNodeFilter : public xercesc::DOMNodeFilter {
-public:
-    FilterAction acceptNode(const xercesc::DOMNode* node) const final;
-
-protected:
-    virtual FilterAction acceptElement(const xercesc::DOMElement& element) const = 0;
-};
 
 /// Selects by DITA class: the token has to stand at the start of the class
 /// value, behind its first two characters, which are not looked at. Where an
@@ -224,43 +189,6 @@ private:
         std::uint32_t bit;
     };
     std::vector<Entry> entries_{{u"href", 1}, {u"conref", 2}, {u"conrefend", 4}, {u"xtrf", 8}};
-};
-
-/// Selects references to maps, and to XML files that only a look into them can tell. What
-/// profiling excludes is rejected.
-class DitamapRefNodeFilter final : public ElementNodeFilter {
-public:
-    /// The document in whose context references are resolved; may be null.
-    void setContext(const xercesc::DOMDocument* document) noexcept { context_ = document; }
-
-protected:
-    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
-
-private:
-    const xercesc::DOMDocument* context_ = nullptr;
-};
-
-enum class MultimediaNodeType : std::int32_t {
-    MultimediaNodeNone = -1,
-    MultimediaNodeObject = 0,
-    MultimediaNodeParam = 1,
-    MultimediaNodeRejected = 2,
-};
-
-/// Selects what refers to media: an object by "data", or a param named "src" or "poster" by its
-/// "value".
-class MultimediaRefAttrContainingNodeFilter final : public xercesc::DOMNodeFilter {
-public:
-    FilterAction acceptNode(const xercesc::DOMNode* node) const override;
-    MultimediaNodeType getType(const xercesc::DOMNode* node) const;
-};
-
-/// Selects what refers to media by a key: an object by "datakeyref", or a param of any name by
-/// "keyref".
-class MultimediaKeyrefAttrContainingNodeFilter final : public xercesc::DOMNodeFilter {
-public:
-    FilterAction acceptNode(const xercesc::DOMNode* node) const override;
-    MultimediaNodeType getType(const xercesc::DOMNode* node) const;
 };
 
 }  // namespace marrowpress

@@ -1,11 +1,11 @@
 #include "xml/document_store.h"
 
-#include "client/host_operations.h"
-#include "client/messages.h"
-#include "references/element_walker.h"
+#include "application/host_operations.h"
+#include "application/messengers.h"
+#include "dom/element_walker.h"
+#include "dom/nesting_depth.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
-#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -45,7 +45,8 @@ DocumentStore& DocumentStore::instance() {
     return RequestSingleton<DocumentStore>::instance();
 }
 
-xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path) {
+xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path,
+                                               const xercesc::DOMElement* reference) {
     const auto known = documents_.find(path);
     if (known != documents_.end()) {
         return known->second;
@@ -53,13 +54,14 @@ xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path) {
     recordIfOpen(path);
     xercesc::DOMDocument* const document = load(path);
     if (!document) {
-        ReportMessenger::instance().reportMessage(MessageId::kCannotRead, toUtf8(path));
+        ReportMessenger::instance().reportCannotRead(path, reference);
     }
     return document;
 }
 
-xercesc::DOMDocument& DocumentStore::mustLoad(const std::u16string& path) {
-    xercesc::DOMDocument* const document = getOrLoad(path);
+xercesc::DOMDocument& DocumentStore::mustLoad(const std::u16string& path,
+                                              const xercesc::DOMElement* reference) {
+    xercesc::DOMDocument* const document = getOrLoad(path, reference);
     if (!document) {
         throw PublishException();
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 #include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
 #include "support/text.h"
@@ -59,13 +60,16 @@ public:
     /// The document of the file at `path`; null, after message 106, when it can't be read. It is
     /// the store's. Never throws for a file that can't be read: each further request for it tries,
     /// and reports, again. The empty path is reported once. A document that nests too deeply to be
-    /// worked on counts as one that can't be read.
-    xercesc::DOMDocument* getOrLoad(const std::u16string& path);
+    /// worked on counts as one that can't be read. `reference` is the element that leads to the
+    /// file, null where none does.
+    xercesc::DOMDocument* getOrLoad(const std::u16string& path,
+                                    const xercesc::DOMElement* reference = nullptr);
 
     /// As `getOrLoad`, for a document without which a run can't go on.
     ///
     /// @throws PublishException in place of null.
-    xercesc::DOMDocument& mustLoad(const std::u16string& path);
+    xercesc::DOMDocument& mustLoad(const std::u16string& path,
+                                   const xercesc::DOMElement* reference = nullptr);
 
     /// Whether the document of `path` has been asked for before and is kept.
     bool holds(const std::u16string& path) const { return documents_.contains(path); }

@@ -6,13 +6,14 @@
 #include <system_error>
 #include <xercesc/dom/DOM.hpp>
 
-#include "client/messages.h"
-#include "references/reference_resolution.h"
+#include "application/messengers.h"
+#include "dom/document_path.h"
+#include "dom/nesting_depth.h"
+#include "marrowpress/output_names.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/checked_file_target.h"
-#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {
@@ -87,7 +88,7 @@ WriteStatus writeDocument(const xercesc::DOMDocument* document, const std::u16st
         serialize(*implementation, *document, path);
         return WriteStatus::kWritten;
     } catch (...) {
-        ReportMessenger::instance().reportMessage(MessageId::kCannotWrite, toUtf8(path));
+        ReportMessenger::instance().reportCannotWrite(path);
         return WriteStatus::kFailed;
     }
 }
@@ -96,8 +97,8 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
     if (!document) {
         return WriteStatus::kFailed;
     }
-    const std::u16string target = uriToPath(domText(document->getDocumentURI()));
-    const std::u16string temporary = target + u"_tmp";
+    const std::u16string target = documentPath(*document);
+    const std::u16string temporary = target + toUtf16(kAsideSuffix);
     moveFile(target, temporary);
     const WriteStatus status = writeDocument(document, target);
     if (status == WriteStatus::kWritten) {
@@ -108,8 +109,8 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
     return status;
 }
 
-WriteStatus writeEmptyDocument(const std::string& rootName, const std::string& publicId,
-                        const std::string& systemId, const std::u16string& path) {
+WriteStatus writeEmptyDocument(std::string_view rootName, std::string_view publicId,
+                               std::string_view systemId, const std::u16string& path) {
     XercesPtr<xercesc::DOMDocument> document;
     if (xercesc::DOMImplementation* const implementation = loadAndSaveImplementation()) {
         const std::u16string root = toUtf16(rootName);

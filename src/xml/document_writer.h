@@ -27,7 +27,7 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document);
 
 /// Writes a document of nothing but a doctype and a root element. The first three texts are
 /// UTF-8. A failure is message 107.
-WriteStatus writeEmptyDocument(const std::string& rootName, const std::string& publicId,
-                        const std::string& systemId, const std::u16string& path);
+WriteStatus writeEmptyDocument(std::string_view rootName, std::string_view publicId,
+                               std::string_view systemId, const std::u16string& path);
 
 }  // namespace marrowpress

@@ -9,7 +9,7 @@
 #include <xercesc/util/XMLURL.hpp>
 #include <xercesc/util/XMLUri.hpp>
 
-#include "client/host_operations.h"
+#include "application/host_operations.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"

@@ -4,7 +4,7 @@
 #include <xercesc/dom/DOMDocumentType.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
-#include "references/reference_resolution.h"
+#include "dom/document_path.h"
 #include "support/request_singleton.h"
 #include "support/scope_exit.h"
 #include "support/xerces_ptr.h"
@@ -52,7 +52,7 @@ std::u16string GrammarParserCache::resolveDtdPath(const xercesc::DOMDocument& do
     xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar,
                                               doctype->getSystemId(), doctype->getNamespaceURI(),
                                               doctype->getPublicId(), nullptr, nullptr);
-    sendStart(uriToPath(domText(document.getDocumentURI())));
+    sendStart(documentPath(document));
     const ScopeExit endSession([] { sendEnd(); });
     return resolver_.resolvePath(identifier);
 }

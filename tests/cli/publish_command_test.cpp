@@ -313,12 +313,5 @@ TEST(MissingFileTest, IsTheFirstThatIsNoFile) {
               "the run ended, but " + folder.path().string() + end);
 }
 
-TEST(CannotWriteTest, IsToldByTheTextInFrontOfTheArgument) {
-    EXPECT_TRUE(saysCannotWrite("Speichern nicht möglich: /o.dita\r\n"));
-    EXPECT_FALSE(saysCannotWrite("Lesen nicht möglich: /o.dita\r\n"));
-    EXPECT_FALSE(saysCannotWrite("Lesen nicht möglich: Speichern nicht möglich: \r\n"));
-    EXPECT_FALSE(saysCannotWrite(""));
-}
-
 }  // namespace
 }  // namespace marrowpress

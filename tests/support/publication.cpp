@@ -115,7 +115,9 @@ Publication PublicationCase::publish() const {
     options.resolvePublicId = [&](std::string_view publicId) {
         return catalogs.resolvePublic(publicId);
     };
-    options.onConsole = [&](std::string_view text) { result.console += text; };
+    options.onConsole = [&](std::optional<MessageId>, std::string_view text) {
+        result.console += text;
+    };
     options.onProgress = [&](std::string_view text) {
         result.progress += text;
         result.progress += '\n';

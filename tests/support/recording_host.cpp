@@ -65,7 +65,9 @@ private:
             }
             return found->second;
         };
-        options.onConsole = appendTo(owner.console_);
+        options.onConsole = [&owner](std::optional<MessageId>, std::string_view line) {
+            owner.console_.emplace_back(line);
+        };
         options.onProgress = appendTo(owner.progress_);
         options.trace = &trace_;
         return options;

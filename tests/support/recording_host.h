@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "client/client_library.h"
+#include "application/connection.h"
 #include "host/stand_in_host.h"
 
 namespace marrowpress {

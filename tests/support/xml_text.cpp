@@ -5,7 +5,7 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
 #include "references/node_filters.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"

@@ -4,10 +4,11 @@
 
 #include <functional>
 
-#include "client/host_operations.h"
+#include "application/host_operations.h"
+#include "application/text_layer.h"
 #include "client/notifications.h"
-#include "tests/unit/client/icu_data_directory.h"
-#include "tests/unit/client/scripted_host.h"
+#include "tests/support/icu_data_directory.h"
+#include "tests/support/scripted_host.h"
 
 namespace marrowpress {
 namespace {
@@ -190,8 +191,8 @@ TEST_F(ClientAttachmentTest, AHostThatRefusesIsNoFailure) {
 
 TEST_F(ClientAttachmentTest, TheHostsCallsReachTheCallbacks) {
     ASSERT_EQ(attach(&module, nullptr), 0);
-    const auto lifecycle = HostRef<IClientLifecycle>::query(*host.client);
-    const auto notification = HostRef<IClientNotification>::query(*host.client);
+    const auto lifecycle = InterfaceRef<IClientLifecycle>::query(host.client);
+    const auto notification = InterfaceRef<IClientNotification>::query(host.client);
     ASSERT_TRUE(lifecycle && notification);
     EXPECT_EQ(lifecycle->initialize(7), kComOk);
     EXPECT_EQ(lastInitCode, 7U);

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "client/host_operations.h"
+#include "application/host_operations.h"
 #include "client/version_resource.h"
-#include "tests/unit/client/scripted_host.h"
+#include "tests/support/scripted_host.h"
 
 namespace marrowpress {
 namespace {
@@ -114,20 +114,20 @@ protected:
     }
     ~QuillstoneNotificationsCTest() override { current = nullptr; }
 
-    HostRef<QuillstoneNotificationsC> make(const ClientCallbacks& callbacks) {
-        return HostRef<QuillstoneNotificationsC>(
+    InterfaceRef<QuillstoneNotificationsC> make(const ClientCallbacks& callbacks) {
+        return InterfaceRef<QuillstoneNotificationsC>(
             QuillstoneNotificationsC::create(QsApiInterfacesC(host.provider()), callbacks));
     }
 
     ScriptedHost host;
-    HostRef<QuillstoneNotificationsC> client = make({&takeInitCode, &takeNotification});
+    InterfaceRef<QuillstoneNotificationsC> client = make({&takeInitCode, &takeNotification});
 };
 
 TEST_F(QuillstoneNotificationsCTest, ConnectsTheHostOperationsWhileItLives) {
     EXPECT_EQ(QsApiInterfacesC::connected(), client.get());
     HostEnableUnicode(1);
     EXPECT_EQ(host.calls, Lines{"enableUnicode 1"});
-    client = HostRef<QuillstoneNotificationsC>();
+    client = InterfaceRef<QuillstoneNotificationsC>();
     EXPECT_EQ(QsApiInterfacesC::connected(), nullptr);
     EXPECT_EQ(host.references, 0U);
 }
@@ -172,11 +172,11 @@ TEST_F(QuillstoneNotificationsCTest, LivesUntilTheLastReferenceGoes) {
 
 TEST_F(QuillstoneNotificationsCTest, HoldsOneReferenceOnTheKeptObject) {
     ScriptedHost kept;
-    client->keptAlive = HostRef<IHostObject>::share(&kept.provider());
+    client->keptAlive = InterfaceRef<IHostObject>::share(&kept.provider());
     EXPECT_EQ(kept.references, 1U);
-    client->keptAlive = HostRef<IHostObject>::share(&kept.provider());
+    client->keptAlive = InterfaceRef<IHostObject>::share(&kept.provider());
     EXPECT_EQ(kept.references, 1U);
-    client = HostRef<QuillstoneNotificationsC>();
+    client = InterfaceRef<QuillstoneNotificationsC>();
     EXPECT_EQ(kept.references, 0U);
 }
 
@@ -255,7 +255,8 @@ TEST_F(QuillstoneNotificationsCTest, TerminationKeepsTheHost) {
 }
 
 TEST_F(QuillstoneNotificationsCTest, WhatACallbackThrowsEndsHere) {
-    const HostRef<QuillstoneNotificationsC> throwing = make({&throwAtInitialize, &throwAtNotify});
+    const InterfaceRef<QuillstoneNotificationsC> throwing =
+        make({&throwAtInitialize, &throwAtNotify});
     EXPECT_EQ(throwing->initialize(1), static_cast<ComStatus>(0x8000FFFFU));
     EXPECT_EQ(throwing->notify(13, 0, "", 0), static_cast<ComStatus>(0x8000FFFFU));
     EXPECT_EQ(throwing->notify(75, 0,

@@ -13,16 +13,19 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
 
-#include "client/host_operations.h"
-#include "client/messages.h"
+#include "application/host_operations.h"
+#include "application/messengers.h"
+#include "application/text_layer.h"
+#include "client/client_attachment.h"
 #include "profiling/condition_merge.h"
 #include "references/direct_references.h"
+#include "references/exclusion_filter.h"
 #include "references/node_filters.h"
 #include "support/request_singleton.h"
+#include "tests/support/icu_data_directory.h"
+#include "tests/support/refused_converters.h"
+#include "tests/support/scripted_host.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/unit/client/icu_data_directory.h"
-#include "tests/unit/client/refused_converters.h"
-#include "tests/unit/client/scripted_host.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
 
@@ -77,19 +80,11 @@ using OnClientInitializeTest = RequestDispatchTest;
 
 TEST_F(OnClientInitializeTest, SubscribesInItsOrder) {
     const IcuDataDirectory none;
-    HostSetClientEncoding("QuillRoman");
     HostFinishMessageLoop = false;
-    std::map<std::string, std::string> encodings;
-    host.onCall = [&](const std::string& call) {
-        encodings[call] = hostClientEncoding();
-        EXPECT_FALSE(HostFinishMessageLoop) << call;
-    };
+    host.onCall = [&](const std::string& call) { EXPECT_FALSE(HostFinishMessageLoop) << call; };
     onClientInitialize(1);
     EXPECT_EQ(host.calls,
               Lines({"enableUnicode 1", "getStringProp 0 0 89", "registerNotification 13 1"}));
-    EXPECT_EQ(encodings["enableUnicode 1"], "QuillRoman");
-    EXPECT_EQ(encodings["getStringProp 0 0 89"], "QuillRoman");
-    EXPECT_EQ(encodings["registerNotification 13 1"], "UTF-8");
     EXPECT_TRUE(HostFinishMessageLoop);
 }
 
@@ -108,12 +103,10 @@ TEST_F(OnClientInitializeTest, DoesNotAskForTheDataOfAnIcuThatHasIts) {
 
 TEST_F(OnClientInitializeTest, OtherCodesDoNothing) {
     const IcuDataDirectory none;
-    HostSetClientEncoding("QuillRoman");
     HostFinishMessageLoop = false;
     for (const std::uint32_t code : {0U, 2U, 13U, 0x100U, 0xFFFFFFFFU}) {
         onClientInitialize(code);
         EXPECT_EQ(host.calls, Lines{}) << code;
-        EXPECT_EQ(hostClientEncoding(), "QuillRoman") << code;
         EXPECT_FALSE(HostFinishMessageLoop) << code;
     }
 }

@@ -7,13 +7,14 @@
 #include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
-#include "client/messages.h"
+#include "application/messengers.h"
 #include "profiling/condition_merge.h"
 #include "references/direct_references.h"
+#include "references/exclusion_filter.h"
 #include "references/node_filters.h"
 #include "support/request_singleton.h"
 #include "support/xerces_ptr.h"
-#include "tests/unit/client/scripted_host.h"
+#include "tests/support/scripted_host.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
 

@@ -8,8 +8,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/interface_ref.h"
 #include "host/trace.h"
+#include "marrowpress/interface_ref.h"
 
 namespace marrowpress {
 namespace {
@@ -309,7 +309,7 @@ struct XmlUtilitiesProbe {
     TypedValues callTyped(const char* client, const char* command) {
         HostTypedValueList reply{9, nullptr};
         EXPECT_EQ(clients->callClientTyped(client, command, &reply, nullptr), kComOk);
-        return copyTypedValues(TypedValuesOwner(reply).get());
+        return copyTypedValues(HostTypedValues(reply).list());
     }
 
     InterfaceRef<IHostClients> clients;
@@ -355,16 +355,23 @@ TEST_F(StandInHostTest, ShowsLinesAsTheyAre) {
     std::vector<std::string> lines;
     StandInHostOptions options;
     options.onProgress = [&](std::string_view line) { lines.emplace_back(line); };
-    options.onConsole = options.onProgress;
+    options.onConsole = [&](std::optional<MessageId> id, std::string_view line) {
+        EXPECT_EQ(id, lines.size() == 1 ? std::nullopt : std::optional(MessageId::kCannotWrite));
+        lines.emplace_back(line);
+    };
     StandInHost host(options);
     InterfaceRef<IHostProgress>::query(&host.provider())->reportProgress(4, "50 %s", -1, nullptr);
     InterfaceRef<IHostConsole>::query(&host.provider())->write("%n%n\r\n", nullptr);
-    EXPECT_EQ(lines, (std::vector<std::string>{"50 %s", "%n%n\r\n"}));
+    const std::string cannotWrite = "Speichern nicht möglich: %n\r\n";
+    InterfaceRef<IHostConsole>::query(&host.provider())->write(cannotWrite.c_str(), nullptr);
+    EXPECT_EQ(lines, (std::vector<std::string>{"50 %s", "%n%n\r\n", cannotWrite}));
 }
 
 TEST_F(StandInHostTest, ThrowsNothingThroughTheClient) {
     StandInHostOptions options;
-    options.onConsole = [](std::string_view) { throw std::runtime_error("full"); };
+    options.onConsole = [](std::optional<MessageId>, std::string_view) {
+        throw std::runtime_error("full");
+    };
     options.resolvePublicId = [](std::string_view) -> std::optional<std::string> { throw 1; };
     StandInHost host(options);
     EXPECT_EQ(InterfaceRef<IHostConsole>::query(&host.provider())->write("x", nullptr), kComFailed);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "dom/nodes.h"
+#include "references/exclusion_filter.h"
 #include "support/publish_exception.h"
 #include "support/xerces_ptr.h"
 #include "tests/unit/references/key_samples.h"
@@ -20,19 +22,19 @@ class KeySpaceLoaderTest : public KeySampleTest {
 protected:
     KeySpaceLoaderTest() { writePlain("out/beside.txt", "Stays."); }
 
-    DOMDocument& keySpaceOfRoot() {
+    KeySpace keySpaceOfRoot() {
         return KeySpaceLoader().load(folder.file16("root.ditamap"), keysPath(), topicIds,
                                      u"keys.dtd");
     }
-    DOMDocument& keySpaceOfMap(std::string_view content) {
+    KeySpace keySpaceOfMap(std::string_view content) {
         write("root.ditamap", mapOf(content));
         return keySpaceOfRoot();
     }
     /// The definitions, one after the other.
-    std::string definitions(const DOMDocument& keySpace) const {
+    std::string definitions(const KeySpace& keySpace) const {
         std::string text;
-        for (const DOMElement* child = keySpace.getDocumentElement()->getFirstElementChild(); child;
-             child = child->getNextElementSibling()) {
+        for (const DOMElement* const child :
+             childElementsOf(*keySpace.document().getDocumentElement())) {
             text += shown(*child);
         }
         return text;
@@ -65,23 +67,23 @@ protected:
 };
 
 TEST_F(KeySpaceLoaderTest, TheKeySpaceIsADocumentWithOneDefinitionForEachKey) {
-    const DOMDocument& keySpace =
+    KeySpace keySpace =
         keySpaceOfMap("<title/><keydef keys='a b' href='t.dita'/><topicref keys='c'/>");
-    EXPECT_EQ(shown(keySpace),
+    EXPECT_EQ(shown(keySpace.document()),
               std::string(kDoctype) +
                   R"(<map><keydef href="$F/t.dita" keys="a"/>)"
                   R"(<keydef href="$F/t.dita" keys="b"/><topicref keys="c"/></map>)");
-    EXPECT_EQ(toUtf8(domText(keySpace.getDocumentURI())),
+    EXPECT_EQ(toUtf8(domText(keySpace.document().getDocumentURI())),
               "file://" + folder.file("out/Keys.ditamap"));
-    EXPECT_EQ(&keySpace, &DocumentStore::instance().mustLoad(keysPath()));
+    EXPECT_EQ(&keySpace.document(), &DocumentStore::instance().mustLoad(keysPath()));
     for (const char* const key : {"a", "b", "c"}) {
         const DOMElement* const found =
-            keySpace.getElementById(toUtf16(std::string_view(key)).c_str());
+            keySpace.document().getElementById(toUtf16(std::string_view(key)).c_str());
         ASSERT_NE(found, nullptr) << key;
         EXPECT_EQ(attribute(*found, "keys"), key);
-        EXPECT_EQ(found->getParentNode(), keySpace.getDocumentElement());
+        EXPECT_EQ(found->getParentNode(), keySpace.document().getDocumentElement());
     }
-    EXPECT_EQ(keySpace.getElementById(u"a b"), nullptr);
+    EXPECT_EQ(keySpace.document().getElementById(u"a b"), nullptr);
 }
 
 TEST_F(KeySpaceLoaderTest, TheFileHoldsTheEmptyDocument) {
@@ -102,11 +104,12 @@ TEST_F(KeySpaceLoaderTest, TheDtdIsWrittenInUtf8) {
 }
 
 TEST_F(KeySpaceLoaderTest, AMapWithoutKeysGivesAnEmptyKeySpace) {
-    EXPECT_EQ(shown(*keySpaceOfMap("<topicref href='none.dita'/>").getDocumentElement()), "<map/>");
+    EXPECT_EQ(shown(*keySpaceOfMap("<topicref href='none.dita'/>").document().getDocumentElement()),
+              "<map/>");
 }
 
 TEST_F(KeySpaceLoaderTest, ADefinitionIsADeepCopy) {
-    const DOMDocument& keySpace = keySpaceOfMap(
+    KeySpace keySpace = keySpaceOfMap(
         "<keydef keys='k' href='t.dita#t/e' format='dita' scope='local' audience='a' id='i'>"
         "text<topicmeta><navtitle>N<!--c--><?i d?></navtitle></topicmeta></keydef>");
     EXPECT_EQ(definition(keySpace, "k"),
@@ -120,8 +123,8 @@ TEST_F(KeySpaceLoaderTest, ADefinitionIsADeepCopy) {
 }
 
 TEST_F(KeySpaceLoaderTest, CopiesHaveTheClassValuesOfTheKeySpaceDtd) {
-    const DOMDocument& keySpace = keySpaceOfMap("<keydef keys='k'><topicmeta/></keydef>");
-    const DOMElement& definition = *findKeyDefinition(keySpace, u"k");
+    KeySpace keySpace = keySpaceOfMap("<keydef keys='k'><topicmeta/></keydef>");
+    const DOMElement& definition = *definitionOf(keySpace, u"k");
     EXPECT_EQ(attribute(definition, "class"), "+ map/topicref mapgroup-d/keydef ");
     EXPECT_EQ(attribute(*definition.getFirstElementChild(), "class"), "- map/topicmeta ");
 }
@@ -168,10 +171,10 @@ INSTANTIATE_TEST_SUITE_P(, KeyNamesTest, testing::ValuesIn(kNamesCases),
                          [](const auto& example) { return example.param.name; });
 
 TEST_F(KeySpaceLoaderTest, ANestedKeyIsFoundAtItsOwnDefinition) {
-    const DOMDocument& keySpace = keySpaceOfMap("<keydef keys='o'><keydef keys='i'/></keydef>");
-    const DOMElement* const inner = findKeyDefinition(keySpace, u"i");
+    KeySpace keySpace = keySpaceOfMap("<keydef keys='o'><keydef keys='i'/></keydef>");
+    const DOMElement* const inner = definitionOf(keySpace, u"i");
     ASSERT_NE(inner, nullptr);
-    EXPECT_EQ(inner->getParentNode(), keySpace.getDocumentElement());
+    EXPECT_EQ(inner->getParentNode(), keySpace.document().getDocumentElement());
 }
 
 TEST_F(KeySpaceLoaderTest, TheDocumentElementCanDefineAKey) {
@@ -185,7 +188,7 @@ TEST_F(KeySpaceLoaderTest, EachCopyIsNormalisedAgainstItsOwnMap) {
           mapOf("<keydef keys='d' href='t.dita'><topicmeta><ph xtrf='x#y'/><ph xtrf='#z'/>"
                 "<object data='o.mp4'/></topicmeta></keydef>"
                 "<keydef keys='e' href='http://host/t.dita'/>"));
-    const DOMDocument& keySpace =
+    KeySpace keySpace =
         keySpaceOfMap("<keydef keys='r' href='t.dita'/><mapref href='sub/deep.ditamap'/>");
     EXPECT_EQ(definitions(keySpace), R"(<keydef href="$F/t.dita" keys="r"/>)"
                                      R"(<keydef href="$F/sub/t.dita" keys="d"><topicmeta>)"
@@ -195,14 +198,13 @@ TEST_F(KeySpaceLoaderTest, EachCopyIsNormalisedAgainstItsOwnMap) {
 }
 
 TEST_F(KeySpaceLoaderTest, TopicsInCopiesGetIdsOfTheirOwn) {
-    const DOMDocument& keySpace =
-        keySpaceOfMap("<keydef keys='a b' id='i'><topic id='t'/></keydef>");
+    KeySpace keySpace = keySpaceOfMap("<keydef keys='a b' id='i'><topic id='t'/></keydef>");
     const auto topicId = [&](std::u16string_view key) {
-        return attribute(*findKeyDefinition(keySpace, key)->getFirstElementChild(), "id");
+        return attribute(*definitionOf(keySpace, key)->getFirstElementChild(), "id");
     };
     EXPECT_EQ(topicId(u"a"), "id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5");
     EXPECT_EQ(topicId(u"b"), "id2c358220-dfb7-47f8-8500-d3e9e1af9538");
-    EXPECT_EQ(attribute(*findKeyDefinition(keySpace, u"b"), "id"), "i");
+    EXPECT_EQ(attribute(*definitionOf(keySpace, u"b"), "id"), "i");
     EXPECT_EQ(topicIds.find(folder.file16("root.ditamap") + u"#t"),
               u"#id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5");
     EXPECT_EQ(topicIds.byReference().size(), 1U);
@@ -282,7 +284,7 @@ TEST_F(KeySpaceLoaderTest, TopicsAreNotRead) {
 TEST_F(KeySpaceLoaderTest, AFragmentTakesThePlaceOfItsReference) {
     write("part.ditamap", mapOf("<topicref id='f'><keydef keys='k' id='inPart'/></topicref>"
                                 "<keydef keys='rest k2' id='inPart2'/>"));
-    const DOMDocument& keySpace = keySpaceOfMap(
+    KeySpace keySpace = keySpaceOfMap(
         "<mapref href='part.ditamap'/><keydef keys='before'/><mapref href='part.ditamap#f'/>"
         "<keydef keys='k' id='late'/><keydef keys='k2' id='early'/>");
     EXPECT_EQ(definitions(keySpace),
@@ -357,7 +359,7 @@ TEST_F(KeySpaceLoaderTest, AHashWithoutATopicIdMeansTheWholeMap) {
 TEST_F(KeySpaceLoaderTest, AFragmentIsNormalisedAgainstTheMapThatItWasPulledInto) {
     write("sub/part.ditamap",
           mapOf("<keydef id='f' keys='k' href='t.dita'><topic id='t'/></keydef>"));
-    const DOMDocument& keySpace = keySpaceOfMap("<mapref href='sub/part.ditamap#f'/>");
+    KeySpace keySpace = keySpaceOfMap("<mapref href='sub/part.ditamap#f'/>");
     EXPECT_NE(definition(keySpace, "k").find(R"(href="$F/t.dita")"), std::string::npos);
     EXPECT_EQ(topicIds.byReference().size(), 1U);
     EXPECT_NE(topicIds.find(folder.file16("root.ditamap") + u"#t"), u"");
@@ -565,9 +567,9 @@ TEST_F(KeySpaceLoaderTest, WithoutDtdsThereAreKeysAllTheSame) {
     host.pathsByPublicId.clear();
     writePlain("sub.ditamap", mapOf("<keydef keys='s' href='t.dita'/>"));
     writePlain("root.ditamap", mapOf("<x href='sub.ditamap'/><keydef keys='k' keyref='s'/>"));
-    const DOMDocument& keySpace = keySpaceOfRoot();
+    KeySpace keySpace = keySpaceOfRoot();
     EXPECT_EQ(definitions(keySpace), R"(<keydef keys="k"/><keydef href="$F/t.dita" keys="s"/>)");
-    EXPECT_EQ(attribute(*findKeyDefinition(keySpace, u"k"), "class"), "");
+    EXPECT_EQ(attribute(*definitionOf(keySpace, u"k"), "class"), "");
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "tests/support/xml_text.h"

@@ -1,7 +1,8 @@
 #include "profiling/ditaval_filters.h"
 
+#include "dom/element_walker.h"
 #include "publish/composite_assembly.h"
-#include "references/element_walker.h"
+#include "references/ditamap_ref_node_filter.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {

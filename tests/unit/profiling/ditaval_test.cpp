@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
 #include "support/text.h"
 #include "tests/support/xml_text.h"
 

@@ -113,7 +113,7 @@ private:
     StandInHostOptions options() {
         StandInHostOptions options;
         options.resolvePublicId = [](std::string_view) { return std::nullopt; };
-        options.onConsole = [this](std::string_view text) {
+        options.onConsole = [this](std::optional<MessageId>, std::string_view text) {
             console += text;
             events += folder.exists("out/book.dita") ? "console, old output; " : "console; ";
         };

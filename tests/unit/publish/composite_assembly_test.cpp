@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "publish/topicref_walk.h"
+#include "references/exclusion_filter.h"
 #include "support/xerces_ptr.h"
 #include "tests/support/xml_text.h"
 #include "tests/unit/publish/whole_request.h"
@@ -87,13 +88,14 @@ protected:
     }
 
     xercesc::DOMDocument* assemble(xercesc::DOMElement* start) {
-        return CompositeDocAssembler().assembleComposite(start, keySpace_.document(), request);
+        KeySpace keySpace(keys_.document());
+        return CompositeDocAssembler().assembleComposite(start, keySpace, request);
     }
 
     CompositeDocRequest request;
 
 private:
-    ParsedXml keySpace_{"<map/>"};
+    ParsedXml keys_{"<map/>"};
 };
 
 TEST_F(CompositeDocAssemblerTest, WithoutAStartThereIsTheShellAlone) {

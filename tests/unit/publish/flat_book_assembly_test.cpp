@@ -4,7 +4,6 @@
 
 #include <filesystem>
 
-#include "publish/reference_kind.h"
 #include "tests/support/xml_text.h"
 #include "tests/unit/publish/whole_request.h"
 
@@ -284,15 +283,15 @@ TEST_F(HeadComponentTest, ATargetOfAHeadIsNotLookedAt) {
 
 class FlatBookAssemblerTest : public XmlTest {
 protected:
-    ParsedXml keySpace{"<map/>"};
+    ParsedXml keys{"<map/>"};
+    KeySpace keySpace{keys.document()};
     FlatBookRequest request;
     TopicIdMap topicIds;
 };
 
 TEST_F(FlatBookAssemblerTest, ReplacesWhatTheMapHeld) {
     topicIds.add(u"/old.dita#old", u"#new");
-    EXPECT_TRUE(
-        FlatBookAssembler().assembleBook(nullptr, keySpace.document(), request, topicIds).empty());
+    EXPECT_TRUE(FlatBookAssembler().assembleBook(nullptr, keySpace, request, topicIds).empty());
     EXPECT_TRUE(topicIds.byReference().empty());
     EXPECT_TRUE(topicIds.byFile().empty());
 }
@@ -308,7 +307,7 @@ TEST_F(FlatBookAssemblerTest, LeavesTheLocationsOfTheWholeBook) {
     request.outputDir = folder.file16("out");
     request.doctypeSystemId = u"ditabase.dtd";
     const std::vector<xercesc::DOMDocument*> documents =
-        FlatBookAssembler().assembleBook(book.root(), keySpace.document(), request, topicIds);
+        FlatBookAssembler().assembleBook(book.root(), keySpace, request, topicIds);
     ASSERT_EQ(documents.size(), 2U);
     EXPECT_TRUE(folder.exists("one/a.qs"));
     EXPECT_TRUE(folder.exists("b.qs"));
@@ -316,32 +315,6 @@ TEST_F(FlatBookAssemblerTest, LeavesTheLocationsOfTheWholeBook) {
     const std::u16string location = topicIds.find(folder.file16("b.dita") + u"#b");
     EXPECT_TRUE(location.starts_with(folder.file16("one/a.qs") + u"#id"));
     EXPECT_EQ(topicIds.find(folder.file16("b.dita")), location);
-}
-
-class KindOfReferenceTest : public XmlTest {
-protected:
-    DitaDocKind kindOf(const std::string& attributes) {
-        const ParsedXml parsed(topicref(attributes), u"file://" + folder.file16("root.ditamap"));
-        const DitaReference reference = readDitaReference(*parsed.root(), nullptr);
-        return kindOfReference(reference, *parsed.root());
-    }
-};
-
-TEST_F(KindOfReferenceTest, IsLookedUpWhereTheNameDoesNotTell) {
-    folder.write("map.xml", "<map/>");
-    folder.write("topic.xml", "<topic/>");
-    folder.write("other.xml", "<other/>");
-    folder.write("malformed.xml", "<topic>");
-    folder.write("a.dita", "not looked at");
-    EXPECT_EQ(kindOf("href='map.xml'"), DitaDocKind::DitaDocMap);
-    EXPECT_EQ(kindOf("href='topic.xml'"), DitaDocKind::DitaDocTopic);
-    EXPECT_EQ(kindOf("href='other.xml'"), DitaDocKind::DitaDocNone);
-    EXPECT_EQ(kindOf("href='a.dita'"), DitaDocKind::DitaDocTopic);
-    EXPECT_EQ(kindOf(""), DitaDocKind::DitaDocNone);
-    EXPECT_TRUE(host.console().empty());
-    EXPECT_EQ(kindOf("href='malformed.xml'"), DitaDocKind::DitaDocNone);
-    EXPECT_EQ(host.console(), std::vector<std::string>{
-                                  "Lesen nicht möglich: " + folder.file("malformed.xml") + "\r\n"});
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ WholeRequestTest::WholeRequestTest() : host_(options()) {
 StandInHostOptions WholeRequestTest::options() {
     StandInHostOptions options;
     options.resolvePublicId = [](std::string_view) { return std::nullopt; };
-    options.onConsole = [this](std::string_view text) {
+    options.onConsole = [this](std::optional<MessageId>, std::string_view text) {
         std::string line = neutral(std::string(text));
         replaceAll(line, "\r\n", "\n");
         console += line;

@@ -1,3 +1,4 @@
+#include "references/conref_attributes.h"
 #include "tests/unit/references/conref_samples.h"
 
 namespace marrowpress {

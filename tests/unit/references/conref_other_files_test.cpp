@@ -262,13 +262,15 @@ TEST_F(ConrefOtherFilesTest, BesideTheRootThereIsNoRoomForARange) {
 TEST_F(ConrefOtherFilesTest, SiblingsOfTheRootAreNotWalked) {
     const ParsedXml document =
         parse(topicOf("<x id='x'><p conref='#t/s'/></x><y><p conref='#t/s'/></y><p id='s'>S</p>"));
-    ConrefProcessor().resolveConrefs(document.byId("x"), keys->document(), topicIds);
+    KeySpace keySpace(keys->document());
+    ConrefProcessor().resolveConrefs(document.byId("x"), keySpace, topicIds);
     EXPECT_EQ(contentOf(document),
               "<x id='x'><p>S</p></x><y><p conref='#t/s'/></y><p id='s'>S</p>");
 }
 
 TEST_F(ConrefOtherFilesTest, NoRootIsNoWalk) {
-    ConrefProcessor().resolveConrefs(nullptr, keys->document(), topicIds);
+    KeySpace keySpace(keys->document());
+    ConrefProcessor().resolveConrefs(nullptr, keySpace, topicIds);
     EXPECT_EQ(console(), "");
     EXPECT_TRUE(topicIds.byReference().empty());
 }

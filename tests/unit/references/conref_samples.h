@@ -72,7 +72,8 @@ protected:
     }
 
     void resolve(const ParsedXml& document) {
-        ConrefProcessor().resolveConrefs(document.root(), keys->document(), topicIds);
+        KeySpace keySpace(keys->document());
+        ConrefProcessor().resolveConrefs(document.root(), keySpace, topicIds);
     }
 
     /// What becomes of the content of the topic "t" in the document that is walked.

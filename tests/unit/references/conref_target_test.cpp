@@ -2,7 +2,8 @@
 
 #include <xercesc/dom/DOMImplementation.hpp>
 
-#include "references/reference_resolution.h"
+#include "references/reference_paths.h"
+#include "support/hrefs.h"
 #include "support/xerces_ptr.h"
 #include "tests/unit/references/conref_samples.h"
 
@@ -88,7 +89,19 @@ constexpr TargetCase kTargetCases[] = {
     {"NoTopicHasAnId", "<dita><topic/><p id='p'/></dita>", ".", "topic", "", "109 ."},
 };
 
-class ConrefTargetTest : public ConrefTest, public testing::WithParamInterface<TargetCase> {
+class FindConrefTargetTest : public ConrefTest {
+protected:
+    /// An element of this name, as it refers.
+    const DOMElement& referrer(std::u16string_view tagName) const {
+        return *referrers_.document().createElement(std::u16string(tagName).c_str());
+    }
+
+private:
+    const ParsedXml referrers_{"<topic/>"};
+};
+
+class ConrefTargetTest : public FindConrefTargetTest,
+                         public testing::WithParamInterface<TargetCase> {
 protected:
     static std::string messageText(std::string_view tagName, const std::string& message) {
         if (message.empty()) {
@@ -109,7 +122,7 @@ TEST_P(ConrefTargetTest, FindsOrReports) {
     const std::u16string reference = u"#" + toUtf16(std::string_view(GetParam().reference));
     const HrefParts parts = splitHref(reference);
     const DOMElement* const target = findConrefTarget(
-        document.document(), &parts, toUtf16(std::string_view(GetParam().tagName)));
+        document.document(), &parts, referrer(toUtf16(std::string_view(GetParam().tagName))));
     EXPECT_EQ(target ? attribute(*target, "mark") : "", GetParam().found);
     EXPECT_EQ(target == nullptr, std::string_view(GetParam().found).empty());
     EXPECT_EQ(console(), messageText(GetParam().tagName, GetParam().message));
@@ -118,11 +131,9 @@ TEST_P(ConrefTargetTest, FindsOrReports) {
 INSTANTIATE_TEST_SUITE_P(, ConrefTargetTest, testing::ValuesIn(kTargetCases),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-using FindConrefTargetTest = ConrefTest;
-
 TEST_F(FindConrefTargetTest, FindsNothingAndReportsNothingWithoutParts) {
     const ParsedXml document = parse(kTopics);
-    EXPECT_EQ(findConrefTarget(document.document(), nullptr, u"topic"), nullptr);
+    EXPECT_EQ(findConrefTarget(document.document(), nullptr, referrer(u"topic")), nullptr);
     EXPECT_EQ(console(), "");
 }
 
@@ -132,7 +143,7 @@ TEST_F(FindConrefTargetTest, ReportsForADocumentWithoutElements) {
     empty->setDocumentURI((u"file://" + folder.file16("empty.dita")).c_str());
     for (const std::u16string_view topicId : {u".", u"t"}) {
         const HrefParts parts{{}, topicId, {}};
-        EXPECT_EQ(findConrefTarget(*empty, &parts, u"p"), nullptr);
+        EXPECT_EQ(findConrefTarget(*empty, &parts, referrer(u"p")), nullptr);
     }
     EXPECT_EQ(console(), notFound("p", ".", "empty.dita") + notFound("p", "t", "empty.dita"));
 }
@@ -141,8 +152,8 @@ TEST_F(FindConrefTargetTest, ReportsNamesInUtf8AndAsTheyAre) {
     const ParsedXml document = parse(topicOf(""));
     const HrefParts missingTopic{{}, u"ü%s", {}};
     const HrefParts missingElement{{}, u"t", u"\U0001F600%d"};
-    EXPECT_EQ(findConrefTarget(document.document(), &missingTopic, u"ä"), nullptr);
-    EXPECT_EQ(findConrefTarget(document.document(), &missingElement, u"ä"), nullptr);
+    EXPECT_EQ(findConrefTarget(document.document(), &missingTopic, referrer(u"ä")), nullptr);
+    EXPECT_EQ(findConrefTarget(document.document(), &missingElement, referrer(u"ä")), nullptr);
     EXPECT_EQ(console(),
               notFound("ä", "ü%s", "d.dita") + notFoundInTopic("ä", "😀%d", "t", "d.dita"));
 }
@@ -151,9 +162,9 @@ TEST_F(FindConrefTargetTest, MissesATopicWhoseIdIsNotDeclaredAsOne) {
     const ParsedXml document("<topic id='t'/>", u"file://" + folder.file16("d.dita"));
     const HrefParts byId{{}, u"t", {}};
     const HrefParts first{{}, u".", {}};
-    EXPECT_EQ(findConrefTarget(document.document(), &byId, u"topic"), nullptr);
+    EXPECT_EQ(findConrefTarget(document.document(), &byId, referrer(u"topic")), nullptr);
     EXPECT_EQ(console(), notFound("topic", "t", "d.dita"));
-    EXPECT_EQ(findConrefTarget(document.document(), &first, u"topic"), document.root());
+    EXPECT_EQ(findConrefTarget(document.document(), &first, referrer(u"topic")), document.root());
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
-#include "references/element_walker.h"
+#include "references/ditamap_ref_node_filter.h"
+#include "dom/element_walker.h"
+#include "references/key_space.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {
@@ -52,13 +54,14 @@ INSTANTIATE_TEST_SUITE_P(, DitamapRefNodeFilterCaseTest, testing::ValuesIn(kCase
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(DitamapRefNodeFilterTest, ResolvesKeyedReferencesInItsContext) {
-    const ParsedXml keySpace(
+    const ParsedXml keys(
         "<!DOCTYPE map [<!ATTLIST keydef id ID #IMPLIED>]><map><keydef id='k'/></map>",
         uriOf("keys/space.ditamap"));
+    const KeySpace keySpace(keys.document());
     const ParsedXml parsed("<x keyref='k' href='only.ditamap'/>", uriOf("root.ditamap"));
     DitamapRefNodeFilter filter;
     EXPECT_EQ(answerAbout(filter, parsed.root()), "skip");
-    filter.setContext(&keySpace.document());
+    filter.setContext(&keySpace);
     EXPECT_EQ(answerAbout(filter, parsed.root()), "accept");
     filter.setContext(nullptr);
     EXPECT_EQ(answerAbout(filter, parsed.root()), "skip");

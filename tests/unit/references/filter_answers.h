@@ -5,6 +5,7 @@
 #include <string_view>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
+#include "references/exclusion_filter.h"
 #include "references/node_filters.h"
 #include "tests/support/xml_text.h"
 

@@ -22,35 +22,36 @@ std::string servedByZ(std::string_view keyName) {
 
 class KeyChainPassTest : public KeySampleTest {
 protected:
-    std::size_t run(DOMDocument& keySpace) {
-        return KeyChainPass(keySpace, GrammarParserCache::instance().parserForDocument(keySpace))
-            .run();
+    std::size_t run(const KeySpace& keySpace) {
+        const ParserBundle& dtd =
+            GrammarParserCache::instance().parserForDocument(keySpace.document());
+        return KeyChainPass(keySpace, dtd).run();
     }
 
-    /// The key space document behind the pass.
-    DOMDocument& resolved(std::string_view definitions) {
-        DOMDocument& keySpace = keySpaceOf(definitions);
+    /// The key space behind the pass.
+    KeySpace resolved(std::string_view definitions) {
+        KeySpace keySpace = keySpaceOf(definitions);
         host.forget();
         followed = run(keySpace);
         return keySpace;
     }
 
-    std::string content(const DOMDocument& keySpace) const {
-        return shown(*keySpace.getDocumentElement());
+    std::string content(const KeySpace& keySpace) const {
+        return shown(*keySpace.document().getDocumentElement());
     }
 
     std::size_t followed = 0;
 };
 
 TEST_F(KeyChainPassTest, FindsNothingToDoInDirectDefinitions) {
-    const DOMDocument& keySpace = resolved(kZ);
+    KeySpace keySpace = resolved(kZ);
     EXPECT_EQ(definition(keySpace, "z"), servedByZ("z"));
     EXPECT_EQ(followed, 0U);
     EXPECT_EQ(told(), Lines());
 }
 
 TEST_F(KeyChainPassTest, ServesAWholeChainFromItsEnd) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' keyref='b'/><keydef keys='b' keyref='c'/>"
         "<keydef keys='c' keyref='z'/>" +
         std::string(kZ));
@@ -63,7 +64,7 @@ TEST_F(KeyChainPassTest, ServesAWholeChainFromItsEnd) {
 
 TEST_F(KeyChainPassTest, EachLinkKeepsWhatIsItsOwn) {
     // Content and other attributes of the link stay, and go on to the next one.
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' keyref='b' type='task'/>"
         "<keydef keys='b' keyref='z' format='pdf' href='/b'><topicmeta>B</topicmeta></keydef>" +
         std::string(kZ));
@@ -76,11 +77,10 @@ TEST_F(KeyChainPassTest, EachLinkKeepsWhatIsItsOwn) {
 TEST_F(KeyChainPassTest, AFinishedDefinitionServesButIsReportedWithoutAName) {
     // z is finished since a's chain ended in it, and so is b, which points back; what comes to
     // either of them later, or to what did so, gets one line each.
-    const DOMDocument& keySpace =
-        resolved(std::string(kZ) +
-                 "<keydef keys='a' keyref='z'/><keydef keys='b' keyref='z'/>"
-                 "<keydef keys='c' keyref='a'/><keydef keys='d' keyref='c'/>"
-                 "<keydef keys='e' keyref='f'/><keydef keys='f' keyref='z'/>");
+    KeySpace keySpace = resolved(std::string(kZ) +
+                                 "<keydef keys='a' keyref='z'/><keydef keys='b' keyref='z'/>"
+                                 "<keydef keys='c' keyref='a'/><keydef keys='d' keyref='c'/>"
+                                 "<keydef keys='e' keyref='f'/><keydef keys='f' keyref='z'/>");
     for (const char* const key : {"a", "b", "c", "d", "e", "f", "z"}) {
         EXPECT_EQ(definition(keySpace, key), servedByZ(key));
     }
@@ -89,7 +89,7 @@ TEST_F(KeyChainPassTest, AFinishedDefinitionServesButIsReportedWithoutAName) {
 }
 
 TEST_F(KeyChainPassTest, AnUndefinedKeyEndsTheChainWithItsName) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' keyref='b'/>"
         "<keydef keys='b' keyref='u' href='/b'><topicmeta>B</topicmeta></keydef>"
         "<keydef keys='c' keyref='b'/><keydef keys='d' keyref='v'/>");
@@ -102,14 +102,13 @@ TEST_F(KeyChainPassTest, AnUndefinedKeyEndsTheChainWithItsName) {
 }
 
 TEST_F(KeyChainPassTest, AReferenceWithAnElementPartLeadsNowhere) {
-    const DOMDocument& keySpace =
-        resolved("<keydef keys='a' keyref='z/e' href='/a'/>" + std::string(kZ));
+    KeySpace keySpace = resolved("<keydef keys='a' keyref='z/e' href='/a'/>" + std::string(kZ));
     EXPECT_EQ(definition(keySpace, "a"), R"(<keydef href="/a" keys="a"/>)");
     EXPECT_EQ(told(), Lines({keyNotFound("z")}));
 }
 
 TEST_F(KeyChainPassTest, KeyNamesAreExact) {
-    const DOMDocument& keySpace = resolved("<keydef keys='a' keyref='Z'/>" + std::string(kZ));
+    KeySpace keySpace = resolved("<keydef keys='a' keyref='Z'/>" + std::string(kZ));
     EXPECT_EQ(definition(keySpace, "a"), R"(<keydef keys="a"/>)");
     EXPECT_EQ(told(), Lines({keyNotFound("Z")}));
 }
@@ -124,7 +123,7 @@ struct CycleCase {
 class KeyChainCycleTest : public KeyChainPassTest, public testing::WithParamInterface<CycleCase> {};
 
 TEST_P(KeyChainCycleTest, EndsAndLosesItsReferences) {
-    const DOMDocument& keySpace = resolved(GetParam().definitions);
+    KeySpace keySpace = resolved(GetParam().definitions);
     EXPECT_EQ(content(keySpace), GetParam().resolved);
     EXPECT_EQ(told(), GetParam().told);
 }
@@ -167,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& example) { return example.param.name; });
 
 TEST_F(KeyChainPassTest, TheIgnoreMarkerEndsAChain) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' keyref='b'/>"
         "<keydef keys='b' keyref='--qs-mwpp-ignore-keyref' href='/b'/>"
         "<keydef keys='--qs-mwpp-ignore-keyref' href='/m'/>");
@@ -201,7 +200,7 @@ TEST_F(KeyChainPassTest, AFinishedDefinitionGetsWhatTheIgnoreMarkerMeansAsAKey) 
 }
 
 TEST_F(KeyChainPassTest, OnlyTopicReferencesBeginAChain) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<ph keys='p' keyref='z'/><topicref keys='t' keyref='y'/>"
         "<mapref keys='m' keyref='y'/><reltable keys='r' keyref='z'/>"
         "<keydef keys='y' href='/y'><topicmeta><ph keyref='z'/></topicmeta></keydef>" +
@@ -215,7 +214,7 @@ TEST_F(KeyChainPassTest, OnlyTopicReferencesBeginAChain) {
 }
 
 TEST_F(KeyChainPassTest, AChainGoesOnThroughAnyElement) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' keyref='p'/><ph keys='p' keyref='n'/>"
         "<keydef keys='n' href='/n'><topicmeta><navtitle>N</navtitle></topicmeta></keydef>");
     EXPECT_EQ(definition(keySpace, "p"), R"(<ph keys="p">N</ph>)");
@@ -224,7 +223,7 @@ TEST_F(KeyChainPassTest, AChainGoesOnThroughAnyElement) {
 }
 
 TEST_F(KeyChainPassTest, ReferencesInsideDefinitionsAreFollowedToo) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a'><topicmeta/><topicref keys='n' keyref='z'/></keydef>" + std::string(kZ));
     EXPECT_EQ(definition(keySpace, "a"), R"(<keydef keys="a"><topicmeta/>)"
                                          R"(<topicref href="/z" keys="n"><topicmeta>Z</topicmeta>)"
@@ -232,7 +231,7 @@ TEST_F(KeyChainPassTest, ReferencesInsideDefinitionsAreFollowedToo) {
 }
 
 TEST_F(KeyChainPassTest, ReferencesInWhatWasPulledAreFollowedInTheSamePass) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' keyref='b'/><keydef keys='y' href='/y'/>"
         "<keydef keys='b'><topicmeta/><topicref keyref='y'/></keydef>");
     EXPECT_EQ(definition(keySpace, "a"),
@@ -243,7 +242,7 @@ TEST_F(KeyChainPassTest, ReferencesInWhatWasPulledAreFollowedInTheSamePass) {
 }
 
 TEST_F(KeyChainPassTest, AReferenceInsideContentPulledFromElsewhereGetsItsContent) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='x' keyref='a'/>"
         "<keydef keys='a'><topicmeta/><topicref keyref='y'/></keydef>"
         "<keydef keys='y' href='/y'><topicmeta>Y</topicmeta></keydef>");
@@ -253,7 +252,7 @@ TEST_F(KeyChainPassTest, AReferenceInsideContentPulledFromElsewhereGetsItsConten
 }
 
 TEST_F(KeyChainPassTest, AReferenceInsideItsOwnDefinitionGetsNoContent) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a' href='/a'><topicmeta>A</topicmeta>"
         "<topicref><topicref keyref='a'/></topicref></keydef>");
     EXPECT_EQ(definition(keySpace, "a"), R"(<keydef href="/a" keys="a"><topicmeta>A</topicmeta>)"
@@ -262,7 +261,7 @@ TEST_F(KeyChainPassTest, AReferenceInsideItsOwnDefinitionGetsNoContent) {
 }
 
 TEST_F(KeyChainPassTest, DefinitionsThatHoldReferencesToEachOtherEnd) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='a'><topicmeta/><topicref id='1' keyref='b'/></keydef>"
         "<keydef keys='b'><topicmeta/><topicref id='2' keyref='a'/></keydef>");
     EXPECT_EQ(definition(keySpace, "a"),
@@ -275,7 +274,7 @@ TEST_F(KeyChainPassTest, DefinitionsThatHoldReferencesToEachOtherEnd) {
 }
 
 TEST_F(KeyChainPassTest, AReferenceInsideContentPulledFromItsDefinitionGetsNoContent) {
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='x' keyref='a'/>"
         "<keydef keys='a' href='/a'><topicmeta/><topicref keyref='a'/></keydef>");
     EXPECT_EQ(content(keySpace),
@@ -287,7 +286,7 @@ TEST_F(KeyChainPassTest, AReferenceInsideContentPulledFromItsDefinitionGetsNoCon
 TEST_F(KeyChainPassTest, CopiesOfPulledContentAreContentOfItsDefinitionToo) {
     // "1" gets the content of a, and before the walk comes to "3" in it, "2" makes q a copy of p,
     // and with it of "1": its "3" still stands in content of a.
-    const DOMDocument& keySpace = resolved(
+    KeySpace keySpace = resolved(
         "<keydef keys='p'><topicmeta/><topicref id='1' keyref='a'/></keydef>"
         "<keydef keys='q' keyref='p'/>"
         "<keydef keys='a'><topicmeta/><topicref id='2' keyref='q'/><topicref id='3' keyref='a'/>"
@@ -298,16 +297,16 @@ TEST_F(KeyChainPassTest, CopiesOfPulledContentAreContentOfItsDefinitionToo) {
 }
 
 TEST_F(KeyChainPassTest, StatesAreForgottenBetweenTwoPasses) {
-    DOMDocument& keySpace = resolved("<keydef keys='a' keyref='z'/>" + std::string(kZ));
+    KeySpace keySpace = resolved("<keydef keys='a' keyref='z'/>" + std::string(kZ));
     EXPECT_EQ(run(keySpace), 0U);
-    findKeyDefinition(keySpace, u"a")->setAttribute(u"keyref", u"z");
+    definitionOf(keySpace, u"a")->setAttribute(u"keyref", u"z");
     host.forget();
     EXPECT_EQ(run(keySpace), 1U);
     EXPECT_EQ(told(), Lines());
 }
 
 TEST_F(KeyChainPassTest, WithoutDtdNamesDecideAndNothingHasAnHref) {
-    DOMDocument& keySpace = plainKeySpaceOf(
+    KeySpace keySpace = plainKeySpaceOf(
         "<keydef keys='a' keyref='z'/><mapref keys='b' keyref='y'/>"
         "<topicref keys='c' keyref='z'/><chapter keys='d' keyref='z'/>"
         "<keydef keys='y' href='/y'/>"
@@ -344,7 +343,7 @@ TEST_F(KeyChainPassTest, ALongChainNeedsNoStack) {
                        std::to_string(link + 1) + "'/>";
     }
     definitions += "<keydef keys='k" + std::to_string(kLinks) + "' href='/z'/>";
-    DOMDocument& keySpace = keySpaceOf(definitions);
+    KeySpace keySpace = keySpaceOf(definitions);
     runOnSmallStack([&] { followed = run(keySpace); });
     EXPECT_EQ(followed, 1U);
     EXPECT_EQ(definition(keySpace, "k0"), R"(<keydef href="/z" keys="k0"/>)");

@@ -29,18 +29,21 @@ protected:
     }
 
     std::string appliedTo(std::string_view element, std::string_view definition) {
-        const DOMDocument& keySpace = keySpaceOf(definition);
+        KeySpace keySpace = keySpaceOf(definition);
         return applied(loadSample("a.dita", "<topic>" + std::string(element) + "</topic>"),
-                       findKeyDefinition(keySpace, u"k"));
+                       definitionOf(keySpace, u"k"));
     }
 
+    const ParsedXml referrer{"<xref/>"};
+
     std::string hrefFor(std::u16string_view reference, std::string_view href) {
-        return neutral(toUtf8(effectiveKeyHref(reference, toUtf16(inFolder(href)))));
+        return neutral(
+            toUtf8(effectiveKeyHref(reference, toUtf16(inFolder(href)), *referrer.root())));
     }
 };
 
 TEST_F(KeyDefinitionsTest, IsFoundByItsExactNameAlone) {
-    const DOMDocument& keySpace = keySpaceOf(
+    KeySpace keySpace = keySpaceOf(
         "<keydef keys='A' id='1'/><keydef keys='a' id='2'/><keydef keys='a.b'><keydef "
         "keys='inner' id='i'/></keydef>");
     EXPECT_EQ(definition(keySpace, "A"), R"(<keydef id="1" keys="A"/>)");
@@ -52,7 +55,7 @@ TEST_F(KeyDefinitionsTest, IsFoundByItsExactNameAlone) {
 }
 
 TEST_F(KeyDefinitionsTest, OneThatIsMissingIsMessage105WithItsName) {
-    reportKeyNotFound(u"gr\u00F6\u00DFe");
+    EXPECT_EQ(resolveKeyHref(keySpaceOf(""), u"gr\u00F6\u00DFe", *referrer.root()), u"");
     EXPECT_EQ(told(), Lines({keyNotFound("gr\xC3\xB6\xC3\x9F"
                                          "e")}));
 }
@@ -117,9 +120,9 @@ class ResolveKeyHrefTest : public KeyDefinitionsTest,
 
 TEST_P(ResolveKeyHrefTest, GivesTheHrefOrNothing) {
     writePlain("t.dita", "<topic id='t'/>");
-    const DOMDocument& keySpace =
-        keySpaceOf("<keydef keys='k' href='$F/t.dita'/><keydef keys='empty'/>");
-    EXPECT_EQ(neutral(toUtf8(resolveKeyHref(keySpace, GetParam().reference))), GetParam().href);
+    KeySpace keySpace = keySpaceOf("<keydef keys='k' href='$F/t.dita'/><keydef keys='empty'/>");
+    EXPECT_EQ(neutral(toUtf8(resolveKeyHref(keySpace, GetParam().reference, *referrer.root()))),
+              GetParam().href);
     EXPECT_EQ(told(), GetParam().told);
 }
 
@@ -211,8 +214,8 @@ TEST_F(KeyDefinitionsTest, WithoutOneTheElementOnlyLosesItsKeyref) {
 
 TEST_F(KeyDefinitionsTest, TheDtdDecidesAndNotAnHrefThatIsThere) {
     // A type that the DTD doesn't know, and one that has an "href" against it.
-    const DOMDocument& keySpace = keySpaceOf("<keydef keys='k' href='/t.dita'/>");
-    const DOMElement* const k = findKeyDefinition(keySpace, u"k");
+    KeySpace keySpace = keySpaceOf("<keydef keys='k' href='/t.dita'/>");
+    const DOMElement* const k = definitionOf(keySpace, u"k");
     EXPECT_EQ(
         applied(loadSample("a.dita", "<topic><other id='e' keyref='k' href='/o'/></topic>"), k),
         R"(<other href="/o" id="e"/>)");
@@ -223,10 +226,10 @@ TEST_F(KeyDefinitionsTest, TheDtdDecidesAndNotAnHrefThatIsThere) {
 }
 
 TEST_F(KeyDefinitionsTest, ContentCanBeLeftOut) {
-    const DOMDocument& keySpace = keySpaceOf(
+    KeySpace keySpace = keySpaceOf(
         "<keydef keys='k' href='/t.dita'><topicmeta><linktext>L</linktext></topicmeta></keydef>");
     DOMDocument& document = loadSample("a.dita", "<topic><xref id='e' keyref='k'/></topic>");
-    applyKeyDefinition(byId(document, "e"), findKeyDefinition(keySpace, u"k"),
+    applyKeyDefinition(byId(document, "e"), definitionOf(keySpace, u"k"),
                        GrammarParserCache::instance().parserForDocument(document),
                        KeyContent::kLeave);
     EXPECT_EQ(shown(byId(document, "e")), R"(<xref href="/t.dita" id="e"/>)");
@@ -315,44 +318,44 @@ INSTANTIATE_TEST_SUITE_P(, PullKeyContentTest, testing::ValuesIn(kContentCases),
                          [](const auto& example) { return example.param.name; });
 
 TEST_F(PullKeyContentTest, LeavesTheDefinitionAsItIs) {
-    const DOMDocument& keySpace =
+    KeySpace keySpace =
         keySpaceOf("<keydef keys='k'><topicmeta><navtitle>N</navtitle></topicmeta></keydef>");
     applied(loadSample("a.ditamap", "<map><topicref id='e' keyref='k'/></map>"),
-            findKeyDefinition(keySpace, u"k"));
+            definitionOf(keySpace, u"k"));
     EXPECT_EQ(definition(keySpace, "k"),
               R"(<keydef keys="k"><topicmeta><navtitle>N</navtitle></topicmeta></keydef>)");
 }
 
 TEST_F(PullKeyContentTest, AppendsToWhatIsThere) {
-    const DOMDocument& keySpace =
+    KeySpace keySpace =
         keySpaceOf("<keydef keys='k'><topicmeta><navtitle>N</navtitle></topicmeta></keydef>");
     DOMDocument& document = loadSample("a.dita", "<topic><ph id='e'>own </ph></topic>");
-    pullKeyContent(byId(document, "e"), *findKeyDefinition(keySpace, u"k"), false);
+    pullKeyContent(byId(document, "e"), *definitionOf(keySpace, u"k"), false);
     EXPECT_EQ(shown(byId(document, "e")), R"(<ph id="e">own N</ph>)");
 }
 
 TEST_F(PullKeyContentTest, WithoutDtdEveryTypeIsOneWithoutHref) {
     // A topic reference too then takes a keyword, and nothing takes the whole definition.
-    const DOMDocument& keySpace = plainKeySpaceOf(
+    KeySpace keySpace = plainKeySpaceOf(
         "<keydef keys='k' href='/t.dita'><topicmeta><linktext>L</linktext>"
         "<keywords><keyword>W</keyword></keywords></topicmeta></keydef>"
         "<keydef keys='n'><bookmeta><linktext>L</linktext></bookmeta></keydef>");
     for (const std::string tag : {"keydef", "topicref", "xref", "link", "ph"}) {
         DOMDocument& document =
             loadPlain(tag + ".dita", "<topic><" + tag + " id='e' keyref='k'/></topic>");
-        EXPECT_EQ(applied(document, findKeyDefinition(keySpace, u"k")),
+        EXPECT_EQ(applied(document, definitionOf(keySpace, u"k")),
                   "<" + tag + " id=\"e\">W</" + tag + ">");
     }
     // Without a class value only the name "topicmeta" makes one.
     EXPECT_EQ(applied(loadPlain("n.dita", "<topic><ph id='e' keyref='n'/></topic>"),
-                      findKeyDefinition(keySpace, u"n")),
+                      definitionOf(keySpace, u"n")),
               R"(<ph id="e"/>)");
 }
 
 TEST_F(PullKeyContentTest, ATopicrefIsOneByItsClassOrElseByItsName) {
-    const DOMDocument& keySpace =
+    KeySpace keySpace =
         keySpaceOf("<keydef keys='k'><topicmeta><linktext>L</linktext></topicmeta></keydef>");
-    const DOMElement& k = *findKeyDefinition(keySpace, u"k");
+    const DOMElement& k = *definitionOf(keySpace, u"k");
     DOMDocument& document =
         loadPlain("a.dita",
                   "<topic><keydef id='byName'/><topicref id='unknownName'/>"

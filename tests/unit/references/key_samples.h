@@ -4,8 +4,10 @@
 #include <string_view>
 #include <vector>
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
+#include "dom/nodes.h"
 #include "references/key_definitions.h"
+#include "references/key_space.h"
 #include "references/node_filters.h"
 #include "support/text.h"
 #include "tests/support/xml_text.h"
@@ -68,6 +70,11 @@ inline std::string cannotRead(std::string_view path) {
     return "Lesen nicht m\xC3\xB6glich: " + std::string(path) + "\r\n";
 }
 
+/// The definition of a key as any element sees it.
+inline xercesc::DOMElement* definitionOf(const KeySpace& keySpace, std::u16string_view keyName) {
+    return keySpace.find(keyName, *keySpace.document().getDocumentElement());
+}
+
 /// In the texts that go in and come out, "$F" stands for the test's folder.
 class KeySampleTest : public XmlTest {
 protected:
@@ -110,10 +117,10 @@ protected:
     }
 
     /// A key space document with these definitions, of the type or of none.
-    xercesc::DOMDocument& keySpaceOf(std::string_view definitions) const {
+    KeySpace keySpaceOf(std::string_view definitions) const {
         return withKeys(loadSample("Keys.ditamap", mapOf(definitions)));
     }
-    xercesc::DOMDocument& plainKeySpaceOf(std::string_view definitions) const {
+    KeySpace plainKeySpaceOf(std::string_view definitions) const {
         return withKeys(loadPlain("Keys.ditamap", mapOf(definitions)));
     }
 
@@ -133,8 +140,8 @@ protected:
     }
 
     /// The definition of a key as text.
-    std::string definition(const xercesc::DOMDocument& keySpace, std::string_view keyName) const {
-        const xercesc::DOMElement* const element = findKeyDefinition(keySpace, toUtf16(keyName));
+    std::string definition(const KeySpace& keySpace, std::string_view keyName) const {
+        const xercesc::DOMElement* const element = definitionOf(keySpace, toUtf16(keyName));
         return element ? shown(*element) : "(none)";
     }
 
@@ -149,12 +156,11 @@ protected:
     }
 
 private:
-    static xercesc::DOMDocument& withKeys(xercesc::DOMDocument& document) {
-        for (xercesc::DOMElement* child = document.getDocumentElement()->getFirstElementChild();
-             child; child = child->getNextElementSibling()) {
+    static KeySpace withKeys(xercesc::DOMDocument& document) {
+        for (xercesc::DOMElement* const child : childElementsOf(*document.getDocumentElement())) {
             child->setIdAttribute(u"keys", true);
         }
-        return document;
+        return KeySpace(document);
     }
 };
 

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-#include "client/client_library.h"
+#include "application/connection.h"
 #include "host/stand_in_host.h"
 #include "host/trace.h"
 #include "tests/unit/references/key_samples.h"
@@ -30,7 +30,7 @@ protected:
 
     /// What `content` of a topic becomes.
     std::string resolved(std::string_view content, std::string_view keys = kKeys) {
-        DOMDocument& keySpace = keySpaceOf(keys);
+        KeySpace keySpace = keySpaceOf(keys);
         DOMDocument& document = loadSample("a.dita", topicOf(content));
         host.forget();
         processor.resolveAllKeyrefs(document.getDocumentElement(), keySpace);
@@ -293,7 +293,7 @@ INSTANTIATE_TEST_SUITE_P(
     nameOf);
 
 TEST_F(KeyrefProcessorTest, ATopicrefGetsTheDefinitionWithItsTopicmeta) {
-    DOMDocument& keySpace = keySpaceOf(kKeys);
+    KeySpace keySpace = keySpaceOf(kKeys);
     DOMDocument& map = loadSample("r.ditamap", "<map><topicref keyref='k'/></map>");
     processor.resolveAllKeyrefs(map.getDocumentElement(), keySpace);
     EXPECT_EQ(shown(*map.getDocumentElement()),
@@ -307,7 +307,7 @@ constexpr std::string_view kEveryKind =
 
 struct PassCase {
     const char* name;
-    void (*pass)(const KeyrefProcessor&, DOMElement*, DOMDocument&);
+    void (*pass)(const KeyrefProcessor&, DOMElement*, KeySpace&);
     const char* resolved;
     const char* definition;
 };
@@ -317,7 +317,7 @@ constexpr const char* kOpenDefinition = R"(<keydef keyref="t" keys="chained"/>)"
 class KeyrefPassTest : public KeyrefProcessorTest, public testing::WithParamInterface<PassCase> {};
 
 TEST_P(KeyrefPassTest, ChangesItsOwnKindAlone) {
-    DOMDocument& keySpace = keySpaceOf("<keydef keys='chained' keyref='t'/>" + std::string(kKeys));
+    KeySpace keySpace = keySpaceOf("<keydef keys='chained' keyref='t'/>" + std::string(kKeys));
     DOMDocument& document = loadSample("a.dita", topicOf(kEveryKind));
     GetParam().pass(processor, document.getDocumentElement(), keySpace);
     EXPECT_EQ(contentOf(document), GetParam().resolved);
@@ -328,15 +328,15 @@ INSTANTIATE_TEST_SUITE_P(
     , KeyrefPassTest,
     testing::Values(
         PassCase{"KeyDefinitionChains",
-                 [](const KeyrefProcessor& processor, DOMElement* root, DOMDocument& keys) {
-                     processor.resolveKeyDefinitionChains(root, keys);
+                 [](const KeyrefProcessor& processor, DOMElement* root, KeySpace& keys) {
+                     processor.resolveKeyDefinitionChains(keys, *root->getOwnerDocument());
                  },
                  R"(<p conkeyref="t/e"/><xref keyref="k"/><image keyref="k"/>)"
                  R"(<abbreviated-form keyref="k"/>)"
                  R"(<object datakeyref="k"><param keyref="k"/></object>)",
                  R"(<keydef href="$F/t.dita#t" keys="chained"/>)"},
         PassCase{"MultimediaKeyrefs",
-                 [](const KeyrefProcessor& processor, DOMElement* root, DOMDocument& keys) {
+                 [](const KeyrefProcessor& processor, DOMElement* root, KeySpace& keys) {
                      processor.resolveMultimediaKeyrefs(root, keys);
                  },
                  R"(<p conkeyref="t/e"/><xref keyref="k"/><image keyref="k"/>)"
@@ -344,7 +344,7 @@ INSTANTIATE_TEST_SUITE_P(
                  R"(<object data="$F/t.dita"><param value="$F/t.dita"/></object>)",
                  kOpenDefinition},
         PassCase{"AbbreviatedForms",
-                 [](const KeyrefProcessor& processor, DOMElement* root, DOMDocument& keys) {
+                 [](const KeyrefProcessor& processor, DOMElement* root, KeySpace& keys) {
                      processor.resolveAbbreviatedForms(root, keys);
                  },
                  R"(<p conkeyref="t/e"/><xref keyref="k"/><image keyref="k"/>)"
@@ -352,7 +352,7 @@ INSTANTIATE_TEST_SUITE_P(
                  R"(<object datakeyref="k"><param keyref="k"/></object>)",
                  kOpenDefinition},
         PassCase{"ImageKeyrefs",
-                 [](const KeyrefProcessor& processor, DOMElement* root, DOMDocument& keys) {
+                 [](const KeyrefProcessor& processor, DOMElement* root, KeySpace& keys) {
                      processor.resolveImageKeyrefs(root, keys);
                  },
                  R"(<p conkeyref="t/e"/><xref keyref="k"/><image href="$F/t.dita"/>)"
@@ -361,7 +361,7 @@ INSTANTIATE_TEST_SUITE_P(
                  kOpenDefinition},
         // What the passes before it would have taken has no rule of its own here.
         PassCase{"ElementKeyrefs",
-                 [](const KeyrefProcessor& processor, DOMElement* root, DOMDocument& keys) {
+                 [](const KeyrefProcessor& processor, DOMElement* root, KeySpace& keys) {
                      processor.resolveElementKeyrefs(root, keys);
                  },
                  R"(<p conkeyref="t/e"/><xref href="$F/t.dita">L</xref>)"
@@ -370,7 +370,7 @@ INSTANTIATE_TEST_SUITE_P(
                  R"(<object datakeyref="k"><param>L</param></object>)",
                  kOpenDefinition},
         PassCase{"Conkeyrefs",
-                 [](const KeyrefProcessor& processor, DOMElement* root, DOMDocument& keys) {
+                 [](const KeyrefProcessor& processor, DOMElement* root, KeySpace& keys) {
                      processor.resolveConkeyrefs(root, keys);
                  },
                  R"(<p conref="$F/t.dita#t/e"/><xref keyref="k"/><image keyref="k"/>)"
@@ -403,7 +403,7 @@ TEST_F(KeyrefProcessorTest, KeyrefsInWhatWasPulledWaitForTheNextRun) {
     constexpr std::string_view kNested =
         "<keydef keys='o'><topicmeta><linktext>of <ph keyref='i'/></linktext></topicmeta></keydef>"
         "<keydef keys='i'><topicmeta><linktext>I</linktext></topicmeta></keydef>";
-    DOMDocument& keySpace = keySpaceOf(kNested);
+    KeySpace keySpace = keySpaceOf(kNested);
     DOMDocument& document = loadSample("a.dita", topicOf("<xref keyref='o'/>"));
     processor.resolveAllKeyrefs(document.getDocumentElement(), keySpace);
     EXPECT_EQ(contentOf(document), R"(<xref>of <ph keyref="i"/></xref>)");
@@ -412,7 +412,7 @@ TEST_F(KeyrefProcessorTest, KeyrefsInWhatWasPulledWaitForTheNextRun) {
 }
 
 TEST_F(KeyrefProcessorTest, ASubtreeIsAllThatIsChanged) {
-    DOMDocument& keySpace = keySpaceOf(kKeys);
+    KeySpace keySpace = keySpaceOf(kKeys);
     DOMDocument& document =
         loadSample("a.dita", topicOf("<ph keyref='n'/><p id='root' keyref='n'><ph keyref='n'/></p>"
                                      "<ph keyref='n'/>"));
@@ -422,7 +422,7 @@ TEST_F(KeyrefProcessorTest, ASubtreeIsAllThatIsChanged) {
 }
 
 TEST_F(KeyrefProcessorTest, ANullRootIsNoElements) {
-    DOMDocument& keySpace = keySpaceOf("<keydef keys='a' keyref='u'/>");
+    KeySpace keySpace = keySpaceOf("<keydef keys='a' keyref='u'/>");
     host.forget();
     processor.resolveAllKeyrefs(nullptr, keySpace);
     EXPECT_EQ(definition(keySpace, "a"), R"(<keydef keyref="u" keys="a"/>)");
@@ -431,7 +431,7 @@ TEST_F(KeyrefProcessorTest, ANullRootIsNoElements) {
 }
 
 TEST_F(KeyrefProcessorTest, AsksForTheDtdOfTheSubtreeTwiceAndLoadsItOnce) {
-    DOMDocument& keySpace = keySpaceOf("");
+    KeySpace keySpace = keySpaceOf("");
     DOMDocument& document = loadSample("a.dita", "<topic/>");
     const std::string start = startOf(folder.file("a.dita"));
     host.forget();
@@ -444,7 +444,7 @@ TEST_F(KeyrefProcessorTest, AsksForTheDtdOfTheSubtreeTwiceAndLoadsItOnce) {
 }
 
 TEST_F(KeyrefProcessorTest, TheDtdOfTheSubtreeDecidesInTheKeySpaceToo) {
-    DOMDocument& keySpace = keySpaceOf("<keydef keys='a' keyref='k'/>" + std::string(kKeys));
+    KeySpace keySpace = keySpaceOf("<keydef keys='a' keyref='k'/>" + std::string(kKeys));
     DOMDocument& document = loadPlain("a.dita", topicOf("<xref keyref='k'/><image keyref='k'/>"));
     processor.resolveAllKeyrefs(document.getDocumentElement(), keySpace);
     EXPECT_EQ(definition(keySpace, "a"), R"(<keydef keys="a">L</keydef>)");
@@ -452,7 +452,7 @@ TEST_F(KeyrefProcessorTest, TheDtdOfTheSubtreeDecidesInTheKeySpaceToo) {
 }
 
 TEST_F(KeyrefProcessorTest, WithoutClassValuesNamesDecide) {
-    DOMDocument& keySpace = keySpaceOf(kKeys);
+    KeySpace keySpace = keySpaceOf(kKeys);
     DOMDocument& document = loadPlain(
         "a.dita", topicOf(std::string(kEveryKind) + "<topicref keyref='k'/>"
                                                     "<fig class='- topic/image ' keyref='k'/>"
@@ -467,34 +467,34 @@ TEST_F(KeyrefProcessorTest, WithoutClassValuesNamesDecide) {
 }
 
 TEST_F(KeyrefProcessorTest, TheKeySpaceItselfIsLookedThroughEveryTime) {
-    DOMDocument& keySpace = keySpaceOf(kKeys);
+    KeySpace keySpace = keySpaceOf(kKeys);
     DOMDocument& document = loadSample("a.dita", "<topic/>");
     for (int round = 0; round < 2; ++round) {
         processor.resolveAllKeyrefs(document.getDocumentElement(), keySpace);
-        findKeyDefinition(keySpace, u"n")->setAttribute(u"keyref", u"t");
-        processor.resolveKeyDefinitionChains(keySpace.getDocumentElement(), keySpace);
+        definitionOf(keySpace, u"n")->setAttribute(u"keyref", u"t");
+        processor.resolveKeyDefinitionChains(keySpace, keySpace.document());
         EXPECT_EQ(definition(keySpace, "n"),
                   R"(<keydef href="$F/t.dita#t" keys="n"><topicmeta><linktext>N</linktext>)"
                   R"(</topicmeta></keydef>)");
     }
     // A pass over the key space that found nothing lets the next one look again as well.
-    processor.resolveKeyDefinitionChains(keySpace.getDocumentElement(), keySpace);
-    findKeyDefinition(keySpace, u"n")->setAttribute(u"keyref", u"m");
+    processor.resolveKeyDefinitionChains(keySpace, keySpace.document());
+    definitionOf(keySpace, u"n")->setAttribute(u"keyref", u"m");
     processor.resolveAllKeyrefs(document.getDocumentElement(), keySpace);
-    EXPECT_EQ(attribute(*findKeyDefinition(keySpace, u"n"), "keyref"), "");
+    EXPECT_EQ(attribute(*definitionOf(keySpace, u"n"), "keyref"), "");
 }
 
-TEST_F(KeyrefProcessorTest, ResolvedChainsAreLookedThroughAgainWhenTheyAreForgotten) {
-    DOMDocument& keySpace = keySpaceOf(kKeys);
+TEST_F(KeyrefProcessorTest, ResolvedChainsAreLookedThroughAgainAfterAChange) {
+    KeySpace keySpace = keySpaceOf(kKeys);
     DOMDocument& document = loadSample("a.dita", "<topic/>");
     DOMElement* const root = document.getDocumentElement();
     processor.resolveAllKeyrefs(root, keySpace);
-    findKeyDefinition(keySpace, u"n")->setAttribute(u"keyref", u"t");
+    definitionOf(keySpace, u"n")->setAttribute(u"keyref", u"t");
     processor.resolveAllKeyrefs(root, keySpace);
-    EXPECT_EQ(attribute(*findKeyDefinition(keySpace, u"n"), "keyref"), "t");
-    forgetThatKeyChainsAreResolved(keySpace);
+    EXPECT_EQ(attribute(*definitionOf(keySpace, u"n"), "keyref"), "t");
+    keySpace.noteChange();
     processor.resolveAllKeyrefs(root, keySpace);
-    EXPECT_EQ(attribute(*findKeyDefinition(keySpace, u"n"), "keyref"), "");
+    EXPECT_EQ(attribute(*definitionOf(keySpace, u"n"), "keyref"), "");
 }
 
 struct SequenceCase {
@@ -542,19 +542,17 @@ private:
         const std::string text =
             "<topic><xref keyref='a'/><xref keyref='b/e'/><ph keyref='c'/><image keyref='d'/>"
             "<p conkeyref='a/e'/></topic>";
-        DOMDocument& keys =
-            load("k", map, "<map>" + std::string(GetParam().definitions) + "</map>");
-        for (DOMElement* child = keys.getDocumentElement()->getFirstElementChild(); child;
-             child = child->getNextElementSibling()) {
+        KeySpace keys(load("k", map, "<map>" + std::string(GetParam().definitions) + "</map>"));
+        for (DOMElement* const child : childElementsOf(*keys.document().getDocumentElement())) {
             child->setIdAttribute(u"keys", true);
         }
-        const std::map<char, DOMDocument*> documents{{'k', &keys},
+        const std::map<char, DOMDocument*> documents{{'k', &keys.document()},
                                                      {'a', &load("a", topic, text)},
                                                      {'b', &load("b", topic, text)},
                                                      {'p', &load("p", "", text)}};
         for (const char root : std::string_view(GetParam().roots)) {
             if (isShortCutOff) {
-                forgetThatKeyChainsAreResolved(keys);
+                keys.noteChange();
             }
             KeyrefProcessor().resolveAllKeyrefs(documents.at(root)->getDocumentElement(), keys);
             for (const auto& [name, document] : documents) {

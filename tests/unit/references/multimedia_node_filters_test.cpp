@@ -1,4 +1,6 @@
-#include "references/element_walker.h"
+#include "references/multimedia_node_filters.h"
+
+#include "dom/element_walker.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {

@@ -1,4 +1,4 @@
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {

@@ -2,7 +2,7 @@
 #include <array>
 #include <iterator>
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {

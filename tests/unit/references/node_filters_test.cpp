@@ -1,6 +1,8 @@
 #include "references/node_filters.h"
 
-#include "references/element_walker.h"
+#include "dom/element_walker.h"
+#include "references/ditamap_ref_node_filter.h"
+#include "references/multimedia_node_filters.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {
@@ -105,94 +107,6 @@ TEST_P(NodeFilterTest, RejectsOtherKindsOfNode) {
 
 INSTANTIATE_TEST_SUITE_P(, NodeFilterTest, testing::ValuesIn(kAllFilters),
                          [](const auto& instance) { return std::string(instance.param.name); });
-
-TEST(FilterActionTest, HasTheValuesOfTheEngine) {
-    EXPECT_EQ(static_cast<int>(xercesc::DOMNodeFilter::FILTER_ACCEPT), 1);
-    EXPECT_EQ(static_cast<int>(xercesc::DOMNodeFilter::FILTER_REJECT), 2);
-    EXPECT_EQ(static_cast<int>(xercesc::DOMNodeFilter::FILTER_SKIP), 3);
-}
-
-using AsElementTest = XmlTest;
-
-TEST_F(AsElementTest, GivesElementsAlone) {
-    const ParsedXml parsed("<p>text</p>");
-    EXPECT_EQ(asElement(parsed.root()), parsed.root());
-    EXPECT_EQ(asElement(parsed.root()->getFirstChild()), nullptr);
-    EXPECT_EQ(asElement(nullptr), nullptr);
-}
-
-/// Accepts every element, and tells of its end.
-class LastingFilter final : public xercesc::DOMNodeFilter {
-public:
-    explicit LastingFilter(bool& isAlive, FilterAction action = FILTER_ACCEPT)
-        : isAlive_(isAlive), action_(action) {
-        isAlive_ = true;
-    }
-    LastingFilter(const LastingFilter&) = delete;
-    LastingFilter& operator=(const LastingFilter&) = delete;
-    ~LastingFilter() override { isAlive_ = false; }
-
-    FilterAction acceptNode(const xercesc::DOMNode*) const override { return action_; }
-
-private:
-    bool& isAlive_;
-    FilterAction action_;
-};
-
-using ExclusionFilterHolderTest = XmlTest;
-
-TEST_F(ExclusionFilterHolderTest, IsEmptyAtFirstAndExcludesNothing) {
-    const ParsedXml parsed("<p excluded='yes'/>");
-    EXPECT_EQ(ExclusionFilterHolder::instance().filter(), nullptr);
-    EXPECT_FALSE(ExclusionFilterHolder::instance().excludes(*parsed.root()));
-}
-
-TEST_F(ExclusionFilterHolderTest, ExcludesWhatItsFilterAccepts) {
-    const ParsedXml parsed("<p excluded='yes'><q/></p>");
-    excludeMarkedElements();
-    EXPECT_TRUE(ExclusionFilterHolder::instance().excludes(*parsed.root()));
-    EXPECT_FALSE(
-        ExclusionFilterHolder::instance().excludes(*parsed.root()->getFirstElementChild()));
-}
-
-TEST_F(ExclusionFilterHolderTest, WhatItsFilterRejectsOrSkipsIsNotExcluded) {
-    const ParsedXml parsed("<x keys='k'/>");
-    bool isAlive = false;
-    for (const auto action :
-         {xercesc::DOMNodeFilter::FILTER_REJECT, xercesc::DOMNodeFilter::FILTER_SKIP}) {
-        ExclusionFilterHolder::instance().reset(std::make_unique<LastingFilter>(isAlive, action));
-        EXPECT_FALSE(ExclusionFilterHolder::instance().excludes(*parsed.root()));
-        EXPECT_EQ(answerAbout(KeyDefinitionNodeFilter(), parsed.root()), "accept");
-    }
-}
-
-TEST_F(ExclusionFilterHolderTest, OwnsOneFilter) {
-    bool isFirstAlive = false;
-    bool isSecondAlive = false;
-    ExclusionFilterHolder::instance().reset(std::make_unique<LastingFilter>(isFirstAlive));
-    auto second = std::make_unique<LastingFilter>(isSecondAlive);
-    const xercesc::DOMNodeFilter* const held = second.get();
-    ExclusionFilterHolder::instance().reset(std::move(second));
-    EXPECT_FALSE(isFirstAlive);
-    EXPECT_TRUE(isSecondAlive);
-    EXPECT_EQ(ExclusionFilterHolder::instance().filter(), held);
-    ExclusionFilterHolder::instance().reset(nullptr);
-    EXPECT_FALSE(isSecondAlive);
-    EXPECT_EQ(ExclusionFilterHolder::instance().filter(), nullptr);
-}
-
-TEST(ExclusionFilterHolderLifeTest, EndsWithTheSession) {
-    const RecordingHost host;
-    bool isAlive = false;
-    {
-        const XmlSession session;
-        ExclusionFilterHolder::instance().reset(std::make_unique<LastingFilter>(isAlive));
-        EXPECT_TRUE(isAlive);
-    }
-    EXPECT_FALSE(isAlive);
-    const XmlSession session;
-    EXPECT_EQ(ExclusionFilterHolder::instance().filter(), nullptr);
-}
 
 struct ExclusionCase {
     const char* name;

@@ -1,172 +1,19 @@
-#include "references/reference_resolution.h"
+#include "references/reference_paths.h"
+
+#include <filesystem>
+
+#include "support/scope_exit.h"
 #include "support/text.h"
-#include "tests/support/xml_text.h"
+#include "tests/support/file_conditions.h"
+#include "tests/unit/references/reference_samples.h"
 
 namespace marrowpress {
 namespace {
-
-using std::string_view_literals::operator""sv;
-
-struct FormCase {
-    std::string_view text;
-    bool isUrlForm;
-};
-
-constexpr FormCase kFormCases[] = {
-    // Plain names.
-    {"", false},
-    {"a", true},
-    {"a.dita", true},
-    {"a%20b.dita", true},
-    {"\xC3\xA4.dita", true},
-    {"a\tb.dita", true},
-    // A blank, a colon, a backslash or a slash makes a name a path or a URL.
-    {"a b.dita", false},
-    {"a:b", false},
-    {"a\\b.dita", false},
-    {"\\a.dita", false},
-    {" ", false},
-    // The first slash tells.
-    {"a/b.dita", true},
-    {"./b.dita", true},
-    {"../b.dita", true},
-    {"a/", true},
-    {"a b/c", true},
-    {"a\\b/c", true},
-    {"C:/a", true},
-    {"http://host/a", true},
-    {"dctm://host/a", true},
-    {"/", false},
-    {"/a", false},
-    {"/a/b.dita", false},
-    {"//host/a", false},
-    {"C:\\a\\b", false},
-    {"\\\\host\\a", false},
-    // The scheme.
-    {"file:", true},
-    {"file:a", true},
-    {"file:a b", true},
-    {"file:\\a\\b", true},
-    {"file:/a", true},
-    {"file://a", true},
-    {"file:///a", true},
-    {"FILE:a", false},
-    {"File:\\a", false},
-    {"mailto:a@b", false},
-    {"/file:a", false},
-};
-
-TEST(IsUrlFormPathTest, TellsByTheSeparatorsAndTheScheme) {
-    for (const FormCase& example : kFormCases) {
-        EXPECT_EQ(isUrlFormPath(example.text), example.isUrlForm) << example.text;
-    }
-}
-
-struct NativeCase {
-    std::string_view text;
-    std::string_view path;
-};
-
-constexpr NativeCase kNativeCases[] = {
-    // The slashes behind the scheme, without a drive.
-    {"file:", ""},
-    {"file:a/b", "a/b"},
-    {"file:/a/b", "/a/b"},
-    {"file://a/b", "//a/b"},
-    {"file:///a/b", "/a/b"},
-    {"file:////a/b", "//a/b"},
-    {"file://///a/b", "//a/b"},
-    {"file:///", "/"},
-    {"file://", "//"},
-    // With a drive: a colon anywhere behind the scheme.
-    {"file:C:/a", "C:/a"},
-    {"file:/C:/a", "C:/a"},
-    {"file://C:/a", "C:/a"},
-    {"file:///C:/a", "C:/a"},
-    {"file:////C:/a", "/C:/a"},
-    {"file://///C:/a", "//C:/a"},
-    {"file:///a/b:c", "a/b:c"},
-    {"file:///C%3A/a", "/C:/a"},
-    // What stands behind the scheme is decoded, with and without a slash.
-    {"file:a%20b", "a b"},
-    {"file:///a%20b/c%C3%A4", "/a b/c\xC3\xA4"},
-    {"file:///C:/a%20b", "C:/a b"},
-    {"file:a\\b", "a\\b"},
-    // Kept as they are.
-    {"", ""},
-    {"a.dita", "a.dita"},
-    {"a%20b.dita", "a%20b.dita"},
-    {"a%2Fb.dita", "a%2Fb.dita"},
-    {"a\\b%20c", "a\\b%20c"},
-    {"dctm://host/a%20b", "dctm://host/a%20b"},
-    {"FILE:a%20b", "FILE:a%20b"},
-    // Decoded.
-    {"a/b.dita", "a/b.dita"},
-    {"a/b%20c.dita", "a/b c.dita"},
-    {"a%20b/c", "a b/c"},
-    {"dctm:/a%20b", "dctm:/a b"},
-    {"DCTM://a%20b", "DCTM://a b"},
-    {"FILE:///a%20b", "FILE:///a b"},
-    {"http://host/a%20b", "http://host/a b"},
-    {"a/%41%4a%4A%aF", "a/AJJ\xAF"},
-    {"a/b%2Fc%2fd", "a/b/c/d"},
-    {"a/b%5Cc", "a/b\\c"},
-    {"a/%2541", "a/%41"},
-    {"a/b%23c", "a/b#c"},
-    {"a/b+c", "a/b+c"},
-    {"a/%C3%A4", "a/\xC3\xA4"},
-    {"a/%00b"sv, "a/\0b"sv},
-    {"a/%7F%80%FF", "a/\x7F\x80\xFF"},
-    {"a/b%20", "a/b "},
-    // Escapes that are cut short stay.
-    {"a/%", "a/%"},
-    {"a/%4", "a/%4"},
-    {"a/b%20%2", "a/b %2"},
-    {"a/%30%31%39%40%4a%4F%5f%7E%6B%6c%6D%6e", "a/019@JO_~klmn"},
-};
-
-TEST(UrlFormToNativePathTest, UndoesSchemeAndEscapes) {
-    for (const NativeCase& example : kNativeCases) {
-        EXPECT_EQ(urlFormToNativePath(example.text), example.path) << example.text;
-    }
-}
-
-TEST(UrlFormToNativePathTest, TakesAnyTwoCharactersForDigits) {
-    for (const std::string escape : {"%zz", "%g0", "%0g", "%--", "%  ", "%%4", "%\xC3\xA4"}) {
-        const std::string path = urlFormToNativePath("a/" + escape + "end");
-        ASSERT_EQ(path.size(), 6U) << escape;
-        EXPECT_EQ(path.substr(0, 2), "a/") << escape;
-        EXPECT_EQ(path.substr(3), "end") << escape;
-    }
-}
 
 struct PathCase {
     std::u16string_view text;
     std::u16string_view path;
 };
-
-constexpr PathCase kUriCases[] = {
-    {u"file:///p/a.dita", u"/p/a.dita"},
-    {u"file:///", u"/"},
-    {u"file:///p/../q//./a.dita", u"/q/a.dita"},
-    {u"file:///p\\q\\a.dita", u"/p/q/a.dita"},
-    {u"file:///p/a%20b.dita", u"/p/a%20b.dita"},
-    {u"file:///p/a b.dita", u"/p/a b.dita"},
-    {u"file:///p/\u00E4.dita", u"/p/\u00E4.dita"},
-    {u"", u""},
-    {u"/p/../a.dita", u"/p/../a.dita"},
-    {u"a.dita", u"a.dita"},
-    {u"file://host/../a.dita", u"file://host/../a.dita"},
-    {u"file:/p/../a.dita", u"file:/p/../a.dita"},
-    {u"FILE:///p/../a.dita", u"FILE:///p/../a.dita"},
-    {u"http://host/../a.dita", u"http://host/../a.dita"},
-};
-
-TEST(UriToPathTest, CutsTheSchemeOfLocalFilesAndNormalisesThese) {
-    for (const PathCase& example : kUriCases) {
-        EXPECT_EQ(uriToPath(example.text), example.path) << toUtf8(example.text);
-    }
-}
 
 /// Against the document /p/q/a.dita.
 constexpr PathCase kAbsoluteCases[] = {
@@ -262,6 +109,111 @@ TEST_F(ToAbsolutePathTest, TakesADocumentUriThatIsNoLocalFileForAPath) {
     const ParsedXml remote("<topic/>", u"http://host/x/../a.dita");
     EXPECT_EQ(toAbsolutePath(u"", remote.document()), u"http:/host/a.dita");
     EXPECT_EQ(toAbsolutePath(u"b.dita", remote.document()), u"http:/host/b.dita");
+}
+
+using ResolveExistingPathTest = ReferenceSampleTest;
+
+TEST_F(ResolveExistingPathTest, GivesTheAbsolutePathOfAFile) {
+    const ParsedXml parsed = parse("<map/>");
+    EXPECT_EQ(resolveExistingPath(u"a.dita", parsed.document(), nullptr), folder.file16("a.dita"));
+    EXPECT_EQ(resolveExistingPath(u"sub/../a.dita", parsed.document(), nullptr),
+              folder.file16("a.dita"));
+    EXPECT_EQ(resolveExistingPath(u"sub/b%20c.dita", parsed.document(), nullptr),
+              folder.file16("sub/b c.dita"));
+    EXPECT_EQ(resolveExistingPath(folder.file16("a.dita"), parsed.document(), nullptr),
+              folder.file16("a.dita"));
+    EXPECT_EQ(resolveExistingPath(u"", parsed.document(), nullptr), folder.file16("map.ditamap"));
+    EXPECT_TRUE(console().empty());
+}
+
+TEST_F(ResolveExistingPathTest, AFolderExistsToo) {
+    const ParsedXml parsed = parse("<map/>");
+    EXPECT_EQ(resolveExistingPath(u"sub", parsed.document(), nullptr), folder.file16("sub"));
+    EXPECT_TRUE(console().empty());
+}
+
+TEST_F(ResolveExistingPathTest, ReportsAMissingFileWithItsPath) {
+    const ParsedXml parsed = parse("<map/>");
+    EXPECT_EQ(resolveExistingPath(u"sub/../n\u00E4%20x.dita", parsed.document(), nullptr), u"");
+    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("n\xC3\xA4 x.dita"))});
+}
+
+TEST_F(ResolveExistingPathTest, ReportsAMissingDocumentOfItsOwn) {
+    const ParsedXml parsed("<map/>", uriOf("gone.ditamap"));
+    EXPECT_EQ(resolveExistingPath(u"", parsed.document(), nullptr), u"");
+    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("gone.ditamap"))});
+}
+
+TEST_F(ResolveExistingPathTest, LeavesExternalUrisAloneAndDoesNotLookForThem) {
+    const ParsedXml parsed = parse("<map/>");
+    for (const std::u16string_view uri :
+         {u"http://host/none%20x.dita", u"https://host/none.dita", u"mailto:a%20b@c"}) {
+        EXPECT_EQ(resolveExistingPath(uri, parsed.document(), nullptr), uri);
+    }
+    EXPECT_TRUE(console().empty());
+}
+
+TEST_F(ResolveExistingPathTest, LooksForASchemeInOtherCaseAsForAFile) {
+    const ParsedXml parsed = parse("<map/>");
+    EXPECT_EQ(resolveExistingPath(u"HTTP://host/a.dita", parsed.document(), nullptr), u"");
+    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("HTTP:/host/a.dita"))});
+}
+
+TEST_F(ResolveExistingPathTest, BadTextIsAPathThatDoesNotExist) {
+    const ParsedXml parsed = parse("<map/>");
+    EXPECT_EQ(resolveExistingPath(u"sub/%FF.dita", parsed.document(), nullptr), u"");
+    const std::u16string longName(300, u'n');
+    EXPECT_EQ(resolveExistingPath(longName, parsed.document(), nullptr), u"");
+    EXPECT_EQ(resolveExistingPath(u"a.dita/b.dita", parsed.document(), nullptr), u"");
+    EXPECT_EQ(console(), (std::vector{fileNotFound(folder.file("???")),
+                                      fileNotFound(folder.file(toUtf8(longName))),
+                                      fileNotFound(folder.file("a.dita/b.dita"))}));
+}
+
+TEST_F(ResolveExistingPathTest, PassesOnWhatTheFileSystemRefuses) {
+    folder.write("closed/a.dita", "x");
+    const std::filesystem::path closed = folder.path() / "closed";
+    std::filesystem::permissions(closed, std::filesystem::perms::none);
+    const ScopeExit reopen(
+        [&] { std::filesystem::permissions(closed, std::filesystem::perms::owner_all); });
+    const ParsedXml parsed = parse("<map/>");
+    {
+        const WithoutRights nobody;
+        EXPECT_THROW(resolveExistingPath(u"closed/a.dita", parsed.document(), nullptr),
+                     std::filesystem::filesystem_error);
+    }
+    EXPECT_TRUE(console().empty());
+}
+
+using ResolveHrefTest = ReferenceSampleTest;
+
+TEST_F(ResolveHrefTest, GivesPathAndTopicIdAndDropsTheElementId) {
+    const ParsedXml parsed = parse("<map/>");
+    const ResolvedHref resolved = resolveHref(u"sub/b.dita#t/e", parsed.document(), nullptr);
+    EXPECT_EQ(resolved.path, folder.file16("sub/b.dita"));
+    EXPECT_EQ(resolved.fragment, u"t");
+}
+
+TEST_F(ResolveHrefTest, AnEmptyPathIsTheDocumentItself) {
+    const ParsedXml parsed = parse("<map/>");
+    const ResolvedHref resolved = resolveHref(u"#t/e", parsed.document(), nullptr);
+    EXPECT_EQ(resolved.path, folder.file16("map.ditamap"));
+    EXPECT_EQ(resolved.fragment, u"t");
+}
+
+TEST_F(ResolveHrefTest, KeepsTheTopicIdOfAMissingFile) {
+    const ParsedXml parsed = parse("<map/>");
+    const ResolvedHref resolved = resolveHref(u"none.dita#t/e", parsed.document(), nullptr);
+    EXPECT_EQ(resolved.path, u"");
+    EXPECT_EQ(resolved.fragment, u"t");
+    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("none.dita"))});
+}
+
+TEST_F(ResolveHrefTest, CutsTheFragmentOfAnExternalUri) {
+    const ParsedXml parsed = parse("<map/>");
+    const ResolvedHref resolved = resolveHref(u"http://host/a%20b#t/e", parsed.document(), nullptr);
+    EXPECT_EQ(resolved.path, u"http://host/a%20b");
+    EXPECT_EQ(resolved.fragment, u"t");
 }
 
 }  // namespace

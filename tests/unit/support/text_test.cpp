@@ -1,4 +1,5 @@
 #include "support/text.h"
+#include "tests/support/refused_converters.h"
 
 #include <gtest/gtest.h>
 
@@ -217,6 +218,20 @@ TEST(U16HashTest, TextsAndViewsHashAlike) {
     const std::u16string text = u"key";
     EXPECT_EQ(U16Hash{}(text), U16Hash{}(std::u16string_view(u"key")));
     EXPECT_NE(U16Hash{}(u"key"), U16Hash{}(u"Key"));
+}
+
+// The converter of a process is opened once.
+TEST(ConverterStartDeathTest, WithoutAConverterTheRunsBetweenControlCharactersAreLost) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const RefusedConverters refused;
+            const bool isAsTold = toUtf16(std::string_view("a\tb\nc")) == u"\t\n" &&
+                                  toUtf8(std::u16string_view(u"a\nb\x01")) == "\n\x01" &&
+                                  toUtf16(std::string_view("\xFF")) == u"???";
+            std::_Exit(isAsTold ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

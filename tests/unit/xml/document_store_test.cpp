@@ -11,8 +11,10 @@
 #include <stdexcept>
 #include <xercesc/dom/DOMException.hpp>
 
-#include "client/messages.h"
+#include "application/messengers.h"
+#include "dom/nesting_depth.h"
 #include "references/direct_references.h"
+#include "references/exclusion_filter.h"
 #include "references/node_filters.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
@@ -22,7 +24,6 @@
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/document_writer.h"
 #include "xml/grammar_parser_cache.h"
-#include "xml/nesting_depth.h"
 
 namespace marrowpress {
 namespace {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "client/client_library.h"
-#include "client/host_operations.h"
+#include "application/connection.h"
+#include "application/host_operations.h"
 
 /// Single interfaces of the host, exchanged by ones that a test scripts.
 namespace marrowpress {
@@ -31,17 +31,17 @@ protected:
 template <class Interface>
 class InterfaceReplacement {
 public:
-    InterfaceReplacement(HostRef<Interface>& place, Interface* replacement)
+    InterfaceReplacement(InterfaceRef<Interface>& place, Interface* replacement)
         : place_(place), kept_(std::move(place)) {
-        place_ = HostRef<Interface>(replacement);
+        place_ = InterfaceRef<Interface>(replacement);
     }
     InterfaceReplacement(const InterfaceReplacement&) = delete;
     InterfaceReplacement& operator=(const InterfaceReplacement&) = delete;
     ~InterfaceReplacement() { place_ = std::move(kept_); }
 
 private:
-    HostRef<Interface>& place_;
-    HostRef<Interface> kept_;
+    InterfaceRef<Interface>& place_;
+    InterfaceRef<Interface> kept_;
 };
 
 /// Records calls to other clients, and answers as it is told.

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/open_documents.h"
+#include "marrowpress/messages.h"
+
+namespace marrowpress {
+
+class Trace;
+
+/// What a stand-in host has to offer. Every member may be left as it is.
+struct StandInHostOptions {
+    using PublicIdResolver = std::function<std::optional<std::string>(std::string_view)>;
+    using LineSink = std::function<void(std::string_view)>;
+    using ConsoleSink = std::function<void(std::optional<MessageId>, std::string_view)>;
+
+    /// The session's open documents, in order.
+    std::vector<OpenDocument> openDocuments;
+    /// Answers for the client "XmlUtilities", which does not exist without it.
+    PublicIdResolver resolvePublicId;
+    /// Takes the text of each progress line.
+    LineSink onProgress;
+    /// Takes each console text as it came, line end included, and the message that it is of;
+    /// without one for a text that is none of the module's messages.
+    ConsoleSink onConsole;
+    /// Gets every host operation; must outlive the host.
+    Trace* trace = nullptr;
+};
+
+}  // namespace marrowpress

@@ -1,0 +1,266 @@
+#include "host/stand_in_interfaces.h"
+
+#include <algorithm>
+
+#include "host/message_lines.h"
+#include "host/trace.h"
+#include "host/xml_utilities.h"
+#include "marrowpress/properties.h"
+
+namespace marrowpress {
+namespace {
+
+constexpr std::int32_t kHostOk = 0;
+constexpr std::int32_t kHostRefused = -1;
+
+bool isProperty(std::uint32_t number, HostProperty property) {
+    return number == static_cast<std::uint32_t>(property);
+}
+
+/// Runs one interface method; nothing that it throws gets to the client.
+template <class Body>
+ComStatus guarded(const Body& body) noexcept {
+    try {
+        body();
+        return kComOk;
+    } catch (...) {
+        return kComFailed;
+    }
+}
+
+template <class Value>
+void set(Value* target, Value value) {
+    if (target != nullptr) *target = value;
+}
+
+std::string_view viewOf(const char* text) {
+    return text == nullptr ? std::string_view() : text;
+}
+
+template <class Interface, class Object>
+bool give(Object& object, const InterfaceId& id, void** found) {
+    if (id != Interface::kId) return false;
+    *found = static_cast<Interface*>(&object);
+    return true;
+}
+
+}  // namespace
+
+void StandInInterfaces::releaseClient() {
+    client_ = {};
+    notifications_.clear();
+}
+
+bool StandInInterfaces::isSubscribed(std::uint32_t notification) const {
+    return notifications_.contains(notification);
+}
+
+void StandInInterfaces::beginCall() {
+    answer_.reset();
+    isInCall_ = true;
+}
+
+std::optional<TypedValues> StandInInterfaces::endCall() {
+    isInCall_ = false;
+    return std::exchange(answer_, std::nullopt);
+}
+
+ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object) {
+    if (object == nullptr) return kComFailed;
+    *object = nullptr;
+    const bool isFound =
+        give<IHostMain>(*this, id, object) || give<IHostText>(*this, id, object) ||
+        give<IHostModules>(*this, id, object) || give<IHostNotifications>(*this, id, object) ||
+        give<IHostClients>(*this, id, object) || give<IHostProperties>(*this, id, object) ||
+        give<IHostProgress>(*this, id, object) || give<IHostConsole>(*this, id, object) ||
+        give<IHostObject>(provider(), id, object);
+    if (!isFound) return kComNoInterface;
+    addRef();
+    return kComOk;
+}
+
+std::uint32_t StandInInterfaces::addRef() {
+    if (references_ == 0) self_ = shared_from_this();
+    return ++references_;
+}
+
+std::uint32_t StandInInterfaces::release() {
+    if (references_ == 0) return 0;
+    const std::uint32_t left = --references_;
+    // Moved out of the object first: the last owner's end destroys it.
+    const std::shared_ptr<StandInInterfaces> last = left == 0 ? std::move(self_) : nullptr;
+    return left;
+}
+
+ComStatus StandInInterfaces::attachClient(IHostObject* notifications, std::uint32_t /*flags*/,
+                                          const ClientRegistration* /*registration*/,
+                                          std::int32_t* hostStatus) {
+    return guarded([&] {
+        const bool isAccepted = notifications != nullptr && !client_;
+        if (isAccepted) client_ = InterfaceRef<IHostObject>::share(notifications);
+        set(hostStatus, isAccepted ? kHostOk : kHostRefused);
+    });
+}
+
+ComStatus StandInInterfaces::query(std::uint32_t question, std::int32_t* answer) {
+    return guarded([&] { set(answer, question == kClientFreesTexts ? 1 : 0); });
+}
+
+ComStatus StandInInterfaces::enableUnicode(std::uint32_t on, std::int32_t* hostStatus) {
+    return guarded([&] {
+        set(hostStatus, kHostOk);
+        if (options_.trace != nullptr) options_.trace->enableUnicode(on);
+    });
+}
+
+ComStatus StandInInterfaces::useModule(void* /*module*/, std::int32_t* hostStatus) {
+    return guarded([&] { set(hostStatus, kHostOk); });
+}
+
+ComStatus StandInInterfaces::registerNotification(std::uint32_t notification, std::uint32_t state,
+                                                  std::int32_t* hostStatus) {
+    return guarded([&] {
+        if (state == 0) {
+            notifications_.erase(notification);
+        } else {
+            notifications_.insert(notification);
+        }
+        set(hostStatus, kHostOk);
+        if (options_.trace != nullptr) {
+            options_.trace->registerNotification(notification, state, kHostOk);
+        }
+    });
+}
+
+bool StandInInterfaces::hasXmlUtilities(std::string_view client) const {
+    return client == kXmlUtilitiesClient && options_.resolvePublicId != nullptr;
+}
+
+ComStatus StandInInterfaces::callClient(const char* client, const char* command,
+                                        std::int32_t* result, std::int32_t* hostStatus) {
+    return guarded([&] {
+        const bool exists = hasXmlUtilities(viewOf(client));
+        const bool isKnown = exists && parseXmlUtilitiesCommand(viewOf(command)).has_value();
+        set(result, isKnown ? 1 : 0);
+        set(hostStatus, exists ? kHostOk : kHostRefused);
+        if (options_.trace != nullptr) {
+            options_.trace->callClient(viewOf(client), viewOf(command), isKnown ? 1 : 0);
+        }
+    });
+}
+
+std::optional<std::string> StandInInterfaces::resolve(std::string_view command) const {
+    const std::optional<XmlUtilitiesCommand> parsed = parseXmlUtilitiesCommand(command);
+    if (!parsed || parsed->kind != XmlUtilitiesCommand::Kind::kResolveEntity) return std::nullopt;
+    return options_.resolvePublicId(parsed->publicId);
+}
+
+ComStatus StandInInterfaces::callClientTyped(const char* client, const char* command,
+                                             HostTypedValueList* reply, std::int32_t* hostStatus) {
+    return guarded([&] {
+        set(reply, HostTypedValueList{0, nullptr});
+        const bool exists = hasXmlUtilities(viewOf(client));
+        set(hostStatus, exists ? kHostOk : kHostRefused);
+        const std::optional<std::string> path = exists ? resolve(viewOf(command)) : std::nullopt;
+        if (options_.trace != nullptr) {
+            TypedValues shown;
+            if (path) shown.push_back({static_cast<std::uint32_t>(HostValueType::kString), *path});
+            options_.trace->callClientTyped(viewOf(client), viewOf(command), shown);
+        }
+        if (path && reply != nullptr) *reply = makeStringReply(*path);
+    });
+}
+
+ComStatus StandInInterfaces::returnTypedValue(HostTypedValueList values, HostTypedValueList* answer,
+                                              std::int32_t* hostStatus) {
+    const HostTypedValues owner(values);
+    return guarded([&] {
+        set(answer, HostTypedValueList{0, nullptr});
+        set(hostStatus, isInCall_ ? kHostOk : kHostRefused);
+        TypedValues copy = copyTypedValues(owner.list());
+        if (options_.trace != nullptr) options_.trace->returnTypedValue(copy);
+        if (isInCall_) answer_ = std::move(copy);
+    });
+}
+
+const OpenDocument* StandInInterfaces::findDocument(std::uint32_t id) const {
+    const auto found =
+        std::find_if(options_.openDocuments.begin(), options_.openDocuments.end(),
+                     [id](const OpenDocument& document) { return document.id == id; });
+    return found == options_.openDocuments.end() ? nullptr : &*found;
+}
+
+ComStatus StandInInterfaces::getIntProp(std::uint32_t /*context*/, std::uint32_t object,
+                                        std::uint32_t property, std::int32_t* value,
+                                        std::int32_t* hostStatus) {
+    return guarded([&] {
+        const OpenDocument* const document =
+            isProperty(property, HostProperty::kDocumentFlag) ? findDocument(object) : nullptr;
+        const std::int32_t result = document == nullptr ? 0 : document->flag;
+        set(value, result);
+        set(hostStatus, document == nullptr ? kHostRefused : kHostOk);
+        if (options_.trace != nullptr) options_.trace->getIntProp(object, property, result);
+    });
+}
+
+std::optional<std::uint32_t> StandInInterfaces::idProperty(std::uint32_t object,
+                                                           std::uint32_t property) const {
+    const std::vector<OpenDocument>& documents = options_.openDocuments;
+    if (object == kSessionObject) {
+        if (!isProperty(property, HostProperty::kFirstDocument)) return std::nullopt;
+        return documents.empty() ? 0 : documents.front().id;
+    }
+    const OpenDocument* const document = findDocument(object);
+    if (document == nullptr || !isProperty(property, HostProperty::kNextDocument))
+        return std::nullopt;
+    return document == &documents.back() ? 0 : (document + 1)->id;
+}
+
+ComStatus StandInInterfaces::getIdProp(std::uint32_t /*context*/, std::uint32_t object,
+                                       std::uint32_t property, std::uint32_t* value,
+                                       std::int32_t* hostStatus) {
+    return guarded([&] {
+        const std::optional<std::uint32_t> result = idProperty(object, property);
+        set(value, result.value_or(0));
+        set(hostStatus, result ? kHostOk : kHostRefused);
+        if (options_.trace != nullptr) {
+            options_.trace->getIdProp(object, property, result.value_or(0));
+        }
+    });
+}
+
+ComStatus StandInInterfaces::getStringProp(std::uint32_t /*context*/, std::uint32_t object,
+                                           std::uint32_t property, char** value,
+                                           std::int32_t* hostStatus) {
+    return guarded([&] {
+        set<char*>(value, nullptr);
+        const OpenDocument* const document =
+            isProperty(property, HostProperty::kDocumentPath) ? findDocument(object) : nullptr;
+        set(hostStatus, document == nullptr ? kHostRefused : kHostOk);
+        if (options_.trace != nullptr) {
+            options_.trace->getStringProp(
+                object, property,
+                document == nullptr ? std::nullopt : std::optional(document->path));
+        }
+        if (document != nullptr && value != nullptr) *value = copyToMalloc(document->path);
+    });
+}
+
+ComStatus StandInInterfaces::reportProgress(std::int32_t kind, const char* text,
+                                            std::int32_t number, std::int32_t* hostStatus) {
+    return guarded([&] {
+        set(hostStatus, kHostOk);
+        if (options_.trace != nullptr) options_.trace->reportProgress(kind, viewOf(text), number);
+        if (options_.onProgress) options_.onProgress(viewOf(text));
+    });
+}
+
+ComStatus StandInInterfaces::write(const char* text, std::int32_t* hostStatus) {
+    return guarded([&] {
+        set(hostStatus, kHostOk);
+        if (options_.trace != nullptr) options_.trace->consoleWrite(viewOf(text));
+        if (options_.onConsole) options_.onConsole(messageIdOf(viewOf(text)), viewOf(text));
+    });
+}
+
+}  // namespace marrowpress

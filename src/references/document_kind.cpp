@@ -1,0 +1,69 @@
+#include "references/document_kind.h"
+
+#include <string_view>
+
+#include "references/dita_reference.h"
+#include "references/node_filters.h"
+#include "references/reference_paths.h"
+#include "xml/document_store.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+
+bool endsBehind(std::u16string_view path, std::u16string_view ending) {
+    return path.size() > ending.size() && path.ends_with(ending);
+}
+
+}  // namespace
+
+DitaDocKind classifyReference(const DitaReference& reference) {
+    if (reference.path.empty()) {
+        return DitaDocKind::DitaDocNone;
+    }
+    if (endsBehind(reference.path, u".dita")) {
+        return DitaDocKind::DitaDocTopic;
+    }
+    if (endsBehind(reference.path, u".ditamap")) {
+        return DitaDocKind::DitaDocMap;
+    }
+    constexpr std::size_t kShortestXmlPath = 5;
+    if (reference.path.size() >= kShortestXmlPath && !reference.path.ends_with(u".xml")) {
+        return DitaDocKind::DitaDocNone;
+    }
+    for (const std::u16string_view topicType : {u"concept", u"reference", u"task", u"topic"}) {
+        if (reference.type == topicType) {
+            return DitaDocKind::DitaDocTopic;
+        }
+    }
+    return reference.format == u"ditamap" ? DitaDocKind::DitaDocMap
+                                          : DitaDocKind::DitaDocUnknownXml;
+}
+
+DitaDocKind classifyDocument(const DOMDocument* document) {
+    const DOMElement* const root = document ? document->getDocumentElement() : nullptr;
+    static const TopicNodeFilter topics;
+    static const MapNodeFilter maps;
+    if (selects(topics, root)) {
+        return DitaDocKind::DitaDocTopic;
+    }
+    return selects(maps, root) ? DitaDocKind::DitaDocMap : DitaDocKind::DitaDocNone;
+}
+
+std::u16string absoluteReferencePath(const DitaReference& reference,
+                                     const xercesc::DOMElement& node) {
+    return toAbsolutePath(reference.path, *node.getOwnerDocument());
+}
+
+DitaDocKind kindOfReference(const DitaReference& reference, const xercesc::DOMElement& node) {
+    const DitaDocKind kind = classifyReference(reference);
+    if (kind != DitaDocKind::DitaDocUnknownXml) {
+        return kind;
+    }
+    return classifyDocument(
+        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node), &node));
+}
+
+}  // namespace marrowpress

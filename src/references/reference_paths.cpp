@@ -1,0 +1,53 @@
+#include "references/reference_paths.h"
+
+#include "application/messengers.h"
+#include "dom/document_path.h"
+#include "support/hrefs.h"
+#include "support/paths.h"
+#include "support/text.h"
+
+namespace marrowpress {
+
+using xercesc::DOMDocument;
+using xercesc::DOMElement;
+
+std::u16string toAbsolutePath(std::u16string_view hrefPath, const DOMDocument& document) {
+    if (isExternalUri(hrefPath)) {
+        return std::u16string(hrefPath);
+    }
+    std::u16string path(hrefPath);
+    const std::string narrow = toUtf8(path);
+    if (isUrlFormPath(narrow)) {
+        path = toUtf16(urlFormToNativePath(narrow));
+    }
+    if (isExternalUri(path) || isAbsolutePath(path)) {
+        return path;
+    }
+    const std::u16string base = documentPath(document);
+    if (path.empty()) {
+        return normalizePath(base);
+    }
+    // The document's file as a folder that is left again.
+    return normalizePath(base + u"/../" + u"/" + path);
+}
+
+std::u16string resolveExistingPath(std::u16string_view hrefPath, const DOMDocument& document,
+                                   const DOMElement* reference) {
+    if (isExternalUri(hrefPath)) {
+        return std::u16string(hrefPath);
+    }
+    std::u16string path = toAbsolutePath(hrefPath, document);
+    if (!pathExists(path)) {
+        ReportMessenger::instance().reportReferencedFileNotFound(path, reference);
+        return {};
+    }
+    return path;
+}
+
+ResolvedHref resolveHref(std::u16string_view href, const DOMDocument& document,
+                         const DOMElement* reference) {
+    const HrefParts parts = splitHref(href);
+    return {resolveExistingPath(parts.path, document, reference), std::u16string(parts.topicId)};
+}
+
+}  // namespace marrowpress
