@@ -75,12 +75,21 @@ xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
             return nullptr;
         }
         documents_.emplace(path, document);
+        failures_.erase(path);
         removeFiltered(document);
         return document;
     } catch (...) {
-        // Why a file can't be read is not told; the caller reports that it can't.
+        // The caller reports that the file can't be read; why is kept beside.
+        if (const std::optional<ParseFailure>& failure = loader_.parser().failure()) {
+            failures_.insert_or_assign(path, *failure);
+        }
         return nullptr;
     }
+}
+
+const ParseFailure* DocumentStore::failureOf(const std::u16string& path) const {
+    const auto failure = failures_.find(path);
+    return failure == failures_.end() ? nullptr : &failure->second;
 }
 
 void DocumentStore::recordIfOpen(const std::u16string& path) {

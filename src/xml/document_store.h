@@ -74,6 +74,10 @@ public:
     /// Whether the document of `path` has been asked for before and is kept.
     bool holds(const std::u16string& path) const { return documents_.contains(path); }
 
+    /// What the parser said, at its last try, of the file at `path`, which could not be read when
+    /// it was last asked for; null where it was read, or the parser said nothing.
+    const ParseFailure* failureOf(const std::u16string& path) const;
+
     /// The requested paths that are open in the host, whether or not they could be read.
     const OpenDocumentRecords& touchedOpenDocuments() const noexcept {
         return touchedOpenDocuments_;
@@ -85,6 +89,7 @@ private:
     void removeFiltered(xercesc::DOMDocument* document) const;
 
     std::unordered_map<std::u16string, xercesc::DOMDocument*> documents_;
+    std::unordered_map<std::u16string, ParseFailure> failures_;
     OpenDocumentRecords touchedOpenDocuments_;
     ParserBundle loader_;
     /// What it accepts is taken out of each document as it is loaded. Null in this system.

@@ -9,6 +9,10 @@ namespace marrowpress {
 
 enum class [[nodiscard]] WriteStatus{kWritten = 0, kFailed = 1};
 
+/// What a run decides about a write that may have failed: to go on. Message 107 has told it, and no
+/// line changes the status of a run.
+inline void goOnAfter(WriteStatus /*status*/) {}
+
 /// Writes `document` to the file at `path`, over what is there. A null document fails.
 ///
 /// Whatever goes wrong, a disk that runs full as much as text that XML can't hold, is message 107

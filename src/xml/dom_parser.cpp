@@ -8,6 +8,7 @@
 
 #include "support/scope_exit.h"
 #include "support/text.h"
+#include "support/xerces_ptr.h"
 #include "xml/mapped_input.h"
 
 namespace marrowpress {
@@ -64,8 +65,11 @@ QSXercesDOMParser::QSXercesDOMParser()
 
 void QSXercesDOMParser::error(unsigned int code, const XMLCh* /*domain*/,
                               xercesc::XMLErrorReporter::ErrTypes /*type*/, const XMLCh* text,
-                              const XMLCh* /*systemId*/, const XMLCh* publicId, XMLFileLoc line,
+                              const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
                               XMLFileLoc column) {
+    if (!failure_) {
+        failure_ = {std::u16string(domText(text)), std::u16string(domText(systemId)), line, column};
+    }
     // The source is named by its public identifier: the file's name varies from place to place.
     const std::string sourceName = toUtf8(publicId).value_or(std::string());
     throw QSXercesParseException(code, text, sourceName.c_str(), line, column);
@@ -113,6 +117,7 @@ xercesc::DOMDocument* ParserBundle::parseFile(const std::u16string& path, unsign
 }
 
 xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
+    parser_->forgetFailure();
     sendStart(path);
     const ScopeExit endSession([] { sendEnd(); });
     const MemMapLocalFileInputSource source(path.c_str(),

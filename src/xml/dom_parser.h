@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
@@ -26,6 +27,14 @@ private:
     XMLFileLoc column_;
 };
 
+/// Why a file could not be read, as the parser said it.
+struct ParseFailure {
+    std::u16string reason;    ///< the engine's words, in its language
+    std::u16string systemId;  ///< of the file or entity that it was reading
+    XMLFileLoc line = 0;      ///< from 1, like the column; 0 where it is of no place
+    XMLFileLoc column = 0;
+};
+
 /// A parser for plain Xerces trees that throws each diagnostic, warnings and
 /// validity errors included, as a `QSXercesParseException`.
 class QSXercesDOMParser final : public xercesc::XercesDOMParser {
@@ -36,8 +45,17 @@ public:
                const XMLCh* text, const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
                XMLFileLoc column) override;
 
+    /// The first diagnostic since the last `forgetFailure`. The engine takes one that is thrown for
+    /// an accident of its own and reports that as well: the first is the one that says what is
+    /// wrong.
+    const std::optional<ParseFailure>& failure() const noexcept { return failure_; }
+    void forgetFailure() noexcept { failure_.reset(); }
+
     /// Whether the grammar that was loaded last is a DTD that declares `attribute` for `element`.
     bool declaresAttribute(const XMLCh* element, const XMLCh* attribute) const;
+
+private:
+    std::optional<ParseFailure> failure_;
 };
 
 /// What a parse context consists of: a parser, its handlers and its settings.

@@ -59,6 +59,31 @@ TEST_F(DocumentStoreTest, GivesOneTreeForOnePath) {
     EXPECT_EQ(host.console(), Texts{});
 }
 
+TEST_F(DocumentStoreTest, KeepsWhatTheParserSaidOfAFileThatItCouldNotRead) {
+    const std::string path = folder.write("a.dita", "<a>\n  <b>\n</a>");
+    const std::u16string key = toUtf16(path);
+    EXPECT_EQ(DocumentStore::instance().failureOf(key), nullptr);
+    EXPECT_EQ(load(path), nullptr);
+    const ParseFailure* const failure = DocumentStore::instance().failureOf(key);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->reason, u"expected end of tag 'b'");
+    EXPECT_EQ(failure->systemId, key);
+    EXPECT_EQ(failure->line, 3U);
+    EXPECT_EQ(failure->column, 3U);
+    folder.write("a.dita", "<a/>");
+    EXPECT_TRUE(load(path));
+    EXPECT_EQ(DocumentStore::instance().failureOf(key), nullptr);
+}
+
+TEST_F(DocumentStoreTest, WhatIsSaidOfAFileThatIsNotThereIsOfNoPlace) {
+    const std::string path = folder.file("none.dita");
+    EXPECT_EQ(load(path), nullptr);
+    const ParseFailure* const failure = DocumentStore::instance().failureOf(toUtf16(path));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->line, 0U);
+    EXPECT_NE(failure->reason.find(toUtf16(path)), std::u16string::npos);
+}
+
 TEST_F(DocumentStoreTest, GivesATreeOfItsOwnForEachSpelling) {
     folder.write("a.dita", "<a/>");
     const std::string root = folder.path().string();
