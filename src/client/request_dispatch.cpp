@@ -1,56 +1,21 @@
 #include "client/request_dispatch.h"
 
-#include <algorithm>
 #include <memory>
-#include <vector>
 
 #include "application/host_operations.h"
 #include "application/text_layer.h"
 #include "client/client_attachment.h"
 #include "client/xml_session.h"
-#include "publish/composite_publisher.h"
-#include "publish/flat_book_publisher.h"
-#include "publish/publish_params.h"
+#include "publish/output_formats.h"
 #include "publish/publish_result.h"
 
 namespace marrowpress {
 namespace {
 
-using Publishers = std::vector<std::unique_ptr<DocPublisher>>;
-
-// Both lists hold nothing of a request, and stay from the first request to the end of the module.
-
-const PublishParamsFactories& factoryList() {
-    static const PublishParamsFactories factories = makePublishParamsFactories();
-    return factories;
-}
-
-Publishers makePublishers() {
-    Publishers publishers;
-    publishers.push_back(std::make_unique<CompositeDocPublisher>());
-    publishers.push_back(std::make_unique<FlatBookPublisher>());
-    return publishers;
-}
-
-const Publishers& publisherList() {
-    static const Publishers publishers = makePublishers();
-    return publishers;
-}
-
-DocPublisher& publisherFor(const PublishParams& params) {
-    const Publishers& publishers = publisherList();
-    const auto found = std::find_if(
-        publishers.begin(), publishers.end(),
-        [&](const auto& publisher) { return publisher->publisherId() == params.publisherId(); });
-    if (found == publishers.end()) {
-        throw UnsupportedPublishParamsException();
-    }
-    return **found;
-}
-
 std::unique_ptr<PublishResult> runRequest(const char* text) {
-    std::unique_ptr<PublishParams> params = parseRequest(factoryList(), text);
-    DocPublisher& publisher = publisherFor(*params);
+    const OutputFormats& formats = OutputFormats::instance();
+    std::unique_ptr<PublishParams> params = parseRequest(formats.factories(), text);
+    DocPublisher& publisher = formats.publisherFor(*params);
     return publisher.publish(std::move(params));
 }
 
@@ -84,7 +49,7 @@ void onNotify(std::uint32_t notification, std::uint32_t /*objectId*/, const char
         return;
     }
     // What goes back when the run yields no result of its own. It outlives the session.
-    auto result = std::make_unique<PublishResult>(PublishResultKind::kFallback);
+    auto result = std::make_unique<PublishResult>(PublisherId::kNone);
     const XmlSession session;
     serveRequest(text, result);
     HostReturnTypedValue(publishResultToTypedValues(*result));

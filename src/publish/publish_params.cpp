@@ -64,13 +64,6 @@ std::unique_ptr<PublishParams> FlatBookPublishParamsFactory::create(
     return std::make_unique<FlatBookPublishParams>(params);
 }
 
-PublishParamsFactories makePublishParamsFactories() {
-    PublishParamsFactories factories;
-    factories.push_back(std::make_unique<CompositePublishParamsFactory>());
-    factories.push_back(std::make_unique<FlatBookPublishParamsFactory>());
-    return factories;
-}
-
 std::unique_ptr<PublishParams> parseRequest(const PublishParamsFactories& factories,
                                             const char* text) {
     return refusing([&] {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <boost/json/value.hpp>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "publish/publisher_id.h"
 #include "support/publish_exception.h"
 
 /// The publish request and its parameters.
@@ -15,12 +15,6 @@
 /// getter reads its key at the moment when a run needs it, so that a bad
 /// parameter ends the run at that point.
 namespace marrowpress {
-
-/// Which publisher a request is for.
-enum class PublisherId : std::uint32_t {
-    kComposite = 0,
-    kFlatBook = 1,
-};
 
 /// The parameters of a run. The getters read the value anew at each call; paths and identifiers
 /// come back in UTF-16, as they stand in the request.
@@ -103,9 +97,6 @@ public:
 };
 
 using PublishParamsFactories = std::vector<std::unique_ptr<PublishParamsFactory>>;
-
-/// The factories of all types, in the order in which they are tried.
-PublishParamsFactories makePublishParamsFactories();
 
 /// Makes the parameters of the request `text`, NUL-terminated UTF-8; null counts as empty.
 ///

@@ -5,22 +5,17 @@
 #include <vector>
 
 #include "application/host_operations.h"
+#include "publish/publisher_id.h"
 #include "xml/document_store.h"
 
 /// What goes back to the caller of a publish request.
 namespace marrowpress {
 
-enum class PublishResultKind : std::uint32_t {
-    kComposite = 0,
-    kFlatBook = 1,
-    kFallback = 2,  ///< what a run that yields nothing of its own answers with
-};
-
 /// The outcome of a request. The documents of a derived result belong to the
 /// `DocumentStore` and are not to be used once the `XmlSession` has closed.
 class PublishResult {
 public:
-    explicit PublishResult(PublishResultKind resultKind) : kind(resultKind) {}
+    explicit PublishResult(PublisherId publisherId) : kind(publisherId) {}
     PublishResult(const PublishResult&) = delete;
     PublishResult& operator=(const PublishResult&) = delete;
     virtual ~PublishResult() = default;
@@ -28,7 +23,7 @@ public:
     /// Adds to `list` what the kind of result has beyond the four values of all results.
     virtual void appendExtraValues(HostTypedValueList& list) const;
 
-    PublishResultKind kind;
+    PublisherId kind;
     std::int32_t status = 0;
     /// The documents of the run that were open in the host, by path.
     OpenDocumentRecords usedHostDocuments;
@@ -39,7 +34,7 @@ class CompositeDocPublishResult final : public PublishResult {
 public:
     /// `finished` may be null: the document could not be created.
     explicit CompositeDocPublishResult(xercesc::DOMDocument* finished)
-        : PublishResult(PublishResultKind::kComposite), document(finished) {}
+        : PublishResult(PublisherId::kComposite), document(finished) {}
 
     xercesc::DOMDocument* document;
 };
@@ -48,7 +43,7 @@ public:
 class FlatBookPublishResult final : public PublishResult {
 public:
     explicit FlatBookPublishResult(std::vector<xercesc::DOMDocument*> components)
-        : PublishResult(PublishResultKind::kFlatBook), documents(std::move(components)) {}
+        : PublishResult(PublisherId::kFlatBook), documents(std::move(components)) {}
 
     void appendExtraValues(HostTypedValueList& list) const override;
 

@@ -103,7 +103,7 @@ TEST_F(CompositeDocAssemblerTest, WithoutAStartThereIsTheShellAlone) {
     ASSERT_TRUE(document);
     EXPECT_EQ(printed(*document->getDocumentElement()),
               "<dita><topic id=\"id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5\"><title/></topic></dita>");
-    EXPECT_TRUE(request.idMap.byReference().empty());
+    EXPECT_TRUE(request.topicIds.byReference().empty());
 }
 
 TEST_F(CompositeDocAssemblerTest, WhatCannotBeCreatedIsNull) {
@@ -128,7 +128,7 @@ TEST_F(CompositeDocAssemblerTest, AnAssemblerServesManyRequests) {
     EXPECT_FALSE(request.conditions.expression);
     EXPECT_EQ(request.conditions.renames.size(), 1U);
     // References lead to the first.
-    EXPECT_EQ(request.idMap.byReference().size(), 1U);
+    EXPECT_EQ(request.topicIds.byReference().size(), 1U);
 
     const xercesc::DOMDocument* const again = assemble(nullptr);
     ASSERT_TRUE(again);

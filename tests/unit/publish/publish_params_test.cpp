@@ -7,13 +7,15 @@
 #include <stdexcept>
 #include <typeinfo>
 
+#include "publish/output_formats.h"
+
 namespace marrowpress {
 namespace {
 
 using Params = std::unique_ptr<PublishParams>;
 
 Params parse(const std::string& text) {
-    return parseRequest(makePublishParamsFactories(), text.c_str());
+    return parseRequest(OutputFormats::instance().factories(), text.c_str());
 }
 
 /// Whether `action` throws exactly the refusal of a request.
@@ -39,15 +41,8 @@ std::string nestedRequest(std::size_t depth) {
            std::string(depth - 1, ']') + "}";
 }
 
-TEST(PublishParamsFactoriesTest, StandInTheirOrder) {
-    const PublishParamsFactories factories = makePublishParamsFactories();
-    ASSERT_EQ(factories.size(), 2U);
-    EXPECT_EQ(factories[0]->typeKey(), "PublishComp");
-    EXPECT_EQ(factories[1]->typeKey(), "PublishFlatBook");
-}
-
 TEST(PublishParamsFactoriesTest, MakeParamsWithTheirPublisher) {
-    const PublishParamsFactories factories = makePublishParamsFactories();
+    const PublishParamsFactories& factories = OutputFormats::instance().factories();
     const Params composite = factories[0]->create(nullptr);
     EXPECT_EQ(static_cast<std::uint32_t>(composite->publisherId()), 0U);
     EXPECT_NE(dynamic_cast<CompositePublishParams*>(composite.get()), nullptr);
@@ -147,7 +142,7 @@ TEST(ParseRequestTest, TextsThatAreNoRequestAreRefused) {
 }
 
 TEST(ParseRequestTest, ANullTextIsRefused) {
-    EXPECT_TRUE(isRefused([] { parseRequest(makePublishParamsFactories(), nullptr); }));
+    EXPECT_TRUE(isRefused([] { parseRequest(OutputFormats::instance().factories(), nullptr); }));
 }
 
 TEST(ParseRequestTest, ThirtyTwoLevelsAreTheLimit) {
@@ -158,7 +153,7 @@ TEST(ParseRequestTest, ThirtyTwoLevelsAreTheLimit) {
 
 TEST(ParseRequestTest, TheTextEndsAtItsFirstNul) {
     const std::string text = std::string(R"({"type": "PublishComp"})") + '\0' + "garbage";
-    EXPECT_EQ(parseRequest(makePublishParamsFactories(), text.data())->publisherId(),
+    EXPECT_EQ(parseRequest(OutputFormats::instance().factories(), text.data())->publisherId(),
               PublisherId::kComposite);
 }
 

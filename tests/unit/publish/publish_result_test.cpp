@@ -42,21 +42,21 @@ void add(PublishResult& result, const std::u16string& path, std::uint32_t state,
 }
 
 TEST(PublishResultTest, StartsWithoutFailureAndDocuments) {
-    const PublishResult result(PublishResultKind::kFallback);
+    const PublishResult result(PublisherId::kNone);
     EXPECT_EQ(static_cast<std::uint32_t>(result.kind), 2U);
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.usedHostDocuments.empty());
 }
 
 TEST(PublishResultTest, EachKindHasItsNumber) {
-    EXPECT_EQ(static_cast<std::uint32_t>(PublishResultKind::kComposite), 0U);
-    EXPECT_EQ(static_cast<std::uint32_t>(PublishResultKind::kFlatBook), 1U);
+    EXPECT_EQ(static_cast<std::uint32_t>(PublisherId::kComposite), 0U);
+    EXPECT_EQ(static_cast<std::uint32_t>(PublisherId::kFlatBook), 1U);
     EXPECT_EQ(static_cast<std::uint32_t>(CompositeDocPublishResult(nullptr).kind), 0U);
 }
 
 TEST(PublishResultTest, NothingIsAppendedByDefault) {
     HostTypedValueList list{0, nullptr};
-    PublishResult(PublishResultKind::kFallback).appendExtraValues(list);
+    PublishResult(PublisherId::kNone).appendExtraValues(list);
     CompositeDocPublishResult(nullptr).appendExtraValues(list);
     EXPECT_EQ(list.count, 0U);
     EXPECT_EQ(list.values, nullptr);
@@ -100,7 +100,7 @@ TEST(ReleaseTypedValuesTest, LeavesAnEmptyList) {
 
 TEST(PublishResultToTypedValuesTest, WithoutDocumentsTheListsAreEmpty) {
     for (const std::int32_t status : {0, -42, -43}) {
-        PublishResult result(PublishResultKind::kFallback);
+        PublishResult result(PublisherId::kNone);
         result.status = status;
         EXPECT_EQ(typedValues(result),
                   (TypedValues{{1, status}, {6, Paths{}}, {15, Ids{}}, {15, Ids{}}}));
@@ -108,7 +108,7 @@ TEST(PublishResultToTypedValuesTest, WithoutDocumentsTheListsAreEmpty) {
 }
 
 TEST(PublishResultToTypedValuesTest, AStatusIsItsFourBytesAndZeroes) {
-    PublishResult result(PublishResultKind::kFallback);
+    PublishResult result(PublisherId::kNone);
     result.status = -43;
     Bytes expected(kRecordSize);
     expected[0] = 1;
@@ -118,8 +118,7 @@ TEST(PublishResultToTypedValuesTest, AStatusIsItsFourBytesAndZeroes) {
 }
 
 TEST(PublishResultToTypedValuesTest, AnEmptyListIsATypeAndZeroes) {
-    const HostTypedValues values =
-        publishResultToTypedValues(PublishResult(PublishResultKind::kFallback));
+    const HostTypedValues values = publishResultToTypedValues(PublishResult(PublisherId::kNone));
     const unsigned char types[] = {1, 6, 15, 15};
     ASSERT_EQ(values.list().count, 4U);
     for (std::size_t index = 1; index < 4; ++index) {
@@ -130,7 +129,7 @@ TEST(PublishResultToTypedValuesTest, AnEmptyListIsATypeAndZeroes) {
 }
 
 TEST(PublishResultToTypedValuesTest, AListIsACountAndAPointer) {
-    PublishResult result(PublishResultKind::kComposite);
+    PublishResult result(PublisherId::kComposite);
     add(result, u"/a.dita", 2, 7);
     add(result, u"/b.dita", 1, 8);
     const HostTypedValues values = publishResultToTypedValues(result);
@@ -157,7 +156,7 @@ TEST(PublishResultToTypedValuesTest, AListIsACountAndAPointer) {
 }
 
 TEST(PublishResultToTypedValuesTest, DocumentsAreDividedByTheirState) {
-    PublishResult result(PublishResultKind::kComposite);
+    PublishResult result(PublisherId::kComposite);
     add(result, u"/flagged.dita", 2, 7);
     add(result, u"/open.dita", 1, 8);
     EXPECT_EQ(typedValues(result),
@@ -165,17 +164,17 @@ TEST(PublishResultToTypedValuesTest, DocumentsAreDividedByTheirState) {
 }
 
 TEST(PublishResultToTypedValuesTest, EachListCanBeEmptyByItself) {
-    PublishResult flagged(PublishResultKind::kComposite);
+    PublishResult flagged(PublisherId::kComposite);
     add(flagged, u"/a", 2, 7);
     EXPECT_EQ(typedValues(flagged),
               (TypedValues{{1, 0}, {6, Paths{"/a"}}, {15, Ids{7}}, {15, Ids{}}}));
-    PublishResult open(PublishResultKind::kComposite);
+    PublishResult open(PublisherId::kComposite);
     add(open, u"/a", 1, 7);
     EXPECT_EQ(typedValues(open), (TypedValues{{1, 0}, {6, Paths{}}, {15, Ids{}}, {15, Ids{7}}}));
 }
 
 TEST(PublishResultToTypedValuesTest, ListsFollowTheTableAndEachOther) {
-    PublishResult result(PublishResultKind::kComposite);
+    PublishResult result(PublisherId::kComposite);
     for (std::uint32_t id = 1; id <= 200; ++id) {
         add(result, u"/" + std::u16string(id, u'x'), id % 3 == 0 ? 1 : 2, id);
     }
@@ -195,7 +194,7 @@ TEST(PublishResultToTypedValuesTest, ListsFollowTheTableAndEachOther) {
 }
 
 TEST(PublishResultToTypedValuesTest, LargeIdsKeepTheirBits) {
-    PublishResult result(PublishResultKind::kComposite);
+    PublishResult result(PublisherId::kComposite);
     add(result, u"/a", 2, 0x80000001U);
     add(result, u"/b", 1, 0xFFFFFFFFU);
     EXPECT_EQ(typedValues(result),
@@ -203,7 +202,7 @@ TEST(PublishResultToTypedValuesTest, LargeIdsKeepTheirBits) {
 }
 
 TEST(PublishResultToTypedValuesTest, PathsAreUtf8) {
-    PublishResult result(PublishResultKind::kComposite);
+    PublishResult result(PublisherId::kComposite);
     add(result, u"/\u00E4 \U0001F600.dita", 2, 7);
     EXPECT_EQ(typedValues(result)[1], (TypedValue{6, Paths{"/\xC3\xA4 \xF0\x9F\x98\x80.dita"}}));
 }
@@ -211,7 +210,7 @@ TEST(PublishResultToTypedValuesTest, PathsAreUtf8) {
 /// A result with a value of its own.
 class LongerResult final : public PublishResult {
 public:
-    LongerResult() : PublishResult(PublishResultKind::kFallback) {}
+    LongerResult() : PublishResult(PublisherId::kNone) {}
 
     void appendExtraValues(HostTypedValueList& list) const override {
         countBefore = list.count;
