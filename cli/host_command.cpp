@@ -129,7 +129,7 @@ ExitCode sendAll(ClientSession& session, const std::vector<std::string>& request
 
 ExitCode runChecked(const HostOptions& options, const Streams& streams) {
     const std::vector<std::string> requests = readRequests(options);
-    if (const std::optional<std::string> fault = findCatalogFault(options.catalogs)) {
+    if (const std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) {
         throw ArgumentFault(*fault);
     }
     rejectTraceOverSources(options);

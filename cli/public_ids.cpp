@@ -21,7 +21,7 @@ std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& 
     return files;
 }
 
-std::optional<std::string> findCatalogFault(const std::vector<std::string>& catalogs) {
+std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs) {
     for (const std::string& catalog : catalogs) {
         if (std::optional<std::string> fault = findCatalogFault(catalog)) {
             return "--catalog: " + *fault;

@@ -13,7 +13,7 @@ namespace marrowpress {
 std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& catalogs);
 
 /// What is wrong with the first of the named catalogs that cannot be used; empty when all can.
-std::optional<std::string> findCatalogFault(const std::vector<std::string>& catalogs);
+std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs);
 
 /// Answers public identifiers from `catalogs`, or from the default ones when none is named.
 StandInHostOptions::PublicIdResolver makePublicIdResolver(const std::vector<std::string>& catalogs);

@@ -22,7 +22,7 @@ struct RunOutcome {
 };
 
 std::optional<std::string> findFault(const PublishOptions& options, const PublishPaths& paths) {
-    if (std::optional<std::string> fault = findCatalogFault(options.catalogs)) return fault;
+    if (std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) return fault;
     return findPublishFault(options, paths);
 }
 

@@ -51,10 +51,6 @@ const char* NotificationRecord::asText() const noexcept {
     return reinterpret_cast<const char*>(this);
 }
 
-const NotificationRecord& NotificationRecord::fromText(const char* text) noexcept {
-    return *reinterpret_cast<const NotificationRecord*>(text);
-}
-
 QuillstoneNotificationsC* QuillstoneNotificationsC::create(QsApiInterfacesC&& interfaces,
                                                            const ClientCallbacks& callbacks) {
     return new QuillstoneNotificationsC(std::move(interfaces), callbacks);

@@ -30,10 +30,9 @@ public:
     /// The fields, NUL-terminated, with a null pointer behind the last.
     const char* const* fields() const noexcept { return fields_.data(); }
 
-    /// The record in place of a notification's text.
+    /// The record in place of a notification's text; it stays this object. What handles record
+    /// notifications turns it back. Nothing here does: they are counted and ignored.
     const char* asText() const noexcept;
-    /// The record that `asText` gave away; it is still the giver's.
-    static const NotificationRecord& fromText(const char* text) noexcept;
 
 private:
     std::string text_;

@@ -56,25 +56,28 @@ void appendBookTitle(DOMElement& title, const DOMElement& bookTitle) {
 DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, KeySpace& keySpace,
                                                       CompositeDocRequest& request) {
     filter_.setUsePrint(request.usePrint);
-    const bool isUsable = createBody(start, keySpace, request);
-    DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
-    if (!document || !isUsable) {
+    Body body = createBody(start, keySpace, request);
+    if (body.state == Body::State::kUnreadable) {
+        // Each further request for a file tries again, and tells again that it can't be read.
+        body.document = DocumentStore::instance().getOrLoad(request.outputPath);
+    }
+    DOMDocument* const document = body.document;
+    if (!document || body.state == Body::State::kOldFileStays) {
         return nullptr;
     }
     ProgressMessenger::instance().reportProcessingReferences();
     DOMElement* const root = document->getDocumentElement();
     keyrefs_.resolveAllKeyrefs(root, keySpace);
-    updater_.rewriteReferences(root, request.idMap);
-    conrefs_.resolveConrefs(root, keySpace, request.idMap);
+    updater_.rewriteReferences(root, request.topicIds);
+    conrefs_.resolveConrefs(root, keySpace, request.topicIds);
     writeConditionPIs(request.conditions, root);
     request.conditions.clear();
     removeExcludedElements(*document);
     return document;
 }
 
-/// Gives false when the file is an old one that can't be replaced: what it holds is of another run.
-bool CompositeDocAssembler::createBody(DOMElement* start, KeySpace& keySpace,
-                                       CompositeDocRequest& request) {
+CompositeDocAssembler::Body CompositeDocAssembler::createBody(DOMElement* start, KeySpace& keySpace,
+                                                              CompositeDocRequest& request) {
     const bool isOfThisRun = DocumentStore::instance().holds(request.outputPath);
     const WriteStatus created =
         writeEmptyDocument(kCompositeRootName, kCompositePublicId, toUtf8(request.doctypeSystemId),
@@ -82,15 +85,15 @@ bool CompositeDocAssembler::createBody(DOMElement* start, KeySpace& keySpace,
     DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
     if (!root) {
-        return true;
+        return {document ? Body::State::kCreated : Body::State::kUnreadable, document};
     }
     if (!root->hasChildNodes()) {
         addDocumentShell(*root, request.sourcePath);
     } else if (created == WriteStatus::kFailed && !isOfThisRun) {
-        return false;
+        return {Body::State::kOldFileStays, document};
     }
-    TopicrefWalk(filter_, keySpace, request.idMap, request.conditions).run(*root, start);
-    return true;
+    TopicrefWalk(filter_, keySpace, request.topicIds, request.conditions).run(*root, start);
+    return {Body::State::kCreated, document};
 }
 
 void CompositeDocAssembler::addDocumentShell(DOMElement& root,

@@ -21,7 +21,7 @@ struct CompositeDocRequest {
     std::u16string outputPath;  ///< absolute
     std::u16string doctypeSystemId;
     bool usePrint = false;
-    TopicIdMap idMap;  ///< filled by the assembly
+    TopicIdMap topicIds;  ///< filled by the assembly
     /// The conditional text of the sources; merged only if it is enabled there.
     ConditionMergeState conditions;
 };
@@ -44,7 +44,18 @@ public:
                                             CompositeDocRequest& request);
 
 private:
-    bool createBody(xercesc::DOMElement* start, KeySpace& keySpace, CompositeDocRequest& request);
+    /// What the output document is when its body was to be created.
+    struct Body {
+        enum class State {
+            kCreated,
+            kUnreadable,    ///< there is no document
+            kOldFileStays,  ///< the document holds what an earlier run wrote
+        };
+        State state;
+        xercesc::DOMDocument* document;
+    };
+
+    Body createBody(xercesc::DOMElement* start, KeySpace& keySpace, CompositeDocRequest& request);
     void addDocumentShell(xercesc::DOMElement& root, const std::u16string& sourcePath) const;
     void copyMapTitle(xercesc::DOMElement& title, const xercesc::DOMDocument& map) const;
 

@@ -36,9 +36,7 @@ void CompositeDocPublisher::removeStaleOutput(const PublishParams& params) {
 
 void CompositeDocPublisher::writeOutput(const PublishParams& /*params*/,
                                         const PublishResult& result) {
-    // A failure is reported; it doesn't fail the run.
-    static_cast<void>(
-        saveDocumentInPlace(dynamic_cast<const CompositeDocPublishResult&>(result).document));
+    goOnAfter(saveDocumentInPlace(dynamic_cast<const CompositeDocPublishResult&>(result).document));
 }
 
 std::u16string CompositeDocPublisher::getKeySpaceDocPath(const PublishParams& params) {

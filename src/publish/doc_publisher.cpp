@@ -82,9 +82,8 @@ KeySpace DocPublisher::buildKeySpaceDoc(const PublishParams& params, TopicIdMap&
     const std::u16string keySpaceDocPath = getKeySpaceDocPath(params);
     const std::u16string dtd = params.getKeyspaceDocDtd();
     KeySpace keySpace = KeySpaceLoader().load(mapPath, keySpaceDocPath, topicIds, dtd);
-    if (saveDocumentInPlace(&keySpace.document()) == WriteStatus::kFailed) {
-        // Message 107 has told it. The document in memory is what the run goes on with.
-    }
+    // The document in memory is what the run reads its keys from.
+    goOnAfter(saveDocumentInPlace(&keySpace.document()));
     return keySpace;
 }
 

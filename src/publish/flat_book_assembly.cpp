@@ -8,6 +8,7 @@
 #include "marrowpress/output_names.h"
 #include "references/dita_reference.h"
 #include "references/document_kind.h"
+#include "references/reference_paths.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "xml/document_store.h"
@@ -31,7 +32,7 @@ struct FlatBookAssembler::State {
     const FlatBookRequest& request;
     KeySpace& keySpace;
     std::vector<DOMDocument*> documents;
-    TopicIdMap idMap;
+    TopicIdMap topicIds;
     std::int32_t containerCounter = 0;
 };
 
@@ -43,7 +44,7 @@ std::vector<DOMDocument*> FlatBookAssembler::assembleBook(DOMElement* mapRoot, K
     if (mapRoot) {
         collectBookComponents(*mapRoot, state);
     }
-    topicIds = state.idMap;
+    topicIds = state.topicIds;
     for (DOMDocument* const document : state.documents) {
         updater_.rewriteReferences(document->getDocumentElement(), topicIds);
     }
@@ -72,17 +73,19 @@ bool FlatBookAssembler::addComponent(DOMElement& node, State& state) {
         addHeadComponent(node, state);
         return true;
     }
-    const DitaDocKind kind = kindOfReference(readDitaReference(node, &state.keySpace), node);
+    const DitaReference reference = readDitaReference(node, &state.keySpace);
+    const DitaDocKind kind = kindOfReference(reference, node);
     if (kind != DitaDocKind::DitaDocTopic && kind != DitaDocKind::DitaDocMap) {
         return false;
     }
-    addTopicComponent(node, state);
+    addTopicComponent(node, reference, state);
     return true;
 }
 
-void FlatBookAssembler::addTopicComponent(DOMElement& node, State& state) {
-    const std::u16string sourcePath =
-        absoluteReferencePath(readDitaReference(node, &state.keySpace), node);
+void FlatBookAssembler::addTopicComponent(DOMElement& node, const DitaReference& reference,
+                                          State& state) {
+    reportMissingFiles(reference, node);
+    const std::u16string sourcePath = toAbsolutePath(reference.path, *node.getOwnerDocument());
     if (!DocumentStore::instance().getOrLoad(sourcePath, &node)) {
         return;
     }
@@ -125,7 +128,7 @@ void FlatBookAssembler::assembleComponent(DOMElement& node, const std::u16string
         compositeAssembler_.assembleComposite(&node, state.keySpace, request);
     if (document) {
         state.documents.push_back(document);
-        state.idMap.mergeWithPrefix(request.idMap, outputPath);
+        state.topicIds.mergeWithPrefix(request.topicIds, outputPath);
     }
 }
 

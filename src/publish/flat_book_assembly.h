@@ -12,6 +12,8 @@
 
 namespace marrowpress {
 
+struct DitaReference;
+
 /// What a flat book is made of, and how.
 struct FlatBookRequest {
     std::u16string outputDir;  ///< absolute
@@ -41,7 +43,7 @@ private:
 
     void collectBookComponents(xercesc::DOMElement& root, State& state);
     bool addComponent(xercesc::DOMElement& node, State& state);
-    void addTopicComponent(xercesc::DOMElement& node, State& state);
+    void addTopicComponent(xercesc::DOMElement& node, const DitaReference& reference, State& state);
     void addHeadComponent(xercesc::DOMElement& node, State& state);
     void assembleComponent(xercesc::DOMElement& node, const std::u16string& sourcePath,
                            const std::u16string& outputPath, State& state);

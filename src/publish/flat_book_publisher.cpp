@@ -38,8 +38,7 @@ void FlatBookPublisher::removeStaleOutput(const PublishParams& /*params*/) {}
 void FlatBookPublisher::writeOutput(const PublishParams& /*params*/, const PublishResult& result) {
     for (const xercesc::DOMDocument* const document :
          dynamic_cast<const FlatBookPublishResult&>(result).documents) {
-        // A failure is reported; it doesn't fail the run.
-        static_cast<void>(saveDocumentInPlace(document));
+        goOnAfter(saveDocumentInPlace(document));
     }
 }
 

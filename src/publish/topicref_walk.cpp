@@ -8,6 +8,7 @@
 #include "profiling/conditional_pis.h"
 #include "references/dita_reference.h"
 #include "references/document_kind.h"
+#include "references/reference_paths.h"
 #include "support/paths.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -65,12 +66,13 @@ void TopicrefWalk::visitReference(DOMElement& node, DOMElement& parent) {
         visitChildren(node, appendHead(node, parent));
         return;
     }
-    switch (kindOfReference(readDitaReference(node, &keySpace_), node)) {
+    const DitaReference reference = readDitaReference(node, &keySpace_);
+    switch (kindOfReference(reference, node)) {
         case DitaDocKind::DitaDocTopic:
-            visitChildren(node, appendTopicDocument(parent, node));
+            visitChildren(node, appendTopicDocument(parent, node, reference));
             break;
         case DitaDocKind::DitaDocMap:
-            appendNestedMap(parent, node);
+            appendNestedMap(parent, node, reference);
             break;
         case DitaDocKind::DitaDocNone:
         case DitaDocKind::DitaDocUnknownXml:
@@ -96,8 +98,12 @@ DOMElement& TopicrefWalk::appendHead(const DOMElement& node, DOMElement& parent)
     return shell;
 }
 
-DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMElement& node) {
-    const DitaReference reference = readDitaReference(node, &keySpace_);
+DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMElement& node,
+                                              const DitaReference& reference) {
+    reportMissingFiles(reference, node);
+    // The path as it was read, while maps, and files that had to be looked into, are asked for
+    // under the path made absolute once more. Paths with a drive letter differ then: their escapes
+    // are undone twice.
     DOMDocument* const document = DocumentStore::instance().getOrLoad(reference.path, &node);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
     if (!root) {
@@ -167,10 +173,11 @@ DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, DOMNode& node,
     return parent.appendChild(copy);
 }
 
-void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node) {
-    const DitaReference reference = readDitaReference(node, &keySpace_);
-    DOMDocument* const map =
-        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node), &node);
+void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node,
+                                   const DitaReference& reference) {
+    reportMissingFiles(reference, node);
+    DOMDocument* const map = DocumentStore::instance().getOrLoad(
+        toAbsolutePath(reference.path, *node.getOwnerDocument()), &node);
     if (!map || isOpen(*map)) {
         return;
     }

@@ -14,6 +14,8 @@
 
 namespace marrowpress {
 
+struct DitaReference;
+
 /// Appends an empty topic with a title and a new id to `parent`, and gives it.
 xercesc::DOMElement& createTopicShell(xercesc::DOMElement& parent);
 
@@ -48,7 +50,8 @@ private:
     xercesc::DOMElement& appendHead(const xercesc::DOMElement& node,
                                     xercesc::DOMElement& parent) const;
     xercesc::DOMElement& appendTopicDocument(xercesc::DOMElement& parent,
-                                             const xercesc::DOMElement& node);
+                                             const xercesc::DOMElement& node,
+                                             const DitaReference& reference);
     xercesc::DOMElement* appendTopicSubtree(xercesc::DOMElement& element,
                                             xercesc::DOMElement& parent);
     void carryMarkersInFrontOf(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
@@ -56,7 +59,8 @@ private:
     xercesc::DOMNode* importTopicNode(const xercesc::DOMDocument& source, xercesc::DOMNode& node,
                                       xercesc::DOMElement& parent);
     void gatherConditions(xercesc::DOMElement& root);
-    void appendNestedMap(xercesc::DOMElement& parent, const xercesc::DOMElement& node);
+    void appendNestedMap(xercesc::DOMElement& parent, const xercesc::DOMElement& node,
+                         const DitaReference& reference);
     bool isOpen(const xercesc::DOMDocument& map) const;
 
     const CompositeDocNodeFilter& filter_;

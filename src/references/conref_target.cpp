@@ -17,7 +17,7 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
 DOMElement* firstTopicWithId(const DOMDocument& document) {
-    const TopicNodeFilter topics;
+    static const TopicNodeFilter topics;
     ElementWalker walker(document.getDocumentElement(), topics);
     DOMElement* topic = walker.nextNode();
     while (topic && attributeView(*topic, u"id").empty()) {

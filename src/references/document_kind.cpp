@@ -52,18 +52,13 @@ DitaDocKind classifyDocument(const DOMDocument* document) {
     return selects(maps, root) ? DitaDocKind::DitaDocMap : DitaDocKind::DitaDocNone;
 }
 
-std::u16string absoluteReferencePath(const DitaReference& reference,
-                                     const xercesc::DOMElement& node) {
-    return toAbsolutePath(reference.path, *node.getOwnerDocument());
-}
-
 DitaDocKind kindOfReference(const DitaReference& reference, const xercesc::DOMElement& node) {
     const DitaDocKind kind = classifyReference(reference);
     if (kind != DitaDocKind::DitaDocUnknownXml) {
         return kind;
     }
-    return classifyDocument(
-        DocumentStore::instance().getOrLoad(absoluteReferencePath(reference, node), &node));
+    return classifyDocument(DocumentStore::instance().getOrLoad(
+        toAbsolutePath(reference.path, *node.getOwnerDocument()), &node));
 }
 
 }  // namespace marrowpress

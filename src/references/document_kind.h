@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
@@ -23,10 +22,6 @@ DitaDocKind classifyReference(const DitaReference& reference);
 
 /// Tells by the document element; a null document, or one without an element, is none.
 DitaDocKind classifyDocument(const xercesc::DOMDocument* document);
-
-/// The path of a reference that stands on `node`, made absolute against the node's document.
-std::u16string absoluteReferencePath(const DitaReference& reference,
-                                     const xercesc::DOMElement& node);
 
 /// What a reference that stands on `node` names; where its name doesn't tell, the document is
 /// loaded to look.

@@ -8,7 +8,6 @@ namespace marrowpress {
 namespace {
 
 constexpr std::string_view kFileScheme = "file:";
-constexpr char kNativeSeparator = '/';
 
 /// The value of a hexadecimal digit. Other characters give a value too: what stands behind "%" is
 /// taken for digits.
@@ -32,12 +31,6 @@ std::string percentDecoded(std::string_view text) {
     return decoded;
 }
 
-std::string toNative(std::string_view urlPath) {
-    std::string path = percentDecoded(urlPath);
-    std::replace(path.begin(), path.end(), '/', kNativeSeparator);
-    return path;
-}
-
 /// How many of the `count` slashes behind "file:" stay.
 std::size_t keptSlashes(std::size_t count, bool isDrivePath) {
     if (isDrivePath) {
@@ -53,7 +46,7 @@ std::string fileUrlToNativePath(std::string_view rest) {
     const bool isDrivePath = rest.find(':') != std::string_view::npos;
     const std::size_t slashes = std::min(rest.find_first_not_of('/'), rest.size());
     rest.remove_prefix(slashes - keptSlashes(slashes, isDrivePath));
-    return toNative(rest);
+    return percentDecoded(rest);
 }
 
 }  // namespace
@@ -100,7 +93,7 @@ std::string urlFormToNativePath(std::string_view text) {
         return fileUrlToNativePath(text.substr(kFileScheme.size()));
     }
     const bool isKept = text.starts_with("dctm://") || text.find('/') == std::string_view::npos;
-    return isKept ? std::string(text) : toNative(text);
+    return isKept ? std::string(text) : percentDecoded(text);
 }
 
 std::u16string uriToPath(std::u16string_view uri) {
