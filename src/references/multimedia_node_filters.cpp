@@ -29,29 +29,41 @@ const ClassBasedElementNodeFilter& paramFilter() {
     return filter;
 }
 
-/// A test that gives `type` for what both `filter` and `hasReference` select.
+/// A test that gives the type of `handler` for what both `filter` and `hasReference`, which gets
+/// the element and the handler, select.
 template <class HasReference>
 MultimediaTest makeTest(const ClassBasedElementNodeFilter& filter, MultimediaNodeType type,
                         HasReference hasReference) {
-    return [&filter, type, hasReference](const DOMNode* node) {
+    const MultimediaNodeHandler& handler = multimediaNodeHandler(type);
+    return [&filter, &handler, hasReference](const DOMNode* node) {
         const FilterAction action = filter.acceptNode(node);
         if (action == DOMNodeFilter::FILTER_REJECT) {
             return MultimediaNodeType::MultimediaNodeRejected;
         }
         const bool isSelected =
-            action == DOMNodeFilter::FILTER_ACCEPT && hasReference(*asElement(node));
-        return isSelected ? type : MultimediaNodeType::MultimediaNodeNone;
+            action == DOMNodeFilter::FILTER_ACCEPT && hasReference(*asElement(node), handler);
+        return isSelected ? handler.type() : MultimediaNodeType::MultimediaNodeNone;
     };
 }
 
-template <class HasReference>
-MultimediaTest makeObjectTest(HasReference hasReference) {
-    return makeTest(objectFilter(), MultimediaNodeType::MultimediaNodeObject, hasReference);
+bool refersDirectly(const DOMElement& element, const MultimediaNodeHandler& handler) {
+    return !handler.getRefValue(element).empty();
 }
 
-template <class HasReference>
-MultimediaTest makeParamTest(HasReference hasReference) {
-    return makeTest(paramFilter(), MultimediaNodeType::MultimediaNodeParam, hasReference);
+/// A param is a reference to media only under these names, unless it has a key.
+bool paramRefersDirectly(const DOMElement& param, const MultimediaNodeHandler& handler) {
+    const std::u16string_view name = attributeView(param, u"name");
+    return (name == u"src" || name == u"poster") && refersDirectly(param, handler);
+}
+
+bool refersByKey(const DOMElement& element, const MultimediaNodeHandler& handler) {
+    return !handler.getKeyrefValue(element).empty();
+}
+
+template <class ObjectTest, class ParamTest>
+MultimediaTests makeTests(ObjectTest objectTest, ParamTest paramTest) {
+    return {makeTest(objectFilter(), MultimediaNodeType::MultimediaNodeObject, objectTest),
+            makeTest(paramFilter(), MultimediaNodeType::MultimediaNodeParam, paramTest)};
 }
 
 MultimediaNodeType firstAnswer(const MultimediaTests& tests, const DOMNode* node) {
@@ -79,14 +91,7 @@ FilterAction MultimediaRefAttrContainingNodeFilter::acceptNode(const DOMNode* no
 }
 
 MultimediaNodeType MultimediaRefAttrContainingNodeFilter::getType(const DOMNode* node) const {
-    static const MultimediaTests tests{
-        makeObjectTest(
-            [](const DOMElement& object) { return !attributeView(object, u"data").empty(); }),
-        makeParamTest([](const DOMElement& param) {
-            const std::u16string_view name = attributeView(param, u"name");
-            const bool isReference = name == u"src" || name == u"poster";
-            return isReference && !attributeView(param, u"value").empty();
-        })};
+    static const MultimediaTests tests = makeTests(refersDirectly, paramRefersDirectly);
     return firstAnswer(tests, node);
 }
 
@@ -95,12 +100,7 @@ FilterAction MultimediaKeyrefAttrContainingNodeFilter::acceptNode(const DOMNode*
 }
 
 MultimediaNodeType MultimediaKeyrefAttrContainingNodeFilter::getType(const DOMNode* node) const {
-    static const MultimediaTests tests{makeObjectTest([](const DOMElement& object) {
-                                           return !attributeView(object, u"datakeyref").empty();
-                                       }),
-                                       makeParamTest([](const DOMElement& param) {
-                                           return !attributeView(param, u"keyref").empty();
-                                       })};
+    static const MultimediaTests tests = makeTests(refersByKey, refersByKey);
     return firstAnswer(tests, node);
 }
 

@@ -1,18 +1,12 @@
 #pragma once
 
-#include <cstdint>
 #include <xercesc/dom/DOMNode.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
+#include "references/multimedia_references.h"
+
 /// The selections of elements that refer to media.
 namespace marrowpress {
-
-enum class MultimediaNodeType : std::int32_t {
-    MultimediaNodeNone = -1,
-    MultimediaNodeObject = 0,
-    MultimediaNodeParam = 1,
-    MultimediaNodeRejected = 2,
-};
 
 /// Selects what refers to media: an object by "data", or a param named "src" or "poster" by its
 /// "value".

@@ -1,11 +1,18 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <xercesc/dom/DOMElement.hpp>
 
-#include "references/multimedia_node_filters.h"
-
 namespace marrowpress {
+
+/// Which kind of multimedia element one is; two of these are what filters answer beside a kind.
+enum class MultimediaNodeType : std::int32_t {
+    MultimediaNodeNone = -1,
+    MultimediaNodeObject = 0,
+    MultimediaNodeParam = 1,
+    MultimediaNodeRejected = 2,
+};
 
 /// Reads and writes the attributes by which one kind of multimedia element
 /// refers: directly, or through a key.
