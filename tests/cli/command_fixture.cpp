@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "tests/support/texts.h"
+
 namespace marrowpress {
 namespace {
 
@@ -42,6 +44,16 @@ constexpr const char* kCatalog =
 )";
 
 }  // namespace
+
+std::string shownProgress(const Texts& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += "> " + line + "\n";
+    return text;
+}
+
+std::string shownReport(std::string_view line) {
+    return replacedAll(std::string(line), "\r\n", "\n");
+}
 
 CommandTest::CommandTest() {
     folder_.write("dtd/map.dtd", kMapDtd);

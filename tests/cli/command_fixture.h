@@ -3,14 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/cli/command_runner.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
 
 using Texts = std::vector<std::string>;
+
+/// The lines as the command shows them.
+std::string shownProgress(const Texts& lines);
+std::string shownReport(std::string_view line);
 
 /// The built command on a map with two topics, and a catalog for the DTDs of all three.
 ///

@@ -8,12 +8,9 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kProgress =
-    "> Schlüsselräume werden in Ditamap verarbeitet...\n"
-    "> Referenzen in Ditamap werden aktualisiert...\n"
-    "> Wird angehängt: a.dita\n"
-    "> Wird angehängt: b.dita\n"
-    "> Referenzen werden verarbeitet\n";
+const std::string kProgress =
+    shownProgress({processingKeySpaces(), updatingReferences(), appending("a.dita"),
+                   appending("b.dita"), processingReferences()});
 
 constexpr const char* kRefusal =
     R"({"values":[{"type":1,"value":-43},{"type":6,"value":[]},{"type":15,"value":[]},)"
@@ -79,8 +76,8 @@ TEST_F(CommandTest, PublishShowsReportLinesAsTheyAre) {
     writeMap(R"(<topicref href="100%s%n.dita"/><topicref href="a.dita"/>)");
     const CommandResult result = publish();
     EXPECT_EQ(result.code, 0);
-    EXPECT_NE(result.err.find("\nDie Datei, auf die verwiesen wird, kann nicht gefunden werden: " +
-                              folder_.file("docs/100%s%n.dita\n")),
+    EXPECT_NE(result.err.find(
+                  "\n" + shownReport(referencedFileNotFound(folder_.file("docs/100%s%n.dita")))),
               std::string::npos)
         << result.err;
     EXPECT_EQ(result.err.find('\r'), std::string::npos);
@@ -115,7 +112,7 @@ TEST_F(CommandTest, PublishSaysThatTheOutputCouldNotBeWritten) {
     const CommandResult result = publish({}, setting);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_NE(result.err.find("\nSpeichern nicht möglich: " + folder_.file("out/m.dita\n")),
+    EXPECT_NE(result.err.find("\n" + shownReport(cannotWrite(folder_.file("out/m.dita")))),
               std::string::npos)
         << result.err;
     EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))
@@ -138,7 +135,7 @@ TEST_F(CommandTest, PublishFailsWhenTheKeySpaceDocumentCouldNotBeWritten) {
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
     EXPECT_NE(
-        result.err.find("\nSpeichern nicht möglich: " + folder_.file("out/KeyspaceDoc.ditamap\n")),
+        result.err.find("\n" + shownReport(cannotWrite(folder_.file("out/KeyspaceDoc.ditamap")))),
         std::string::npos)
         << result.err;
     EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))

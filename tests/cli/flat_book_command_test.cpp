@@ -39,12 +39,8 @@ TEST_F(FlatBookCommandTest, WritesEachComponentBesideItsSource) {
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.out, lines({"docs/a.qs", "docs/b.qs"}));
     EXPECT_EQ(result.err,
-              "> Schlüsselräume werden in Ditamap verarbeitet...\n"
-              "> Referenzen in Ditamap werden aktualisiert...\n"
-              "> Wird angehängt: a.dita\n"
-              "> Referenzen werden verarbeitet\n"
-              "> Wird angehängt: b.dita\n"
-              "> Referenzen werden verarbeitet\n");
+              shownProgress({processingKeySpaces(), updatingReferences(), appending("a.dita"),
+                             processingReferences(), appending("b.dita"), processingReferences()}));
     EXPECT_EQ(bodiesOf("docs/a.qs"), "Text of a;");
     EXPECT_EQ(bodiesOf("docs/b.qs"), "Text of b;");
     EXPECT_FALSE(folder_.exists("out/a.qs"));
@@ -141,7 +137,7 @@ TEST_F(FlatBookCommandTest, SaysThatAComponentCouldNotBeWritten) {
     const CommandResult result = publishBook({}, setting);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_NE(result.err.find("\nSpeichern nicht möglich: " + folder_.file("docs/a.qs\n")),
+    EXPECT_NE(result.err.find("\n" + shownReport(cannotWrite(folder_.file("docs/a.qs")))),
               std::string::npos)
         << result.err;
     EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))

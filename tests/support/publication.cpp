@@ -7,11 +7,12 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include "host/catalog_resolver.h"
 #include "host/client_session.h"
 #include "host/open_documents.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/texts.h"
 
 namespace marrowpress {
 namespace {
@@ -32,13 +33,6 @@ void writeFile(const fs::path& path, const std::string& text) {
     std::ofstream stream(path, std::ios::binary);
     stream << text;
     EXPECT_TRUE(stream.flush()) << path << " can't be written";
-}
-
-void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t position = text.find(from); position != std::string::npos;
-         position = text.find(from, position + to.size())) {
-        text.replace(position, from.size(), to);
-    }
 }
 
 /// What is below `folder`, by relative path: files with their text, and other things by their kind.
@@ -62,29 +56,6 @@ std::map<std::string, std::string> readTree(const fs::path& folder) {
     }
     return files;
 }
-
-/// Gives generated ids names by the order of their appearance.
-class IdRenamer {
-public:
-    void rename(std::string& text) {
-        static const std::regex kId(
-            "id[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
-        std::string renamed;
-        auto behind = text.cbegin();
-        for (std::sregex_iterator match(text.begin(), text.end(), kId), end; match != end;
-             ++match) {
-            renamed.append(behind, (*match)[0].first);
-            const auto name = names_.emplace(match->str(), names_.size() + 1).first;
-            renamed += "id-" + std::to_string(name->second);
-            behind = (*match)[0].second;
-        }
-        renamed.append(behind, text.cend());
-        text = renamed;
-    }
-
-private:
-    std::map<std::string, std::size_t> names_;
-};
 
 std::string answerText(const std::optional<TypedValues>& answer) {
     if (!answer) {
@@ -123,14 +94,12 @@ Publication PublicationCase::publish() const {
         result.progress += '\n';
     };
     if (fs::exists(folder_ / "open.json")) {
-        std::string open = readFile(folder_ / "open.json");
-        replaceAll(open, "$CASE", workPath);
-        options.openDocuments = parseOpenDocuments(open);
+        options.openDocuments =
+            parseOpenDocuments(replacedAll(readFile(folder_ / "open.json"), "$CASE", workPath));
     }
-    std::string request = readFile(folder_ / "request.json");
-    replaceAll(request, "$CASE", workPath);
     ClientSession session(std::move(options), kModule);
-    result.answer = answerText(session.send(request));
+    result.answer = answerText(
+        session.send(replacedAll(readFile(folder_ / "request.json"), "$CASE", workPath)));
 
     const std::map<std::string, std::string> input = readTree(folder_ / "input");
     for (const auto& [path, text] : readTree(work.path())) {
@@ -144,13 +113,12 @@ Publication PublicationCase::publish() const {
             result.files[path] = "(gone)";
         }
     }
-    IdRenamer ids;
+    IdNames ids;
     const auto neutralize = [&](std::string& text) {
-        replaceAll(text, workPath, "$CASE");
-        ids.rename(text);
+        text = ids.named(replacedAll(text, workPath, "$CASE"));
     };
     for (std::string* text : {&result.answer, &result.console, &result.progress}) {
-        replaceAll(*text, "\r\n", "\n");
+        *text = replacedAll(*text, "\r\n", "\n");
         neutralize(*text);
     }
     for (auto& [path, text] : result.files) {

@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/temporary_folder.h"
-
 namespace marrowpress {
 
 /// What a request came to, as text that can be compared: the working folder reads "$CASE", and

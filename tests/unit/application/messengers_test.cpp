@@ -8,6 +8,7 @@
 #include "client/xml_session.h"
 #include "support/request_singleton.h"
 #include "support/text.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/scripted_host.h"
 #include "tests/support/xml_text.h"
 
@@ -15,6 +16,11 @@ namespace marrowpress {
 namespace {
 
 using Lines = std::vector<std::string>;
+
+/// `line` without its CR and LF.
+std::string withoutEnd(const std::string& line) {
+    return line.substr(0, line.size() - 2);
+}
 
 /// Reports go to `host`.
 class MessengerTest : public testing::Test {
@@ -57,23 +63,20 @@ TEST_F(ProgressMessengerTest, ALineHasTheKindFourAndNoNumber) {
     messenger.reportProcessingKeySpaces();
     messenger.reportUpdatingReferences();
     messenger.reportProcessingReferences();
-    EXPECT_EQ(host.calls,
-              Lines({"reportProgress 4 -1 Schl\xC3\xBCsselr\xC3\xA4ume werden in Ditamap "
-                     "verarbeitet...",
-                     "reportProgress 4 -1 Referenzen in Ditamap werden aktualisiert...",
-                     "reportProgress 4 -1 Referenzen werden verarbeitet"}));
+    EXPECT_EQ(host.calls, Lines({"reportProgress 4 -1 " + processingKeySpaces(),
+                                 "reportProgress 4 -1 " + updatingReferences(),
+                                 "reportProgress 4 -1 " + processingReferences()}));
 }
 
 TEST_F(ProgressMessengerTest, AnAppendedDocumentIsNamedWithoutLineEnd) {
     messenger.reportAppending(u"\u00E4.dita");
-    EXPECT_EQ(host.calls, Lines({"reportProgress 4 -1 Wird angeh\xC3\xA4ngt: \xC3\xA4.dita"}));
+    EXPECT_EQ(host.calls, Lines({"reportProgress 4 -1 " + appending("\xC3\xA4.dita")}));
 }
 
 TEST_F(ProgressMessengerTest, ALongNameIsCutAt4095Bytes) {
     messenger.reportAppending(std::u16string(5000, u'x'));
-    const std::string start = "Wird angeh\xC3\xA4ngt: ";
-    EXPECT_EQ(host.calls,
-              Lines({"reportProgress 4 -1 " + start + std::string(4095 - start.size(), 'x')}));
+    const std::string cut = appending(std::string(5000, 'x')).substr(0, 4095);
+    EXPECT_EQ(host.calls, Lines({"reportProgress 4 -1 " + cut}));
 }
 
 TEST_F(ProgressMessengerTest, IsOnePerRequest) {
@@ -88,46 +91,41 @@ TEST_F(ReportMessengerTest, AMessageEndsInCrAndLf) {
     messenger.reportCannotWrite(u"/b");
     messenger.reportReferencedFileNotFound(u"/c", nullptr);
     EXPECT_EQ(host.calls,
-              Lines({"write Die Definition von Schl\xC3\xBCssel k wurde im geladenen "
-                     "Schl\xC3\xBCsselraum nicht gefunden.\r\n",
-                     "write Lesen nicht m\xC3\xB6glich: /a\r\n",
-                     "write Speichern nicht m\xC3\xB6glich: /b\r\n",
-                     "write Die Datei, auf die verwiesen wird, kann nicht gefunden werden: "
-                     "/c\r\n"}));
+              Lines({"write " + keyNotFound("k"), "write " + cannotRead("/a"),
+                     "write " + cannotWrite("/b"), "write " + referencedFileNotFound("/c")}));
 }
 
 TEST_F(ReportMessengerTest, ElementsAreNamedInTheOrderOfTheText) {
     messenger.reportElementNotFound(u"p", u"i", target("/f"), nullptr);
     messenger.reportElementInTopicNotFound(u"p", u"i", u"t", target("/f"), nullptr);
     messenger.reportInvalidConrefEnd(nullptr);
-    EXPECT_EQ(host.calls,
-              Lines({"write p/@id=\"i\" wurde in Datei file:///f nicht gefunden\r\n",
-                     "write p/@id=\"i\" wurde im Thema @id=\"t\" in Datei file:///f nicht gefunden\r\n",
-                     "write Geben Sie ein g\xC3\xBCltiges conref-Endelement an.\r\n"}));
+    EXPECT_EQ(host.calls, Lines({"write " + elementNotFound("p", "i", "file:///f"),
+                                 "write " + elementInTopicNotFound("p", "i", "t", "file:///f"),
+                                 "write " + invalidConrefEnd()}));
 }
 
 TEST_F(ReportMessengerTest, AnEmptyArgumentLeavesItsPlaceEmpty) {
     messenger.reportCannotRead(u"", nullptr);
-    EXPECT_EQ(console(), "Lesen nicht m\xC3\xB6glich: \r\n");
+    EXPECT_EQ(console(), cannotRead(""));
 }
 
 TEST_F(ReportMessengerTest, PercentSignsOfAnArgumentAreHandedOver) {
     messenger.reportCannotRead(u"/100%/%s%n%%.dita", nullptr);
-    EXPECT_EQ(console(), "Lesen nicht m\xC3\xB6glich: /100%/%s%n%%.dita\r\n");
+    EXPECT_EQ(console(), cannotRead("/100%/%s%n%%.dita"));
 }
 
 TEST_F(ReportMessengerTest, PercentSignsOfSeveralArgumentsAreHandedOver) {
     messenger.reportElementInTopicNotFound(u"%s", u"%d", u"%n", target("%%"), nullptr);
-    EXPECT_EQ(console(), "%s/@id=\"%d\" wurde im Thema @id=\"%n\" in Datei %% nicht gefunden\r\n");
+    EXPECT_EQ(console(), elementInTopicNotFound("%s", "%d", "%n", "%%"));
 }
 
 TEST_F(ReportMessengerTest, AnArgumentEndsAtItsFirstNul) {
     messenger.reportCannotRead(std::u16string(u"/a\0b", 4), nullptr);
-    EXPECT_EQ(console(), "Lesen nicht m\xC3\xB6glich: /a\r\n");
+    EXPECT_EQ(console(), cannotRead("/a"));
 }
 
 TEST_F(ReportMessengerTest, TheLineEndIsAddedAsFarAsThereIsRoom) {
-    const std::string start = "Lesen nicht m\xC3\xB6glich: ";
+    const std::string start = withoutEnd(cannotRead(""));
     struct {
         std::size_t length;  ///< of the formatted text
         std::string end;
@@ -141,7 +139,7 @@ TEST_F(ReportMessengerTest, TheLineEndIsAddedAsFarAsThereIsRoom) {
 }
 
 TEST_F(ReportMessengerTest, ATextThatFillsTheBufferLosesItsEnd) {
-    const std::string start = "Lesen nicht m\xC3\xB6glich: ";
+    const std::string start = withoutEnd(cannotRead(""));
     for (const std::size_t length : {4096U, 4097U, 100000U}) {
         host.calls.clear();
         messenger.reportCannotRead(std::u16string(length - start.size(), u'x'), nullptr);
@@ -155,7 +153,7 @@ TEST_F(ReportMessengerTest, TheCutTakesWhatFollowsTheLongArgument) {
 }
 
 TEST_F(ReportMessengerTest, TheCutDoesNotSpareACharacter) {
-    const std::string start = "Lesen nicht m\xC3\xB6glich: ";
+    const std::string start = withoutEnd(cannotRead(""));
     const std::string argument(4094 - start.size(), 'x');
     messenger.reportCannotRead(toUtf16(argument) + u"\u00E4", nullptr);
     EXPECT_EQ(console(), start + argument + "\xC3");

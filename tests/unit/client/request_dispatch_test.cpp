@@ -23,9 +23,11 @@
 #include "references/node_filters.h"
 #include "support/request_singleton.h"
 #include "tests/support/icu_data_directory.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/refused_converters.h"
 #include "tests/support/scripted_host.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/texts.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
 
@@ -265,8 +267,7 @@ protected:
 
 TEST_F(ServedRequestTest, GivesTheStatusAndThreeEmptyLists) {
     EXPECT_EQ(serve(), answer(0));
-    EXPECT_NE(folder.read("out.xml").find("id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5"),
-              std::string::npos);
+    EXPECT_NE(folder.read("out.xml").find(kGeneratedIds[0]), std::string::npos);
 }
 
 TEST_F(ServedRequestTest, ASecondTimeGivesTheSame) {
@@ -317,7 +318,7 @@ TEST_F(ServedRequestTest, AnUnreadableTopicIsNoFailure) {
     folder.write("t.dita", "<topic");
     EXPECT_EQ(serve(), answer(0));
     EXPECT_NE(std::find(host.calls.begin(), host.calls.end(),
-                        "write Lesen nicht m\xC3\xB6glich: " + folder.file("t.dita") + "\r\n"),
+                        "write " + cannotRead(folder.file("t.dita"))),
               host.calls.end());
 }
 

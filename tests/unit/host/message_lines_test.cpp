@@ -4,6 +4,9 @@
 
 #include <string>
 
+#include "tests/support/message_texts.h"
+#include "tests/support/texts.h"
+
 namespace marrowpress {
 namespace {
 
@@ -13,29 +16,28 @@ struct LineCase {
 };
 
 const LineCase kLineCases[] = {
-    {"Referenzen werden verarbeitet", MessageId::kProcessingReferences},
-    {"Wird angehängt: a.dita", MessageId::kAppending},
-    {"Die Definition von Schlüssel k wurde im geladenen Schlüsselraum nicht gefunden.\r\n",
-     MessageId::kKeyNotFound},
-    {"Lesen nicht möglich: /o.dita\r\n", MessageId::kCannotRead},
-    {"Lesen nicht möglich: Speichern nicht möglich: \r\n", MessageId::kCannotRead},
-    {"Speichern nicht möglich: /o.dita\r\n", MessageId::kCannotWrite},
-    {"Speichern nicht möglich: \r\n", MessageId::kCannotWrite},
-    {"p/@id=\"e\" wurde im Thema @id=\"t\" in Datei /f nicht gefunden\r\n",
-     MessageId::kElementInTopicNotFound},
-    {"p/@id=\"e\" wurde in Datei /f nicht gefunden\r\n", MessageId::kElementNotFound},
-    {"Geben Sie ein gültiges conref-Endelement an.\r\n", MessageId::kInvalidConrefEnd},
-    {"Die Datei, auf die verwiesen wird, kann nicht gefunden werden: /a\r\n",
-     MessageId::kReferencedFileNotFound},
+    {processingReferences(), MessageId::kProcessingReferences},
+    {appending("a.dita"), MessageId::kAppending},
+    {keyNotFound("k"), MessageId::kKeyNotFound},
+    {cannotRead("/o.dita"), MessageId::kCannotRead},
+    {cannotRead(cannotWrite("")), MessageId::kCannotRead},
+    {cannotWrite("/o.dita"), MessageId::kCannotWrite},
+    {cannotWrite(""), MessageId::kCannotWrite},
+    {elementInTopicNotFound("p", "e", "t", "/f"), MessageId::kElementInTopicNotFound},
+    {elementNotFound("p", "e", "/f"), MessageId::kElementNotFound},
+    {invalidConrefEnd(), MessageId::kInvalidConrefEnd},
+    {referencedFileNotFound("/a"), MessageId::kReferencedFileNotFound},
     // Cut: what stands behind the argument is missing.
-    {"Die Definition von Schlüssel " + std::string(5000, 'k'), MessageId::kKeyNotFound},
+    {keyNotFound(std::string(5000, 'k')).substr(0, 5000), MessageId::kKeyNotFound},
 
     {"", std::nullopt},
-    {"Speichern nicht möglich", std::nullopt},
-    {" Speichern nicht möglich: /o.dita", std::nullopt},
-    {"speichern nicht möglich: /o.dita", std::nullopt},
-    {"Die Definition von Schlüssel k", std::nullopt},
-    {"p wurde in Datei /f nicht gefunden", std::nullopt},
+    // Without the colon, with something in front, without the end.
+    {cannotWrite("").substr(0, cannotWrite("").find(':')), std::nullopt},
+    {" " + cannotWrite("/o.dita"), std::nullopt},
+    {keyNotFound("k").substr(0, keyNotFound("k").find(" k ") + 2), std::nullopt},
+    // Case counts, and so does all that stands around an argument.
+    {"s" + cannotWrite("/o.dita").substr(1), std::nullopt},
+    {replacedAll(elementNotFound("p", "e", "/f"), "/@id=\"e\"", ""), std::nullopt},
     {"anything else\r\n", std::nullopt},
 };
 

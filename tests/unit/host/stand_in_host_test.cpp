@@ -10,6 +10,7 @@
 
 #include "host/trace.h"
 #include "marrowpress/interface_ref.h"
+#include "tests/support/message_texts.h"
 
 namespace marrowpress {
 namespace {
@@ -362,9 +363,9 @@ TEST_F(StandInHostTest, ShowsLinesAsTheyAre) {
     StandInHost host(options);
     InterfaceRef<IHostProgress>::query(&host.provider())->reportProgress(4, "50 %s", -1, nullptr);
     InterfaceRef<IHostConsole>::query(&host.provider())->write("%n%n\r\n", nullptr);
-    const std::string cannotWrite = "Speichern nicht möglich: %n\r\n";
-    InterfaceRef<IHostConsole>::query(&host.provider())->write(cannotWrite.c_str(), nullptr);
-    EXPECT_EQ(lines, (std::vector<std::string>{"50 %s", "%n%n\r\n", cannotWrite}));
+    const std::string unwritten = cannotWrite("%n");
+    InterfaceRef<IHostConsole>::query(&host.provider())->write(unwritten.c_str(), nullptr);
+    EXPECT_EQ(lines, (std::vector<std::string>{"50 %s", "%n%n\r\n", unwritten}));
 }
 
 TEST_F(StandInHostTest, ThrowsNothingThroughTheClient) {

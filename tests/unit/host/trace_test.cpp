@@ -20,7 +20,7 @@ TEST_F(TraceTest, WritesEachOperationAsOneLine) {
     trace_.getStringProp(7, 20, "/p/a.dita");
     trace_.getIdProp(0, 53, 4294967295U);
     trace_.getIntProp(7, 131, -1);
-    trace_.reportProgress(4, "Referenzen werden verarbeitet", -1);
+    trace_.reportProgress(4, "Half of it", -1);
     trace_.consoleWrite("Lesen: 100 %s\r\n");
     trace_.callClient("XmlUtilities", "EntityResolver start -basefile \"/p/m.ditamap\"", 1);
     trace_.callClientTyped("XmlUtilities", "c", {{3, "/dtd/map.dtd"}});
@@ -37,7 +37,7 @@ TEST_F(TraceTest, WritesEachOperationAsOneLine) {
 {"op":"HostGetStringProp","object":7,"property":20,"result":"/p/a.dita"}
 {"op":"HostGetIdProp","object":0,"property":53,"result":4294967295}
 {"op":"HostGetIntProp","object":7,"property":131,"result":-1}
-{"op":"HostReportProgress","kind":4,"text":"Referenzen werden verarbeitet","number":-1}
+{"op":"HostReportProgress","kind":4,"text":"Half of it","number":-1}
 {"op":"HostConsoleWrite","text":"Lesen: 100 %s\r\n"}
 {"op":"HostCallClient","client":"XmlUtilities","command":"EntityResolver start -basefile \"/p/m.ditamap\"","result":1}
 {"op":"HostCallClientTyped","client":"XmlUtilities","command":"c","reply":[{"type":3,"value":"/dtd/map.dtd"}]}

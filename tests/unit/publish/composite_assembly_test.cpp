@@ -7,8 +7,11 @@
 #include "publish/topicref_walk.h"
 #include "references/exclusion_filter.h"
 #include "support/xerces_ptr.h"
+#include "tests/support/current_folder.h"
+#include "tests/support/message_texts.h"
+#include "tests/support/texts.h"
+#include "tests/support/whole_request.h"
 #include "tests/support/xml_text.h"
-#include "tests/unit/publish/whole_request.h"
 
 namespace marrowpress {
 namespace {
@@ -74,8 +77,8 @@ TEST_F(TopicShellTest, IsAnEmptyTopicBehindWhatIsThere) {
     const ParsedXml parsed("<dita><first/></dita>");
     const xercesc::DOMElement& shell = createTopicShell(*parsed.root());
     EXPECT_EQ(printed(*parsed.root()),
-              "<dita><first/><topic id=\"id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5\"><title/></topic>"
-              "</dita>");
+              replacedAll("<dita><first/><topic id=\"ID\"><title/></topic></dita>", "ID",
+                          kGeneratedIds[0]));
     EXPECT_EQ(parsed.root()->getLastElementChild(), &shell);
 }
 
@@ -101,8 +104,9 @@ private:
 TEST_F(CompositeDocAssemblerTest, WithoutAStartThereIsTheShellAlone) {
     const xercesc::DOMDocument* const document = assemble(nullptr);
     ASSERT_TRUE(document);
-    EXPECT_EQ(printed(*document->getDocumentElement()),
-              "<dita><topic id=\"id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5\"><title/></topic></dita>");
+    EXPECT_EQ(
+        printed(*document->getDocumentElement()),
+        replacedAll("<dita><topic id=\"ID\"><title/></topic></dita>", "ID", kGeneratedIds[0]));
     EXPECT_TRUE(request.topicIds.byReference().empty());
 }
 
@@ -111,10 +115,8 @@ TEST_F(CompositeDocAssemblerTest, WhatCannotBeCreatedIsNull) {
     const ParsedXml start(map(topicref("href='a.dita'")),
                           u"file://" + folder.file16("root.ditamap"));
     EXPECT_EQ(assemble(start.root()), nullptr);
-    const std::string path = folder.file("none/book.dita") + "\r\n";
-    EXPECT_EQ(host.console(), (std::vector<std::string>{"Speichern nicht möglich: " + path,
-                                                        "Lesen nicht möglich: " + path,
-                                                        "Lesen nicht möglich: " + path}));
+    const std::string path = folder.file("none/book.dita");
+    EXPECT_EQ(host.console(), (std::vector{cannotWrite(path), cannotRead(path), cannotRead(path)}));
     EXPECT_TRUE(host.progress().empty());
 }
 
@@ -175,7 +177,7 @@ TEST_F(CompositeAssemblyTest, TheFirstIdOfARequestIsAlwaysTheSame) {
     publish(map(topicref("href='a.dita'")));
     const std::string text = folder.read("out/book.dita");
     const std::string start =
-        "<dita><topic id=\"id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5\"><title></title></topic>";
+        replacedAll("<dita><topic id=\"ID\"><title></title></topic>", "ID", kGeneratedIds[0]);
     EXPECT_EQ(text.substr(text.find("<dita>"), start.size()), start);
     EXPECT_EQ(text.substr(0, text.find("<dita>")),
               "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?><!DOCTYPE dita PUBLIC "
@@ -284,7 +286,7 @@ TEST_F(CompositeAssemblyTest, AMalformedNestedMapEndsTheRun) {
     const TypedValues answer = publishComposite(composite());
     EXPECT_EQ(status(answer), -42);
     EXPECT_EQ(answer.size(), 4U);
-    EXPECT_EQ(console, "Lesen nicht möglich: $F/inner.ditamap\n");
+    EXPECT_EQ(console, cannotRead("$F/inner.ditamap"));
     EXPECT_EQ(tree(), "a.dita b.dita c.dita inner.ditamap out root.ditamap ");
 }
 
@@ -361,20 +363,15 @@ TEST_F(CompositeAssemblyTest, PathsOfAllKindsLeadToTheSameTopic) {
     EXPECT_EQ(publish(map(references + topicref("href='file://" + absolute + "/a.dita'"))),
               expected + taken(3, "a") + kEndOfDita);
     EXPECT_EQ(console, "");
-    EXPECT_NE(progress.find("Wird angehängt: \xC3\xBC%s%n.dita\n"), std::string::npos);
+    EXPECT_NE(progress.find(appending("\xC3\xBC%s%n.dita") + "\n"), std::string::npos);
 }
 
 /// In another current directory for the length of a test.
 class CompositeInCurrentFolderTest : public CompositeAssemblyTest {
 protected:
-    CompositeInCurrentFolderTest() {
-        std::filesystem::current_path(folder.path());
-        folder.write("root.ditamap", map(topicref("href='a.dita'")));
-    }
-    ~CompositeInCurrentFolderTest() override { std::filesystem::current_path(before_); }
+    CompositeInCurrentFolderTest() { folder.write("root.ditamap", map(topicref("href='a.dita'"))); }
 
-private:
-    std::filesystem::path before_ = std::filesystem::current_path();
+    const CurrentFolder current{folder.path()};
 };
 
 TEST_F(CompositeInCurrentFolderTest, AnOutputWithoutAFolderStandsThere) {
@@ -382,7 +379,7 @@ TEST_F(CompositeInCurrentFolderTest, AnOutputWithoutAFolderStandsThere) {
     params["output"] = "book.dita";
     bool isThere = false;
     watch = [&](const std::string& line) {
-        isThere |= line == "Wird angehängt: a.dita" && folder.exists("KeyspaceDoc.ditamap");
+        isThere |= line == appending("a.dita") && folder.exists("KeyspaceDoc.ditamap");
     };
     EXPECT_EQ(status(publishComposite(params)), 0);
     EXPECT_TRUE(isThere);
@@ -395,7 +392,7 @@ TEST_F(CompositeInCurrentFolderTest, AnEmptyOutputIsReported) {
     const TypedValues answer = publishComposite(params);
     EXPECT_EQ(status(answer), 0);
     EXPECT_EQ(answer.size(), 4U);
-    EXPECT_EQ(console, "Speichern nicht möglich: \nLesen nicht möglich: \n");
+    EXPECT_EQ(console, cannotWrite("") + cannotRead(""));
     EXPECT_EQ(tree(), "a.dita b.dita c.dita out root.ditamap ");
 }
 

@@ -8,10 +8,12 @@
 
 #include "publish/composite_publisher.h"
 #include "publish/flat_book_publisher.h"
-#include "support/scope_exit.h"
+#include "tests/support/current_folder.h"
 #include "tests/support/file_conditions.h"
+#include "tests/support/message_texts.h"
+#include "tests/support/texts.h"
+#include "tests/support/whole_request.h"
 #include "tests/support/xml_text.h"
-#include "tests/unit/publish/whole_request.h"
 
 namespace marrowpress {
 namespace {
@@ -112,8 +114,8 @@ protected:
     }
 };
 
-const std::string kReadingKeys = "Schlüsselräume werden in Ditamap verarbeitet...\n";
-const std::string kUpdatingMap = "Referenzen in Ditamap werden aktualisiert...\n";
+const std::string kReadingKeys = processingKeySpaces() + "\n";
+const std::string kUpdatingMap = updatingReferences() + "\n";
 
 /// What is wrong with a parameter, and how far a run gets in spite of it.
 struct BadParam {
@@ -250,10 +252,8 @@ TEST_F(ForeignFilesTest, EndTheRunWhenTheyCannotBeLookedAt) {
 }
 
 TEST_F(DocPublisherTest, ARelativeOutputNeedsACurrentFolder) {
-    const fs::path before = fs::current_path();
-    const ScopeExit back([&] { fs::current_path(before); });
     fs::create_directory(folder.path() / "current");
-    fs::current_path(folder.path() / "current");
+    const CurrentFolder current(folder.path() / "current");
     fs::remove(folder.path() / "current");
     boost::json::object params = composite();
     params["output"] = "book.dita";
@@ -278,7 +278,7 @@ TEST_F(DocPublisherTest, ADtdOfTheKeySpaceThatCannotBeLoadedEndsTheRun) {
 
 TEST_F(DocPublisherTest, AKeySpaceDocumentThatCannotBeRemovedStays) {
     watch = [&](const std::string& line) {
-        if (line == "Referenzen werden verarbeitet") {
+        if (line == processingReferences()) {
             fs::remove(folder.path() / "out/KeyspaceDoc.ditamap");
             folder.write("out/KeyspaceDoc.ditamap/kept.txt", "");
         }
@@ -296,7 +296,7 @@ TEST_F(DocPublisherTest, DtdsMayHaveAnyName) {
     params["keyspaceDocDtd"] = "dtd/\xF0\x9F\x98\x80.dtd";
     std::string keySpace;
     watch = [&](const std::string& line) {
-        if (line + "\n" == kUpdatingMap) {
+        if (line == updatingReferences()) {
             keySpace = folder.read("out/KeyspaceDoc.ditamap");
         }
     };
@@ -315,7 +315,7 @@ TEST_F(DocPublisherTest, AnOldKeySpaceDocumentIsBuiltAnew) {
     folder.write("out/KeyspaceDoc.ditamap", "<map><topicref keys='old'/></map>");
     std::string seen;
     watch = [&](const std::string& line) {
-        if (line == "Referenzen in Ditamap werden aktualisiert...") {
+        if (line == updatingReferences()) {
             seen = folder.read("out/KeyspaceDoc.ditamap");
         }
     };
@@ -339,7 +339,7 @@ TEST_F(DocPublisherTest, TheProfileOfARequestEndsWithIt) {
     params["ditaVal"] = folder.file("none.ditaval");
     EXPECT_EQ(status(publishComposite(params)), 0);
     EXPECT_NE(written("out/book.dita").find("audience"), std::string::npos);
-    EXPECT_EQ(console, "Lesen nicht möglich: $F/none.ditaval\n");
+    EXPECT_EQ(console, cannotRead("$F/none.ditaval"));
 }
 
 /// Lines of a trace, as the host operations write them.
@@ -362,17 +362,14 @@ std::string shows(const std::string& line) {
     return R"({"op":"HostReportProgress","kind":4,"text":")" + line + "\",\"number\":-1}\n";
 }
 
+std::string writes(const std::string& line) {
+    return R"({"op":"HostConsoleWrite","text":")" + replacedAll(line, "\r\n", "\\r\\n") + "\"}\n";
+}
+
 const std::string kEnd = calls("end");
 const std::string kTerminate = calls("terminate");
-const std::string kNoneIsMissing =
-    R"({"op":"HostConsoleWrite","text":"Die Datei, auf die verwiesen wird, kann nicht )"
-    R"(gefunden werden: $F/none.dita\r\n"})"
-    "\n";
-
-const std::string kKeyIsMissing =
-    R"({"op":"HostConsoleWrite","text":"Die Definition von Schlüssel k wurde im geladenen )"
-    R"(Schlüsselraum nicht gefunden.\r\n"})"
-    "\n";
+const std::string kNoneIsMissing = writes(referencedFileNotFound("$F/none.dita"));
+const std::string kKeyIsMissing = writes(keyNotFound("k"));
 
 /// Status 0 and no open documents, and what the kind of result adds.
 std::string answers(const std::string& extraValues) {
@@ -384,7 +381,7 @@ std::string answers(const std::string& extraValues) {
 /// The key space of a map without a doctype that names a file "none.dita".
 std::string readsTheMap() {
     const std::string keySpace = "out/KeyspaceDoc.ditamap";
-    return shows("Schlüsselräume werden in Ditamap verarbeitet...") +
+    return shows(processingKeySpaces()) +
            R"({"op":"HostGetIdProp","object":0,"property":53,"result":0})" + "\n" +
            // Without its DTD a document takes two tries; the answer is known at the second.
            starts(keySpace) + asks("Map") + kEnd + starts(keySpace) + kEnd +
@@ -392,7 +389,7 @@ std::string readsTheMap() {
            starts("root.ditamap") + kEnd + kNoneIsMissing +
            // The passes ask for the DTD of the key space document, by a resolver of their own.
            starts(keySpace) + asks("Map") + kEnd + kTerminate + starts(keySpace) + kEnd +
-           shows("Referenzen in Ditamap werden aktualisiert...");
+           shows(updatingReferences());
 }
 
 TEST_F(DocPublisherTest, ACompositeRunAsksTheHostInThisOrder) {
@@ -407,8 +404,8 @@ TEST_F(DocPublisherTest, ACompositeRunAsksTheHostInThisOrder) {
     EXPECT_EQ(neutral(operations.str()),
               readsTheMap() + kKeyIsMissing + starts(book) + asks("Composite") + kEnd +
                   starts(book) + kEnd + starts("a.dita") + asks("Topic") + kEnd + starts("a.dita") +
-                  kEnd + shows("Wird angehängt: a.dita") + kNoneIsMissing +
-                  shows("Referenzen werden verarbeitet") + starts(book) + asks("Composite") + kEnd +
+                  kEnd + shows(appending("a.dita")) + kNoneIsMissing +
+                  shows(processingReferences()) + starts(book) + asks("Composite") + kEnd +
                   starts(book) + kEnd + answers("") + kTerminate + kTerminate);
 }
 
@@ -425,14 +422,14 @@ TEST_F(DocPublisherTest, AFlatBookRunAsksTheHostInThisOrder) {
               readsTheMap() +
                   // A source is read before its component is created.
                   starts("a.dita") + kEnd + starts(first) + asks("Composite") + kEnd +
-                  starts(first) + kEnd + shows("Wird angehängt: a.dita") + starts("b.dita") + kEnd +
-                  shows("Wird angehängt: b.dita") + shows("Referenzen werden verarbeitet") +
-                  starts(first) + asks("Composite") + kEnd + starts(first) + kEnd + kNoneIsMissing +
+                  starts(first) + kEnd + shows(appending("a.dita")) + starts("b.dita") + kEnd +
+                  shows(appending("b.dita")) + shows(processingReferences()) + starts(first) +
+                  asks("Composite") + kEnd + starts(first) + kEnd + kNoneIsMissing +
                   // By now both resolvers know the answer.
-                  starts(second) + kEnd + starts(second) + kEnd + shows("Wird angehängt: b.dita") +
-                  shows("Referenzen werden verarbeitet") + starts(second) + kEnd + starts(second) +
-                  kEnd + answers(R"(,{"type":6,"value":["$F/out/a.qs","$F/out/Head.qs"]})") +
-                  kTerminate + kTerminate);
+                  starts(second) + kEnd + starts(second) + kEnd + shows(appending("b.dita")) +
+                  shows(processingReferences()) + starts(second) + kEnd + starts(second) + kEnd +
+                  answers(R"(,{"type":6,"value":["$F/out/a.qs","$F/out/Head.qs"]})") + kTerminate +
+                  kTerminate);
 }
 
 }  // namespace

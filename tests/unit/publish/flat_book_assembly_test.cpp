@@ -4,8 +4,9 @@
 
 #include <filesystem>
 
+#include "tests/support/message_texts.h"
+#include "tests/support/whole_request.h"
 #include "tests/support/xml_text.h"
-#include "tests/unit/publish/whole_request.h"
 
 namespace marrowpress {
 namespace {
@@ -13,14 +14,9 @@ namespace {
 const std::string kShell = "<topic id=\"id-1\"><title/></topic>";
 const std::string kNothingMerged = "<?Qs BoolCondExpr  State 1?>";
 
-std::string cannotWrite(const std::string& path) {
-    return "Speichern nicht möglich: " + path + "\n";
-}
-
 /// What is reported when the shell of a component can't be written, and so can't be read.
 std::string cannotCreate(const std::string& path) {
-    const std::string cannotRead = "Lesen nicht möglich: " + path + "\n";
-    return cannotWrite(path) + cannotRead + cannotRead;
+    return cannotWrite(path) + cannotRead(path) + cannotRead(path);
 }
 
 /// A book of three components, of which the second is a head with some title.

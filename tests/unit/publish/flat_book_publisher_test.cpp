@@ -4,9 +4,11 @@
 
 #include <filesystem>
 
+#include "tests/support/current_folder.h"
 #include "tests/support/file_conditions.h"
+#include "tests/support/message_texts.h"
+#include "tests/support/whole_request.h"
 #include "tests/support/xml_text.h"
-#include "tests/unit/publish/whole_request.h"
 
 namespace marrowpress {
 namespace {
@@ -95,7 +97,7 @@ TEST_F(FlatBookPublisherTest, AComponentThatCannotBeWrittenKeepsItsShell) {
     const TypedValues answer = publishFlatBook(flatBook());
     EXPECT_EQ(status(answer), 0);
     EXPECT_EQ(components(answer), "$F/out/a.qs $F/out/b.qs $F/out/c.qs ");
-    EXPECT_EQ(console, "Speichern nicht möglich: $F/out/b.qs\n");
+    EXPECT_EQ(console, cannotWrite("$F/out/b.qs"));
     EXPECT_EQ(written("out/b.qs"), "<dita/>");
     EXPECT_NE(written("out/a.qs").find("<title>a</title>"), std::string::npos);
     EXPECT_NE(written("out/c.qs").find("<title>c</title>"), std::string::npos);
@@ -105,7 +107,7 @@ TEST_F(FlatBookPublisherTest, AComponentThatCannotBeWrittenKeepsItsShell) {
 TEST_F(FlatBookPublisherTest, NothingHasContentBeforeAllIsAssembled) {
     std::string seen;
     watch = [&](const std::string& line) {
-        if (line == "Wird angehängt: c.dita") {
+        if (line == appending("c.dita")) {
             seen = written("out/a.qs") + written("out/b.qs") + written("out/c.qs");
         }
     };
@@ -118,8 +120,7 @@ TEST_F(FlatBookPublisherTest, TheKeySpaceDocumentStandsInTheOutputFolder) {
     for (const bool atOneLocation : {true, false}) {
         bool isThere = false;
         watch = [&](const std::string& line) {
-            isThere |= line == "Wird angehängt: a.dita" &&
-                       folder.exists("out/KeyspaceDoc.ditamap") &&
+            isThere |= line == appending("a.dita") && folder.exists("out/KeyspaceDoc.ditamap") &&
                        !folder.exists("KeyspaceDoc.ditamap");
         };
         boost::json::object params = flatBook();
@@ -146,7 +147,7 @@ TEST_F(FlatBookPublisherTest, WhatCannotBeReadBelowAComponentIsLeftOutAlone) {
         map(topicref("href='a.dita'", topicref("href='broken.dita'", topicref("href='b.dita'"))) +
             topicref("href='c.dita'")));
     EXPECT_EQ(components(publishFlatBook(flatBook())), "$F/out/a.qs $F/out/c.qs ");
-    EXPECT_EQ(console, "Lesen nicht möglich: $F/broken.dita\n");
+    EXPECT_EQ(console, cannotRead("$F/broken.dita"));
     EXPECT_EQ(written("out/a.qs"),
               "<?Qs BoolCondExpr  State 1?><dita><topic id=\"id-1\"><title/></topic>"
               "<topic id=\"id-2\"><title>a</title><topic id=\"id-3\"><title>b</title></topic>"
@@ -186,18 +187,14 @@ TEST_F(FlatBookPublisherTest, AnEmptyMapPathCannotBeRead) {
     boost::json::object params = flatBook();
     params["ditamap"] = "";
     EXPECT_EQ(status(publishFlatBook(params)), -42);
-    EXPECT_EQ(console, "Lesen nicht möglich: \n");
+    EXPECT_EQ(console, cannotRead(""));
     EXPECT_EQ(tree(), kInput);
 }
 
 /// In another current directory for the length of a test.
 class FlatBookInCurrentFolderTest : public FlatBookPublisherTest {
 protected:
-    FlatBookInCurrentFolderTest() { std::filesystem::current_path(folder.path()); }
-    ~FlatBookInCurrentFolderTest() override { std::filesystem::current_path(before_); }
-
-private:
-    std::filesystem::path before_ = std::filesystem::current_path();
+    const CurrentFolder current{folder.path()};
 };
 
 TEST_F(FlatBookInCurrentFolderTest, PathsAreTakenAgainstIt) {
@@ -227,9 +224,7 @@ TEST_F(FlatBookInCurrentFolderTest, ATitleDoesNotLeadOutOfIt) {
                  map(topichead("navtitle='../x'") + topichead("navtitle='a/../../x'") +
                      topichead("navtitle='/abs/x'") + topichead("navtitle='y'")));
     EXPECT_EQ(components(publishFlatBook(params)), "$F/out/y.qs ");
-    EXPECT_EQ(console,
-              "Speichern nicht möglich: ../x.qs\nSpeichern nicht möglich: ../x.qs\n"
-              "Speichern nicht möglich: /abs/x.qs\n");
+    EXPECT_EQ(console, cannotWrite("../x.qs") + cannotWrite("../x.qs") + cannotWrite("/abs/x.qs"));
     EXPECT_EQ(tree(), kSources + "out out/y.qs root.ditamap ");
 
     std::filesystem::create_directory("inner");
@@ -237,7 +232,7 @@ TEST_F(FlatBookInCurrentFolderTest, ATitleDoesNotLeadOutOfIt) {
     folder.write("root.ditamap",
                  map(topichead("navtitle='inner/x'") + topichead("navtitle='away/x'")));
     EXPECT_EQ(components(publishFlatBook(params)), "$F/out/inner/x.qs ");
-    EXPECT_EQ(console, "Speichern nicht möglich: away/x.qs\n");
+    EXPECT_EQ(console, cannotWrite("away/x.qs"));
 }
 
 }  // namespace

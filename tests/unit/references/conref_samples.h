@@ -8,13 +8,15 @@
 
 #include "references/conref_resolution.h"
 #include "support/text.h"
+#include "tests/support/message_texts.h"
+#include "tests/support/texts.h"
 #include "tests/support/xml_text.h"
 #include "xml/document_store.h"
 
 /// Documents with content references, and what comes of a walk over them.
 ///
-/// Expectations are written with single quotes for double ones, with "$D" for the folder of the
-/// test, and with "U1", "U2"... for the ids that topics are given.
+/// Expected documents are written with single quotes for double ones, and with "U1", "U2" for the
+/// ids that topics are given; "$D" stands for the folder of the test.
 namespace marrowpress {
 
 /// Declares what `getElementById` finds: topics and, for maps of keys, definitions.
@@ -31,27 +33,15 @@ inline std::string topicOf(std::string_view content) {
     return std::string("<topic id='t'>").append(content).append("</topic>");
 }
 
-inline std::string withReplaced(std::string text, std::string_view from, std::string_view to) {
-    for (std::size_t position = text.find(from); position != std::string::npos;
-         position = text.find(from, position + to.size())) {
-        text.replace(position, from.size(), to);
-    }
-    return text;
-}
-
-/// The lines that report a missing target, as `consoleOf` gives them.
+/// The lines that report a missing target, as `console` gives them.
 inline std::string notFound(std::string_view tag, std::string_view id, std::string_view file) {
-    return std::string(tag) + "/@id='" + std::string(id) + "' wurde in Datei file://$D/" +
-           std::string(file) + " nicht gefunden\n";
+    return elementNotFound(tag, id, std::string("file://$D/").append(file));
 }
 
 inline std::string notFoundInTopic(std::string_view tag, std::string_view elementId,
                                    std::string_view topicId, std::string_view file) {
-    return std::string(tag) + "/@id='" + std::string(elementId) + "' wurde im Thema @id='" +
-           std::string(topicId) + "' in Datei file://$D/" + std::string(file) + " nicht gefunden\n";
+    return elementInTopicNotFound(tag, elementId, topicId, std::string("file://$D/").append(file));
 }
-
-inline const std::string kInvalidEnd = "Geben Sie ein gültiges conref-Endelement an.\n";
 
 /// The document that is walked is "d.dita" in the test's folder. A walk that takes longer than
 /// `kPatience` seconds ends the program: it would never have come back.
@@ -83,11 +73,13 @@ protected:
         return contentOf(document);
     }
 
-    std::string readable(std::string text) const {
-        text = withReplaced(std::move(text), "\"", "'");
-        text = withReplaced(std::move(text), folder.path().string(), "$D");
-        text = withReplaced(std::move(text), "id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5", "U1");
-        return withReplaced(std::move(text), "id2c358220-dfb7-47f8-8500-d3e9e1af9538", "U2");
+    std::string inFolder(std::string_view text) const {
+        return replacedAll(std::string(text), folder.path().string(), "$D");
+    }
+
+    std::string readable(std::string_view text) const {
+        const std::string first = replacedAll(inFolder(text), kGeneratedIds[0], "U1");
+        return replacedAll(replacedAll(first, kGeneratedIds[1], "U2"), "\"", "'");
     }
 
     std::string contentOf(const ParsedXml& document) const {
@@ -96,11 +88,11 @@ protected:
         return text.ends_with("/>") ? std::string() : text.substr(begin, text.rfind("</") - begin);
     }
 
-    /// The report lines, each ended by one LF.
+    /// The report lines.
     std::string console() const {
         std::string lines;
         for (const std::string& line : host.console()) {
-            lines += withReplaced(readable(line), "\r\n", "\n");
+            lines += inFolder(line);
         }
         return lines;
     }

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "support/text.h"
+#include "tests/support/texts.h"
 #include "tests/support/xml_text.h"
 
 namespace marrowpress {
@@ -10,10 +11,9 @@ namespace {
 
 using xercesc::DOMElement;
 
-// The ids that a request's topics get, in order.
-constexpr std::string_view kFirstId = "id5cbb91d0-f69e-4e22-aefa-e1e7791fc3d5";
-constexpr std::string_view kSecondId = "id2c358220-dfb7-47f8-8500-d3e9e1af9538";
-constexpr std::string_view kThirdId = "idba4be2a1-2b09-444e-a368-f81825a6168c";
+constexpr std::string_view kFirstId = kGeneratedIds[0];
+constexpr std::string_view kSecondId = kGeneratedIds[1];
+constexpr std::string_view kThirdId = kGeneratedIds[2];
 
 constexpr std::array<std::string_view, 4> kAttributes{"href", "conref", "conrefend", "xtrf"};
 
@@ -23,9 +23,7 @@ std::u16string locationOf(std::string_view id) {
 
 /// A text in which X stands for the first id.
 std::string withFirstId(std::string text) {
-    const std::size_t placeholder = text.find('X');
-    return placeholder == std::string::npos ? text
-                                            : text.replace(placeholder, 1, std::string(kFirstId));
+    return replacedAll(std::move(text), "X", kFirstId);
 }
 
 class DirectReferencesTest : public XmlTest {

@@ -39,7 +39,7 @@ TEST_F(DitaReferenceTest, AMissingFileIsOneMessageAndNoPath) {
     EXPECT_EQ(reference.path, u"");
     EXPECT_EQ(reference.fragment, u"t");
     EXPECT_EQ(classifyReference(reference), DitaDocKind::DitaDocNone);
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("none.dita"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("none.dita"))});
 }
 
 TEST_F(DitaReferenceTest, AnExternalUriIsTakenByItsCharacters) {
@@ -70,7 +70,7 @@ TEST_F(DitaReferenceTest, FallsBackOnTheOwnDocumentWhenTheKeySpaceHasNoSuchFile)
     const DitaReference reference = readKeyed("<x keyref='k' href='a.dita#t'/>");
     EXPECT_EQ(reference.path, folder.file16("a.dita"));
     EXPECT_EQ(reference.fragment, u"t");
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("keys/a.dita"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("keys/a.dita"))});
 }
 
 TEST_F(DitaReferenceTest, AFileMissingFromBothBasesIsTwoMessages) {
@@ -78,8 +78,8 @@ TEST_F(DitaReferenceTest, AFileMissingFromBothBasesIsTwoMessages) {
     EXPECT_EQ(reference.path, u"");
     EXPECT_EQ(reference.fragment, u"t");
     EXPECT_EQ(classifyReference(reference), DitaDocKind::DitaDocNone);
-    EXPECT_EQ(console(), (std::vector{fileNotFound(folder.file("keys/none.dita")),
-                                      fileNotFound(folder.file("none.dita"))}));
+    EXPECT_EQ(console(), (std::vector{referencedFileNotFound(folder.file("keys/none.dita")),
+                                      referencedFileNotFound(folder.file("none.dita"))}));
 }
 
 TEST_F(DitaReferenceTest, AnUndefinedKeyIsPassedOver) {
@@ -97,7 +97,7 @@ TEST_F(DitaReferenceTest, AKeyrefWithASlashIsLookedUpWhole) {
 TEST_F(DitaReferenceTest, WithoutAKeySpaceTheKeyCountsForNothing) {
     EXPECT_EQ(read("<x keyref='k' href='both.dita'/>").path, folder.file16("both.dita"));
     EXPECT_EQ(read("<x keyref='k' href='k.dita'/>").path, u"");
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("k.dita"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("k.dita"))});
 }
 
 TEST_F(DitaReferenceTest, TheOwnDocumentIsThatOfTheElement) {

@@ -2,6 +2,7 @@
 
 #include "references/dita_reference.h"
 #include "support/text.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/xml_text.h"
 
 namespace marrowpress {
@@ -150,8 +151,7 @@ TEST_F(KindOfReferenceTest, IsLookedUpWhereTheNameDoesNotTell) {
     EXPECT_EQ(kindOf(""), DitaDocKind::DitaDocNone);
     EXPECT_TRUE(host.console().empty());
     EXPECT_EQ(kindOf("href='malformed.xml'"), DitaDocKind::DitaDocNone);
-    EXPECT_EQ(host.console(), std::vector<std::string>{
-                                  "Lesen nicht möglich: " + folder.file("malformed.xml") + "\r\n"});
+    EXPECT_EQ(host.console(), std::vector<std::string>{cannotRead(folder.file("malformed.xml"))});
 }
 
 }  // namespace

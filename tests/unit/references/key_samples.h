@@ -10,6 +10,8 @@
 #include "references/key_space.h"
 #include "references/node_filters.h"
 #include "support/text.h"
+#include "tests/support/message_texts.h"
+#include "tests/support/texts.h"
 #include "tests/support/xml_text.h"
 #include "xml/document_store.h"
 
@@ -52,23 +54,6 @@ inline constexpr std::string_view kKeySampleDtd = R"(
 <!ELEMENT param ANY>
 <!ATTLIST param %univ; name CDATA #IMPLIED value CDATA #IMPLIED class CDATA "- topic/param ">
 )";
-
-inline std::string replacedAll(std::string text, std::string_view from, std::string_view to) {
-    for (std::size_t position = text.find(from); position != std::string::npos;
-         position = text.find(from, position + to.size())) {
-        text.replace(position, from.size(), to);
-    }
-    return text;
-}
-
-inline std::string keyNotFound(std::string_view keyName) {
-    return "Die Definition von Schl\xC3\xBCssel " + std::string(keyName) +
-           " wurde im geladenen Schl\xC3\xBCsselraum nicht gefunden.\r\n";
-}
-
-inline std::string cannotRead(std::string_view path) {
-    return "Lesen nicht m\xC3\xB6glich: " + std::string(path) + "\r\n";
-}
 
 /// The definition of a key as any element sees it.
 inline xercesc::DOMElement* definitionOf(const KeySpace& keySpace, std::u16string_view keyName) {

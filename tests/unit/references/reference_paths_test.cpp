@@ -135,13 +135,13 @@ TEST_F(ResolveExistingPathTest, AFolderExistsToo) {
 TEST_F(ResolveExistingPathTest, ReportsAMissingFileWithItsPath) {
     const ParsedXml parsed = parse("<map/>");
     EXPECT_EQ(resolveExistingPath(u"sub/../n\u00E4%20x.dita", parsed.document(), nullptr), u"");
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("n\xC3\xA4 x.dita"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("n\xC3\xA4 x.dita"))});
 }
 
 TEST_F(ResolveExistingPathTest, ReportsAMissingDocumentOfItsOwn) {
     const ParsedXml parsed("<map/>", uriOf("gone.ditamap"));
     EXPECT_EQ(resolveExistingPath(u"", parsed.document(), nullptr), u"");
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("gone.ditamap"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("gone.ditamap"))});
 }
 
 TEST_F(ResolveExistingPathTest, LeavesExternalUrisAloneAndDoesNotLookForThem) {
@@ -156,7 +156,7 @@ TEST_F(ResolveExistingPathTest, LeavesExternalUrisAloneAndDoesNotLookForThem) {
 TEST_F(ResolveExistingPathTest, LooksForASchemeInOtherCaseAsForAFile) {
     const ParsedXml parsed = parse("<map/>");
     EXPECT_EQ(resolveExistingPath(u"HTTP://host/a.dita", parsed.document(), nullptr), u"");
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("HTTP:/host/a.dita"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("HTTP:/host/a.dita"))});
 }
 
 TEST_F(ResolveExistingPathTest, BadTextIsAPathThatDoesNotExist) {
@@ -165,9 +165,9 @@ TEST_F(ResolveExistingPathTest, BadTextIsAPathThatDoesNotExist) {
     const std::u16string longName(300, u'n');
     EXPECT_EQ(resolveExistingPath(longName, parsed.document(), nullptr), u"");
     EXPECT_EQ(resolveExistingPath(u"a.dita/b.dita", parsed.document(), nullptr), u"");
-    EXPECT_EQ(console(), (std::vector{fileNotFound(folder.file("???")),
-                                      fileNotFound(folder.file(toUtf8(longName))),
-                                      fileNotFound(folder.file("a.dita/b.dita"))}));
+    EXPECT_EQ(console(), (std::vector{referencedFileNotFound(folder.file("???")),
+                                      referencedFileNotFound(folder.file(toUtf8(longName))),
+                                      referencedFileNotFound(folder.file("a.dita/b.dita"))}));
 }
 
 TEST_F(ResolveExistingPathTest, PassesOnWhatTheFileSystemRefuses) {
@@ -206,7 +206,7 @@ TEST_F(ResolveHrefTest, KeepsTheTopicIdOfAMissingFile) {
     const ResolvedHref resolved = resolveHref(u"none.dita#t/e", parsed.document(), nullptr);
     EXPECT_EQ(resolved.path, u"");
     EXPECT_EQ(resolved.fragment, u"t");
-    EXPECT_EQ(console(), std::vector{fileNotFound(folder.file("none.dita"))});
+    EXPECT_EQ(console(), std::vector{referencedFileNotFound(folder.file("none.dita"))});
 }
 
 TEST_F(ResolveHrefTest, CutsTheFragmentOfAnExternalUri) {

@@ -6,13 +6,10 @@
 
 #include "references/dita_reference.h"
 #include "references/key_space.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/xml_text.h"
 
 namespace marrowpress {
-
-inline std::string fileNotFound(const std::string& path) {
-    return "Die Datei, auf die verwiesen wird, kann nicht gefunden werden: " + path + "\r\n";
-}
 
 /// The folder has a.dita, sub/b.dita and keys/k.dita; the document under test is map.ditamap in
 /// the folder, and the key space document is in keys.

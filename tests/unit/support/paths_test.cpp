@@ -7,6 +7,7 @@
 
 #include "support/scope_exit.h"
 #include "support/text.h"
+#include "tests/support/current_folder.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 
@@ -321,13 +322,8 @@ TEST(ParentPathTest, CutsTheLastElementAndKeepsTheRoot) {
 /// The current directory is a fresh folder during a test.
 class AbsolutePathTest : public testing::Test {
 protected:
-    AbsolutePathTest() { fs::current_path(folder.path()); }
-    ~AbsolutePathTest() override { fs::current_path(before_); }
-
     TemporaryFolder folder;
-
-private:
-    fs::path before_ = fs::current_path();
+    const CurrentFolder current{folder.path()};
 };
 
 TEST_F(AbsolutePathTest, IsTakenAgainstTheCurrentDirectory) {
@@ -359,7 +355,7 @@ TEST_F(AbsolutePathTest, IsLexical) {
 TEST_F(AbsolutePathTest, WithoutACurrentDirectoryItFails) {
     const fs::path gone = folder.path() / "gone";
     fs::create_directory(gone);
-    fs::current_path(gone);
+    const CurrentFolder inIt(gone);
     fs::remove(gone);
     try {
         absolutePath(u"a.dita");

@@ -5,6 +5,7 @@
 
 #include "support/text.h"
 #include "support/xerces_ptr.h"
+#include "tests/support/message_texts.h"
 #include "tests/support/xml_text.h"
 
 /// A small document type with DITA's class values, and documents of it.
@@ -38,14 +39,6 @@ inline std::string invalidTopicText(std::string_view systemId) {
 /// One that ends too early.
 inline std::string brokenTopicText(std::string_view systemId) {
     return topicDoctype(systemId) + "<topic id=\"t\"><title>T</title>";
-}
-
-inline std::string cannotRead(const std::string& path) {
-    return "Lesen nicht möglich: " + path + "\r\n";
-}
-
-inline std::string cannotWrite(const std::string& path) {
-    return "Speichern nicht möglich: " + path + "\r\n";
 }
 
 /// The value of "class" of the first paragraph, and whether the document wrote it: "none", the

@@ -39,7 +39,7 @@ protected:
     TypedValues publishComposite(const boost::json::object& params);
 
     /// `text` with the folder as "$F" and generated ids as "id-1", "id-2", in their order.
-    std::string neutral(std::string text) const;
+    std::string neutral(std::string_view text) const;
     /// The text of a file, neutral and without XML declaration and doctype.
     std::string written(std::string_view name) const;
     /// The paths of all files and folders, relative, in their order, each with a blank behind it.
@@ -52,7 +52,7 @@ protected:
     std::string console;   ///< the report lines, neutral
     std::string progress;  ///< the progress lines
     std::ostringstream operations;
-    /// Gets each progress line while the request runs.
+    /// Gets each line, of either kind and as it came, while the request runs.
     std::function<void(const std::string&)> watch;
 
 private:

@@ -1,16 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <boost/json/object.hpp>
-#include <boost/json/serialize.hpp>
-#include <map>
-
-#include "host/client_session.h"
-#include "tests/support/temporary_folder.h"
+#include "publish/doc_publisher.h"
+#include "tests/support/current_folder.h"
+#include "tests/support/message_texts.h"
+#include "tests/support/whole_request.h"
 
 namespace marrowpress {
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::string_view kMapDtd =
     "<!ELEMENT map ANY>"
@@ -28,25 +22,8 @@ constexpr std::string_view kTopicDtd =
 
 constexpr std::string_view kExcludeX = "<val><prop att='audience' val='x' action='exclude'/></val>";
 
-/// Makes a folder the current one while it lives.
-class CurrentFolder {
-public:
-    explicit CurrentFolder(const fs::path& folder) : before_(fs::current_path()) {
-        fs::current_path(folder);
-    }
-    CurrentFolder(const CurrentFolder&) = delete;
-    CurrentFolder& operator=(const CurrentFolder&) = delete;
-    ~CurrentFolder() {
-        std::error_code ignored;
-        fs::current_path(before_, ignored);
-    }
-
-private:
-    fs::path before_;
-};
-
-/// Sends requests to the module, one after the other. The DTDs of the outputs stand beside them.
-class ProfiledRequestTest : public testing::Test {
+/// Requests one after the other. The DTDs of the outputs stand beside them.
+class ProfiledRequestTest : public WholeRequestTest {
 protected:
     ProfiledRequestTest() {
         folder.write("map.dtd", kMapDtd);
@@ -55,6 +32,7 @@ protected:
         folder.write("out/dita.dtd", std::string(kTopicDtd) + "<!ELEMENT dita ANY>");
         writeTopic("a.dita", "<p audience='x'>X</p><p audience='y'>Y</p>");
         writeMap("<topicref href='a.dita'/>");
+        watch = [this](const std::string& line) { see(line); };
     }
 
     void writeTopic(std::string_view name, std::string_view content) {
@@ -75,24 +53,13 @@ protected:
         folder.write("out/map.dtd", std::string(kMapDtd) + "<!ATTLIST map rev CDATA 'gone'>");
     }
 
-    std::string request(std::string_view type, std::string_view ditaVal) const {
-        const bool isBook = type == "PublishFlatBook";
-        boost::json::object params{{"ditamap", folder.file("root.ditamap")},
-                                   {"ditaVal", ditaVal},
-                                   {"keyspaceDocDtd", "map.dtd"},
-                                   {"compositeDocDtd", "dita.dtd"},
-                                   {"usePrint", false}};
-        params[isBook ? "outputDir" : "output"] = folder.file(isBook ? "out" : "out/book.dita");
-        if (isBook) {
-            params["generateQSComponentsAtOneLoc"] = true;
-        }
-        return boost::json::serialize(
-            boost::json::object{{"type", type}, {"params", std::move(params)}});
-    }
-    /// The status of a request, the first of the values that come back.
-    std::int64_t publish(std::string_view ditaVal, std::string_view type = "PublishComp") {
-        answer = toJson(session_.send(request(type, ditaVal)).value_or(TypedValues{}));
-        return answer.empty() ? 1 : answer.at(0).at("value").as_int64();
+    /// The status of a request.
+    std::int32_t publish(std::string_view ditaVal, bool isFlatBook = false) {
+        boost::json::object params = isFlatBook ? flatBook() : composite();
+        params["ditaVal"] = ditaVal;
+        params["compositeDocDtd"] = "dita.dtd";
+        answer = isFlatBook ? publishFlatBook(params) : publishComposite(params);
+        return status(answer);
     }
     /// The first output, from its root on.
     std::string output(std::string_view name = "out/book.dita") const {
@@ -101,32 +68,23 @@ protected:
         return root == std::string::npos ? text : text.substr(root);
     }
 
-    TemporaryFolder folder;
-    std::string console;
-    boost::json::array answer;  ///< of the last request
+    TypedValues answer;  ///< of the last request
     /// What the key space document held when it was last seen; it doesn't outlive its request.
     std::string keySpace;
     /// The lines, console and progress, in the order in which they came.
     std::string events;
 
 private:
-    StandInHostOptions options() {
-        StandInHostOptions options;
-        options.resolvePublicId = [](std::string_view) { return std::nullopt; };
-        options.onConsole = [this](std::optional<MessageId>, std::string_view text) {
-            console += text;
+    void see(const std::string& line) {
+        if (line.ends_with("\r\n")) {
             events += folder.exists("out/book.dita") ? "console, old output; " : "console; ";
-        };
-        options.onProgress = [this](std::string_view) {
-            events += "progress; ";
-            if (folder.exists("out/KeyspaceDoc.ditamap")) {
-                keySpace = folder.read("out/KeyspaceDoc.ditamap");
-            }
-        };
-        return options;
+            return;
+        }
+        events += "progress; ";
+        if (folder.exists("out/KeyspaceDoc.ditamap")) {
+            keySpace = folder.read("out/KeyspaceDoc.ditamap");
+        }
     }
-
-    ClientSession session_{options()};
 };
 
 TEST_F(ProfiledRequestTest, TheNextRequestDoesNotUseTheProfileOfTheLast) {
@@ -146,7 +104,7 @@ TEST_F(ProfiledRequestTest, ARequestWithAnUnreadableProfileIsUnfilteredToo) {
     EXPECT_EQ(publish(profile), 0);
     EXPECT_EQ(publish(folder.file("none.ditaval")), 0);
     EXPECT_NE(output().find(">X</p>"), std::string::npos) << output();
-    EXPECT_EQ(console, "Lesen nicht möglich: " + folder.file("none.ditaval") + "\r\n");
+    EXPECT_EQ(console, cannotRead("$F/none.ditaval"));
 }
 
 TEST_F(ProfiledRequestTest, EachRequestReadsItsProfileAnew) {
@@ -167,7 +125,7 @@ TEST_F(ProfiledRequestTest, ARelativePathIsTakenAsItStands) {
 
     EXPECT_EQ(publish("../profiles/none.ditaval"), 0);
     EXPECT_NE(output().find(">X</p>"), std::string::npos) << output();
-    EXPECT_EQ(console, "Lesen nicht möglich: ../profiles/none.ditaval\r\n");
+    EXPECT_EQ(console, cannotRead("../profiles/none.ditaval"));
 }
 
 TEST_F(ProfiledRequestTest, TheKeySpaceDocumentIsFiltered) {
@@ -200,7 +158,7 @@ TEST_F(ProfiledRequestTest, ComponentsMayLoseTheirRoots) {
     excludeRootsOfOutputs();
     writeTopic("b.dita", "<p/>");
     writeMap("<topicref href='a.dita'/><topicref href='b.dita'/><topicref href='a.dita'/>");
-    EXPECT_EQ(publish(folder.write("x.ditaval", kExcludeX), "PublishFlatBook"), 0);
+    EXPECT_EQ(publish(folder.write("x.ditaval", kExcludeX), true), 0);
     EXPECT_EQ(console, "");
     for (const char* const component : {"out/a.qs", "out/b.qs"}) {
         EXPECT_EQ(output(component),
@@ -209,9 +167,7 @@ TEST_F(ProfiledRequestTest, ComponentsMayLoseTheirRoots) {
                   "<?Qs BoolCondExpr  State 1?>")
             << component;
     }
-    EXPECT_EQ(answer.at(4).at("value"),
-              (boost::json::array{folder.file("out/a.qs"), folder.file("out/b.qs"),
-                                  folder.file("out/a.qs")}));
+    EXPECT_EQ(components(answer), "$F/out/a.qs $F/out/b.qs $F/out/a.qs ");
 }
 
 TEST_F(ProfiledRequestTest, WhatReferencesBringIntoTheKeySpaceIsNotFilteredThere) {
@@ -235,9 +191,9 @@ TEST_F(ProfiledRequestTest, TheKeySpaceDocumentMayLoseItsRoot) {
         folder.write("gone.ditaval", "<val><prop att='rev' val='gone' action='exclude'/></val>");
     writeTopic("a.dita", "<p keyref='k'/>");
     writeMap("<topicref href='a.dita'/><topicref keys='k' href='a.dita'/>");
-    for (const char* const type : {"PublishComp", "PublishFlatBook"}) {
+    for (const bool isFlatBook : {false, true}) {
         keySpace.clear();
-        EXPECT_EQ(publish(profile, type), 0) << type;
+        EXPECT_EQ(publish(profile, isFlatBook), 0) << isFlatBook;
         EXPECT_EQ(keySpace, R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)"
                             R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd">)");
         EXPECT_FALSE(folder.exists("out/KeyspaceDoc.ditamap"));

@@ -1,13 +1,13 @@
-#include "tests/unit/publish/whole_request.h"
+#include "tests/support/whole_request.h"
 
 #include <algorithm>
 #include <boost/json/serialize.hpp>
 #include <filesystem>
-#include <regex>
 
 #include "client/client_attachment.h"
 #include "client/notifications.h"
 #include "client/request_dispatch.h"
+#include "tests/support/texts.h"
 
 namespace marrowpress {
 namespace {
@@ -25,30 +25,6 @@ std::string element(const std::string& tag, std::string_view classValue,
     std::string text = "<" + tag + " class=\"" + std::string(classValue) + "\"";
     text.append(attributes.empty() ? "" : " ").append(attributes);
     return text.append(">").append(content).append("</" + tag + ">");
-}
-
-void replaceAll(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t place = text.find(from); place != std::string::npos;
-         place = text.find(from, place + to.size())) {
-        text.replace(place, from.size(), to);
-    }
-}
-
-std::string renamedIds(const std::string& text) {
-    static const std::regex kId("id[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[0-9a-f]{4}-[0-9a-f]{12}");
-    std::vector<std::string> known;
-    std::string renamed;
-    auto behind = text.cbegin();
-    for (std::sregex_iterator match(text.begin(), text.end(), kId), end; match != end; ++match) {
-        auto place = std::find(known.begin(), known.end(), match->str());
-        if (place == known.end()) {
-            place = known.insert(place, match->str());
-        }
-        renamed.append(behind, (*match)[0].first);
-        renamed += "id-" + std::to_string(place - known.begin() + 1);
-        behind = (*match)[0].second;
-    }
-    return renamed.append(behind, text.cend());
 }
 
 }  // namespace
@@ -84,9 +60,10 @@ StandInHostOptions WholeRequestTest::options() {
     StandInHostOptions options;
     options.resolvePublicId = [](std::string_view) { return std::nullopt; };
     options.onConsole = [this](std::optional<MessageId>, std::string_view text) {
-        std::string line = neutral(std::string(text));
-        replaceAll(line, "\r\n", "\n");
-        console += line;
+        console += neutral(text);
+        if (watch) {
+            watch(std::string(text));
+        }
     };
     options.onProgress = [this](std::string_view text) {
         progress.append(text).append("\n");
@@ -134,9 +111,8 @@ TypedValues WholeRequestTest::send(std::string_view type, const boost::json::obj
     return answer.value_or(TypedValues());
 }
 
-std::string WholeRequestTest::neutral(std::string text) const {
-    replaceAll(text, folder.path().string(), "$F");
-    return renamedIds(text);
+std::string WholeRequestTest::neutral(std::string_view text) const {
+    return IdNames().named(replacedAll(std::string(text), folder.path().string(), "$F"));
 }
 
 std::string WholeRequestTest::written(std::string_view name) const {
