@@ -74,7 +74,12 @@ PublicationCase::PublicationCase(const std::string& name) : folder_(kCases / nam
 
 Publication PublicationCase::publish() const {
     const TemporaryFolder work;
-    fs::copy(folder_ / "input", work.path(), fs::copy_options::recursive);
+    for (const fs::path& input : {kCases / "input", folder_ / "input"}) {
+        if (fs::exists(input)) {
+            fs::copy(input, work.path(), fs::copy_options::recursive);
+        }
+    }
+    const std::map<std::string, std::string> input = readTree(work.path());
     const std::string workPath = work.path().string();
 
     Publication result;
@@ -101,7 +106,6 @@ Publication PublicationCase::publish() const {
     result.answer = answerText(
         session.send(replacedAll(readFile(folder_ / "request.json"), "$CASE", workPath)));
 
-    const std::map<std::string, std::string> input = readTree(folder_ / "input");
     for (const auto& [path, text] : readTree(work.path())) {
         const auto before = input.find(path);
         if (before == input.end() || before->second != text) {

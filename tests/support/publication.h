@@ -20,7 +20,7 @@ struct Publication {
 /// A golden publication: a folder with a request, its input, and what is expected of it.
 ///
 ///     request.json   the request; "$CASE" in it is the working folder
-///     input/         copied to the working folder before the run
+///     input/         copied to the working folder, with what all cases have (may be missing)
 ///     open.json      the documents open in the host (may be missing)
 ///     real-dtds      if it is there, the system's DITA DTDs are used and not the tests' own
 ///     expected/      answer.txt, console.txt, progress.txt, files/
