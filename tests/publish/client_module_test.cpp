@@ -37,11 +37,11 @@ std::string exportedSymbols() {
     return names;
 }
 
-TEST(ClientModuleTest, OffersOneFunction) {
+TEST(BuiltModuleTest, OffersOneFunction) {
     EXPECT_EQ(exportedSymbols(), std::string(kClientEntryName) + "\n");
 }
 
-TEST(ClientModuleTest, FailsWithoutAProviderOfInterfaces) {
+TEST(BuiltModuleTest, FailsWithoutAProviderOfInterfaces) {
     void* const module = ::dlopen(MARROWPRESS_CLIENT_MODULE, RTLD_NOW | RTLD_LOCAL);
     ASSERT_TRUE(module) << ::dlerror();
     const auto attach = reinterpret_cast<ClientEntry>(::dlsym(module, kClientEntryName));

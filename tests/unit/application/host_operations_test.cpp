@@ -241,29 +241,5 @@ TEST(HostPropertyTest, HasTheHostsNumbers) {
     EXPECT_EQ(kSessionObject, 0U);
 }
 
-TEST(HostTypedValuesTest, IsEmptyAtFirst) {
-    const HostTypedValues values;
-    EXPECT_EQ(values.list().count, 0U);
-    EXPECT_EQ(values.list().values, nullptr);
-}
-
-TEST(HostTypedValuesTest, MovesLeaveTheSourceEmpty) {
-    HostTypedValues first(makeStringReply("x"));
-    HostTypedValues second(std::move(first));
-    EXPECT_EQ(first.list().count, 0U);
-    EXPECT_EQ(print(second), R"([{"type":3,"value":"x"}])");
-    HostTypedValues third(makeStringReply("old"));
-    third = std::move(second);
-    EXPECT_EQ(second.list().values, nullptr);
-    EXPECT_EQ(print(third), R"([{"type":3,"value":"x"}])");
-}
-
-TEST(HostTypedValuesTest, ReleasedBlocksBelongToTheReceiver) {
-    HostTypedValues values(makeStringReply("x"));
-    const HostTypedValues receiver(values.release());
-    EXPECT_EQ(values.list().count, 0U);
-    EXPECT_EQ(receiver.list().count, 1U);
-}
-
 }  // namespace
 }  // namespace marrowpress

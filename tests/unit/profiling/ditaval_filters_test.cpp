@@ -1,36 +1,12 @@
 #include "profiling/ditaval_filters.h"
 
 #include "dom/element_walker.h"
-#include "publish/composite_assembly.h"
 #include "references/ditamap_ref_node_filter.h"
+#include "tests/unit/profiling/profile_samples.h"
 #include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {
 namespace {
-
-using AttributeFilters = DitaValExcludeFilter::AttributeFilters;
-
-template <class Filter>
-std::unique_ptr<Filter> withValues(const char16_t* attributeName,
-                                   std::initializer_list<const char16_t*> values) {
-    auto filter = std::make_unique<Filter>(attributeName);
-    for (const char16_t* const value : values) {
-        filter->addValue(value);
-    }
-    return filter;
-}
-
-/// The filter of a profile that excludes audience "x" and platform "x".
-std::unique_ptr<DitaValExcludeFilter> excludingX() {
-    AttributeFilters filters;
-    filters.push_back(withValues<DitaValAttrValRejectFilter>(u"audience", {u"x"}));
-    filters.push_back(withValues<DitaValAttrValRejectFilter>(u"platform", {u"x"}));
-    return std::make_unique<DitaValExcludeFilter>(std::move(filters));
-}
-
-std::unique_ptr<DitaValExcludeFilter> excludingNothing() {
-    return std::make_unique<DitaValExcludeFilter>(AttributeFilters());
-}
 
 struct PropCase {
     const char* name;
@@ -97,7 +73,6 @@ constexpr MakerCase kMakerCases[] = {
      []() -> std::unique_ptr<xercesc::DOMNodeFilter> {
          return std::make_unique<DitaValAttrValRejectFilter>(u"audience", u"a");
      }},
-    {"CompositeDocNodeFilter", makeFilter<CompositeDocNodeFilter>},
 };
 
 class NoElementTest : public XmlTest, public testing::WithParamInterface<MakerCase> {};
@@ -434,83 +409,6 @@ TEST_F(RemoveExcludedElementsTest, AProfileWithoutRulesRemovesNothing) {
               R"(<b><p audience="x" platform=" "/><draft-comment translate="no"/></b>)");
 }
 
-struct ReferenceCase {
-    const char* name;
-    const char* xml;
-    const char* answer;
-    const char* answerForPrint;
-};
-
-// The profile excludes audience "x".
-constexpr ReferenceCase kReferenceCases[] = {
-    {"Reference", "<topicref class='- map/topicref '/>", "accept", "accept"},
-    {"ExcludedReference", "<topicref class='- map/topicref ' audience='x'/>", "reject", "reject"},
-    {"PartlyExcluded", "<topicref class='- map/topicref ' audience='x a'/>", "accept", "accept"},
-    {"ByName", "<mapref/>", "accept", "accept"},
-    {"ExcludedByName", "<mapref audience='x'/>", "reject", "reject"},
-    {"NameOfATopicref", "<topicref/>", "skip", "skip"},
-    {"Container", "<map class='- map/map '/>", "skip", "skip"},
-    {"ExcludedContainer", "<map class='- map/map ' audience='x'/>", "reject", "reject"},
-    {"Title", "<title/>", "skip", "skip"},
-    {"ExcludedTitle", "<title audience='x'/>", "reject", "reject"},
-    {"Resource", "<mapref processing-role='resource-only'/>", "reject", "reject"},
-    {"ResourceThatIsNoReference", "<x processing-role='resource-only'/>", "reject", "reject"},
-    {"NormalRole", "<mapref processing-role='normal'/>", "accept", "accept"},
-    {"RoleInOtherCase", "<mapref processing-role='Resource-only'/>", "accept", "accept"},
-    {"Reltable", "<reltable/>", "reject", "reject"},
-    {"ReltableByClass", "<x class='- map/reltable '/>", "reject", "reject"},
-    {"NotForPrint", "<mapref print='no'/>", "accept", "reject"},
-    {"ContainerNotForPrint", "<x print='no'/>", "skip", "reject"},
-    {"PrintOnly", "<mapref print='printonly'/>", "accept", "accept"},
-    {"ForPrint", "<mapref print='yes'/>", "accept", "accept"},
-    {"PrintInOtherCase", "<mapref print='No'/>", "accept", "accept"},
-    {"ExcludedForPrint", "<mapref print='yes' audience='x'/>", "reject", "reject"},
-    {"ExcludedResource", "<mapref processing-role='resource-only' audience='x'/>", "reject",
-     "reject"},
-};
-
-class ProfiledCompositeDocNodeFilterTest : public XmlTest,
-                                           public testing::WithParamInterface<ReferenceCase> {
-protected:
-    ProfiledCompositeDocNodeFilterTest() { forPrint_.setUsePrint(true); }
-
-    CompositeDocNodeFilter forScreen_;
-    CompositeDocNodeFilter forPrint_;
-};
-
-TEST_P(ProfiledCompositeDocNodeFilterTest, Answers) {
-    ExclusionFilterHolder::instance().reset(excludingX());
-    EXPECT_EQ(answerAbout(forScreen_, GetParam().xml), GetParam().answer);
-    EXPECT_EQ(answerAbout(forPrint_, GetParam().xml), GetParam().answerForPrint);
-}
-
-TEST_P(ProfiledCompositeDocNodeFilterTest, ExcludesNothingWithoutAProfile) {
-    std::string without = GetParam().xml;
-    const std::size_t audience = without.find("audience='x'");
-    if (audience == std::string::npos) {
-        EXPECT_EQ(answerAbout(forScreen_, without), GetParam().answer);
-        EXPECT_EQ(answerAbout(forPrint_, without), GetParam().answerForPrint);
-        return;
-    }
-    const std::string with = without;
-    without.erase(audience, std::string_view("audience='x'").size());
-    EXPECT_EQ(answerAbout(forScreen_, with), answerAbout(forScreen_, without));
-    EXPECT_EQ(answerAbout(forPrint_, with), answerAbout(forPrint_, without));
-}
-
-INSTANTIATE_TEST_SUITE_P(, ProfiledCompositeDocNodeFilterTest, testing::ValuesIn(kReferenceCases),
-                         [](const auto& instance) { return std::string(instance.param.name); });
-
-using ProfiledCompositeDocNodeFilterWalkTest = XmlTest;
-
-TEST_F(ProfiledCompositeDocNodeFilterWalkTest, WhatIsBelowAnExcludedElementIsLeftOut) {
-    ExclusionFilterHolder::instance().reset(excludingX());
-    const ParsedXml parsed(
-        "<map><mapref id='a' audience='x'><mapref id='b'/></mapref><x platform='x'>"
-        "<mapref id='c'/></x><x><mapref id='d'/></x></map>");
-    EXPECT_EQ(idsOf(collectElements(parsed.root(), CompositeDocNodeFilter())), "d");
-}
-
 /// Filters that ask the profile of the run, a profile's own filter in the holder.
 class ProfiledNodeFilterTest : public XmlTest {
 protected:
@@ -544,7 +442,6 @@ TEST_F(ProfiledNodeFilterTest, WithoutRulesNothingChanges) {
     EXPECT_EQ(answerAbout(DitamapRefNodeFilter(), "<m href='http://h/a.ditamap' audience='x'/>"),
               "accept");
     EXPECT_EQ(answerAbout(BookTitleNodeFilter(), "<booktitle audience='x'/>"), "accept");
-    EXPECT_EQ(answerAbout(CompositeDocNodeFilter(), "<mapref audience='x'/>"), "accept");
 }
 
 }  // namespace

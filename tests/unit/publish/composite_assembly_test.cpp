@@ -2,85 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
-#include "publish/topicref_walk.h"
-#include "references/exclusion_filter.h"
 #include "support/xerces_ptr.h"
-#include "tests/support/current_folder.h"
 #include "tests/support/message_texts.h"
 #include "tests/support/texts.h"
-#include "tests/support/whole_request.h"
 #include "tests/support/xml_text.h"
+#include "tests/unit/publish/composite_request.h"
 
 namespace marrowpress {
 namespace {
-
-constexpr auto kAccept = xercesc::DOMNodeFilter::FILTER_ACCEPT;
-constexpr auto kReject = xercesc::DOMNodeFilter::FILTER_REJECT;
-constexpr auto kSkip = xercesc::DOMNodeFilter::FILTER_SKIP;
-
-using CompositeDocNodeFilterTest = XmlTest;
-
-TEST_F(CompositeDocNodeFilterTest, TheFirstRuleThatAppliesDecides) {
-    ExclusionFilterHolder::instance().reset(
-        std::make_unique<AttrBasedElementNodeFilter>(u"excluded", u"yes"));
-    const struct {
-        std::string xml;
-        xercesc::DOMNodeFilter::FilterAction onScreen;
-        xercesc::DOMNodeFilter::FilterAction inPrint;
-    } cases[] = {
-        {topicref(""), kAccept, kAccept},
-        {topichead(""), kAccept, kAccept},
-        {"<keydef/>", kAccept, kAccept},
-        {"<topicref/>", kSkip, kSkip},
-        {map(""), kSkip, kSkip},
-        {"<other/>", kSkip, kSkip},
-        {topicref("processing-role='resource-only'"), kReject, kReject},
-        {topicref("processing-role='normal'"), kAccept, kAccept},
-        {topicref("processing-role='Resource-only'"), kAccept, kAccept},
-        {map("", "processing-role='resource-only'"), kReject, kReject},
-        {topicref("print='no'"), kAccept, kReject},
-        {topicref("print='No'"), kAccept, kAccept},
-        {topicref("print='printonly'"), kAccept, kAccept},
-        {topicref("print='no '"), kAccept, kAccept},
-        {"<other print='no'/>", kSkip, kReject},
-        {"<reltable/>", kReject, kReject},
-        {"<x class='- map/reltable '/>", kReject, kReject},
-        {"<reltable class='- map/topicref '/>", kAccept, kAccept},
-        {topicref("excluded='yes'"), kReject, kReject},
-        {"<other excluded='yes'/>", kReject, kReject},
-        {topicref("excluded='no'"), kAccept, kAccept},
-    };
-    CompositeDocNodeFilter screen;
-    CompositeDocNodeFilter print;
-    print.setUsePrint(true);
-    for (const auto& expected : cases) {
-        const ParsedXml parsed(expected.xml);
-        EXPECT_EQ(screen.acceptNode(parsed.root()), expected.onScreen) << expected.xml;
-        EXPECT_EQ(print.acceptNode(parsed.root()), expected.inPrint) << expected.xml;
-    }
-    const ParsedXml text("<p>text<?pi?><!--c--></p>");
-    for (const xercesc::DOMNode* node = text.root()->getFirstChild(); node;
-         node = node->getNextSibling()) {
-        EXPECT_EQ(screen.acceptNode(node), kReject);
-    }
-    EXPECT_EQ(screen.acceptNode(&text.document()), kReject);
-    EXPECT_EQ(screen.acceptNode(nullptr), kReject);
-    print.setUsePrint(false);
-    EXPECT_EQ(print.acceptNode(ParsedXml(topicref("print='no'")).root()), kAccept);
-}
-
-using TopicShellTest = XmlTest;
-
-TEST_F(TopicShellTest, IsAnEmptyTopicBehindWhatIsThere) {
-    const ParsedXml parsed("<dita><first/></dita>");
-    const xercesc::DOMElement& shell = createTopicShell(*parsed.root());
-    EXPECT_EQ(printed(*parsed.root()),
-              replacedAll("<dita><first/><topic id=\"ID\"><title/></topic></dita>", "ID",
-                          kGeneratedIds[0]));
-    EXPECT_EQ(parsed.root()->getLastElementChild(), &shell);
-}
 
 class CompositeDocAssemblerTest : public XmlTest {
 protected:
@@ -143,35 +72,7 @@ TEST_F(CompositeDocAssemblerTest, AnAssemblerServesManyRequests) {
     EXPECT_EQ(instructions, 3U);
 }
 
-class CompositeAssemblyTest : public WholeRequestTest {
-protected:
-    CompositeAssemblyTest() {
-        std::filesystem::create_directories(folder.path() / "out");
-        for (const char* name : {"a", "b", "c"}) {
-            folder.write(std::string(name) + ".dita", topic(name));
-        }
-    }
-
-    /// Publishes `rootMap`; what stands in the composite behind its first topic.
-    std::string publish(const std::string& rootMap) {
-        folder.write("root.ditamap", rootMap);
-        EXPECT_EQ(status(publishComposite(composite())), 0);
-        const std::string text = written("out/book.dita");
-        const std::size_t behind = text.find("</topic>") + 8;
-        title = text.substr(0, behind);
-        return text.substr(behind);
-    }
-
-    std::string title;
-};
-
-const std::string kEndOfDita = "</dita>";
-
-/// A topic of the output: its number and its title, and what is nested in it.
-std::string taken(int id, const std::string& title, const std::string& nested = {}) {
-    return "<topic id=\"id-" + std::to_string(id) + "\"><title>" + title + "</title>" + nested +
-           "</topic>";
-}
+using CompositeAssemblyTest = CompositeRequestTest;
 
 TEST_F(CompositeAssemblyTest, TheFirstIdOfARequestIsAlwaysTheSame) {
     publish(map(topicref("href='a.dita'")));
@@ -189,13 +90,6 @@ TEST_F(CompositeAssemblyTest, AMapThatIsOnlyAResourceGivesItsTitleAlone) {
                           "processing-role='resource-only'")),
               kEndOfDita);
     EXPECT_EQ(title, "<dita><topic id=\"id-1\"><title>Title</title></topic>");
-}
-
-TEST_F(CompositeAssemblyTest, ANestedMapThatIsOnlyAResourceIsLeftOut) {
-    folder.write("inner.ditamap",
-                 map(topicref("href='a.dita'"), "processing-role='resource-only'"));
-    EXPECT_EQ(publish(map(mapref("href='inner.ditamap'") + topicref("href='b.dita'"))),
-              taken(2, "b") + kEndOfDita);
 }
 
 TEST_F(CompositeAssemblyTest, WithoutClassValuesNamesCount) {
@@ -218,39 +112,6 @@ TEST_F(CompositeAssemblyTest, AMapByNameThatIsATopicGivesNoTitle) {
                       topicref("href='a.dita'") + "</map>"),
               taken(2, "a") + kEndOfDita);
     EXPECT_EQ(title, "<dita><topic id=\"id-1\"><title/></topic>");
-}
-
-TEST_F(CompositeAssemblyTest, AMapByNameThatIsATopicIsTakenInAsOne) {
-    folder.write("m.xml", "<map class='- topic/topic ' id='m'><title>M</title></map>");
-    EXPECT_EQ(publish(map(topicref("href='m.xml'", topicref("href='a.dita'")))),
-              "<map class=\"- topic/topic \" id=\"id-2\"><title>M</title>" + taken(3, "a") +
-                  "</map>" + kEndOfDita);
-}
-
-TEST_F(CompositeAssemblyTest, AContainerWithoutElementsNestsNothing) {
-    folder.write("empty.dita", "<dita><!-- kept --><?kept?>text</dita>");
-    folder.write("nothing.dita", "<dita/>");
-    EXPECT_EQ(
-        publish(map(
-            topicref("href='a.dita'", topicref("href='empty.dita'", topicref("href='b.dita'"))) +
-            topicref("href='nothing.dita'", topicref("href='c.dita'")))),
-        taken(2, "a", "<!-- kept --><?kept?>text" + taken(3, "b")) + taken(4, "c") + kEndOfDita);
-}
-
-TEST_F(CompositeAssemblyTest, WithoutADtdNoElementHasAFragment) {
-    EXPECT_EQ(publish(map(topicref("href='a.dita#a'", topicref("href='b.dita'")))),
-              taken(2, "b") + kEndOfDita);
-    EXPECT_EQ(console, "");
-    EXPECT_EQ(progress.find("a.dita"), std::string::npos);
-}
-
-TEST_F(CompositeAssemblyTest, AFragmentIsAnIdOfTheDocument) {
-    folder.write("a.dita",
-                 "<!DOCTYPE topic [<!ATTLIST p id ID #IMPLIED><!ATTLIST topic id ID #IMPLIED>]>"
-                 "<topic id='a'><title>a</title><body><p id='p'>P</p></body></topic>");
-    EXPECT_EQ(publish(map(topicref("href='a.dita#p'", topicref("href='b.dita'")) +
-                          topicref("href='a.dita#p/x'"))),
-              "<p id=\"p\">P" + taken(2, "b") + "</p><p id=\"p\">P</p>" + kEndOfDita);
 }
 
 TEST_F(CompositeAssemblyTest, TitlesOfAllKinds) {
@@ -290,34 +151,6 @@ TEST_F(CompositeAssemblyTest, AMalformedNestedMapEndsTheRun) {
     EXPECT_EQ(tree(), "a.dita b.dita c.dita inner.ditamap out root.ditamap ");
 }
 
-TEST_F(CompositeAssemblyTest, TheOutputMayBeATargetToo) {
-    EXPECT_EQ(publish(map(topicref("href='a.dita'") +
-                          topicref("href='out/book.dita'", topicref("href='b.dita'")))),
-              taken(2, "a") + taken(3, "") + taken(4, "a", taken(5, "b")) + kEndOfDita);
-}
-
-TEST_F(CompositeAssemblyTest, AMapThatLeadsToItselfIsPassedOver) {
-    for (const char* href :
-         {"#", "root.ditamap", "./root.ditamap", "out/../root.ditamap", "root.ditamap#none"}) {
-        EXPECT_EQ(
-            publish(map(topicref("href='a.dita'") + mapref("href='" + std::string(href) + "'") +
-                        topicref("href='b.dita'"))),
-            taken(2, "a") + taken(3, "b") + kEndOfDita)
-            << href;
-    }
-}
-
-TEST_F(CompositeAssemblyTest, AMapUnderAnotherSpellingIsAnotherDocument) {
-    const std::string path = folder.path().string() + "/./root.ditamap";
-    for (const std::string& href : {path, "file://" + path}) {
-        EXPECT_EQ(publish(map(topicref("href='a.dita'") + mapref("href='" + href + "'") +
-                              topicref("href='b.dita'"))),
-                  taken(2, "a") + taken(3, "a") + taken(4, "b") + taken(5, "b") + kEndOfDita)
-            << href;
-        EXPECT_EQ(console, "") << href;
-    }
-}
-
 TEST_F(CompositeAssemblyTest, AMapThatIsAReferenceToAPartIsEmpty) {
     folder.write("parts.ditamap", map(topicref("id='x' href='a.dita'")));
     folder.write("root.ditamap", map(topicref("href='b.dita'"), "href='parts.ditamap#x'"));
@@ -325,22 +158,6 @@ TEST_F(CompositeAssemblyTest, AMapThatIsAReferenceToAPartIsEmpty) {
     EXPECT_EQ(written("out/book.dita"), "<dita><topic id=\"id-1\"><title/></topic></dita>");
     EXPECT_EQ(components(publishFlatBook(flatBook())), "");
     EXPECT_EQ(console, "");
-}
-
-TEST_F(CompositeAssemblyTest, ANestedMapThatIsAReferenceToAPartIsPassedOver) {
-    folder.write("parts.ditamap", map(topicref("id='x' href='a.dita'")));
-    folder.write("empty.ditamap", map(topicref("href='b.dita'"), "href='parts.ditamap#x'"));
-    EXPECT_EQ(publish(map(mapref("href='empty.ditamap'") + mapref("href='root.ditamap'") +
-                          topicref("href='c.dita'"))),
-              taken(2, "c") + kEndOfDita);
-    EXPECT_EQ(console, "");
-}
-
-TEST_F(CompositeAssemblyTest, APartOfTheMapItselfIsTakenInItsPlace) {
-    EXPECT_EQ(
-        publish(map(topicref("id='x' href='a.dita'", topicref("href='b.dita'")) +
-                    mapref("href='root.ditamap#x'") + topicref("href='c.dita'"))),
-        taken(2, "a", taken(3, "b")) + taken(4, "a", taken(5, "b")) + taken(6, "c") + kEndOfDita);
 }
 
 TEST_F(CompositeAssemblyTest, PathsOfAllKindsLeadToTheSameTopic) {
@@ -364,36 +181,6 @@ TEST_F(CompositeAssemblyTest, PathsOfAllKindsLeadToTheSameTopic) {
               expected + taken(3, "a") + kEndOfDita);
     EXPECT_EQ(console, "");
     EXPECT_NE(progress.find(appending("\xC3\xBC%s%n.dita") + "\n"), std::string::npos);
-}
-
-/// In another current directory for the length of a test.
-class CompositeInCurrentFolderTest : public CompositeAssemblyTest {
-protected:
-    CompositeInCurrentFolderTest() { folder.write("root.ditamap", map(topicref("href='a.dita'"))); }
-
-    const CurrentFolder current{folder.path()};
-};
-
-TEST_F(CompositeInCurrentFolderTest, AnOutputWithoutAFolderStandsThere) {
-    boost::json::object params = composite();
-    params["output"] = "book.dita";
-    bool isThere = false;
-    watch = [&](const std::string& line) {
-        isThere |= line == appending("a.dita") && folder.exists("KeyspaceDoc.ditamap");
-    };
-    EXPECT_EQ(status(publishComposite(params)), 0);
-    EXPECT_TRUE(isThere);
-    EXPECT_EQ(tree(), "a.dita b.dita book.dita c.dita out root.ditamap ");
-}
-
-TEST_F(CompositeInCurrentFolderTest, AnEmptyOutputIsReported) {
-    boost::json::object params = composite();
-    params["output"] = "";
-    const TypedValues answer = publishComposite(params);
-    EXPECT_EQ(status(answer), 0);
-    EXPECT_EQ(answer.size(), 4U);
-    EXPECT_EQ(console, cannotWrite("") + cannotRead(""));
-    EXPECT_EQ(tree(), "a.dita b.dita c.dita out root.ditamap ");
 }
 
 }  // namespace

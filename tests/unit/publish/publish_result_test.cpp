@@ -62,42 +62,6 @@ TEST(PublishResultTest, NothingIsAppendedByDefault) {
     EXPECT_EQ(list.values, nullptr);
 }
 
-TEST(HostTypedValueTest, HasTheLayoutOfTheWire) {
-    EXPECT_EQ(sizeof(HostTypedValue), kRecordSize);
-    EXPECT_EQ(offsetof(HostTypedValue, type), 0U);
-    EXPECT_EQ(sizeof(HostTypedValue::type), 4U);
-    EXPECT_EQ(offsetof(HostTypedValue, reserved), 4U);
-    EXPECT_EQ(sizeof(HostTypedValue::reserved), 4U);
-    EXPECT_EQ(offsetof(HostTypedValue, value), 8U);
-    EXPECT_EQ(sizeof(HostTypedValue::value), 16U);
-    EXPECT_EQ(offsetof(HostStringList, count), 0U);
-    EXPECT_EQ(offsetof(HostStringList, reserved), 4U);
-    EXPECT_EQ(offsetof(HostStringList, strings), 8U);
-    EXPECT_EQ(offsetof(HostIntegerList, count), 0U);
-    EXPECT_EQ(offsetof(HostIntegerList, reserved), 4U);
-    EXPECT_EQ(offsetof(HostIntegerList, integers), 8U);
-    EXPECT_EQ(offsetof(HostTypedValueList, count), 0U);
-    EXPECT_EQ(sizeof(HostTypedValueList::count), 4U);
-    EXPECT_EQ(offsetof(HostTypedValueList, values), sizeof(void*));
-    EXPECT_EQ(sizeof(HostTypedValueList), 2 * sizeof(void*));
-}
-
-TEST(HostTypedValueTest, HasTheNumbersOfTheWire) {
-    EXPECT_EQ(static_cast<std::uint32_t>(HostValueType::kInteger), 1U);
-    EXPECT_EQ(static_cast<std::uint32_t>(HostValueType::kString), 3U);
-    EXPECT_EQ(static_cast<std::uint32_t>(HostValueType::kStringList), 6U);
-    EXPECT_EQ(static_cast<std::uint32_t>(HostValueType::kIntegerList), 15U);
-}
-
-TEST(ReleaseTypedValuesTest, LeavesAnEmptyList) {
-    HostTypedValueList list = makeStringReply("x");
-    releaseTypedValues(list);
-    EXPECT_EQ(list.count, 0U);
-    EXPECT_EQ(list.values, nullptr);
-    releaseTypedValues(list);
-    EXPECT_EQ(list.count, 0U);
-}
-
 TEST(PublishResultToTypedValuesTest, WithoutDocumentsTheListsAreEmpty) {
     for (const std::int32_t status : {0, -42, -43}) {
         PublishResult result(PublisherId::kNone);

@@ -249,8 +249,8 @@ TEST_F(ConrefCopiesTest, AFileThatIsReachedByEverLongerPathsEndsWhereItCannotBeR
     }
     EXPECT_GT(copies, 30U);
     ASSERT_EQ(host.console().size(), 1U);
-    EXPECT_TRUE(host.console().front().starts_with(
-        cannotRead("").substr(0, cannotRead("").size() - 2) + folder.file("loop/loop/")));
+    const std::string line = cannotRead("$D/loop/loop/");
+    EXPECT_TRUE(console().starts_with(line.substr(0, line.find('\r'))));
 }
 
 // What a key gives is no copy of anything that was followed, and leads back all the same.

@@ -1,0 +1,191 @@
+#include "host/stand_in_interfaces.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "tests/support/message_texts.h"
+
+namespace marrowpress {
+namespace {
+
+/// The interfaces of one host, each asked for as a client does.
+class StandInInterfacesTest : public testing::Test {
+protected:
+    template <class Interface>
+    InterfaceRef<Interface> query() const {
+        return InterfaceRef<Interface>::query(&interfaces_->provider());
+    }
+    void make(StandInHostOptions options) {
+        interfaces_ = std::make_shared<StandInInterfaces>(std::move(options));
+    }
+
+private:
+    std::shared_ptr<StandInInterfaces> interfaces_ =
+        std::make_shared<StandInInterfaces>(StandInHostOptions());
+};
+
+TEST_F(StandInInterfacesTest, GivesOutEveryInterface) {
+    EXPECT_TRUE(query<IHostObject>());
+    EXPECT_TRUE(query<IHostMain>());
+    EXPECT_TRUE(query<IHostText>());
+    EXPECT_TRUE(query<IHostModules>());
+    EXPECT_TRUE(query<IHostNotifications>());
+    EXPECT_TRUE(query<IHostClients>());
+    EXPECT_TRUE(query<IHostProperties>());
+    EXPECT_TRUE(query<IHostProgress>());
+    EXPECT_TRUE(query<IHostConsole>());
+    EXPECT_FALSE(query<IClientResources>());
+}
+
+TEST_F(StandInInterfacesTest, HandsTextsOverForGood) {
+    const auto text = query<IHostText>();
+    std::int32_t answer = -1;
+    EXPECT_EQ(text->query(IHostText::kClientFreesTexts, &answer), kComOk);
+    EXPECT_EQ(answer, 1);
+    EXPECT_EQ(text->query(2, &answer), kComOk);
+    EXPECT_EQ(answer, 0);
+}
+
+TEST_F(StandInInterfacesTest, WalksItsOpenDocuments) {
+    StandInHostOptions options;
+    options.openDocuments = {{7, "/a.dita", 1}, {9, "/b.dita", 0}};
+    make(options);
+    const auto properties = query<IHostProperties>();
+
+    const auto id = [&](std::uint32_t object, std::uint32_t property) {
+        std::uint32_t value = 99;
+        properties->getIdProp(0, object, property, &value, nullptr);
+        return value;
+    };
+    EXPECT_EQ(id(0, 53), 7U);
+    EXPECT_EQ(id(7, 111), 9U);
+    EXPECT_EQ(id(9, 111), 0U);
+
+    char* path = nullptr;
+    ASSERT_EQ(properties->getStringProp(0, 9, 20, &path, nullptr), kComOk);
+    EXPECT_STREQ(path, "/b.dita");
+    std::free(path);
+
+    std::int32_t flag = -1;
+    properties->getIntProp(0, 7, 131, &flag, nullptr);
+    EXPECT_EQ(flag, 1);
+}
+
+struct UnknownProperty {
+    std::uint32_t object;
+    std::uint32_t property;
+};
+
+TEST_F(StandInInterfacesTest, RefusesUnknownProperties) {
+    StandInHostOptions options;
+    options.openDocuments = {{7, "/a.dita", 1}};
+    make(options);
+    const auto properties = query<IHostProperties>();
+    for (const auto& [object, property] :
+         std::array<UnknownProperty, 5>{{{0, 89}, {0, 1}, {7, 53}, {8, 20}, {8, 131}}}) {
+        SCOPED_TRACE(property);
+        std::int32_t status = 0;
+        std::uint32_t id = 99;
+        EXPECT_EQ(properties->getIdProp(0, object, property, &id, &status), kComOk);
+        EXPECT_NE(status, 0);
+        EXPECT_EQ(id, 0U);
+        status = 0;
+        std::int32_t number = 99;
+        EXPECT_EQ(properties->getIntProp(0, object, property, &number, &status), kComOk);
+        EXPECT_NE(status, 0);
+        EXPECT_EQ(number, 0);
+        status = 0;
+        std::array<char, 1> text{};
+        char* value = text.data();
+        EXPECT_EQ(properties->getStringProp(0, object, property, &value, &status), kComOk);
+        EXPECT_NE(status, 0);
+        EXPECT_EQ(value, nullptr);
+    }
+}
+
+/// What the client "XmlUtilities" says, as a client reads it.
+struct XmlUtilitiesProbe {
+    std::int32_t call(const char* client, const char* command) {
+        std::int32_t result = 99;
+        EXPECT_EQ(clients->callClient(client, command, &result, nullptr), kComOk);
+        return result;
+    }
+    TypedValues callTyped(const char* client, const char* command) {
+        HostTypedValueList reply{9, nullptr};
+        EXPECT_EQ(clients->callClientTyped(client, command, &reply, nullptr), kComOk);
+        return copyTypedValues(HostTypedValues(reply).list());
+    }
+
+    InterfaceRef<IHostClients> clients;
+};
+
+constexpr const char* kResolveMap = "EntityResolver resolveentity -publicid \"map\"";
+
+StandInHostOptions::PublicIdResolver resolverOfMap() {
+    return [](std::string_view id) {
+        return id == "map" ? std::optional<std::string>("/dtd/map.dtd") : std::nullopt;
+    };
+}
+
+TEST_F(StandInInterfacesTest, AnswersForXmlUtilities) {
+    StandInHostOptions options;
+    options.resolvePublicId = resolverOfMap();
+    make(options);
+    XmlUtilitiesProbe probe{query<IHostClients>()};
+
+    EXPECT_EQ(probe.call("XmlUtilities", "EntityResolver start -basefile \"/m\""), 1);
+    EXPECT_EQ(probe.call("XmlUtilities", kResolveMap), 1);
+    EXPECT_EQ(probe.call("XmlUtilities", "EntityResolver end"), 1);
+    EXPECT_EQ(probe.call("XmlUtilities", "EntityResolver terminate"), 1);
+    EXPECT_EQ(probe.call("XmlUtilities", "EntityResolver stop"), 0);
+    EXPECT_EQ(probe.call("xmlutilities", "EntityResolver end"), 0);
+
+    EXPECT_EQ(probe.callTyped("XmlUtilities", kResolveMap),
+              (TypedValues{{3, std::string("/dtd/map.dtd")}}));
+    EXPECT_EQ(probe.callTyped("XmlUtilities", "EntityResolver resolveentity -publicid \"topic\""),
+              TypedValues());
+    EXPECT_EQ(probe.callTyped("XmlUtilities", "EntityResolver end"), TypedValues());
+    EXPECT_EQ(probe.callTyped("Other", kResolveMap), TypedValues());
+}
+
+TEST_F(StandInInterfacesTest, MayDoWithoutXmlUtilities) {
+    XmlUtilitiesProbe probe{query<IHostClients>()};
+    EXPECT_EQ(probe.call("XmlUtilities", "EntityResolver end"), 0);
+    EXPECT_EQ(probe.callTyped("XmlUtilities", kResolveMap), TypedValues());
+}
+
+TEST_F(StandInInterfacesTest, ShowsLinesAsTheyAre) {
+    std::vector<std::string> lines;
+    StandInHostOptions options;
+    options.onProgress = [&](std::string_view line) { lines.emplace_back(line); };
+    options.onConsole = [&](std::optional<MessageId> id, std::string_view line) {
+        EXPECT_EQ(id, lines.size() == 1 ? std::nullopt : std::optional(MessageId::kCannotWrite));
+        lines.emplace_back(line);
+    };
+    make(options);
+    query<IHostProgress>()->reportProgress(4, "50 %s", -1, nullptr);
+    query<IHostConsole>()->write("%n%n\r\n", nullptr);
+    const std::string unwritten = cannotWrite("%n");
+    query<IHostConsole>()->write(unwritten.c_str(), nullptr);
+    EXPECT_EQ(lines, (std::vector<std::string>{"50 %s", "%n%n\r\n", unwritten}));
+}
+
+TEST_F(StandInInterfacesTest, ThrowsNothingThroughTheClient) {
+    StandInHostOptions options;
+    options.onConsole = [](std::optional<MessageId>, std::string_view) {
+        throw std::runtime_error("full");
+    };
+    options.resolvePublicId = [](std::string_view) -> std::optional<std::string> { throw 1; };
+    make(options);
+    EXPECT_EQ(query<IHostConsole>()->write("x", nullptr), kComFailed);
+    HostTypedValueList reply{9, nullptr};
+    EXPECT_EQ(query<IHostClients>()->callClientTyped("XmlUtilities", kResolveMap, &reply, nullptr),
+              kComFailed);
+    EXPECT_EQ(reply.count, 0U);
+}
+
+}  // namespace
+}  // namespace marrowpress
