@@ -94,7 +94,7 @@ ComStatus ScriptedHost::callClient(const char* name, const char* command, std::i
 
 ComStatus ScriptedHost::callClientTyped(const char* name, const char* command,
                                         HostTypedValueList* reply, std::int32_t* status) {
-    *reply = makeStringReply("reply");
+    *reply = makeReply();
     return answered(std::string("callClientTyped ") + name + ": " + command, status);
 }
 

@@ -18,19 +18,19 @@ namespace marrowpress {
 ///
 /// Every method fills its out-parameters before it fails, so that a caller that takes them in spite
 /// of the failure is found out.
-class ScriptedHost final : public IHostMain,
-                           public IHostText,
-                           public IHostModules,
-                           public IHostNotifications,
-                           public IHostClients,
-                           public IHostProperties,
-                           public IHostProgress,
-                           public IHostConsole {
+class ScriptedHost : public IHostMain,
+                     public IHostText,
+                     public IHostModules,
+                     public IHostNotifications,
+                     public IHostClients,
+                     public IHostProperties,
+                     public IHostProgress,
+                     public IHostConsole {
 public:
     ScriptedHost() = default;
     ScriptedHost(const ScriptedHost&) = delete;
     ScriptedHost& operator=(const ScriptedHost&) = delete;
-    ~ScriptedHost();
+    virtual ~ScriptedHost();
 
     /// The object to hand to a client.
     IHostObject& provider() { return static_cast<IHostMain&>(*this); }
@@ -43,6 +43,8 @@ public:
     std::int32_t clientFreesTexts = 0;
     bool keepsClient = true;
     std::int32_t commandResult = 1;
+    /// Makes the reply to a typed command, whose blocks are the caller's.
+    std::function<HostTypedValueList()> makeReply = [] { return makeStringReply("reply"); };
     /// Properties by object and number; what isn't there reads as 0 or null.
     std::map<std::pair<std::uint32_t, std::uint32_t>, std::int32_t> integers;
     std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> ids;

@@ -20,7 +20,7 @@
 #include "support/request_singleton.h"
 #include "support/scope_exit.h"
 #include "tests/support/file_conditions.h"
-#include "tests/unit/xml/replaced_interfaces.h"
+#include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/document_writer.h"
 #include "xml/grammar_parser_cache.h"
@@ -198,7 +198,7 @@ TEST_F(DocumentStoreTest, BuildsTheTableBeforeItReads) {
     const std::string path = folder.write("a.dita", "<a/>");
     std::vector<bool> exists;
     ScriptedClients clients;
-    clients.onCall = [&] {
+    clients.onCall = [&](const std::string&) {
         exists.push_back(RequestSingleton<OpenDocumentTable>::existing() != nullptr);
     };
     load(path);
@@ -228,15 +228,15 @@ TEST_F(DocumentStoreTest, ReportsWhateverIsThrownWhileItReads) {
     for (const std::function<void()>& thrower : throwers) {
         host.forget();
         ScriptedClients clients;
-        clients.onCall = [&] {
-            if (clients.calls.back().find("resolveentity") != std::string::npos) {
+        clients.onCall = [&](const std::string& call) {
+            if (call.find("resolveentity") != std::string::npos) {
                 thrower();
             }
         };
         EXPECT_EQ(load(path), nullptr);
-        EXPECT_EQ(clients.calls, (Texts{"plain:XmlUtilities:" + startOf(path),
-                                        "typed:XmlUtilities:" + questionFor(kTopicId),
-                                        "plain:XmlUtilities:" + kEnd}));
+        EXPECT_EQ(clients.calls, (Texts{"callClient XmlUtilities: " + startOf(path),
+                                        "callClientTyped XmlUtilities: " + questionFor(kTopicId),
+                                        "callClient XmlUtilities: " + kEnd}));
         EXPECT_EQ(host.console(), Texts{cannotRead(path)});
         EXPECT_FALSE(DocumentStore::instance().holds(toUtf16(path)));
     }
@@ -304,7 +304,7 @@ TEST_F(StoreOpenDocumentsTest, AreTouchedBeforeTheyAreRead) {
     folder.write("größe.dita", "<a/>");
     std::vector<std::size_t> touchedCounts;
     ScriptedClients clients;
-    clients.onCall = [&] { touchedCounts.push_back(touched().size()); };
+    clients.onCall = [&](const std::string&) { touchedCounts.push_back(touched().size()); };
     load("größe.dita");
     EXPECT_EQ(touchedCounts, (std::vector<std::size_t>{1, 1}));
 }
@@ -346,49 +346,19 @@ TEST_F(StoreOpenDocumentsTest, AreReadFromTheDisk) {
     EXPECT_EQ(printed(*load("größe.dita")->getDocumentElement()), "<on-disk/>");
 }
 
-/// Properties that a test sets, as text of what was read.
-class ScriptedProperties final : public ScriptedInterface<IHostProperties> {
-public:
-    ComStatus getIntProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
-                         std::int32_t* value, std::int32_t* hostStatus) override {
-        *value = 0;
-        return record("int", context, object, property, hostStatus);
-    }
-    ComStatus getIdProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
-                        std::uint32_t* value, std::int32_t* hostStatus) override {
-        *value = object < 2 ? object + 1 : 0;
-        return record("id", context, object, property, hostStatus);
-    }
-    ComStatus getStringProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
-                            char** value, std::int32_t* hostStatus) override {
-        *value = nullptr;
-        return record("text", context, object, property, hostStatus);
-    }
-
-    Texts reads;
-
-private:
-    ComStatus record(const std::string& kind, std::uint32_t context, std::uint32_t object,
-                     std::uint32_t property, std::int32_t* hostStatus) {
-        reads.push_back(kind + " " + std::to_string(context) + " " + std::to_string(object) + " " +
-                        std::to_string(property));
-        *hostStatus = 0;
-        return kComOk;
-    }
-
-    InterfaceReplacement<IHostProperties> replacement_{QsApiInterfacesC::connected()->properties,
-                                                       this};
-};
-
 TEST_F(StoreOpenDocumentsTest, AreReadInTheOrderOfTheHost) {
     ScriptedProperties properties;
+    properties.ids = {{{0, 53}, 1}, {{1, 111}, 2}};
     const OpenDocumentTable table;
-    EXPECT_EQ(properties.reads, (Texts{"id 0 0 53", "text 0 1 20", "int 0 1 131", "id 0 1 111",
-                                       "text 0 2 20", "int 0 2 131", "id 0 2 111"}));
+    EXPECT_EQ(properties.calls,
+              (Texts{"getIdProp 0 0 53", "getStringProp 0 1 20", "getIntProp 0 1 131",
+                     "getIdProp 0 1 111", "getStringProp 0 2 20", "getIntProp 0 2 131",
+                     "getIdProp 0 2 111"}));
 }
 
 TEST_F(StoreOpenDocumentsTest, ArePassedOverWithoutAName) {
-    const ScriptedProperties properties;
+    ScriptedProperties properties;
+    properties.ids = {{{0, 53}, 1}};
     const OpenDocumentTable table;
     EXPECT_EQ(table.size(), 0U);
 }
@@ -406,7 +376,7 @@ TEST_F(StoreOpenDocumentsTest, AreReadOnceInARequest) {
     load("größe.dita");
     load("flagged.dita");
     load("missing.dita");
-    EXPECT_EQ(std::count(properties.reads.begin(), properties.reads.end(), "id 0 0 53"), 1);
+    EXPECT_EQ(std::count(properties.calls.begin(), properties.calls.end(), "getIdProp 0 0 53"), 1);
 }
 
 /// Sessions that follow each other.
@@ -426,15 +396,14 @@ TEST_F(RequestEndTest, EndsTheStoreThenTheGrammarsThenTheRest) {
         const XmlSession session;
         xercesc::DOMDocument* const document = DocumentStore::instance().getOrLoad(toUtf16(path));
         ASSERT_TRUE(document);
-        clients.makeReply = [] { return HostTypedValueList{0, nullptr}; };
         GrammarParserCache::instance().parserForDocument(*document);
         TopicIdGenerator::instance();
         ReportMessenger::instance();
         ProgressMessenger::instance();
         ExclusionFilterHolder::instance();
         clients.calls.clear();
-        clients.onCall = [&] {
-            std::string present = clients.calls.back() + ":";
+        clients.onCall = [&](const std::string& call) {
+            std::string present = call + ":";
             present += RequestSingleton<DocumentStore>::existing() ? " store" : "";
             present += RequestSingleton<GrammarParserCache>::existing() ? " grammars" : "";
             present += RequestSingleton<TopicIdGenerator>::existing() ? " ids" : "";
@@ -446,7 +415,7 @@ TEST_F(RequestEndTest, EndsTheStoreThenTheGrammarsThenTheRest) {
         };
     }
     clients.onCall = nullptr;
-    const std::string call = "plain:XmlUtilities:EntityResolver terminate:";
+    const std::string call = "callClient XmlUtilities: EntityResolver terminate:";
     EXPECT_EQ(alive, (Texts{call + " grammars ids table progress reports exclusions",
                             call + " ids table progress reports exclusions"}));
     EXPECT_FALSE(RequestSingleton<DocumentStore>::existing());

@@ -9,7 +9,7 @@
 #include <filesystem>
 
 #include "tests/support/file_conditions.h"
-#include "tests/unit/xml/replaced_interfaces.h"
+#include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "tests/unit/xml/separate_volumes.h"
 #include "xml/document_store.h"
@@ -220,7 +220,7 @@ TEST_F(DocumentWriterTest, KeepsTheOldFileAsideWhileItWrites) {
     document.getDocumentElement()->setTextContent(u"\x1");
     ScriptedConsole console;
     Texts during;
-    console.onLine = [&] { during = names(); };
+    console.onCall = [&](const std::string&) { during = names(); };
     EXPECT_EQ(saveDocumentInPlace(&document), WriteStatus::kFailed);
     EXPECT_EQ(during, (Texts{"a.dita", "a.dita_tmp"}));
 }
@@ -280,13 +280,13 @@ TEST_F(DocumentWriterTest, LeavesTheOldFileAsideWhenItCannotBePutBack) {
         // From the report on, the folder is out of reach.
         std::unique_ptr<WithoutRights> nobody;
         ScriptedConsole console;
-        console.onLine = [&] {
+        console.onCall = [&](const std::string&) {
             fs::permissions(folder.path(), fs::perms::owner_read | fs::perms::owner_exec);
             nobody = std::make_unique<WithoutRights>();
         };
         EXPECT_EQ(failureOf(document.document()),
                   "rename " + folder.file("a.dita_tmp") + " " + folder.file("a.dita"));
-        EXPECT_EQ(console.lines, Texts{cannotWrite(folder.file("a.dita"))});
+        EXPECT_EQ(console.calls, Texts{"write " + cannotWrite(folder.file("a.dita"))});
     }
     fs::permissions(folder.path(), fs::perms::owner_all);
     EXPECT_EQ(folder.read("a.dita_tmp"), "old");

@@ -10,7 +10,7 @@
 #include <xercesc/util/SecurityManager.hpp>
 
 #include "tests/support/file_conditions.h"
-#include "tests/unit/xml/replaced_interfaces.h"
+#include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 
 namespace marrowpress {
@@ -313,13 +313,13 @@ TEST_F(ParserBundleTest, TakesAWarningForAFailure) {
 class SettingsAtCommands {
 public:
     explicit SettingsAtCommands(QSXercesDOMParser& parser) {
-        clients_.onCall = [this, &parser] {
+        clients_.onCall = [this, &parser](const std::string& call) {
             std::string seen =
                 parser.getValidationScheme() == XercesDOMParser::Val_Never ? "never" : "auto";
             seen += parser.getLoadExternalDTD() ? " dtd" : "";
             seen += parser.isCachingGrammarFromParse() ? " caching" : "";
             seen += parser.isUsingCachedGrammarInParse() ? " using" : "";
-            if (clients_.calls.back().find(" start ") != std::string::npos) {
+            if (call.find(" start ") != std::string::npos) {
                 atStarts.push_back(seen);
             }
         };

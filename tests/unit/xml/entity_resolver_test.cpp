@@ -8,7 +8,7 @@
 
 #include "host/typed_record.h"
 #include "tests/support/file_conditions.h"
-#include "tests/unit/xml/replaced_interfaces.h"
+#include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/dom_parser.h"
 #include "xml/mapped_input.h"
@@ -74,9 +74,9 @@ TEST_F(QSXMLEntityResolverTest, TellsTheClientOfDocumentsAndParsers) {
     sendEnd();
     sendTerminate();
     EXPECT_EQ(clients.calls,
-              (Texts{"plain:XmlUtilities:EntityResolver start -basefile \"/d/größe a.dita\"",
-                     "plain:XmlUtilities:EntityResolver end",
-                     "plain:XmlUtilities:EntityResolver terminate"}));
+              (Texts{"callClient XmlUtilities: EntityResolver start -basefile \"/d/größe a.dita\"",
+                     "callClient XmlUtilities: EntityResolver end",
+                     "callClient XmlUtilities: EntityResolver terminate"}));
 }
 
 TEST_F(QSXMLEntityResolverTest, TakesTheFileAtTheSystemIdentifierWithoutAsking) {
@@ -97,7 +97,7 @@ TEST_F(QSXMLEntityResolverTest, AsksThroughTheTypedCall) {
     const ScriptedClients clients;
     resolve(u"missing.dtd", u"id");
     EXPECT_EQ(clients.calls,
-              Texts{"typed:XmlUtilities:EntityResolver resolveentity -publicid \"id\""});
+              Texts{"callClientTyped XmlUtilities: EntityResolver resolveentity -publicid \"id\""});
 }
 
 TEST_F(QSXMLEntityResolverTest, DoesNotTestWhetherTheAnswerExists) {
@@ -250,10 +250,10 @@ TEST_F(QSXMLEntityResolverTest, TakesOneTextForAnAnswerAndNothingElse) {
 TEST_F(QSXMLEntityResolverTest, TakesAFailedCallForNoAnswerAndKeepsThat) {
     {
         ScriptedClients clients;
-        clients.outcome = kComFailed;
+        clients.comStatus = kComFailed;
         EXPECT_EQ(resolver.resolvePublicId("not through"), "");
-        clients.outcome = kComOk;
-        clients.ownStatus = 5;
+        clients.comStatus = kComOk;
+        clients.hostStatus = 5;
         EXPECT_EQ(resolver.resolvePublicId("refused"), "");
     }
     host.pathsByPublicId["not through"] = "/a.dtd";
