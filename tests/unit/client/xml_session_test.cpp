@@ -123,10 +123,9 @@ TEST(XmlSessionTest, EndsTheStoreFirstAndTheGrammarsNext) {
         GrammarParserCache::instance().parserForDocument(*document);
         host.calls.clear();
         host.onCall = [&](const std::string& call) {
-            if (call == "callClient XmlUtilities: EntityResolver terminate") {
-                EXPECT_TRUE(isPlatformUp());
-                existingAtTerminate.push_back(existingSingletons());
-            }
+            EXPECT_EQ(call, "callClient XmlUtilities: EntityResolver terminate");
+            EXPECT_TRUE(isPlatformUp());
+            existingAtTerminate.push_back(existingSingletons());
         };
     }
     EXPECT_EQ(existingAtTerminate, Lines({"grammars ids open progress report exclusion renamer",

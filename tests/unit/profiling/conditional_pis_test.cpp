@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "dom/element_walker.h"
 #include "support/text.h"
-#include "support/xerces_ptr.h"
 #include "tests/support/xml_text.h"
 
 namespace marrowpress {
@@ -366,82 +364,6 @@ TEST_F(SummariseConditionsTest, NamesStandAsTheyAre) {
     catalog.conditions.put({u"\u00E4or", u"", true});
     summariseConditions(catalog);
     EXPECT_EQ(catalog.summaryExpression, u"\"o\"or\"\"\"or\"\u00E4or\"");
-}
-
-/// Gives one answer for each kind of node, and keeps what it was asked about.
-class KindFilter final : public DOMNodeFilter {
-public:
-    FilterAction acceptNode(const DOMNode* node) const override {
-        if (node->getNodeType() == DOMNode::COMMENT_NODE) {
-            return FILTER_REJECT;
-        }
-        if (node->getNodeType() != DOMNode::ELEMENT_NODE) {
-            return FILTER_ACCEPT;
-        }
-        const auto& element = static_cast<const xercesc::DOMElement&>(*node);
-        const std::string action = attribute(element, "do");
-        return action == "skip" ? FILTER_SKIP : action == "reject" ? FILTER_REJECT : FILTER_ACCEPT;
-    }
-};
-
-/// The names of what `walker` gives from now on.
-std::string rest(NodeWalker& walker) {
-    std::string names;
-    while (const DOMNode* const node = walker.nextNode()) {
-        names += names.empty() ? "" : " ";
-        names += toUtf8(domText(node->getNodeName()));
-    }
-    return names;
-}
-
-using NodeWalkerTest = XmlTest;
-
-TEST_F(NodeWalkerTest, GivesEveryKindOfNodeInDocumentOrder) {
-    const ParsedXml parsed(
-        "<?one?><!--passed--><r>text<a><?two?><b/>more</a><!--passed--><![CDATA[x]]><?three?></r>"
-        "<?four?>");
-    const KindFilter filter;
-    NodeWalker walker(&parsed.document(), filter);
-    EXPECT_EQ(rest(walker), "#document one r #text a two b #text #cdata-section three four");
-    EXPECT_EQ(walker.nextNode(), nullptr);
-}
-
-TEST_F(NodeWalkerTest, SkippedNodesAreEnteredAndRejectedOnesAreNot) {
-    const ParsedXml parsed(
-        "<r do='skip'><a do='reject'><?never?><b/></a><c do='skip'><?two?><d/></c><?three?></r>");
-    const KindFilter filter;
-    NodeWalker walker(parsed.root(), filter);
-    EXPECT_EQ(rest(walker), "two d three");
-}
-
-TEST_F(NodeWalkerTest, StaysBelowItsRoot) {
-    const ParsedXml parsed("<r><?one?><a><?two?></a><?three?></r>");
-    const KindFilter filter;
-    NodeWalker walker(parsed.root()->getFirstElementChild(), filter);
-    EXPECT_EQ(rest(walker), "a two");
-    NodeWalker leaf(parsed.root()->getFirstChild(), filter);
-    EXPECT_EQ(rest(leaf), "one");
-    NodeWalker none(nullptr, filter);
-    EXPECT_EQ(none.nextNode(), nullptr);
-    const ParsedXml rejected("<r do='reject'><?one?></r>");
-    NodeWalker nothing(rejected.root(), filter);
-    EXPECT_EQ(nothing.nextNode(), nullptr);
-    EXPECT_EQ(nothing.nextNode(), nullptr);
-}
-
-TEST_F(NodeWalkerTest, ReadsTheTreeLazily) {
-    const ParsedXml parsed("<r><?one?><a/><?three?></r>");
-    xercesc::DOMDocument& document = parsed.document();
-    const KindFilter filter;
-    NodeWalker walker(parsed.root(), filter);
-    walker.nextNode();
-    DOMNode* const one = walker.nextNode();
-    parsed.root()->insertBefore(document.createProcessingInstruction(u"two", u""),
-                                one->getNextSibling());
-    EXPECT_EQ(domText(walker.nextNode()->getNodeName()), u"two");
-    DOMNode* const a = walker.nextNode();
-    a->appendChild(document.createTextNode(u"text"));
-    EXPECT_EQ(rest(walker), "#text three");
 }
 
 }  // namespace

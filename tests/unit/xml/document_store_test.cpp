@@ -11,19 +11,13 @@
 #include <stdexcept>
 #include <xercesc/dom/DOMException.hpp>
 
-#include "application/messengers.h"
 #include "dom/nesting_depth.h"
-#include "references/direct_references.h"
-#include "references/exclusion_filter.h"
-#include "references/node_filters.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
 #include "support/scope_exit.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
-#include "xml/document_writer.h"
-#include "xml/grammar_parser_cache.h"
 
 namespace marrowpress {
 namespace {
@@ -385,52 +379,6 @@ protected:
     TemporaryFolder folder;
     RecordingHost host;
 };
-
-TEST_F(RequestEndTest, EndsTheStoreThenTheGrammarsThenTheRest) {
-    const std::string path = folder.write("a.dita", topicText("topic.dtd"));
-    const std::string dtd = folder.write("topic.dtd", kTopicDtd);
-    host.pathsByPublicId[kTopicId] = dtd;
-    Texts alive;
-    ScriptedClients clients;
-    {
-        const XmlSession session;
-        xercesc::DOMDocument* const document = DocumentStore::instance().getOrLoad(toUtf16(path));
-        ASSERT_TRUE(document);
-        GrammarParserCache::instance().parserForDocument(*document);
-        TopicIdGenerator::instance();
-        ReportMessenger::instance();
-        ProgressMessenger::instance();
-        ExclusionFilterHolder::instance();
-        clients.calls.clear();
-        clients.onCall = [&](const std::string& call) {
-            std::string present = call + ":";
-            present += RequestSingleton<DocumentStore>::existing() ? " store" : "";
-            present += RequestSingleton<GrammarParserCache>::existing() ? " grammars" : "";
-            present += RequestSingleton<TopicIdGenerator>::existing() ? " ids" : "";
-            present += RequestSingleton<OpenDocumentTable>::existing() ? " table" : "";
-            present += RequestSingleton<ProgressMessenger>::existing() ? " progress" : "";
-            present += RequestSingleton<ReportMessenger>::existing() ? " reports" : "";
-            present += RequestSingleton<ExclusionFilterHolder>::existing() ? " exclusions" : "";
-            alive.push_back(present);
-        };
-    }
-    clients.onCall = nullptr;
-    const std::string call = "callClient XmlUtilities: EntityResolver terminate:";
-    EXPECT_EQ(alive, (Texts{call + " grammars ids table progress reports exclusions",
-                            call + " ids table progress reports exclusions"}));
-    EXPECT_FALSE(RequestSingleton<DocumentStore>::existing());
-    EXPECT_FALSE(RequestSingleton<GrammarParserCache>::existing());
-    EXPECT_FALSE(RequestSingleton<TopicIdGenerator>::existing());
-    EXPECT_FALSE(RequestSingleton<OpenDocumentTable>::existing());
-    EXPECT_FALSE(RequestSingleton<ProgressMessenger>::existing());
-    EXPECT_FALSE(RequestSingleton<ReportMessenger>::existing());
-    EXPECT_FALSE(RequestSingleton<ExclusionFilterHolder>::existing());
-}
-
-TEST_F(RequestEndTest, SaysNothingWhenNothingWasRead) {
-    { const XmlSession session; }
-    EXPECT_EQ(host.commands(), Texts{});
-}
 
 TEST_F(RequestEndTest, LeavesNothingForTheNextRequest) {
     folder.write("dtd/topic.dtd", kTopicDtd);
