@@ -40,10 +40,10 @@ TEST_F(PublicIdsTest, WithoutANameTheDefaultCatalogsAreUsed) {
 
 TEST_F(PublicIdsTest, TheFirstFaultIsTold) {
     const std::string good = catalog("good.xml", "a");
-    EXPECT_EQ(findCatalogFault(std::vector<std::string>{}), std::nullopt);
-    EXPECT_EQ(findCatalogFault(std::vector{good, good}), std::nullopt);
+    EXPECT_EQ(findCatalogOptionFault(std::vector<std::string>{}), std::nullopt);
+    EXPECT_EQ(findCatalogOptionFault(std::vector{good, good}), std::nullopt);
     const auto fault =
-        findCatalogFault(std::vector{good, folder.file("none.xml"), folder.file("x")});
+        findCatalogOptionFault(std::vector{good, folder.file("none.xml"), folder.file("x")});
     ASSERT_TRUE(fault);
     EXPECT_TRUE(fault->starts_with("--catalog: ")) << *fault;
     EXPECT_NE(fault->find(folder.file("none.xml")), std::string::npos) << *fault;
