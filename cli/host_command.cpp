@@ -36,7 +36,9 @@ std::vector<std::string> readRequests(const HostOptions& options) {
 }
 
 std::vector<OpenDocument> openDocumentsOf(const HostOptions& options) {
-    if (!options.openDocuments) return {};
+    if (!options.openDocuments) {
+        return {};
+    }
     try {
         return readOpenDocuments(*options.openDocuments);
     } catch (const std::runtime_error& fault) {
@@ -58,7 +60,9 @@ void rejectTraceOver(const HostOptions& options, const std::string& argument,
 
 /// The trace's file is emptied when it is opened: nothing that the run reads may be there.
 void rejectTraceOverSources(const HostOptions& options) {
-    if (!options.trace) return;
+    if (!options.trace) {
+        return;
+    }
     for (const std::string& request : options.requests) {
         if (request == "-") {
             rejectTraceOver(options, "what standard input reads", "/dev/stdin");
@@ -69,7 +73,9 @@ void rejectTraceOverSources(const HostOptions& options) {
     if (options.openDocuments) {
         rejectTraceOver(options, "--open-documents", *options.openDocuments);
     }
-    if (options.catalogs.empty() && !options.hasXmlUtilities) return;
+    if (options.catalogs.empty() && !options.hasXmlUtilities) {
+        return;
+    }
     for (const std::filesystem::path& catalog : catalogFiles(options.catalogs)) {
         rejectTraceOver(options, options.catalogs.empty() ? "a default catalog" : "a --catalog",
                         catalog);
@@ -80,9 +86,13 @@ void rejectTraceOverSources(const HostOptions& options) {
 class TraceFile {
 public:
     explicit TraceFile(const std::optional<std::string>& path) {
-        if (!path) return;
+        if (!path) {
+            return;
+        }
         file_.open(*path, std::ios::binary);
-        if (!file_) throw ArgumentFault("--trace: cannot write " + *path);
+        if (!file_) {
+            throw ArgumentFault("--trace: cannot write " + *path);
+        }
         trace_.emplace(file_);
     }
 
@@ -96,7 +106,9 @@ private:
 
 std::string answerLine(const std::optional<TypedValues>& answer) {
     boost::json::value values = nullptr;
-    if (answer) values = toJson(*answer);
+    if (answer) {
+        values = toJson(*answer);
+    }
     return boost::json::serialize(boost::json::object{{"values", std::move(values)}}) + "\n";
 }
 
@@ -107,7 +119,9 @@ bool isGood(const std::optional<TypedValues>& answer) {
 StandInHostOptions makeHostOptions(const HostOptions& options, std::ostream& err) {
     StandInHostOptions host;
     host.openDocuments = openDocumentsOf(options);
-    if (options.hasXmlUtilities) host.resolvePublicId = makePublicIdResolver(options.catalogs);
+    if (options.hasXmlUtilities) {
+        host.resolvePublicId = makePublicIdResolver(options.catalogs);
+    }
     host.onProgress = [&err](std::string_view line) { showProgress(err, line); };
     host.onConsole = [&err](std::optional<MessageId>, std::string_view line) {
         showReport(err, line);
@@ -120,9 +134,15 @@ ExitCode sendAll(ClientSession& session, const std::vector<std::string>& request
     ExitCode code = ExitCode::kSuccess;
     for (const std::string& request : requests) {
         const std::optional<TypedValues> answer = session.send(request);
-        if (!answer) streams.err << "marrowpress host: the client gave no answer\n";
-        if (!isGood(answer)) code = ExitCode::kRunFailed;
-        if (!writeResult(streams, answerLine(answer))) return ExitCode::kRunFailed;
+        if (!answer) {
+            streams.err << "marrowpress host: the client gave no answer\n";
+        }
+        if (!isGood(answer)) {
+            code = ExitCode::kRunFailed;
+        }
+        if (!writeResult(streams, answerLine(answer))) {
+            return ExitCode::kRunFailed;
+        }
     }
     return code;
 }
@@ -142,7 +162,9 @@ ExitCode runChecked(const HostOptions& options, const Streams& streams) {
         ClientSession session(std::move(host));
         code = sendAll(session, requests, streams);
     }
-    if (trace.isComplete()) return code;
+    if (trace.isComplete()) {
+        return code;
+    }
     streams.err << "marrowpress host: cannot write " << *options.trace << '\n';
     return ExitCode::kRunFailed;
 }

@@ -34,9 +34,13 @@ constexpr const char* kExitCodes =
 /// same file and no list; all that `host` takes are files.
 std::vector<std::string> toParserOrder(const std::vector<std::string>& arguments) {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
-    if (reversed.empty() || reversed.back() != "host") return reversed;
+    if (reversed.empty() || reversed.back() != "host") {
+        return reversed;
+    }
     for (std::string& argument : reversed) {
-        if (argument.starts_with('[') && argument.ends_with(']')) argument.insert(0, "./");
+        if (argument.starts_with('[') && argument.ends_with(']')) {
+            argument.insert(0, "./");
+        }
     }
     return reversed;
 }
@@ -171,8 +175,12 @@ private:
             return wrongUsage("REQUEST: standard input (-) is there more than once");
         }
         host_.hasXmlUtilities = !hasNoXmlUtilities_;
-        if (openDocumentsOption_->count() > 0) host_.openDocuments = openDocuments_;
-        if (traceOption_->count() > 0) host_.trace = trace_;
+        if (openDocumentsOption_->count() > 0) {
+            host_.openDocuments = openDocuments_;
+        }
+        if (traceOption_->count() > 0) {
+            host_.trace = trace_;
+        }
         return host_;
     }
 
@@ -185,14 +193,18 @@ private:
         } else if (publish_.isAtOneLocation) {
             return wrongUsage("--one-location: a composite is one file; this is for flatbook only");
         }
-        if (filterOption_->count() > 0) publish_.filter = filter_;
+        if (filterOption_->count() > 0) {
+            publish_.filter = filter_;
+        }
         return publish_;
     }
 
     /// The parser's own words, but where they leave out which argument is meant.
     std::string describe(const CLI::ParseError& error) const {
         const std::vector<std::string> rest = app_.remaining();
-        if (!app_.get_subcommands().empty() || rest.empty()) return error.what();
+        if (!app_.get_subcommands().empty() || rest.empty()) {
+            return error.what();
+        }
         return "unknown argument \"" + rest.front() + "\"; commands: host, publish";
     }
 

@@ -22,7 +22,9 @@ struct RunOutcome {
 };
 
 std::optional<std::string> findFault(const PublishOptions& options, const PublishPaths& paths) {
-    if (std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) return fault;
+    if (std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) {
+        return fault;
+    }
     return findPublishFault(options, paths);
 }
 
@@ -37,7 +39,9 @@ RunOutcome runRequest(const PublishOptions& options, const PublishPaths& paths, 
     };
     ClientSession session(std::move(host));
     const std::optional<TypedValues> answer = session.send(buildRequest(options, paths));
-    if (!answer) return outcome;
+    if (!answer) {
+        return outcome;
+    }
     outcome.status = statusOf(*answer);
     outcome.components = componentsOf(*answer);
     return outcome;
@@ -49,7 +53,9 @@ std::string withStatus(PublishStatus status) {
 
 /// The sentence about a run that did not come to its end; empty when it did.
 std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
-    if (!outcome.status) return "the client gave no answer";
+    if (!outcome.status) {
+        return "the client gave no answer";
+    }
     switch (*outcome.status) {
         case kPublished:
             return std::nullopt;
@@ -66,10 +72,18 @@ std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
 /// The sentence about a run that came to nothing; empty when all of its output was written.
 std::optional<std::string> findRunFault(const RunOutcome& outcome, const PublishOptions& options,
                                         const PublishPaths& paths) {
-    if (std::optional<std::string> fault = findStatusFault(outcome)) return fault;
-    if (outcome.hasUnwrittenDocument) return "a document could not be written";
-    if (options.format == OutputFormat::kComposite) return findMissingFile({paths.output.string()});
-    if (!outcome.components) return "the client did not say what it wrote";
+    if (std::optional<std::string> fault = findStatusFault(outcome)) {
+        return fault;
+    }
+    if (outcome.hasUnwrittenDocument) {
+        return "a document could not be written";
+    }
+    if (options.format == OutputFormat::kComposite) {
+        return findMissingFile({paths.output.string()});
+    }
+    if (!outcome.components) {
+        return "the client did not say what it wrote";
+    }
     return findMissingFile(*outcome.components);
 }
 
@@ -83,9 +97,13 @@ std::string shownOutput(const PublishOptions& options, const PublishPaths& paths
 /// What a good run gives on standard output.
 std::string resultText(const RunOutcome& outcome, const PublishOptions& options,
                        const PublishPaths& paths) {
-    if (options.format == OutputFormat::kComposite) return shownOutput(options, paths) + "\n";
+    if (options.format == OutputFormat::kComposite) {
+        return shownOutput(options, paths) + "\n";
+    }
     std::string text;
-    for (const std::string& component : *outcome.components) text += component + "\n";
+    for (const std::string& component : *outcome.components) {
+        text += component + "\n";
+    }
     return text;
 }
 
@@ -115,14 +133,20 @@ std::string buildRequest(const PublishOptions& options, const PublishPaths& path
 
 std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer) {
     constexpr std::size_t kIndex = 4;
-    if (answer.size() <= kIndex) return std::nullopt;
+    if (answer.size() <= kIndex) {
+        return std::nullopt;
+    }
     const auto* const listed = std::get_if<std::vector<std::string>>(&answer[kIndex].value);
-    if (listed == nullptr) return std::nullopt;
+    if (!listed) {
+        return std::nullopt;
+    }
     std::vector<std::string> components;
     // A source that the map refers to twice is one component, which the answer names twice.
     std::unordered_set<std::string_view> seen;
     for (const std::string& path : *listed) {
-        if (seen.insert(path).second) components.push_back(path);
+        if (seen.insert(path).second) {
+            components.push_back(path);
+        }
     }
     return components;
 }
@@ -130,7 +154,9 @@ std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer) 
 std::optional<std::string> findMissingFile(const std::vector<std::string>& paths) {
     for (const std::string& path : paths) {
         std::error_code ignored;
-        if (std::filesystem::is_regular_file(path, ignored)) continue;
+        if (std::filesystem::is_regular_file(path, ignored)) {
+            continue;
+        }
         return "the run ended, but " + path + " was not written";
     }
     return std::nullopt;

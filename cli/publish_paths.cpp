@@ -56,7 +56,9 @@ fs::path keySpacePath(const PublishOptions& options, const fs::path& output) {
 
 std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths& paths) {
     std::vector<Source> sources{{"MAP", paths.map}};
-    if (paths.filter) sources.push_back({"--filter", *paths.filter});
+    if (paths.filter) {
+        sources.push_back({"--filter", *paths.filter});
+    }
     for (const fs::path& catalog : catalogFiles(options.catalogs)) {
         sources.push_back({options.catalogs.empty() ? "default catalog" : "--catalog", catalog});
     }
@@ -65,11 +67,21 @@ std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths&
 
 std::optional<std::string> findTextFault(const PublishOptions& options, const PublishPaths& paths) {
     const auto isBad = [](const std::string& text) { return !isValidUtf8(text); };
-    if (isBad(paths.map.string())) return "MAP: the path is not UTF-8";
-    if (isBad(paths.output.string())) return "--output: the path is not UTF-8";
-    if (paths.filter && isBad(paths.filter->string())) return "--filter: the path is not UTF-8";
-    if (isBad(options.compositeDtd)) return "--composite-dtd: the text is not UTF-8";
-    if (isBad(options.keySpaceDtd)) return "--keyspace-dtd: the text is not UTF-8";
+    if (isBad(paths.map.string())) {
+        return "MAP: the path is not UTF-8";
+    }
+    if (isBad(paths.output.string())) {
+        return "--output: the path is not UTF-8";
+    }
+    if (paths.filter && isBad(paths.filter->string())) {
+        return "--filter: the path is not UTF-8";
+    }
+    if (isBad(options.compositeDtd)) {
+        return "--composite-dtd: the text is not UTF-8";
+    }
+    if (isBad(options.keySpaceDtd)) {
+        return "--keyspace-dtd: the text is not UTF-8";
+    }
     return std::nullopt;
 }
 
@@ -77,7 +89,9 @@ std::optional<std::string> findTextFault(const PublishOptions& options, const Pu
 std::optional<std::string> findReadFault(const fs::path& path) {
     // Without blocking: the path may be a FIFO that nobody writes to.
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) return std::generic_category().message(errno);
+    if (descriptor < 0) {
+        return std::generic_category().message(errno);
+    }
     struct stat status {};
     const bool isFile = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
     close(descriptor);
@@ -88,24 +102,36 @@ std::optional<std::string> findFolderFault(const PublishOptions& options, const 
     const std::string name = "--output: " + options.output;
     std::error_code ignored;
     const fs::file_status status = fs::status(output, ignored);
-    if (fs::is_directory(status)) return std::nullopt;
-    if (fs::exists(status)) return name + " is no folder, and a flat book needs one";
+    if (fs::is_directory(status)) {
+        return std::nullopt;
+    }
+    if (fs::exists(status)) {
+        return name + " is no folder, and a flat book needs one";
+    }
     return name + ": there is no such folder; create it first";
 }
 
 std::optional<std::string> findOutputFault(const PublishOptions& options, const fs::path& output) {
-    if (isFlatBook(options)) return findFolderFault(options, output);
+    if (isFlatBook(options)) {
+        return findFolderFault(options, output);
+    }
     const std::string name = "--output: " + options.output;
     std::error_code error;
     const fs::file_status status = fs::status(output, error);
-    if (fs::is_directory(status) || !output.has_filename()) return name + " is a folder";
-    if (fs::exists(status) && !fs::is_regular_file(status)) return name + " is not a regular file";
+    if (fs::is_directory(status) || !output.has_filename()) {
+        return name + " is a folder";
+    }
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        return name + " is not a regular file";
+    }
     if (!fs::is_directory(output.parent_path(), error)) {
         return name + ": there is no folder " + output.parent_path().string();
     }
     for (const fs::path& reserved :
          {fs::path(kKeySpaceDocName), besideWithSuffix(kKeySpaceDocName)}) {
-        if (output.filename() != reserved) continue;
+        if (output.filename() != reserved) {
+            continue;
+        }
         return name + ": the run itself uses the name " + reserved.string() +
                " in the output's folder, and removes it";
     }
@@ -123,9 +149,13 @@ std::optional<std::string> findPlaceFault(const PublishOptions& options, const f
             return name + ": the name is too long; " + std::string(kAsideSuffix) +
                    " must fit behind it";
         }
-        if (isDanglingLink(output)) return name + " is a symbolic link to nothing";
+        if (isDanglingLink(output)) {
+            return name + " is a symbolic link to nothing";
+        }
     }
-    if (!isDanglingLink(keySpace)) return std::nullopt;
+    if (!isDanglingLink(keySpace)) {
+        return std::nullopt;
+    }
     return name + ": " + keySpace.string() +
            ", which the run writes, is a symbolic link to nothing";
 }
@@ -162,10 +192,14 @@ std::optional<std::string> findLossFault(const PublishOptions& options, const Pu
                    " has the name of a component, which the run may write over it; rename it";
         }
         for (const fs::path& path : lost) {
-            if (!isSameFile(source.path, path)) continue;
+            if (!isSameFile(source.path, path)) {
+                continue;
+            }
             std::string fault = source.argument + ": the run would overwrite or remove ";
             fault += source.path.string();
-            if (path == output) fault += ", which is also the output";
+            if (path == output) {
+                fault += ", which is also the output";
+            }
             fault += "; choose another output";
             return fault;
         }
@@ -177,14 +211,20 @@ std::optional<std::string> findLossFault(const PublishOptions& options, const Pu
 
 PublishPaths resolvePublishPaths(const PublishOptions& options) {
     PublishPaths paths{toClientPath(options.map), toClientPath(options.output), std::nullopt};
-    if (options.filter) paths.filter = toClientPath(*options.filter);
-    if (isFlatBook(options)) paths.output = withoutLastSeparator(paths.output);
+    if (options.filter) {
+        paths.filter = toClientPath(*options.filter);
+    }
+    if (isFlatBook(options)) {
+        paths.output = withoutLastSeparator(paths.output);
+    }
     return paths;
 }
 
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths) {
-    if (std::optional<std::string> fault = findTextFault(options, paths)) return fault;
+    if (std::optional<std::string> fault = findTextFault(options, paths)) {
+        return fault;
+    }
     if (const auto reason = findReadFault(paths.map)) {
         return "MAP: cannot read " + options.map + ": " + *reason;
     }
@@ -193,9 +233,15 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
             return "--filter: cannot read " + *options.filter + ": " + *reason;
         }
     }
-    if (std::optional<std::string> fault = findOutputFault(options, paths.output)) return fault;
-    if (std::optional<std::string> fault = findPlaceFault(options, paths.output)) return fault;
-    if (std::optional<std::string> fault = findLossFault(options, paths)) return fault;
+    if (std::optional<std::string> fault = findOutputFault(options, paths.output)) {
+        return fault;
+    }
+    if (std::optional<std::string> fault = findPlaceFault(options, paths.output)) {
+        return fault;
+    }
+    if (std::optional<std::string> fault = findLossFault(options, paths)) {
+        return fault;
+    }
     return findReplaceFault(options, paths.output);
 }
 

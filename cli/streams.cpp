@@ -12,7 +12,9 @@ namespace {
 constexpr std::string_view kProgressMark = "> ";
 
 std::string_view withoutLineEnd(std::string_view text) {
-    while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
+    while (text.ends_with('\n') || text.ends_with('\r')) {
+        text.remove_suffix(1);
+    }
     return text;
 }
 
@@ -22,7 +24,9 @@ void secureStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(descriptor, F_GETFD) != -1) continue;
+        if (fcntl(descriptor, F_GETFD) != -1) {
+            continue;
+        }
         // The lowest free number is this one. It is opened the wrong way round, so that reading
         // or writing keeps failing as on a closed stream.
         const int mode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
@@ -32,7 +36,9 @@ void secureStandardStreams() {
 
 bool writeResult(const Streams& streams, std::string_view text) {
     streams.out << text << std::flush;
-    if (streams.out) return true;
+    if (streams.out) {
+        return true;
+    }
     streams.err << "marrowpress: cannot write to standard output\n";
     return false;
 }

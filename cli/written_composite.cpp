@@ -23,7 +23,9 @@ std::string readStart(const std::filesystem::path& path) {
 
 /// Takes `prefix` off the front of `rest`; false, with nothing taken, when it isn't there.
 bool take(std::string_view& rest, std::string_view prefix) {
-    if (!rest.starts_with(prefix)) return false;
+    if (!rest.starts_with(prefix)) {
+        return false;
+    }
     rest.remove_prefix(prefix.size());
     return true;
 }
@@ -31,7 +33,9 @@ bool take(std::string_view& rest, std::string_view prefix) {
 /// Takes everything up to the first `end`, and `end` itself; false when it isn't there.
 bool takeThrough(std::string_view& rest, std::string_view end) {
     const std::size_t at = rest.find(end);
-    if (at == std::string_view::npos) return false;
+    if (at == std::string_view::npos) {
+        return false;
+    }
     rest.remove_prefix(at + end.size());
     return true;
 }
@@ -41,7 +45,9 @@ bool takeDoctype(std::string_view& rest) {
         !take(rest, kCompositePublicId) || !take(rest, "\"")) {
         return false;
     }
-    if (take(rest, " \"") && !takeThrough(rest, "\"")) return false;
+    if (take(rest, " \"") && !takeThrough(rest, "\"")) {
+        return false;
+    }
     return take(rest, ">");
 }
 
@@ -50,8 +56,12 @@ bool startsWithUuid(std::string_view text) {
     constexpr std::string_view kShape = "xxxxxxxx-xxxx-4xxx-vxxx-xxxxxxxxxxxx\"";
     const auto fits = [](char shape, char character) {
         const bool isDigit = character >= '0' && character <= '9';
-        if (shape == 'x') return isDigit || (character >= 'a' && character <= 'f');
-        if (shape == 'v') return std::string_view("89ab").find(character) != std::string_view::npos;
+        if (shape == 'x') {
+            return isDigit || (character >= 'a' && character <= 'f');
+        }
+        if (shape == 'v') {
+            return std::string_view("89ab").find(character) != std::string_view::npos;
+        }
         return character == shape;
     };
     return text.size() >= kShape.size() &&
@@ -63,10 +73,16 @@ bool startsWithUuid(std::string_view text) {
 bool isWrittenComposite(const std::filesystem::path& path) {
     const std::string start = readStart(path);
     std::string_view rest = start;
-    if (take(rest, "<?xml ") && !takeThrough(rest, "?>")) return false;
-    if (!takeDoctype(rest)) return false;
+    if (take(rest, "<?xml ") && !takeThrough(rest, "?>")) {
+        return false;
+    }
+    if (!takeDoctype(rest)) {
+        return false;
+    }
     // Without any element: the profile has excluded even the root.
-    if (rest.empty() || rest == "<dita/>") return true;
+    if (rest.empty() || rest == "<dita/>") {
+        return true;
+    }
     return take(rest, R"(<dita><topic id="id)") && startsWithUuid(rest);
 }
 

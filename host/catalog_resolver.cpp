@@ -22,7 +22,7 @@ const xmlChar* asXml(const std::string& text) {
 }
 
 std::string_view asText(const xmlChar* text) {
-    return text == nullptr ? std::string_view() : reinterpret_cast<const char*>(text);
+    return text ? reinterpret_cast<const char*>(text) : std::string_view();
 }
 
 struct FreeText {
@@ -41,7 +41,7 @@ std::string toCatalogUri(const std::string& catalog) {
 
 bool isCatalog(const xmlDoc& document) {
     const xmlNode* const root = xmlDocGetRootElement(&document);
-    return root != nullptr && asText(root->name) == "catalog" && root->ns != nullptr &&
+    return root && asText(root->name) == "catalog" && root->ns &&
            asText(root->ns->href) == asText(XML_CATALOGS_NAMESPACE);
 }
 
@@ -65,16 +65,22 @@ CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs) {
 std::optional<std::string> CatalogResolver::resolvePublic(std::string_view publicId) {
     const std::string key(publicId);
     const auto known = answers_.find(key);
-    if (known != answers_.end()) return known->second;
+    if (known != answers_.end()) {
+        return known->second;
+    }
     return answers_.emplace(key, ask(key)).first->second;
 }
 
 std::optional<std::string> CatalogResolver::ask(const std::string& publicId) const {
-    if (publicId.empty()) return std::nullopt;
+    if (publicId.empty()) {
+        return std::nullopt;
+    }
     for (const Catalog& catalog : catalogs_) {
         const std::unique_ptr<xmlChar, FreeText> uri(
             xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));
-        if (!uri) continue;
+        if (!uri) {
+            continue;
+        }
         const std::string_view text = asText(uri.get());
         return fileUriToPath(text.starts_with('/') ? "file:" + std::string(text)
                                                    : std::string(text));
@@ -84,10 +90,14 @@ std::optional<std::string> CatalogResolver::ask(const std::string& publicId) con
 
 std::vector<std::string> defaultCatalogs() {
     const char* const listed = std::getenv("XML_CATALOG_FILES");
-    if (listed == nullptr) return {kSystemCatalog, kDitaCatalog};
+    if (!listed) {
+        return {kSystemCatalog, kDitaCatalog};
+    }
     std::istringstream words{std::string(listed)};
     std::vector<std::string> catalogs;
-    for (std::string word; words >> word;) catalogs.push_back(word);
+    for (std::string word; words >> word;) {
+        catalogs.push_back(word);
+    }
     return catalogs;
 }
 
@@ -116,8 +126,12 @@ std::optional<std::string> findCatalogFault(const std::string& catalog) {
     const std::unique_ptr<xmlDoc, FreeDocument> document(
         xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
                       XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    if (!document) return path + ": not well-formed XML";
-    if (!isCatalog(*document)) return path + ": not an XML catalog";
+    if (!document) {
+        return path + ": not well-formed XML";
+    }
+    if (!isCatalog(*document)) {
+        return path + ": not an XML catalog";
+    }
     return std::nullopt;
 }
 

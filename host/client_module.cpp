@@ -13,7 +13,7 @@ constexpr const char* kModuleName = "marrowpress_client.so";
 
 std::string lastLoaderError() {
     const char* const text = dlerror();
-    return text == nullptr ? "unknown reason" : text;
+    return text ? text : "unknown reason";
 }
 
 }  // namespace
@@ -26,9 +26,11 @@ void ClientModule::Close::operator()(void* handle) const noexcept {
 // name its code to the end.
 ClientModule::ClientModule(const std::filesystem::path& path)
     : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)), entry_(nullptr) {
-    if (!handle_) throw std::runtime_error("cannot load the client module: " + lastLoaderError());
+    if (!handle_) {
+        throw std::runtime_error("cannot load the client module: " + lastLoaderError());
+    }
     entry_ = reinterpret_cast<ClientEntry>(dlsym(handle_.get(), kClientEntryName));
-    if (entry_ == nullptr) {
+    if (!entry_) {
         throw std::runtime_error(path.string() + " is no client module: " + lastLoaderError());
     }
 }

@@ -24,7 +24,9 @@ std::string readAll(std::FILE& file, const std::string& what) {
     while (const std::size_t count = std::fread(block.data(), 1, block.size(), &file)) {
         text.append(block.data(), count);
     }
-    if (std::ferror(&file) != 0) throwUnreadable(what, errno);
+    if (std::ferror(&file) != 0) {
+        throwUnreadable(what, errno);
+    }
     return text;
 }
 
@@ -32,7 +34,9 @@ std::string readAll(std::FILE& file, const std::string& what) {
 
 std::string readFile(const std::string& path) {
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rbe"));
-    if (!file) throwUnreadable(path, errno);
+    if (!file) {
+        throwUnreadable(path, errno);
+    }
     return readAll(*file, path);
 }
 

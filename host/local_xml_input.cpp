@@ -23,9 +23,15 @@ bool isUnescapedInUri(char character) {
 
 /// Value of a hexadecimal digit, -1 for any other character.
 int hexValue(char character) {
-    if (character >= '0' && character <= '9') return character - '0';
-    if (character >= 'a' && character <= 'f') return character - 'a' + 10;
-    if (character >= 'A' && character <= 'F') return character - 'A' + 10;
+    if (character >= '0' && character <= '9') {
+        return character - '0';
+    }
+    if (character >= 'a' && character <= 'f') {
+        return character - 'a' + 10;
+    }
+    if (character >= 'A' && character <= 'F') {
+        return character - 'A' + 10;
+    }
     return -1;
 }
 
@@ -46,8 +52,12 @@ std::string undoPercentEscapes(std::string_view text) {
 
 /// The path that libxml2 means by `name`, a URI or a plain path; empty when it isn't local.
 std::optional<std::string> localPath(const char* name) {
-    if (name == nullptr || *name == '\0') return std::nullopt;
-    if (*name == '/') return std::string(name);
+    if (!name || *name == '\0') {
+        return std::nullopt;
+    }
+    if (*name == '/') {
+        return std::string(name);
+    }
     return fileUriToPath(name);
 }
 
@@ -72,9 +82,13 @@ int matchesEveryName(const char*) {
 void* openLocalFile(const char* name) {
     const std::optional<std::string> path = localPath(name);
     // Asked before opening as well: a FIFO or a device must not even be opened.
-    if (!path || !isRegularFile(*path)) return nullptr;
+    if (!path || !isRegularFile(*path)) {
+        return nullptr;
+    }
     const int descriptor = open(path->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) return nullptr;
+    if (descriptor < 0) {
+        return nullptr;
+    }
     std::unique_ptr<std::FILE, CloseFile> file(fdopen(descriptor, "rb"));
     if (!file) {
         close(descriptor);
@@ -128,16 +142,24 @@ std::string toFileUri(std::string_view absolutePath) {
 
 std::optional<std::string> fileUriToPath(std::string_view uri) {
     constexpr std::string_view kScheme = "file:";
-    if (!uri.starts_with(kScheme)) return std::nullopt;
+    if (!uri.starts_with(kScheme)) {
+        return std::nullopt;
+    }
     uri.remove_prefix(kScheme.size());
     if (uri.starts_with("//")) {
         uri.remove_prefix(2);
         constexpr std::string_view kLocalhost = "localhost";
-        if (uri.starts_with(kLocalhost)) uri.remove_prefix(kLocalhost.size());
+        if (uri.starts_with(kLocalhost)) {
+            uri.remove_prefix(kLocalhost.size());
+        }
     }
-    if (!uri.starts_with('/')) return std::nullopt;
+    if (!uri.starts_with('/')) {
+        return std::nullopt;
+    }
     std::string path = undoPercentEscapes(uri.substr(0, uri.find_first_of("?#")));
-    if (path.find('\0') != std::string::npos) return std::nullopt;
+    if (path.find('\0') != std::string::npos) {
+        return std::nullopt;
+    }
     return path;
 }
 

@@ -22,7 +22,9 @@ class EntryReader {
 public:
     EntryReader(const boost::json::value& entry, std::size_t index)
         : object_(entry.if_object()), index_(index) {
-        if (object_ == nullptr) fail("is not an object");
+        if (!object_) {
+            fail("is not an object");
+        }
         for (const auto& member : *object_) {
             const auto name = std::string_view(member.key());
             if (name != "id" && name != "path" && name != "flag") {
@@ -43,9 +45,15 @@ public:
 
     std::string path() const {
         const boost::json::string* const text = member("path").if_string();
-        if (text == nullptr) fail("\"path\" is not a string");
-        if (text->empty()) fail("\"path\" is empty");
-        if (text->find('\0') != boost::json::string::npos) fail("\"path\" holds a NUL");
+        if (!text) {
+            fail("\"path\" is not a string");
+        }
+        if (text->empty()) {
+            fail("\"path\" is empty");
+        }
+        if (text->find('\0') != boost::json::string::npos) {
+            fail("\"path\" holds a NUL");
+        }
         return std::string(*text);
     }
 
@@ -56,13 +64,15 @@ public:
 private:
     const boost::json::value& member(std::string_view name) const {
         const boost::json::value* const found = object_->if_contains(name);
-        if (found == nullptr) fail(quoted(name) + " is missing");
+        if (!found) {
+            fail(quoted(name) + " is missing");
+        }
         return *found;
     }
 
     std::int64_t integer(std::string_view name, std::int64_t lowest, std::int64_t highest) const {
         const std::int64_t* const number = member(name).if_int64();
-        if (number == nullptr || *number < lowest || *number > highest) {
+        if (!number || *number < lowest || *number > highest) {
             fail(quoted(name) + " is not an integer from " + std::to_string(lowest) + " to " +
                  std::to_string(highest));
         }
@@ -78,9 +88,13 @@ private:
 std::vector<OpenDocument> parseOpenDocuments(std::string_view json) {
     boost::json::error_code error;
     const boost::json::value root = boost::json::parse(json, error);
-    if (error) throw std::runtime_error("is not JSON: " + error.message());
+    if (error) {
+        throw std::runtime_error("is not JSON: " + error.message());
+    }
     const boost::json::array* const entries = root.if_array();
-    if (entries == nullptr) throw std::runtime_error("is not a JSON array");
+    if (!entries) {
+        throw std::runtime_error("is not a JSON array");
+    }
 
     std::vector<OpenDocument> documents;
     std::set<std::uint32_t> ids;

@@ -21,13 +21,17 @@ std::uint32_t StandInHost::referenceCount() const {
 }
 
 bool StandInHost::attach(ClientEntry entry, void* module) {
-    if (entry(module, &provider(), nullptr, nullptr) != 0) return false;
+    if (entry(module, &provider(), nullptr, nullptr) != 0) {
+        return false;
+    }
     return interfaces_->client() != nullptr;
 }
 
 bool StandInHost::initialize(std::uint32_t initCode) {
     const auto lifecycle = InterfaceRef<IClientLifecycle>::query(interfaces_->client());
-    if (!lifecycle) return false;
+    if (!lifecycle) {
+        return false;
+    }
     isStarted_ = true;
     return lifecycle->initialize(initCode) >= 0;
 }
@@ -37,9 +41,13 @@ bool StandInHost::isSubscribed(std::uint32_t notification) const {
 }
 
 std::optional<TypedValues> StandInHost::send(const std::string& text) {
-    if (!isSubscribed(IClientNotification::kClientCall)) return std::nullopt;
+    if (!isSubscribed(IClientNotification::kClientCall)) {
+        return std::nullopt;
+    }
     const auto client = InterfaceRef<IClientNotification>::query(interfaces_->client());
-    if (!client) return std::nullopt;
+    if (!client) {
+        return std::nullopt;
+    }
 
     interfaces_->beginCall();
     client->notify(IClientNotification::kClientCall, 0, text.c_str(), 0);
@@ -49,7 +57,9 @@ std::optional<TypedValues> StandInHost::send(const std::string& text) {
 void StandInHost::detach() {
     if (isStarted_) {
         const auto lifecycle = InterfaceRef<IClientLifecycle>::query(interfaces_->client());
-        if (lifecycle) lifecycle->terminate();
+        if (lifecycle) {
+            lifecycle->terminate();
+        }
         isStarted_ = false;
     }
     interfaces_->releaseClient();

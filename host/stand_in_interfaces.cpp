@@ -30,16 +30,20 @@ ComStatus guarded(const Body& body) noexcept {
 
 template <class Value>
 void set(Value* target, Value value) {
-    if (target != nullptr) *target = value;
+    if (target) {
+        *target = value;
+    }
 }
 
 std::string_view viewOf(const char* text) {
-    return text == nullptr ? std::string_view() : text;
+    return text ? text : std::string_view();
 }
 
 template <class Interface, class Object>
 bool give(Object& object, const InterfaceId& id, void** found) {
-    if (id != Interface::kId) return false;
+    if (id != Interface::kId) {
+        return false;
+    }
     *found = static_cast<Interface*>(&object);
     return true;
 }
@@ -66,7 +70,9 @@ std::optional<TypedValues> StandInInterfaces::endCall() {
 }
 
 ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object) {
-    if (object == nullptr) return kComFailed;
+    if (!object) {
+        return kComFailed;
+    }
     *object = nullptr;
     const bool isFound =
         give<IHostMain>(*this, id, object) || give<IHostText>(*this, id, object) ||
@@ -74,18 +80,24 @@ ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object
         give<IHostClients>(*this, id, object) || give<IHostProperties>(*this, id, object) ||
         give<IHostProgress>(*this, id, object) || give<IHostConsole>(*this, id, object) ||
         give<IHostObject>(provider(), id, object);
-    if (!isFound) return kComNoInterface;
+    if (!isFound) {
+        return kComNoInterface;
+    }
     addRef();
     return kComOk;
 }
 
 std::uint32_t StandInInterfaces::addRef() {
-    if (references_ == 0) self_ = shared_from_this();
+    if (references_ == 0) {
+        self_ = shared_from_this();
+    }
     return ++references_;
 }
 
 std::uint32_t StandInInterfaces::release() {
-    if (references_ == 0) return 0;
+    if (references_ == 0) {
+        return 0;
+    }
     const std::uint32_t left = --references_;
     // Moved out of the object first: the last owner's end destroys it.
     const std::shared_ptr<StandInInterfaces> last = left == 0 ? std::move(self_) : nullptr;
@@ -96,8 +108,10 @@ ComStatus StandInInterfaces::attachClient(IHostObject* notifications, std::uint3
                                           const ClientRegistration* /*registration*/,
                                           std::int32_t* hostStatus) {
     return guarded([&] {
-        const bool isAccepted = notifications != nullptr && !client_;
-        if (isAccepted) client_ = InterfaceRef<IHostObject>::share(notifications);
+        const bool isAccepted = notifications && !client_;
+        if (isAccepted) {
+            client_ = InterfaceRef<IHostObject>::share(notifications);
+        }
         set(hostStatus, isAccepted ? kHostOk : kHostRefused);
     });
 }
@@ -109,7 +123,9 @@ ComStatus StandInInterfaces::query(std::uint32_t question, std::int32_t* answer)
 ComStatus StandInInterfaces::enableUnicode(std::uint32_t on, std::int32_t* hostStatus) {
     return guarded([&] {
         set(hostStatus, kHostOk);
-        if (options_.trace != nullptr) options_.trace->enableUnicode(on);
+        if (options_.trace) {
+            options_.trace->enableUnicode(on);
+        }
     });
 }
 
@@ -126,14 +142,14 @@ ComStatus StandInInterfaces::registerNotification(std::uint32_t notification, st
             notifications_.insert(notification);
         }
         set(hostStatus, kHostOk);
-        if (options_.trace != nullptr) {
+        if (options_.trace) {
             options_.trace->registerNotification(notification, state, kHostOk);
         }
     });
 }
 
 bool StandInInterfaces::hasXmlUtilities(std::string_view client) const {
-    return client == kXmlUtilitiesClient && options_.resolvePublicId != nullptr;
+    return client == kXmlUtilitiesClient && options_.resolvePublicId;
 }
 
 ComStatus StandInInterfaces::callClient(const char* client, const char* command,
@@ -143,7 +159,7 @@ ComStatus StandInInterfaces::callClient(const char* client, const char* command,
         const bool isKnown = exists && parseXmlUtilitiesCommand(viewOf(command)).has_value();
         set(result, isKnown ? 1 : 0);
         set(hostStatus, exists ? kHostOk : kHostRefused);
-        if (options_.trace != nullptr) {
+        if (options_.trace) {
             options_.trace->callClient(viewOf(client), viewOf(command), isKnown ? 1 : 0);
         }
     });
@@ -151,7 +167,9 @@ ComStatus StandInInterfaces::callClient(const char* client, const char* command,
 
 std::optional<std::string> StandInInterfaces::resolve(std::string_view command) const {
     const std::optional<XmlUtilitiesCommand> parsed = parseXmlUtilitiesCommand(command);
-    if (!parsed || parsed->kind != XmlUtilitiesCommand::Kind::kResolveEntity) return std::nullopt;
+    if (!parsed || parsed->kind != XmlUtilitiesCommand::Kind::kResolveEntity) {
+        return std::nullopt;
+    }
     return options_.resolvePublicId(parsed->publicId);
 }
 
@@ -162,12 +180,16 @@ ComStatus StandInInterfaces::callClientTyped(const char* client, const char* com
         const bool exists = hasXmlUtilities(viewOf(client));
         set(hostStatus, exists ? kHostOk : kHostRefused);
         const std::optional<std::string> path = exists ? resolve(viewOf(command)) : std::nullopt;
-        if (options_.trace != nullptr) {
+        if (options_.trace) {
             TypedValues shown;
-            if (path) shown.push_back({static_cast<std::uint32_t>(HostValueType::kString), *path});
+            if (path) {
+                shown.push_back({static_cast<std::uint32_t>(HostValueType::kString), *path});
+            }
             options_.trace->callClientTyped(viewOf(client), viewOf(command), shown);
         }
-        if (path && reply != nullptr) *reply = makeStringReply(*path);
+        if (path && reply) {
+            *reply = makeStringReply(*path);
+        }
     });
 }
 
@@ -178,8 +200,12 @@ ComStatus StandInInterfaces::returnTypedValue(HostTypedValueList values, HostTyp
         set(answer, HostTypedValueList{0, nullptr});
         set(hostStatus, isInCall_ ? kHostOk : kHostRefused);
         TypedValues copy = copyTypedValues(owner.list());
-        if (options_.trace != nullptr) options_.trace->returnTypedValue(copy);
-        if (isInCall_) answer_ = std::move(copy);
+        if (options_.trace) {
+            options_.trace->returnTypedValue(copy);
+        }
+        if (isInCall_) {
+            answer_ = std::move(copy);
+        }
     });
 }
 
@@ -196,10 +222,12 @@ ComStatus StandInInterfaces::getIntProp(std::uint32_t /*context*/, std::uint32_t
     return guarded([&] {
         const OpenDocument* const document =
             isProperty(property, HostProperty::kDocumentFlag) ? findDocument(object) : nullptr;
-        const std::int32_t result = document == nullptr ? 0 : document->flag;
+        const std::int32_t result = document ? document->flag : 0;
         set(value, result);
-        set(hostStatus, document == nullptr ? kHostRefused : kHostOk);
-        if (options_.trace != nullptr) options_.trace->getIntProp(object, property, result);
+        set(hostStatus, document ? kHostOk : kHostRefused);
+        if (options_.trace) {
+            options_.trace->getIntProp(object, property, result);
+        }
     });
 }
 
@@ -207,12 +235,15 @@ std::optional<std::uint32_t> StandInInterfaces::idProperty(std::uint32_t object,
                                                            std::uint32_t property) const {
     const std::vector<OpenDocument>& documents = options_.openDocuments;
     if (object == kSessionObject) {
-        if (!isProperty(property, HostProperty::kFirstDocument)) return std::nullopt;
+        if (!isProperty(property, HostProperty::kFirstDocument)) {
+            return std::nullopt;
+        }
         return documents.empty() ? 0 : documents.front().id;
     }
     const OpenDocument* const document = findDocument(object);
-    if (document == nullptr || !isProperty(property, HostProperty::kNextDocument))
+    if (!document || !isProperty(property, HostProperty::kNextDocument)) {
         return std::nullopt;
+    }
     return document == &documents.back() ? 0 : (document + 1)->id;
 }
 
@@ -223,7 +254,7 @@ ComStatus StandInInterfaces::getIdProp(std::uint32_t /*context*/, std::uint32_t 
         const std::optional<std::uint32_t> result = idProperty(object, property);
         set(value, result.value_or(0));
         set(hostStatus, result ? kHostOk : kHostRefused);
-        if (options_.trace != nullptr) {
+        if (options_.trace) {
             options_.trace->getIdProp(object, property, result.value_or(0));
         }
     });
@@ -236,13 +267,14 @@ ComStatus StandInInterfaces::getStringProp(std::uint32_t /*context*/, std::uint3
         set<char*>(value, nullptr);
         const OpenDocument* const document =
             isProperty(property, HostProperty::kDocumentPath) ? findDocument(object) : nullptr;
-        set(hostStatus, document == nullptr ? kHostRefused : kHostOk);
-        if (options_.trace != nullptr) {
-            options_.trace->getStringProp(
-                object, property,
-                document == nullptr ? std::nullopt : std::optional(document->path));
+        set(hostStatus, document ? kHostOk : kHostRefused);
+        if (options_.trace) {
+            options_.trace->getStringProp(object, property,
+                                          document ? std::optional(document->path) : std::nullopt);
         }
-        if (document != nullptr && value != nullptr) *value = copyToMalloc(document->path);
+        if (document && value) {
+            *value = copyToMalloc(document->path);
+        }
     });
 }
 
@@ -250,16 +282,24 @@ ComStatus StandInInterfaces::reportProgress(std::int32_t kind, const char* text,
                                             std::int32_t number, std::int32_t* hostStatus) {
     return guarded([&] {
         set(hostStatus, kHostOk);
-        if (options_.trace != nullptr) options_.trace->reportProgress(kind, viewOf(text), number);
-        if (options_.onProgress) options_.onProgress(viewOf(text));
+        if (options_.trace) {
+            options_.trace->reportProgress(kind, viewOf(text), number);
+        }
+        if (options_.onProgress) {
+            options_.onProgress(viewOf(text));
+        }
     });
 }
 
 ComStatus StandInInterfaces::write(const char* text, std::int32_t* hostStatus) {
     return guarded([&] {
         set(hostStatus, kHostOk);
-        if (options_.trace != nullptr) options_.trace->consoleWrite(viewOf(text));
-        if (options_.onConsole) options_.onConsole(messageIdOf(viewOf(text)), viewOf(text));
+        if (options_.trace) {
+            options_.trace->consoleWrite(viewOf(text));
+        }
+        if (options_.onConsole) {
+            options_.onConsole(messageIdOf(viewOf(text)), viewOf(text));
+        }
     });
 }
 

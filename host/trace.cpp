@@ -39,7 +39,9 @@ void Trace::getIdProp(std::uint32_t object, std::uint32_t property, std::uint32_
 void Trace::getStringProp(std::uint32_t object, std::uint32_t property,
                           const std::optional<std::string>& result) {
     boost::json::value shown = nullptr;
-    if (result) shown = text(*result);
+    if (result) {
+        shown = text(*result);
+    }
     write({{"op", "HostGetStringProp"},
            {"object", object},
            {"property", property},

@@ -12,7 +12,7 @@ namespace marrowpress {
 namespace {
 
 std::string textOrEmpty(const char* text) {
-    return text == nullptr ? "" : text;
+    return text ? text : "";
 }
 
 TypedValue copyTypedValue(const HostTypedValue& source) {
@@ -27,7 +27,7 @@ TypedValue copyTypedValue(const HostTypedValue& source) {
         case HostValueType::kStringList: {
             const HostStringList& list = source.value.strings;
             std::vector<std::string> texts;
-            for (std::uint32_t index = 0; list.strings != nullptr && index < list.count; ++index) {
+            for (std::uint32_t index = 0; list.strings && index < list.count; ++index) {
                 texts.push_back(textOrEmpty(list.strings[index]));
             }
             copy.value = std::move(texts);
@@ -36,7 +36,7 @@ TypedValue copyTypedValue(const HostTypedValue& source) {
         case HostValueType::kIntegerList: {
             const HostIntegerList& list = source.value.integers;
             std::vector<std::int32_t> integers;
-            if (list.integers != nullptr) {
+            if (list.integers) {
                 integers.assign(list.integers, list.integers + list.count);
             }
             copy.value = std::move(integers);
@@ -54,7 +54,9 @@ struct ValueToJson {
     }
     boost::json::value operator()(const std::vector<std::string>& texts) const {
         boost::json::array array;
-        for (const std::string& text : texts) array.push_back((*this)(text));
+        for (const std::string& text : texts) {
+            array.push_back((*this)(text));
+        }
         return array;
     }
     boost::json::value operator()(const std::vector<std::int32_t>& integers) const {
@@ -70,7 +72,7 @@ struct FreeBlock {
 
 TypedValues copyTypedValues(const HostTypedValueList& list) {
     TypedValues values;
-    for (std::uint32_t index = 0; list.values != nullptr && index < list.count; ++index) {
+    for (std::uint32_t index = 0; list.values && index < list.count; ++index) {
         values.push_back(copyTypedValue(list.values[index]));
     }
     return values;
@@ -78,7 +80,9 @@ TypedValues copyTypedValues(const HostTypedValueList& list) {
 
 char* copyToMalloc(std::string_view text) {
     auto* const copy = static_cast<char*>(std::malloc(text.size() + 1));
-    if (copy == nullptr) throw std::bad_alloc();
+    if (!copy) {
+        throw std::bad_alloc();
+    }
     std::memcpy(copy, text.data(), text.size());
     copy[text.size()] = '\0';
     return copy;
@@ -87,16 +91,20 @@ char* copyToMalloc(std::string_view text) {
 HostTypedValueList makeStringReply(std::string_view text) {
     std::unique_ptr<HostTypedValue, FreeBlock> value(
         static_cast<HostTypedValue*>(std::calloc(1, sizeof(HostTypedValue))));
-    if (!value) throw std::bad_alloc();
+    if (!value) {
+        throw std::bad_alloc();
+    }
     value->type = HostValueType::kString;
     value->value.string = copyToMalloc(text);
     return {1, value.release()};
 }
 
 std::optional<std::int32_t> statusOf(const TypedValues& values) {
-    if (values.empty()) return std::nullopt;
+    if (values.empty()) {
+        return std::nullopt;
+    }
     const auto* const status = std::get_if<std::int32_t>(&values.front().value);
-    return status == nullptr ? std::nullopt : std::optional(*status);
+    return status ? std::optional(*status) : std::nullopt;
 }
 
 boost::json::array toJson(const TypedValues& values) {

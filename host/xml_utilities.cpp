@@ -7,16 +7,22 @@ namespace {
 
 /// Takes `prefix` off the front of `rest`; false, with nothing taken, when it isn't there.
 bool take(std::string_view& rest, std::string_view prefix) {
-    if (!rest.starts_with(prefix)) return false;
+    if (!rest.starts_with(prefix)) {
+        return false;
+    }
     rest.remove_prefix(prefix.size());
     return true;
 }
 
 /// Takes `name`, a blank and a quoted value off the front of `rest`.
 std::optional<std::string> takeArgument(std::string_view& rest, std::string_view name) {
-    if (!take(rest, name) || !take(rest, " \"")) return std::nullopt;
+    if (!take(rest, name) || !take(rest, " \"")) {
+        return std::nullopt;
+    }
     const std::size_t end = rest.find('"');
-    if (end == std::string_view::npos) return std::nullopt;
+    if (end == std::string_view::npos) {
+        return std::nullopt;
+    }
     std::string value(rest.substr(0, end));
     rest.remove_prefix(end + 1);
     return value;
@@ -24,7 +30,9 @@ std::optional<std::string> takeArgument(std::string_view& rest, std::string_view
 
 std::optional<XmlUtilitiesCommand> parseStart(std::string_view rest) {
     std::optional<std::string> baseFile = takeArgument(rest, "-basefile");
-    if (!baseFile || !rest.empty()) return std::nullopt;
+    if (!baseFile || !rest.empty()) {
+        return std::nullopt;
+    }
     return XmlUtilitiesCommand{XmlUtilitiesCommand::Kind::kStart, std::move(*baseFile), {}, {}};
 }
 
@@ -35,7 +43,9 @@ std::optional<XmlUtilitiesCommand> parseResolveEntity(std::string_view rest) {
         take(rest, " ");
     }
     std::optional<std::string> publicId = takeArgument(rest, "-publicid");
-    if (!publicId || !rest.empty()) return std::nullopt;
+    if (!publicId || !rest.empty()) {
+        return std::nullopt;
+    }
     return XmlUtilitiesCommand{
         XmlUtilitiesCommand::Kind::kResolveEntity, {}, std::move(baseUri), std::move(*publicId)};
 }
@@ -43,15 +53,21 @@ std::optional<XmlUtilitiesCommand> parseResolveEntity(std::string_view rest) {
 }  // namespace
 
 std::optional<XmlUtilitiesCommand> parseXmlUtilitiesCommand(std::string_view text) {
-    if (!take(text, "EntityResolver ")) return std::nullopt;
+    if (!take(text, "EntityResolver ")) {
+        return std::nullopt;
+    }
     if (text == "end") {
         return XmlUtilitiesCommand{XmlUtilitiesCommand::Kind::kEnd, {}, {}, {}};
     }
     if (text == "terminate") {
         return XmlUtilitiesCommand{XmlUtilitiesCommand::Kind::kTerminate, {}, {}, {}};
     }
-    if (take(text, "start ")) return parseStart(text);
-    if (take(text, "resolveentity ")) return parseResolveEntity(text);
+    if (take(text, "start ")) {
+        return parseStart(text);
+    }
+    if (take(text, "resolveentity ")) {
+        return parseResolveEntity(text);
+    }
     return std::nullopt;
 }
 

@@ -53,7 +53,7 @@ MemMapFileInputStream::MemMapFileInputStream(const XMLCh* path, xercesc::MemoryM
     : stream_(boost::iostreams::mapped_file_source(toUtf8(domText(path)))), manager_(manager) {}
 
 bool MemMapFileInputStream::isOpen() const {
-    return stream_.is_open() && stream_->data() != nullptr;
+    return stream_.is_open() && stream_->data();
 }
 
 XMLSize_t MemMapFileInputStream::readBytes(XMLByte* toFill, XMLSize_t maxToRead) {
