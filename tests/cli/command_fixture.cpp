@@ -105,7 +105,9 @@ Texts CommandTest::traceLines(const std::string& name) const {
     std::istringstream in(folder_.read(name));
     Texts lines;
     for (std::string line; std::getline(in, line);) {
-        if (line.find(R"("property":89,)") == std::string::npos) lines.push_back(line);
+        if (line.find(R"("property":89,)") == std::string::npos) {
+            lines.push_back(line);
+        }
     }
     return lines;
 }

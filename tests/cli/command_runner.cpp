@@ -15,7 +15,9 @@ namespace {
 /// Puts `path` in the place of a standard stream; ends the process when that fails.
 void redirect(int stream, const std::string& path, int flags) {
     const int descriptor = open(path.c_str(), flags, 0600);
-    if (descriptor < 0 || dup2(descriptor, stream) < 0) _exit(126);
+    if (descriptor < 0 || dup2(descriptor, stream) < 0) {
+        _exit(126);
+    }
     close(descriptor);
 }
 
@@ -29,12 +31,16 @@ void setEnvironment(const std::optional<std::string>& catalogs) {
 
 void limitFileSize(unsigned bytes) {
     const rlimit limit{bytes, bytes};
-    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) _exit(126);
+    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) {
+        _exit(126);
+    }
 }
 
 /// As a shell starts a command, whatever this process ignores.
 void resetSignals() {
-    for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_DFL);
+    for (const int signal : {SIGPIPE, SIGXFSZ}) {
+        std::signal(signal, SIG_DFL);
+    }
 }
 
 void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& streams,
@@ -62,13 +68,19 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
     }
     setEnvironment(setting.catalogs);
     resetSignals();
-    if (setting.largestFile) limitFileSize(*setting.largestFile);
-    if (chdir(folder.path().c_str()) != 0) _exit(126);
+    if (setting.largestFile) {
+        limitFileSize(*setting.largestFile);
+    }
+    if (chdir(folder.path().c_str()) != 0) {
+        _exit(126);
+    }
 
     arguments.insert(arguments.begin(), MARROWPRESS_COMMAND);
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    for (std::string& argument : arguments) {
+        pointers.push_back(argument.data());
+    }
     pointers.push_back(nullptr);
     execv(MARROWPRESS_COMMAND, pointers.data());
     _exit(127);
@@ -76,7 +88,9 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
 
 int exitCodeOf(pid_t child) {
     int status = 0;
-    if (waitpid(child, &status, 0) != child) throw std::runtime_error("cannot wait");
+    if (waitpid(child, &status, 0) != child) {
+        throw std::runtime_error("cannot wait");
+    }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
 }
 
@@ -87,8 +101,12 @@ CommandResult runCommand(const TemporaryFolder& folder, const std::vector<std::s
     const TemporaryFolder streams;
     streams.write("in", setting.input);
     const pid_t child = fork();
-    if (child < 0) throw std::runtime_error("cannot fork");
-    if (child == 0) becomeCommand(folder, streams, arguments, setting);
+    if (child < 0) {
+        throw std::runtime_error("cannot fork");
+    }
+    if (child == 0) {
+        becomeCommand(folder, streams, arguments, setting);
+    }
     const int code = exitCodeOf(child);
     return {code, setting.output ? "" : streams.read("out"), streams.read("err")};
 }

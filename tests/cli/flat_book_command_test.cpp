@@ -21,7 +21,9 @@ protected:
     /// `names` as lines of absolute paths.
     std::string lines(const Texts& names) const {
         std::string text;
-        for (const std::string& name : names) text += folder_.file(name) + "\n";
+        for (const std::string& name : names) {
+            text += folder_.file(name) + "\n";
+        }
         return text;
     }
 

@@ -16,14 +16,30 @@ void ScriptedHost::dropClient() {
 }
 
 void* ScriptedHost::find(const InterfaceId& id) {
-    if (id == IHostMain::kId || id == IHostObject::kId) return static_cast<IHostMain*>(this);
-    if (id == IHostText::kId) return static_cast<IHostText*>(this);
-    if (id == IHostModules::kId) return static_cast<IHostModules*>(this);
-    if (id == IHostNotifications::kId) return static_cast<IHostNotifications*>(this);
-    if (id == IHostClients::kId) return static_cast<IHostClients*>(this);
-    if (id == IHostProperties::kId) return static_cast<IHostProperties*>(this);
-    if (id == IHostProgress::kId) return static_cast<IHostProgress*>(this);
-    if (id == IHostConsole::kId) return static_cast<IHostConsole*>(this);
+    if (id == IHostMain::kId || id == IHostObject::kId) {
+        return static_cast<IHostMain*>(this);
+    }
+    if (id == IHostText::kId) {
+        return static_cast<IHostText*>(this);
+    }
+    if (id == IHostModules::kId) {
+        return static_cast<IHostModules*>(this);
+    }
+    if (id == IHostNotifications::kId) {
+        return static_cast<IHostNotifications*>(this);
+    }
+    if (id == IHostClients::kId) {
+        return static_cast<IHostClients*>(this);
+    }
+    if (id == IHostProperties::kId) {
+        return static_cast<IHostProperties*>(this);
+    }
+    if (id == IHostProgress::kId) {
+        return static_cast<IHostProgress*>(this);
+    }
+    if (id == IHostConsole::kId) {
+        return static_cast<IHostConsole*>(this);
+    }
     return nullptr;
 }
 

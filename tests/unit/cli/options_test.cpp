@@ -13,9 +13,11 @@ using Texts = std::vector<std::string>;
 template <class Record>
 Record parseAs(const Texts& arguments) {
     const Options options = parseOptions(arguments);
-    if (const auto* const record = std::get_if<Record>(&options)) return *record;
+    if (const auto* const record = std::get_if<Record>(&options)) {
+        return *record;
+    }
     const auto* const error = std::get_if<UsageError>(&options);
-    ADD_FAILURE() << (error == nullptr ? "another kind of command" : error->text);
+    ADD_FAILURE() << (error ? error->text : "another kind of command");
     return {};
 }
 

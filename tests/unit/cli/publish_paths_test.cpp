@@ -116,7 +116,7 @@ TEST_F(PublishPathsTest, TheOutputMayNotBeADefaultCatalog) {
     const std::string catalog = folder_.write("out/m.dita_tmp", "<catalog/>");
     const char* const value = std::getenv("XML_CATALOG_FILES");
     const std::optional<std::string> saved =
-        value == nullptr ? std::nullopt : std::optional<std::string>(value);
+        value ? std::optional<std::string>(value) : std::nullopt;
     setenv("XML_CATALOG_FILES", ("/none.xml file://" + catalog).c_str(), 1);
     const std::string withDefaults = fault();
     options_.catalogs = {folder_.file("docs/catalog.xml")};

@@ -231,7 +231,9 @@ TEST(CatalogPathTest, IsAbsolute) {
 class DefaultCatalogsTest : public testing::Test {
 protected:
     DefaultCatalogsTest() {
-        if (const char* const value = std::getenv(kVariable)) saved_ = value;
+        if (const char* const value = std::getenv(kVariable)) {
+            saved_ = value;
+        }
     }
     ~DefaultCatalogsTest() override {
         if (saved_) {

@@ -38,7 +38,7 @@ class FileUriCaseTest : public testing::TestWithParam<UriCase> {};
 TEST_P(FileUriCaseTest, BecomesAPath) {
     const char* const expected = GetParam().path;
     EXPECT_EQ(fileUriToPath(GetParam().uri),
-              expected == nullptr ? std::nullopt : std::optional<std::string>(expected));
+              expected ? std::optional<std::string>(expected) : std::nullopt);
 }
 
 INSTANTIATE_TEST_SUITE_P(, FileUriCaseTest, testing::ValuesIn(kCases),

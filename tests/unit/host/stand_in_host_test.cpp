@@ -16,9 +16,15 @@ class FakeClient final : public IClientLifecycle, public IClientNotification {
 public:
     ComStatus queryInterface(const InterfaceId& id, void** object) override {
         *object = nullptr;
-        if (id == IClientLifecycle::kId) *object = static_cast<IClientLifecycle*>(this);
-        if (id == IClientNotification::kId) *object = static_cast<IClientNotification*>(this);
-        if (*object == nullptr) return kComNoInterface;
+        if (id == IClientLifecycle::kId) {
+            *object = static_cast<IClientLifecycle*>(this);
+        }
+        if (id == IClientNotification::kId) {
+            *object = static_cast<IClientNotification*>(this);
+        }
+        if (!*object) {
+            return kComNoInterface;
+        }
         addRef();
         return kComOk;
     }
@@ -38,7 +44,9 @@ public:
     ComStatus notify(std::uint32_t notification, std::uint32_t, const char* text,
                      std::int32_t) override {
         received = std::to_string(notification) + ":" + text;
-        if (onNotify) onNotify(*InterfaceRef<IHostClients>::query(provider).get());
+        if (onNotify) {
+            onNotify(*InterfaceRef<IHostClients>::query(provider).get());
+        }
         return kComOk;
     }
 
