@@ -32,10 +32,12 @@ TEST(InterfaceRefTest, MovesItsReference) {
     ScriptedHost host;
     InterfaceRef<IHostObject> first = InterfaceRef<IHostObject>::share(&host.provider());
     InterfaceRef<IHostObject> second(std::move(first));
+    // NOLINTNEXTLINE(bugprone-use-after-move): what is left behind is what is asked about.
     EXPECT_FALSE(first);
     EXPECT_EQ(host.references, 1U);
     InterfaceRef<IHostObject> third;
     third = std::move(second);
+    // NOLINTNEXTLINE(bugprone-use-after-move): as above.
     EXPECT_FALSE(second);
     EXPECT_TRUE(third);
     EXPECT_EQ(host.references, 1U);

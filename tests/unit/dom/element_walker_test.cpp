@@ -107,7 +107,7 @@ protected:
         return element;
     }
 
-    const ScriptedFilter filter_;
+    ScriptedFilter filter_;
 };
 
 TEST_F(ElementWalkerTest, NullRootIsAWalkWithoutElements) {
@@ -254,7 +254,7 @@ void* runDeepWalk(void* walk) {
 
 TEST_F(ElementWalkerTest, DepthCostsNoStack) {
     constexpr std::size_t kDepth = 100'000;
-    constexpr std::size_t kStackBytes = 512 * 1024;
+    constexpr std::size_t kStackBytes = 512UL * 1024;
     std::string xml;
     for (std::size_t level = 0; level < kDepth; ++level) {
         xml += "<e>";

@@ -66,8 +66,7 @@ TEST_F(QSXercesDOMParserTest, NamesNoSourceWithoutPublicIdentifier) {
 
 TEST_F(QSXercesDOMParserTest, DiagnosticsCopyTheirColumn) {
     const QSXercesParseException failure = diagnosticOf(Diagnostic::ErrType_Error, u"id");
-    const QSXercesParseException copy(
-        failure);  // NOLINT(performance-unnecessary-copy-initialization)
+    const QSXercesParseException copy(failure);
     EXPECT_EQ(copy.getColumn(), 34U);
     EXPECT_EQ(copy.getSrcLine(), 12U);
     EXPECT_EQ(copy.getCode(), failure.getCode());
