@@ -16,6 +16,7 @@ struct WalkCase {
     std::string console;   // the report lines
 };
 
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest asks for this name.
 void PrintTo(const WalkCase& example, std::ostream* stream) {
     *stream << example.content;
 }

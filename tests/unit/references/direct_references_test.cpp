@@ -34,8 +34,8 @@ protected:
 
     void rewrite(const ParsedXml& parsed) { updater_.rewriteReferences(parsed.root(), topics_); }
 
-    const ReferenceNormalizer normalizer_;
-    const ReferenceUpdater updater_;
+    ReferenceNormalizer normalizer_;
+    ReferenceUpdater updater_;
     TopicIdMap topics_;
 };
 
