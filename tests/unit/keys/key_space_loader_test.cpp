@@ -11,7 +11,6 @@
 namespace marrowpress {
 namespace {
 
-using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
 constexpr std::string_view kDoctype =

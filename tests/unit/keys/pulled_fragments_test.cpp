@@ -5,8 +5,6 @@
 namespace marrowpress {
 namespace {
 
-using xercesc::DOMElement;
-
 class PulledFragmentsTest : public XmlTest {
 protected:
     void pull(const ParsedXml& map, std::string_view reference, const ParsedXml& target,

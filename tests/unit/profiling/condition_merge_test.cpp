@@ -12,7 +12,6 @@
 namespace marrowpress {
 namespace {
 
-using xercesc::DOMElement;
 using xercesc::DOMNode;
 
 /// The definitions of `state` in their order, then its expression, each in brackets.

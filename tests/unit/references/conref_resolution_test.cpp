@@ -7,8 +7,6 @@
 namespace marrowpress {
 namespace {
 
-using xercesc::DOMElement;
-
 struct WalkCase {
     const char* name;
     const char* content;   // of the topic "t" that is walked

@@ -10,8 +10,6 @@
 namespace marrowpress {
 namespace {
 
-using xercesc::DOMDocument;
-
 /// The definition at the end of the chains.
 constexpr std::string_view kZ = "<keydef keys='z' href='/z'><topicmeta>Z</topicmeta></keydef>";
 /// What served it becomes: the definition named `keyName`.

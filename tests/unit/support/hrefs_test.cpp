@@ -7,7 +7,7 @@
 namespace marrowpress {
 namespace {
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 struct ExternalCase {
     std::u16string_view text;

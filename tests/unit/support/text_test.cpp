@@ -95,25 +95,20 @@ TEST(ToUtf16Test, AMalformedTextIsReplacedAsAWhole) {
         "\xF5\x80\x80\x80",
         "\xFE",
         "\xFF",
-        "\xFF"
-        "abc",
+        "\xFFxyz",
         "\xC2",  // ends inside
         "\xE2\x82",
         "\xE2",
         "\xF0\x9F\x98",
         "\xF0\x9F",
         "\xF0",
-        "\xC2"
-        "A",  // no continuation
+        "\xC2Z",  // no continuation
         "\xC2\x7F",
         "\xC2\xC0",
-        "\xE2\x82"
-        "A",
-        "\xE2"
-        "A\x82",
+        "\xE2\x82Z",
+        "\xE2Z\x82",
         "\xE2\x82\xFF",
-        "\xF0\x9F\x98"
-        "A",
+        "\xF0\x9F\x98Z",
         "\xF0\x9F\x98\xC0",
         "\xC3\n\xA4",    // a control character inside
         "\xC3\xA4\x80",  // one continuation too many

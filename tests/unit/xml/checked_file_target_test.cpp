@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <system_error>
 
 #include "tests/support/file_conditions.h"
@@ -13,8 +12,6 @@
 
 namespace marrowpress {
 namespace {
-
-namespace fs = std::filesystem;
 
 void put(CheckedFileFormatTarget& target, const std::string& text) {
     target.writeChars(reinterpret_cast<const XMLByte*>(text.data()), text.size(), nullptr);

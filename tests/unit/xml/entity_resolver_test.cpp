@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <xercesc/util/XMLNetAccessor.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
@@ -15,8 +14,6 @@
 
 namespace marrowpress {
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(EntityResolverCommandsTest, AreWrittenInOneWay) {
     using Commands = EntityResolverCommands;

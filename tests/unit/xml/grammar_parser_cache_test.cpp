@@ -2,15 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "tests/support/file_conditions.h"
 #include "tests/unit/xml/sample_documents.h"
 
 namespace marrowpress {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A folder with a DTD "dtd/topic.dtd" that the catalog knows.
 class GrammarParserCacheTest : public XmlTest {
