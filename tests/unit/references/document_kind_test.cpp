@@ -70,8 +70,11 @@ class ClassifyReferenceTest : public testing::TestWithParam<ClassifyCase> {};
 
 TEST_P(ClassifyReferenceTest, TellsByPathTypeAndFormat) {
     const ClassifyCase& example = GetParam();
-    DitaReference reference{std::u16string(example.type), std::u16string(example.format),
-                            std::u16string(example.path), u"", {}};
+    DitaReference reference{std::u16string(example.type),
+                            std::u16string(example.format),
+                            std::u16string(example.path),
+                            u"",
+                            {}};
     EXPECT_EQ(classifyReference(reference), example.kind);
     reference.fragment = u"fragment";
     EXPECT_EQ(classifyReference(reference), example.kind) << "the fragment takes no part";
