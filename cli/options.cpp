@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "marrowpress/output_names.h"
+
 namespace marrowpress {
 namespace {
 
@@ -140,10 +142,14 @@ private:
             "FORMAT")
             ->required();
         addText(*publishCommand_, "-o,--output", publish_.output,
-                "composite: the file to write. Replaces a composite of an earlier run, and what "
-                "stands beside it as OUT_tmp and KeyspaceDoc.ditamap, no other file. flatbook: a "
-                "folder that is there already; it takes the components that have "
-                "no source. Replaces files of the components' names",
+                std::string("composite: the file to write. Replaces a composite of an earlier run, "
+                            "and what stands beside it as OUT")
+                    .append(kAsideSuffix)
+                    .append(" and ")
+                    .append(kKeySpaceDocName)
+                    .append(", no other file. flatbook: a folder that is there already; it takes "
+                            "the components that have no source. Replaces files of the components' "
+                            "names"),
                 "OUT")
             ->required();
         publishCommand_
