@@ -47,7 +47,9 @@ constexpr const char* kCatalog =
 
 std::string shownProgress(const Texts& lines) {
     std::string text;
-    for (const std::string& line : lines) text += "> " + line + "\n";
+    for (const std::string& line : lines) {
+        text += "> " + line + "\n";
+    }
     return text;
 }
 
