@@ -56,7 +56,7 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
 
     std::unique_ptr<PublishResult> result = assemble(mapPath, keySpace, topicIds, *params);
     writeOutput(*params, *result);
-    result->status = 0;
+    result->status = kPublished;
     result->usedHostDocuments = DocumentStore::instance().touchedOpenDocuments();
     return result;
 }
