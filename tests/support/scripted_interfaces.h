@@ -27,7 +27,7 @@ private:
 
 /// A scripted host that stands in the place of one interface of the connected host, while it
 /// lives. It replies with empty lists, unless a test says something else.
-template <class Interface, InterfaceRef<Interface> QsApiInterfacesC::*kPlace>
+template <class Interface, InterfaceRef<Interface> QsApiInterfacesC::*Place>
 class ScriptedInterface final : public ScriptedHost {
 public:
     ScriptedInterface() {
@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    InterfaceReplacement<Interface> replacement_{QsApiInterfacesC::connected()->*kPlace, this};
+    InterfaceReplacement<Interface> replacement_{QsApiInterfacesC::connected()->*Place, this};
 };
 
 using ScriptedClients = ScriptedInterface<IHostClients, &QsApiInterfacesC::clients>;
