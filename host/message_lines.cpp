@@ -17,13 +17,11 @@ constexpr std::array kMessages{MessageId::kProcessingKeySpaces,
                                MessageId::kInvalidConrefEnd,
                                MessageId::kReferencedFileNotFound};
 
-/// Bytes at which the module cuts a line: what should follow then is missing.
-constexpr std::size_t kLongestLine = 4095;
-
-/// Whether `line` has what `text` says around its arguments, in its order.
+/// Whether `line` has what `text` says around its arguments, in its order. Where the line was cut,
+/// what should follow is missing.
 bool isOf(std::string_view line, std::string_view text) {
     constexpr std::string_view kPlace = "%s";
-    const bool isCut = line.size() >= kLongestLine;
+    const bool isCut = line.size() >= kLongestMessageLine;
     std::size_t place = text.find(kPlace);
     if (!line.starts_with(text.substr(0, place))) {
         return false;

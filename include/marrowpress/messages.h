@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 /// The lines that a run shows to people, by id.
@@ -22,6 +23,9 @@ enum class MessageId : unsigned {
     kInvalidConrefEnd = 110,
     kReferencedFileNotFound = 111,
 };
+
+/// The bytes at which a line is cut, its line end included.
+inline constexpr std::size_t kLongestMessageLine = 4095;
 
 /// The text of `id`; empty for a number that is no message. The view is NUL-terminated.
 constexpr std::string_view messageText(MessageId id) {

@@ -14,9 +14,6 @@
 namespace marrowpress {
 namespace {
 
-/// Bytes of a line, its line end included.
-constexpr std::size_t kLongestLine = 4095;
-
 /// The text of a message with an argument in the place of each "%s". It is put together here and
 /// not by the printf family, so that no text, whoever wrote it, is ever read as a format.
 std::string messageLine(MessageId id, std::initializer_list<std::u16string_view> arguments = {}) {
@@ -29,7 +26,7 @@ std::string messageLine(MessageId id, std::initializer_list<std::u16string_view>
         rest.remove_prefix(std::min(place + kPlace.size(), rest.size()));
     }
     line.append(rest);
-    line.resize(std::min(line.size(), kLongestLine));
+    line.resize(std::min(line.size(), kLongestMessageLine));
     return line;
 }
 
@@ -40,7 +37,7 @@ void reportProgress(const std::string& line) {
 }
 
 void reportMessage(std::string line) {
-    line.append("\r\n").resize(std::min(line.size(), kLongestLine));
+    line.append("\r\n").resize(std::min(line.size(), kLongestMessageLine));
     HostConsoleWrite(line.c_str());
 }
 
