@@ -8,6 +8,7 @@
 
 #include "host/open_documents.h"
 #include "marrowpress/messages.h"
+#include "marrowpress/observer.h"
 
 namespace marrowpress {
 
@@ -17,6 +18,7 @@ class Trace;
 struct StandInHostOptions {
     using PublicIdResolver = std::function<std::optional<std::string>(std::string_view)>;
     using LineSink = std::function<void(std::string_view)>;
+    using ObservationSink = std::function<void(const Observation&)>;
     using ConsoleSink = std::function<void(std::optional<MessageId>, std::string_view)>;
 
     /// The session's open documents, in order.
@@ -28,6 +30,8 @@ struct StandInHostOptions {
     /// Takes each console text as it came, line end included, and the message that it is of;
     /// without one for a text that is none of the module's messages.
     ConsoleSink onConsole;
+    /// Takes what a run meets. Without it the host has no observer.
+    ObservationSink onObservation;
     /// Gets every host operation; must outlive the host.
     Trace* trace = nullptr;
 };

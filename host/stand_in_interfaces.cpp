@@ -79,6 +79,7 @@ ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object
         give<IHostModules>(*this, id, object) || give<IHostNotifications>(*this, id, object) ||
         give<IHostClients>(*this, id, object) || give<IHostProperties>(*this, id, object) ||
         give<IHostProgress>(*this, id, object) || give<IHostConsole>(*this, id, object) ||
+        (options_.onObservation && give<IHostObserver>(*this, id, object)) ||
         give<IHostObject>(provider(), id, object);
     if (!isFound) {
         return kComNoInterface;
@@ -299,6 +300,14 @@ ComStatus StandInInterfaces::write(const char* text, std::int32_t* hostStatus) {
         }
         if (options_.onConsole) {
             options_.onConsole(messageIdOf(viewOf(text)), viewOf(text));
+        }
+    });
+}
+
+ComStatus StandInInterfaces::observe(const Observation* observation) {
+    return guarded([&] {
+        if (observation && options_.onObservation) {
+            options_.onObservation(*observation);
         }
     });
 }

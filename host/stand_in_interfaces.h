@@ -9,6 +9,7 @@
 #include "host/typed_record.h"
 #include "marrowpress/host_interfaces.h"
 #include "marrowpress/interface_ref.h"
+#include "marrowpress/observer.h"
 
 namespace marrowpress {
 
@@ -24,6 +25,7 @@ class StandInInterfaces final : public IHostMain,
                                 public IHostProperties,
                                 public IHostProgress,
                                 public IHostConsole,
+                                public IHostObserver,
                                 public std::enable_shared_from_this<StandInInterfaces> {
 public:
     explicit StandInInterfaces(StandInHostOptions options) : options_(std::move(options)) {}
@@ -65,6 +67,7 @@ public:
     ComStatus reportProgress(std::int32_t kind, const char* text, std::int32_t number,
                              std::int32_t* hostStatus) override;
     ComStatus write(const char* text, std::int32_t* hostStatus) override;
+    ComStatus observe(const Observation* observation) override;
 
 private:
     const OpenDocument* findDocument(std::uint32_t id) const;

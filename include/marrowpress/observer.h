@@ -48,6 +48,10 @@ enum class ObservationKind : std::uint32_t {
     kOutputWritten = 8,
     /// Something is wrong, or is not as an author may think. `code`: a `FaultCode`.
     kFault = 9,
+    /// `code`: how many faults were met when no more were kept.
+    kFaultsDropped = 10,
+    /// The run ends with a negative status. `reason`: why, as far as it is known.
+    kRunFailed = 11,
 };
 
 /// How a document was read.

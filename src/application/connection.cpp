@@ -17,7 +17,8 @@ QsApiInterfacesC::QsApiInterfacesC(IHostObject& provider)
       clients(InterfaceRef<IHostClients>::query(&provider)),
       properties(InterfaceRef<IHostProperties>::query(&provider)),
       progress(InterfaceRef<IHostProgress>::query(&provider)),
-      console(InterfaceRef<IHostConsole>::query(&provider)) {}
+      console(InterfaceRef<IHostConsole>::query(&provider)),
+      observer(InterfaceRef<IHostObserver>::query(&provider)) {}
 
 QsApiInterfacesC::QsApiInterfacesC(QsApiInterfacesC&& other) noexcept
     : keptAlive(std::move(other.keptAlive)),
@@ -29,6 +30,7 @@ QsApiInterfacesC::QsApiInterfacesC(QsApiInterfacesC&& other) noexcept
       properties(std::move(other.properties)),
       progress(std::move(other.progress)),
       console(std::move(other.console)),
+      observer(std::move(other.observer)),
       freesHostTexts(other.freesHostTexts) {
     if (connectedInterfaces == &other) {
         connect();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "marrowpress/interface_ref.h"
+#include "marrowpress/observer.h"
 
 namespace marrowpress {
 
@@ -38,6 +39,8 @@ public:
     InterfaceRef<IHostProperties> properties;
     InterfaceRef<IHostProgress> progress;
     InterfaceRef<IHostConsole> console;
+    /// Wants to know what a run meets; optional.
+    InterfaceRef<IHostObserver> observer;
 
     /// Whether texts that the host hands over are freed here.
     bool freesHostTexts = false;

@@ -4,8 +4,13 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <utility>
 
 #include "application/host_operations.h"
+#include "application/run_observer.h"
+#include "dom/attributes.h"
+#include "dom/document_path.h"
+#include "dom/nodes.h"
 #include "marrowpress/messages.h"
 #include "support/request_singleton.h"
 #include "support/text.h"
@@ -36,9 +41,44 @@ void reportProgress(const std::string& line) {
     HostReportProgress(kLineKind, line.c_str(), kNoNumber);
 }
 
-void reportMessage(std::string line) {
+/// Shows the line of a message, and tells the observer, if there is one, of `fault`, to which the
+/// line belongs.
+void reportMessage(std::string line, ObservedFault fault) {
     line.append("\r\n").resize(std::min(line.size(), kLongestMessageLine));
     HostConsoleWrite(line.c_str());
+    if (RunObserver* const observer = RunObserver::existing()) {
+        fault.line = line;
+        observer->fault(fault);
+    }
+}
+
+/// What a reference leads to, with the ids behind the path.
+std::u16string withIds(const xercesc::DOMDocument& document,
+                       std::initializer_list<std::u16string_view> ids) {
+    std::u16string target = documentPath(document);
+    char16_t separator = u'#';
+    for (const std::u16string_view id : ids) {
+        (target += separator) += id;
+        separator = u'/';
+    }
+    return target;
+}
+
+std::string elementNotFoundLine(std::u16string_view tagName, std::u16string_view id,
+                                const xercesc::DOMDocument& target) {
+    return messageLine(MessageId::kElementNotFound,
+                       {tagName, id, domText(target.getDocumentURI())});
+}
+
+/// Whether `reference` says that it leads out of the publication.
+bool leadsElsewhere(const xercesc::DOMElement& reference) {
+    const xercesc::DOMElement* element = &reference;
+    while (element && !element->hasAttribute(u"scope")) {
+        element = asElement(element->getParentNode());
+    }
+    const std::u16string_view scope =
+        element ? attributeView(*element, u"scope") : std::u16string_view();
+    return scope == u"peer" || scope == u"external";
 }
 
 }  // namespace
@@ -67,40 +107,100 @@ ReportMessenger& ReportMessenger::instance() {
     return RequestSingleton<ReportMessenger>::instance();
 }
 
-void ReportMessenger::reportKeyNotFound(std::u16string_view keyName, const Element* /*reference*/) {
-    reportMessage(messageLine(MessageId::kKeyNotFound, {keyName}));
+void ReportMessenger::reportKeyNotFound(std::u16string_view keyName, const Element* reference,
+                                        bool isNobodysKey) {
+    reportMessage(messageLine(MessageId::kKeyNotFound, {keyName}), {.code = FaultCode::kKeyNotFound,
+                                                                    .element = reference,
+                                                                    .target = keyName,
+                                                                    .isArtefact = isNobodysKey});
 }
 
-void ReportMessenger::reportCannotRead(std::u16string_view path, const Element* /*reference*/) {
-    reportMessage(messageLine(MessageId::kCannotRead, {path}));
+void ReportMessenger::reportCannotRead(std::u16string_view path, const Element* reference,
+                                       const ReadFailure& failure) {
+    SourcePlace place;
+    if (SourcePlaces* const places = SourcePlaces::existing(); places && failure.line > 0) {
+        place = {places->fileNumber(failure.file), failure.line, failure.column};
+    }
+    reportMessage(messageLine(MessageId::kCannotRead, {path}), {.code = FaultCode::kCannotRead,
+                                                                .element = reference,
+                                                                .target = path,
+                                                                .reason = failure.reason,
+                                                                .place = place});
 }
 
-void ReportMessenger::reportCannotWrite(std::u16string_view path) {
-    reportMessage(messageLine(MessageId::kCannotWrite, {path}));
+void ReportMessenger::reportCannotWrite(std::u16string_view path, std::string_view reason) {
+    reportMessage(messageLine(MessageId::kCannotWrite, {path}),
+                  {.code = FaultCode::kCannotWrite, .target = path, .reason = toUtf16(reason)});
+}
+
+void ReportMessenger::reportNoFileName(std::u16string_view path, std::u16string_view navtitle,
+                                       const Element& reference) {
+    reportMessage(messageLine(MessageId::kCannotWrite, {path}),
+                  {.code = FaultCode::kNavtitleNoFileName,
+                   .element = &reference,
+                   .target = navtitle,
+                   .detail = path});
 }
 
 void ReportMessenger::reportElementInTopicNotFound(std::u16string_view tagName,
                                                    std::u16string_view elementId,
                                                    std::u16string_view topicId,
                                                    const Document& target,
-                                                   const Element* /*reference*/) {
+                                                   const Element* reference) {
+    ObservedFault fault{.code = FaultCode::kElementInTopicNotFound, .element = reference};
+    fault.detail = tagName;
+    RunObserver* const observer = RunObserver::existing();
+    const std::u16string wanted =
+        observer ? withIds(target, {topicId, elementId}) : std::u16string();
+    fault.target = wanted;
+    fault.reason = observer ? observer->bearerOf(elementId, target) : std::u16string_view();
     reportMessage(messageLine(MessageId::kElementInTopicNotFound,
-                              {tagName, elementId, topicId, domText(target.getDocumentURI())}));
+                              {tagName, elementId, topicId, domText(target.getDocumentURI())}),
+                  fault);
 }
 
 void ReportMessenger::reportElementNotFound(std::u16string_view tagName, std::u16string_view id,
-                                            const Document& target, const Element* /*reference*/) {
-    reportMessage(
-        messageLine(MessageId::kElementNotFound, {tagName, id, domText(target.getDocumentURI())}));
+                                            const Document& target, const Element* reference) {
+    ObservedFault fault{.code = FaultCode::kElementNotFound, .element = reference};
+    fault.detail = tagName;
+    RunObserver* const observer = RunObserver::existing();
+    const std::u16string wanted = observer ? withIds(target, {id}) : std::u16string();
+    fault.target = wanted;
+    fault.reason = observer ? observer->bearerOf(id, target) : std::u16string_view();
+    reportMessage(elementNotFoundLine(tagName, id, target), fault);
 }
 
-void ReportMessenger::reportInvalidConrefEnd(const Element* /*reference*/) {
-    reportMessage(messageLine(MessageId::kInvalidConrefEnd));
+void ReportMessenger::reportConrefLoop(std::u16string_view tagName, std::u16string_view id,
+                                       const Document& target, const Element& reference,
+                                       std::vector<SourcePlace> ring) {
+    const std::u16string wanted =
+        RunObserver::existing() ? withIds(target, {id}) : std::u16string();
+    reportMessage(elementNotFoundLine(tagName, id, target), {.code = FaultCode::kConrefLoop,
+                                                             .element = &reference,
+                                                             .target = wanted,
+                                                             .related = std::move(ring)});
+}
+
+void ReportMessenger::reportInvalidConrefEnd(const Element* reference) {
+    const std::u16string_view conrefend =
+        reference ? attributeView(*reference, u"conrefend") : std::u16string_view();
+    reportMessage(
+        messageLine(MessageId::kInvalidConrefEnd),
+        {.code = FaultCode::kInvalidConrefEnd, .element = reference, .target = conrefend});
 }
 
 void ReportMessenger::reportReferencedFileNotFound(std::u16string_view path,
-                                                   const Element* /*reference*/) {
-    reportMessage(messageLine(MessageId::kReferencedFileNotFound, {path}));
+                                                   const Element* reference) {
+    ObservedFault fault{.code = FaultCode::kReferencedFileNotFound, .element = reference};
+    fault.target = path;
+    if (RunObserver::existing() && reference) {
+        fault.isArtefact = leadsElsewhere(*reference);
+        if (attributeView(*reference, u"href").find(u'\\') != std::u16string_view::npos) {
+            fault.code = FaultCode::kPathIsCut;
+            fault.detail = u"\\";
+        }
+    }
+    reportMessage(messageLine(MessageId::kReferencedFileNotFound, {path}), fault);
 }
 
 }  // namespace marrowpress

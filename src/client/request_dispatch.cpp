@@ -3,10 +3,12 @@
 #include <memory>
 
 #include "application/host_operations.h"
+#include "application/run_observer.h"
 #include "application/text_layer.h"
 #include "client/client_attachment.h"
 #include "client/xml_session.h"
 #include "publish/output_formats.h"
+#include "publish/output_observation.h"
 #include "publish/publish_result.h"
 
 namespace marrowpress {
@@ -19,14 +21,26 @@ std::unique_ptr<PublishResult> runRequest(const char* text) {
     return publisher.publish(std::move(params));
 }
 
+void fail(PublishResult& result, std::int32_t code, const char* reason) {
+    result.status = code;
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->runFailed(reason);
+    }
+}
+
 /// Puts the result of the request into `result`, or the status of its failure.
 void serveRequest(const char* text, std::unique_ptr<PublishResult>& result) {
     try {
         result = runRequest(text);
     } catch (const PublishException& failure) {
-        result->status = failure.code();
+        fail(*result, failure.code(), "");
+    } catch (const std::exception& failure) {
+        fail(*result, PublishException().code(), failure.what());
     } catch (...) {
-        result->status = PublishException().code();
+        fail(*result, PublishException().code(), "");
+    }
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->finish(isPublished);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "profiling/condition_merge.h"
 #include "references/exclusion_filter.h"
 #include "references/topic_ids.h"
@@ -43,6 +44,7 @@ void initializePlatform() {
 XmlSession::XmlSession() {
     initializePlatform();
     isPlatformInitialized_ = true;
+    RunObserver::begin();
 }
 
 XmlSession::~XmlSession() {
@@ -57,6 +59,7 @@ XmlSession::~XmlSession() {
     RequestSingleton<ReportMessenger>::destroy();
     RequestSingleton<ExclusionFilterHolder>::destroy();
     RequestSingleton<ConditionRenamer>::destroy();
+    RunObserver::end();
     xercesc::XMLPlatformUtils::Terminate();
     isPlatformInitialized_ = false;
 }

@@ -1,8 +1,32 @@
 #pragma once
 
+#include <vector>
+#include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "dom/source_places.h"
+
 namespace marrowpress {
+
+/// A copy of `node` with all below it for `document`, on account of `cause`; it has no parent yet.
+/// Whoever copies a node with its content does it by this, so that it is known where the copy
+/// comes from.
+inline xercesc::DOMNode* importCopy(xercesc::DOMDocument& document, const xercesc::DOMNode& node,
+                                    const CopyCause& cause) {
+    xercesc::DOMNode* const copy = document.importNode(&node, true);
+    if (SourcePlaces* const places = SourcePlaces::existing()) {
+        places->recordCopy(node, *copy, cause);
+    }
+    return copy;
+}
+
+/// Appends to `target` copies of `nodes` with all below them, which may be of another document.
+inline void appendCopies(xercesc::DOMElement& target, const std::vector<xercesc::DOMNode*>& nodes,
+                         const CopyCause& cause) {
+    for (const xercesc::DOMNode* const node : nodes) {
+        target.appendChild(importCopy(*target.getOwnerDocument(), *node, cause));
+    }
+}
 
 /// The element behind `element` in document order below `root`; null at the end.
 inline xercesc::DOMElement* nextInSubtree(xercesc::DOMElement* element,

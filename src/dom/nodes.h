@@ -1,7 +1,6 @@
 #pragma once
 
 #include <vector>
-#include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
@@ -51,13 +50,6 @@ inline std::vector<xercesc::DOMElement*> childElementsOf(const xercesc::DOMEleme
 inline void removeChildren(xercesc::DOMNode& parent) {
     while (xercesc::DOMNode* const child = parent.getFirstChild()) {
         parent.removeChild(child);
-    }
-}
-
-/// Appends to `target` copies of `nodes` with all below them, which may be of another document.
-inline void appendCopies(xercesc::DOMElement& target, const std::vector<xercesc::DOMNode*>& nodes) {
-    for (const xercesc::DOMNode* const node : nodes) {
-        target.appendChild(target.getOwnerDocument()->importNode(node, true));
     }
 }
 

@@ -3,8 +3,12 @@
 #include <queue>
 #include <vector>
 
+#include "application/run_observer.h"
 #include "dom/attributes.h"
+#include "dom/copies.h"
+#include "dom/document_path.h"
 #include "dom/element_walker.h"
+#include "keys/map_observation.h"
 #include "keys/pulled_fragments.h"
 #include "marrowpress/output_names.h"
 #include "profiling/ditaval_filters.h"
@@ -22,6 +26,35 @@ namespace marrowpress {
 
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
+
+namespace {
+
+/// Tells what is lost where the part `id` of `target` takes the place of `reference`.
+void observePull(const DOMElement& reference, const DOMDocument& target, std::u16string_view id) {
+    RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return;
+    }
+    const std::u16string href = documentPath(target).append(u"#").append(id);
+    const std::u16string keys = attributeOf(reference, u"keys");
+    for (const std::u16string_view key : splitTokens(keys)) {
+        observer->keyDefinition(key, href, KeyState::kLost, reference);
+        observer->fault({.code = FaultCode::kKeyDefinitionLost,
+                         .element = &reference,
+                         .target = key,
+                         .detail = href,
+                         .outlivesElement = true});
+    }
+    const AttrBasedElementNodeFilter withId(u"id", std::u16string(id));
+    if (!ElementWalker(target.getDocumentElement(), withId).nextNode()) {
+        observer->fault({.code = FaultCode::kFragmentNotFound,
+                         .element = &reference,
+                         .target = href,
+                         .outlivesElement = true});
+    }
+}
+
+}  // namespace
 
 KeySpace KeySpaceLoader::load(const std::u16string& mapPath, const std::u16string& keySpaceDocPath,
                               TopicIdMap& topicIds, const std::u16string& dtdPath) {
@@ -46,6 +79,9 @@ void KeySpaceLoader::gatherKeys(DOMDocument& map, KeySpace& keySpace, TopicIdMap
         for (DOMDocument* const referred : followMapReferences(*maps.front())) {
             maps.push(referred);
         }
+        if (RunObserver* const observer = RunObserver::existing()) {
+            observeMap(*observer, *maps.front());
+        }
         collectKeys(*maps.front(), keySpace, topicIds);
     }
 }
@@ -63,6 +99,7 @@ std::vector<DOMDocument*> KeySpaceLoader::followMapReferences(DOMDocument& map) 
         DOMDocument& target =
             DocumentStore::instance().mustLoad(toAbsolutePath(parts.path, map), reference);
         if (!parts.topicId.empty()) {
+            observePull(*reference, target, parts.topicId);
             fragments.pull(*reference, target, parts.topicId);
             replaced.push_back(reference);
         } else if (visitedDocuments_.emplace(domText(target.getDocumentURI())).second &&
@@ -88,10 +125,18 @@ void KeySpaceLoader::collectKeys(DOMDocument& map, KeySpace& keySpace, TopicIdMa
 void KeySpaceLoader::addDefinition(const DOMElement& element, std::u16string_view keyName,
                                    const DOMDocument& map, KeySpace& keySpace,
                                    TopicIdMap& topicIds) const {
-    if (keySpace.defines(keyName)) {
+    RunObserver* const observer = RunObserver::existing();
+    const bool isShadowed = keySpace.defines(keyName);
+    if (observer) {
+        const std::u16string_view href = attributeView(element, u"href");
+        observer->keyDefinition(keyName,
+                                href.empty() ? std::u16string() : makeAbsoluteHref(href, map),
+                                isShadowed ? KeyState::kShadowed : KeyState::kEffective, element);
+    }
+    if (isShadowed) {
         return;
     }
-    auto* const copy = static_cast<DOMElement*>(keySpace.document().importNode(&element, true));
+    auto* const copy = static_cast<DOMElement*>(importCopy(keySpace.document(), element, {}));
     normalizer_.normalizeSubtree(copy, map, topicIds);
     keySpace.add(keyName, *copy);
 }

@@ -1,5 +1,7 @@
 #include "keys/pulled_fragments.h"
 
+#include "dom/attributes.h"
+#include "dom/copies.h"
 #include "dom/element_walker.h"
 #include "dom/nodes.h"
 #include "references/node_filters.h"
@@ -29,7 +31,8 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     if (!element || !hasRoom || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
         return;
     }
-    DOMNode* const copy = reference.getOwnerDocument()->importNode(element, true);
+    DOMNode* const copy = importCopy(*reference.getOwnerDocument(), *element,
+                                     {&reference, u"href", attributeView(reference, u"href")});
     parent->insertBefore(copy, reference.getNextElementSibling());
     copies_.emplace(copy, Copy{fragment, cause});
 }

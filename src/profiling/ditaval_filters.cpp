@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "application/run_observer.h"
 #include "dom/attributes.h"
+#include "dom/copies.h"
 #include "dom/element_walker.h"
 #include "references/exclusion_filter.h"
 #include "references/node_filters.h"
@@ -89,12 +91,31 @@ void markDraftComments(xercesc::DOMDocument& document) {
     }
 }
 
+void observeConditionValues(RunObserver& observer, const xercesc::DOMDocument& document) {
+    const auto* const profile =
+        dynamic_cast<const DitaValExcludeFilter*>(ExclusionFilterHolder::instance().filter());
+    DOMElement* const root = document.getDocumentElement();
+    for (DOMElement* element = profile ? root : nullptr; element;
+         element = nextInSubtree(element, *root)) {
+        for (const auto& rule : profile->attributeFilters()) {
+            const std::u16string& attribute = rule->attributeName();
+            for (const std::u16string_view value :
+                 splitTokens(attributeView(*element, attribute.c_str()))) {
+                observer.conditionValue(attribute, value, *element);
+            }
+        }
+    }
+}
+
 void removeExcludedElements(xercesc::DOMDocument& document) {
     const DOMNodeFilter* const excluded = ExclusionFilterHolder::instance().filter();
     if (!excluded) {
         return;
     }
     markDraftComments(document);
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observeConditionValues(*observer, document);
+    }
     removeElements(collectElements(document.getDocumentElement(), *excluded));
 }
 

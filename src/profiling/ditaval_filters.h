@@ -16,6 +16,8 @@
 /// the pass that takes excluded elements out of a finished document.
 namespace marrowpress {
 
+class RunObserver;
+
 /// What a `prop` says is to be done.
 enum class DitaValAction : std::uint8_t {
     kInclude = 0,
@@ -67,6 +69,8 @@ public:
     virtual bool takesValueFor(DitaValAction action) const = 0;
     virtual FilterAction acceptTokens(const Tokens& tokens) const = 0;
 
+    const std::u16string& attributeName() const noexcept { return attributeName_; }
+
     void addValue(std::u16string value) { values_.insert(std::move(value)); }
 
 protected:
@@ -112,12 +116,19 @@ public:
 
     FilterAction acceptNode(const xercesc::DOMNode* node) const override;
 
+    /// The rules, one for each attribute.
+    const AttributeFilters& attributeFilters() const noexcept { return filters_; }
+
 private:
     AttributeFilters filters_;
 };
 
 /// Gives each `draft-comment` that doesn't say otherwise the "translate" that it has by nature.
 void markDraftComments(xercesc::DOMDocument& document);
+
+/// Tells `observer` the values that elements of `document` have in the attributes that the run's
+/// profile has rules for.
+void observeConditionValues(RunObserver& observer, const xercesc::DOMDocument& document);
 
 /// Takes what the run's profile excludes out of a finished document, its document element
 /// included. Does nothing, not even to draft comments, when the run has no profile.

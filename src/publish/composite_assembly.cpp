@@ -1,6 +1,7 @@
 #include "publish/composite_assembly.h"
 
 #include "application/messengers.h"
+#include "dom/copies.h"
 #include "dom/nodes.h"
 #include "marrowpress/output_names.h"
 #include "profiling/ditaval_filters.h"
@@ -40,13 +41,13 @@ void appendBookTitle(DOMElement& title, const DOMElement& bookTitle) {
             continue;
         }
         if (!asElement(part)) {
-            title.appendChild(document.importNode(part, true));
+            title.appendChild(importCopy(document, *part, {}));
             continue;
         }
         DOMElement* const phrase = document.createElement(u"ph");
         title.appendChild(phrase);
         if (!isExcludedElement(*part)) {
-            appendCopies(*phrase, includedChildrenOf(*part));
+            appendCopies(*phrase, includedChildrenOf(*part), {});
         }
     }
 }
@@ -116,7 +117,7 @@ void CompositeDocAssembler::copyMapTitle(DOMElement& title, const DOMDocument& m
     } else if (selects(bookTitleFilter_, first)) {
         appendBookTitle(title, *first);
     } else {
-        appendCopies(title, childrenOf(*first));
+        appendCopies(title, childrenOf(*first), {});
     }
 }
 

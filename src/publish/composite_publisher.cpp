@@ -5,7 +5,6 @@
 #include "support/paths.h"
 #include "support/text.h"
 #include "xml/document_store.h"
-#include "xml/document_writer.h"
 
 namespace marrowpress {
 namespace {
@@ -36,7 +35,7 @@ void CompositeDocPublisher::removeStaleOutput(const PublishParams& params) {
 
 void CompositeDocPublisher::writeOutput(const PublishParams& /*params*/,
                                         const PublishResult& result) {
-    goOnAfter(saveDocumentInPlace(dynamic_cast<const CompositeDocPublishResult&>(result).document));
+    writeResultDocument(dynamic_cast<const CompositeDocPublishResult&>(result).document);
 }
 
 std::u16string CompositeDocPublisher::getKeySpaceDocPath(const PublishParams& params) {

@@ -4,8 +4,11 @@
 #include <system_error>
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
+#include "dom/document_path.h"
 #include "keys/key_space_loader.h"
 #include "profiling/ditaval.h"
+#include "publish/output_observation.h"
 #include "references/conref_resolution.h"
 #include "references/exclusion_filter.h"
 #include "references/keyref_resolution.h"
@@ -39,6 +42,12 @@ void setUpProfiling(const PublishParams& params) {
     holder.reset(readProfile(params));
 }
 
+void observePhase(const char* name) {
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->phase(name);
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishParams> params) {
@@ -48,13 +57,20 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
     setUpProfiling(*params);
 
     TopicIdMap topicIds;
+    observePhase("keys");
     ProgressMessenger::instance().reportProcessingKeySpaces();
     KeySpace keySpace = buildKeySpaceDoc(*params, topicIds);
+    observePhase("map");
     ProgressMessenger::instance().reportUpdatingReferences();
     const std::u16string mapPath = getMapPath(*params);
     resolveMapReferences(mapPath, keySpace, topicIds);
 
+    observePhase("assembly");
     std::unique_ptr<PublishResult> result = assemble(mapPath, keySpace, topicIds, *params);
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observeOutput(*observer, *result, mapPath);
+    }
+    observePhase("output");
     writeOutput(*params, *result);
     result->status = kPublished;
     result->usedHostDocuments = DocumentStore::instance().touchedOpenDocuments();
@@ -97,6 +113,15 @@ void DocPublisher::resolveMapReferences(const std::u16string& mapPath, KeySpace&
 
 std::u16string DocPublisher::getMapPath(const PublishParams& params) {
     return absolutePath(params.getDitamap());
+}
+
+void writeResultDocument(const xercesc::DOMDocument* document) {
+    const WriteStatus status = saveDocumentInPlace(document);
+    if (RunObserver* const observer = RunObserver::existing();
+        observer && status == WriteStatus::kWritten) {
+        observer->outputWritten(documentPath(*document));
+    }
+    goOnAfter(status);
 }
 
 void removeOldFile(const std::u16string& path) {

@@ -72,6 +72,11 @@ private:
     PublisherId publisherId_;
 };
 
+/// Writes a document of the result over its file; null fails. A failure is message 107.
+///
+/// @throws as `saveDocumentInPlace`.
+void writeResultDocument(const xercesc::DOMDocument* document);
+
 /// Removes the file at `path` if there is one.
 ///
 /// @throws std::filesystem::filesystem_error "remove" when the system says why it can't,

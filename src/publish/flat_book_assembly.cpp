@@ -1,8 +1,10 @@
 #include "publish/flat_book_assembly.h"
 
+#include <algorithm>
 #include <climits>
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "dom/attributes.h"
 #include "dom/nodes.h"
 #include "marrowpress/output_names.h"
@@ -23,6 +25,19 @@ using xercesc::DOMNodeFilter;
 /// Whether a name leaves room for what stands behind it while the file is replaced.
 bool isShortEnough(std::u16string_view path) {
     return toUtf8(pathFileName(path)).size() + kAsideSuffix.size() <= NAME_MAX;
+}
+
+/// Tells that a title with separators is no file name: its component stands in another folder, or
+/// nowhere.
+void observeSeparators(std::u16string_view navtitle, std::u16string_view path,
+                       const DOMElement& node) {
+    RunObserver* const observer = RunObserver::existing();
+    if (observer && std::any_of(navtitle.begin(), navtitle.end(), isPathSeparator)) {
+        observer->fault({.code = FaultCode::kNavtitleNoFileName,
+                         .element = &node,
+                         .target = navtitle,
+                         .detail = path});
+    }
 }
 
 }  // namespace
@@ -97,7 +112,8 @@ void FlatBookAssembler::addTopicComponent(DOMElement& node, const DitaReference&
 }
 
 void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
-    std::u16string name = attributeOf(node, u"navtitle");
+    const std::u16string navtitle = attributeOf(node, u"navtitle");
+    std::u16string name = navtitle;
     if (name.empty()) {
         name = u"container" + toUtf16(std::to_string(state.containerCounter));
         ++state.containerCounter;
@@ -106,17 +122,26 @@ void FlatBookAssembler::addHeadComponent(DOMElement& node, State& state) {
     const std::u16string path =
         normalizePath(joinPath(state.request.outputDir, name.append(toUtf16(kComponentExtension))));
     if (isBelow(path, state.request.outputDir) && !leadsOutOf(path, state.request.outputDir)) {
+        observeSeparators(navtitle, path, node);
         assembleComponent(node, {}, path, state);
     } else {
-        ReportMessenger::instance().reportCannotWrite(path);
+        ReportMessenger::instance().reportNoFileName(path, navtitle, node);
     }
 }
 
 void FlatBookAssembler::assembleComponent(DOMElement& node, const std::u16string& sourcePath,
                                           const std::u16string& outputPath, State& state) {
     if (!isShortEnough(outputPath)) {
-        ReportMessenger::instance().reportCannotWrite(outputPath);
+        if (sourcePath.empty()) {
+            ReportMessenger::instance().reportNoFileName(outputPath,
+                                                         attributeView(node, u"navtitle"), node);
+        } else {
+            ReportMessenger::instance().reportCannotWrite(outputPath);
+        }
         return;
+    }
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->component(outputPath, sourcePath, node);
     }
     CompositeDocRequest request;
     request.sourcePath = sourcePath;

@@ -5,7 +5,6 @@
 #include "support/paths.h"
 #include "support/text.h"
 #include "xml/document_store.h"
-#include "xml/document_writer.h"
 
 namespace marrowpress {
 namespace {
@@ -38,7 +37,7 @@ void FlatBookPublisher::removeStaleOutput(const PublishParams& /*params*/) {}
 void FlatBookPublisher::writeOutput(const PublishParams& /*params*/, const PublishResult& result) {
     for (const xercesc::DOMDocument* const document :
          dynamic_cast<const FlatBookPublishResult&>(result).documents) {
-        goOnAfter(saveDocumentInPlace(document));
+        writeResultDocument(document);
     }
 }
 

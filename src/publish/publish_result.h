@@ -23,6 +23,9 @@ public:
     /// Adds to `list` what the kind of result has beyond the four values of all results.
     virtual void appendExtraValues(HostTypedValueList& list) const;
 
+    /// The finished documents, in the order of their creation; each of them once or more.
+    virtual std::vector<xercesc::DOMDocument*> finishedDocuments() const { return {}; }
+
     PublisherId kind;
     std::int32_t status = 0;
     /// The documents of the run that were open in the host, by path.
@@ -36,6 +39,8 @@ public:
     explicit CompositeDocPublishResult(xercesc::DOMDocument* finished)
         : PublishResult(PublisherId::kComposite), document(finished) {}
 
+    std::vector<xercesc::DOMDocument*> finishedDocuments() const override { return {document}; }
+
     xercesc::DOMDocument* document;
 };
 
@@ -46,6 +51,7 @@ public:
         : PublishResult(PublisherId::kFlatBook), documents(std::move(components)) {}
 
     void appendExtraValues(HostTypedValueList& list) const override;
+    std::vector<xercesc::DOMDocument*> finishedDocuments() const override { return documents; }
 
     std::vector<xercesc::DOMDocument*> documents;
 };

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "dom/attributes.h"
+#include "dom/copies.h"
 #include "dom/nodes.h"
 #include "profiling/conditional_pis.h"
 #include "references/dita_reference.h"
@@ -19,6 +21,36 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
+
+namespace {
+
+/// Tells that no element of the topic's file has the id that the reference names.
+void observeLostFragment(const DOMElement& node, const DitaReference& reference) {
+    if (RunObserver* const observer = RunObserver::existing()) {
+        const std::u16string target = reference.path + u"#" + reference.fragment;
+        observer->fault({.code = FaultCode::kFragmentNotFound, .element = &node, .target = target});
+    }
+}
+
+/// Tells that what stands inside a reference to a map comes to nothing.
+void observeDroppedChildren(const DOMElement& node) {
+    RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return;
+    }
+    const TopicrefNodeFilter topicrefs;
+    const CompositeDocNodeFilter published;
+    for (const DOMElement* const child : childElementsOf(node)) {
+        if (selects(topicrefs, child) && selects(published, child)) {
+            observer->fault({.code = FaultCode::kMapReferenceChildren,
+                             .element = child,
+                             .target = attributeView(node, u"href")});
+            return;
+        }
+    }
+}
+
+}  // namespace
 
 DOMElement& createTopicShell(DOMElement& parent) {
     DOMDocument& document = *parent.getOwnerDocument();
@@ -113,11 +145,16 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
     DOMElement* const element =
         reference.fragment.empty() ? root : document->getElementById(reference.fragment.c_str());
     if (!element) {
+        observeLostFragment(node, reference);
         return parent;
+    }
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->topic(reference.path, node);
     }
     ProgressMessenger::instance().reportAppending(
         pathFileName(domText(document->getDocumentURI())));
-    DOMElement* const appended = appendTopicSubtree(*element, parent);
+    DOMElement* const appended =
+        appendTopicSubtree(*element, parent, {&node, u"href", attributeView(node, u"href")});
     return appended ? *appended : parent;
 }
 
@@ -131,19 +168,20 @@ void TopicrefWalk::gatherConditions(DOMElement& root) {
     mergeConditionCatalog(conditions_, catalog);
 }
 
-DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent) {
+DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent,
+                                             const CopyCause& cause) {
     const DOMDocument& source = *element.getOwnerDocument();
     carryMarkersInFrontOf(element, parent);
     DOMElement* lastElement = nullptr;
     if (selects(ditabaseFilter_, &element)) {
         for (DOMNode* const child : childrenOf(element)) {
-            DOMNode* const copy = importTopicNode(source, *child, parent);
+            DOMNode* const copy = importTopicNode(source, *child, parent, cause);
             if (DOMElement* const copiedElement = asElement(copy)) {
                 lastElement = copiedElement;
             }
         }
     } else {
-        lastElement = asElement(importTopicNode(source, element, parent));
+        lastElement = asElement(importTopicNode(source, element, parent, cause));
     }
     carryMarkersBehind(element, parent);
     return lastElement;
@@ -163,10 +201,10 @@ void TopicrefWalk::carryMarkersBehind(const DOMNode& node, DOMElement& parent) {
     }
 }
 
-DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, DOMNode& node,
-                                       DOMElement& parent) {
+DOMNode* TopicrefWalk::importTopicNode(const DOMDocument& source, DOMNode& node, DOMElement& parent,
+                                       const CopyCause& cause) {
     renameMergedMarker(conditions_, node);
-    DOMNode* const copy = parent.getOwnerDocument()->importNode(&node, true);
+    DOMNode* const copy = importCopy(*parent.getOwnerDocument(), node, cause);
     if (DOMElement* const copiedElement = asElement(copy)) {
         normalizer_.normalizeSubtree(copiedElement, source, topicIds_);
     }
@@ -181,6 +219,7 @@ void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node,
     if (!map || isOpen(*map)) {
         return;
     }
+    observeDroppedChildren(node);
     DOMElement* const root = map->getDocumentElement();
     keyrefs_.resolveAllKeyrefs(root, keySpace_);
     conrefs_.resolveConrefs(root, keySpace_, topicIds_);

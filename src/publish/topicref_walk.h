@@ -14,6 +14,7 @@
 
 namespace marrowpress {
 
+struct CopyCause;
 struct DitaReference;
 
 /// Appends an empty topic with a title and a new id to `parent`, and gives it.
@@ -53,11 +54,11 @@ private:
                                              const xercesc::DOMElement& node,
                                              const DitaReference& reference);
     xercesc::DOMElement* appendTopicSubtree(xercesc::DOMElement& element,
-                                            xercesc::DOMElement& parent);
+                                            xercesc::DOMElement& parent, const CopyCause& cause);
     void carryMarkersInFrontOf(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
     void carryMarkersBehind(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
     xercesc::DOMNode* importTopicNode(const xercesc::DOMDocument& source, xercesc::DOMNode& node,
-                                      xercesc::DOMElement& parent);
+                                      xercesc::DOMElement& parent, const CopyCause& cause);
     void gatherConditions(xercesc::DOMElement& root);
     void appendNestedMap(xercesc::DOMElement& parent, const xercesc::DOMElement& node,
                          const DitaReference& reference);

@@ -33,6 +33,21 @@ bool ConrefLineage::isEndless(const Element& reference, const Element& start) co
     return false;
 }
 
+std::vector<const DOMElement*> ConrefLineage::ringOf(const Element& reference,
+                                                     const Element& start) const {
+    const Origin own = originOf(reference);
+    std::vector<const Element*> ring{own.source};
+    Origin origin = own;
+    while (origin.followed != kNone && origin.copiedFrom != &start) {
+        origin = followed_[origin.followed];
+        if (origin.source == own.source) {
+            break;
+        }
+        ring.push_back(origin.source);
+    }
+    return ring;
+}
+
 void ConrefLineage::follow(const Element& reference) {
     followed_.push_back(originOf(reference));
 }

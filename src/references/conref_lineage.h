@@ -27,6 +27,10 @@ public:
     /// Whether following `reference` to `start` would never end.
     bool isEndless(const Element& reference, const Element& start) const;
 
+    /// The originals of the references that lead to each other where `isEndless` is true, the
+    /// reference's own first.
+    std::vector<const Element*> ringOf(const Element& reference, const Element& start) const;
+
     /// Begins to follow `reference`; what is recorded next was copied on its account.
     void follow(const Element& reference);
 

@@ -1,10 +1,13 @@
 #include "references/conref_resolution.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "dom/attributes.h"
+#include "dom/copies.h"
 #include "dom/element_walker.h"
 #include "dom/nesting_depth.h"
 #include "dom/nodes.h"
@@ -27,6 +30,19 @@ void removeConref(DOMElement& element) {
     element.removeAttribute(u"conrefend");
 }
 
+/// Tells of a reference to an element that it is or stands in: it loses its own content, and gets
+/// none.
+void observeSelfReference(const DOMElement& element, const DOMElement& start,
+                          std::u16string_view conref) {
+    RunObserver* const observer = RunObserver::existing();
+    if (observer && isWithin(element, start)) {
+        observer->fault({.code = FaultCode::kConrefLoop,
+                         .element = &element,
+                         .target = conref,
+                         .related = {SourcePlaces::existing()->placeOf(element)}});
+    }
+}
+
 }  // namespace
 
 /// One walk over the content references of a subtree.
@@ -46,14 +62,17 @@ private:
         DOMElement& start;
         DOMNode* stop;    ///< the first node behind the range; null for the end of the siblings
         bool isExternal;  ///< the reference names a file
+        CopyCause cause;
     };
 
+    void reportUncopied(const DOMElement& element, const DOMElement& start,
+                        std::u16string_view id) const;
     DOMDocument* targetDocument(const HrefParts& reference, const DOMElement& element) const;
     void replace(DOMElement& element, const Target& target);
     void insertRange(DOMElement& element, const Target& target);
     void insertMember(DOMElement& member, const DOMElement& element, DOMNode* before,
                       const Target& target);
-    void copyContent(DOMElement& to, DOMElement& from);
+    void copyContent(DOMElement& to, DOMElement& from, const CopyCause& cause);
     void adopt(DOMElement& copy, const Target& target);
 
     const ConrefProcessor& processor_;
@@ -72,12 +91,10 @@ void ConrefWalk::resolve(DOMElement& element) {
     if (!document) {
         return;
     }
-    const std::u16string tagName(domText(element.getTagName()));
     DOMElement* const start = findConrefTarget(*document, &reference, element);
     if (start && (lineage_.isEndless(element, *start) || isNestedTooDeeply(start))) {
-        ReportMessenger::instance().reportElementNotFound(
-            tagName, reference.elementId.empty() ? reference.topicId : reference.elementId,
-            *document, &element);
+        reportUncopied(element, *start,
+                       reference.elementId.empty() ? reference.topicId : reference.elementId);
         removeConref(element);
         return;
     }
@@ -96,7 +113,27 @@ void ConrefWalk::resolve(DOMElement& element) {
         removeConref(element);
         return;
     }
-    replace(element, {*document, *start, stop, !reference.path.empty()});
+    observeSelfReference(element, *start, conref);
+    replace(element,
+            {*document, *start, stop, !reference.path.empty(), {&element, u"conref", conref}});
+}
+
+/// Message 109 for a target that must not be copied, though it is there.
+void ConrefWalk::reportUncopied(const DOMElement& element, const DOMElement& start,
+                                std::u16string_view id) const {
+    const std::u16string_view tagName = domText(element.getTagName());
+    const DOMDocument& target = *start.getOwnerDocument();
+    if (!lineage_.isEndless(element, start)) {
+        ReportMessenger::instance().reportElementNotFound(tagName, id, target, &element);
+        return;
+    }
+    std::vector<SourcePlace> ring;
+    if (const SourcePlaces* const places = SourcePlaces::existing()) {
+        for (const DOMElement* const reference : lineage_.ringOf(element, start)) {
+            ring.push_back(places->placeOf(*reference));
+        }
+    }
+    ReportMessenger::instance().reportConrefLoop(tagName, id, target, element, std::move(ring));
 }
 
 /// The document that the reference names, its own where it names none; null when it can't be
@@ -113,7 +150,7 @@ void ConrefWalk::replace(DOMElement& element, const Target& target) {
     removeChildren(element);
     removeConref(element);
     insertRange(element, target);
-    copyContent(element, target.start);
+    copyContent(element, target.start, target.cause);
     mergeAttributes(element, target.start);
     lineage_.recordTakenReference(element, target.start);
     adopt(element, target);
@@ -130,7 +167,7 @@ void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
     for (DOMNode* const member : siblingsFrom(target.start.getNextSibling(), target.stop)) {
         DOMElement* const memberElement = asElement(member);
         if (!memberElement) {
-            parent->insertBefore(document_.importNode(member, true), before);
+            parent->insertBefore(importCopy(document_, *member, target.cause), before);
         } else if (isNestedTooDeeply(memberElement)) {
             ReportMessenger::instance().reportElementNotFound(domText(memberElement->getTagName()),
                                                               attributeView(*memberElement, u"id"),
@@ -147,14 +184,14 @@ void ConrefWalk::insertMember(DOMElement& member, const DOMElement& element, DOM
     mergeAttributes(copy, element);
     element.getParentNode()->insertBefore(&copy, before);
     lineage_.recordRangeMember(member, copy);
-    copyContent(copy, member);
+    copyContent(copy, member, target.cause);
     mergeAttributes(copy, member);
     adopt(copy, target);
 }
 
-void ConrefWalk::copyContent(DOMElement& to, DOMElement& from) {
+void ConrefWalk::copyContent(DOMElement& to, DOMElement& from, const CopyCause& cause) {
     for (DOMNode* const child : childrenOf(from)) {
-        DOMNode* const copy = document_.importNode(child, true);
+        DOMNode* const copy = importCopy(document_, *child, cause);
         // Before it is appended: `to` may stand in `child`, which then had another shape.
         if (DOMElement* const copiedElement = asElement(copy)) {
             lineage_.recordContent(*asElement(child), *copiedElement, from);

@@ -76,4 +76,13 @@ DOMElement* findConrefTarget(const DOMDocument& document, const HrefParts* parts
     return element;
 }
 
+DOMElement* elementOf(const DOMDocument& document, const HrefParts& parts) {
+    DOMElement* const container = findContainer(document, parts.topicId);
+    if (!container || parts.elementId.empty()) {
+        return container;
+    }
+    const AttrBasedElementNodeFilter withId(u"id", std::u16string(parts.elementId));
+    return ElementWalker(container, withId).nextNode();
+}
+
 }  // namespace marrowpress

@@ -19,4 +19,8 @@ struct HrefParts;
 xercesc::DOMElement* findConrefTarget(const xercesc::DOMDocument& document, const HrefParts* parts,
                                       const xercesc::DOMElement& reference);
 
+/// The element that `parts` name in `document`, whatever its tag name; null when there is none.
+/// Nothing is reported.
+xercesc::DOMElement* elementOf(const xercesc::DOMDocument& document, const HrefParts& parts);
+
 }  // namespace marrowpress

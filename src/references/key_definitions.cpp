@@ -1,11 +1,14 @@
 #include "references/key_definitions.h"
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "dom/attributes.h"
+#include "dom/copies.h"
 #include "dom/nodes.h"
 #include "references/document_kind.h"
 #include "references/key_space.h"
 #include "references/node_filters.h"
+#include "support/hrefs.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
 #include "xml/dom_parser.h"
@@ -42,6 +45,27 @@ const DOMElement* contentSource(const DOMElement& element, const DOMElement& def
     return linktext ? linktext : findChildByTag(u"navtitle", *meta);
 }
 
+void reportKeyNotFound(std::u16string_view keyName, const DOMElement& reference) {
+    // The name that the end of a chain leaves, and the marker of what is dealt with.
+    const bool isNobodysKey = keyName.empty() || keyName == kIgnoreKeyref;
+    ReportMessenger::instance().reportKeyNotFound(keyName, &reference, isNobodysKey);
+}
+
+/// Tells what of the definition's link does not come to `element`.
+void observeLink(RunObserver& observer, const DOMElement& element, const DOMElement& definition,
+                 std::u16string_view keyName, bool declaresHref) {
+    const bool isInDefinition = element.getOwnerDocument() == definition.getOwnerDocument();
+    if (isInDefinition && !declaresHref) {
+        observer.fault(
+            {.code = FaultCode::kKeyLinkDropped, .element = &element, .target = keyName});
+    }
+    const bool isWebLink = isExternalUri(attributeView(definition, u"href"));
+    if (!isInDefinition && declaresHref && isWebLink && !element.hasAttribute(u"scope")) {
+        observer.fault(
+            {.code = FaultCode::kNoEffect, .element = &element, .target = u"key-scope-format"});
+    }
+}
+
 }  // namespace
 
 std::u16string_view keyNameOf(std::u16string_view keyReference) {
@@ -74,7 +98,7 @@ std::u16string resolveKeyHref(const KeySpace& keySpace, std::u16string_view keyR
     }
     const DOMElement* const definition = keySpace.find(keyName, reference);
     if (!definition) {
-        ReportMessenger::instance().reportKeyNotFound(keyName, &reference);
+        reportKeyNotFound(keyName, reference);
         return {};
     }
     return effectiveKeyHref(keyReference, attributeView(*definition, u"href"), reference);
@@ -93,8 +117,11 @@ const DOMElement* applyKeyDefinition(DOMElement& element, const DOMElement* defi
         if (declaresHref && !href.empty()) {
             element.setAttribute(u"href", effectiveKeyHref(keyReference, href, element).c_str());
         }
+        if (RunObserver* const observer = RunObserver::existing(); observer && !href.empty()) {
+            observeLink(*observer, element, *definition, keyNameOf(keyReference), declaresHref);
+        }
     } else {
-        ReportMessenger::instance().reportKeyNotFound(keyNameOf(keyReference), &element);
+        reportKeyNotFound(keyNameOf(keyReference), element);
     }
     element.removeAttribute(u"keyref");
     return source;
@@ -104,7 +131,8 @@ const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definiti
                                  bool declaresHref) {
     const DOMElement* const source = contentSource(element, definition, declaresHref);
     if (source) {
-        appendCopies(element, childrenOf(*source));
+        appendCopies(element, childrenOf(*source),
+                     {&element, u"keyref", attributeView(element, u"keyref")});
     }
     return source;
 }

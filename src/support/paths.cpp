@@ -1,6 +1,11 @@
 #include "support/paths.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 #include <vector>
 
@@ -225,6 +230,19 @@ bool isIrregularFile(std::u16string_view path) noexcept try {
     return !error && std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
 } catch (...) {
     return false;
+}
+
+std::string unreadableReason(std::u16string_view path) {
+    // Not blocking: it may be a pipe that nobody writes to.
+    const int descriptor =
+        ::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) {
+        return std::generic_category().message(errno);
+    }
+    struct stat status {};
+    const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    ::close(descriptor);
+    return isRegular ? std::string() : std::string("not a regular file");
 }
 
 std::filesystem::path nativePath(std::u16string_view path) {

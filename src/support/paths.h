@@ -70,6 +70,9 @@ bool pathExists(std::u16string_view path);
 /// device, a pipe. Never throws; what can't be looked at isn't there.
 bool isIrregularFile(std::u16string_view path) noexcept;
 
+/// The system's reason, in UTF-8, why the file at `path` can't be read; empty when it can.
+std::string unreadableReason(std::u16string_view path);
+
 /// The path in the form of the standard library, its name in UTF-8.
 std::filesystem::path nativePath(std::u16string_view path);
 

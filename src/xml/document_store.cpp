@@ -2,10 +2,13 @@
 
 #include "application/host_operations.h"
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "dom/element_walker.h"
 #include "dom/nesting_depth.h"
+#include "support/paths.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
+#include "support/xerces_ptr.h"
 
 namespace marrowpress {
 namespace {
@@ -15,6 +18,76 @@ constexpr std::uint32_t kContext = 0;
 OpenDocumentRecord readRecord(std::uint32_t documentId) {
     const bool isFlagged = HostGetIntProp(kContext, documentId, HostProperty::kDocumentFlag) != 0;
     return {isFlagged ? OpenDocumentState::kFlagged : OpenDocumentState::kOpen, documentId};
+}
+
+DocumentGrammar grammarOf(const xercesc::DOMDocument& document, const ParseHistory& history) {
+    if (!document.getDoctype()) {
+        return DocumentGrammar::kNoDoctype;
+    }
+    if (!history.isReadWithoutDtd) {
+        return DocumentGrammar::kOwn;
+    }
+    const bool isInvalid = history.failureWithDtd && history.failureWithDtd->isOfValidity;
+    return isInvalid ? DocumentGrammar::kInvalid : DocumentGrammar::kNotFound;
+}
+
+SourcePlace placeOf(const ParseFailure& failure) {
+    return {SourcePlaces::existing()->fileNumber(failure.systemId),
+            static_cast<std::uint32_t>(failure.line), static_cast<std::uint32_t>(failure.column)};
+}
+
+/// Tells that the document was read without its DTD.
+void observeLostDtd(RunObserver& observer, const std::u16string& path,
+                    const xercesc::DOMDocument& document, std::u16string_view rootName,
+                    const ParseHistory& history) {
+    const xercesc::DOMDocumentType* const doctype = document.getDoctype();
+    const xercesc::DOMElement* const root = document.getDocumentElement();
+    ObservedFault fault{.code = FaultCode::kReadWithoutDtd, .elementName = rootName};
+    fault.target = path;
+    if (grammarOf(document, history) == DocumentGrammar::kInvalid) {
+        fault.code = FaultCode::kBreaksDtd;
+        fault.reason = history.failureWithDtd->reason;
+        fault.place = placeOf(*history.failureWithDtd);
+    } else if (doctype) {
+        fault.detail = domText(doctype->getPublicId());
+        fault.reason = domText(doctype->getSystemId());
+        fault.place = SourcePlaces::existing()->placeOf(*doctype);
+    } else if (root) {
+        fault.place = SourcePlaces::existing()->placeOf(*root);
+    }
+    observer.fault(fault);
+}
+
+/// Tells of a folder or file whose name holds what ends a path in every reference to it.
+void observeCutPath(RunObserver& observer, std::u16string_view path,
+                    const xercesc::DOMElement* reference) {
+    const std::size_t sign = path.find(u'#');
+    if (reference && sign != std::u16string_view::npos) {
+        observer.fault({.code = FaultCode::kPathIsCut,
+                        .element = reference,
+                        .target = path.substr(0, path.find(u'/', sign)),
+                        .detail = u"#"});
+    }
+}
+
+void observeRead(RunObserver& observer, const std::u16string& path,
+                 const xercesc::DOMDocument& document, const ParseHistory& history,
+                 const xercesc::DOMElement* reference) {
+    if (observer.isOwnFile(path)) {
+        return;
+    }
+    const xercesc::DOMElement* const root = document.getDocumentElement();
+    const std::u16string_view rootName = root ? domText(root->getTagName()) : std::u16string_view();
+    const DocumentGrammar grammar = grammarOf(document, history);
+    if (reference) {
+        SourcePlaces::existing()->recordReference(path, *reference);
+    }
+    observer.documentRead(path, rootName, grammar, reference);
+    observeCutPath(observer, path, reference);
+    // A profile has no DTD to lose.
+    if (grammar != DocumentGrammar::kOwn && rootName != u"val") {
+        observeLostDtd(observer, path, document, rootName, history);
+    }
 }
 
 }  // namespace
@@ -53,8 +126,15 @@ xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path,
     }
     recordIfOpen(path);
     xercesc::DOMDocument* const document = load(path);
-    if (!document) {
-        ReportMessenger::instance().reportCannotRead(path, reference);
+    RunObserver* const observer = RunObserver::existing();
+    if (document && observer) {
+        observeRead(*observer, path, *document, loader_.history(), reference);
+    } else if (!document) {
+        const ReadFailure failure = observer ? readFailureOf(path) : ReadFailure();
+        ReportMessenger::instance().reportCannotRead(path, reference, failure);
+        if (observer) {
+            observer->documentUnread(path, failure.reason, reference);
+        }
     }
     return document;
 }
@@ -85,6 +165,19 @@ xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
         }
         return nullptr;
     }
+}
+
+/// Why the file at `path` could not be read: the system's reason comes first.
+ReadFailure DocumentStore::readFailureOf(const std::u16string& path) const {
+    const std::string reason = unreadableReason(path);
+    if (!reason.empty()) {
+        return {toUtf16(reason), {}, 0, 0};
+    }
+    if (const ParseFailure* const failure = failureOf(path)) {
+        return {failure->reason, failure->systemId, static_cast<std::uint32_t>(failure->line),
+                static_cast<std::uint32_t>(failure->column)};
+    }
+    return {u"elements nest too deeply", {}, 0, 0};
 }
 
 const ParseFailure* DocumentStore::failureOf(const std::u16string& path) const {

@@ -9,6 +9,7 @@
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNodeFilter.hpp>
 
+#include "application/messengers.h"
 #include "support/text.h"
 #include "xml/dom_parser.h"
 
@@ -85,6 +86,7 @@ public:
 
 private:
     xercesc::DOMDocument* load(const std::u16string& path);
+    ReadFailure readFailureOf(const std::u16string& path) const;
     void recordIfOpen(const std::u16string& path);
     void removeFiltered(xercesc::DOMDocument* document) const;
 

@@ -7,6 +7,7 @@
 #include <xercesc/dom/DOM.hpp>
 
 #include "application/messengers.h"
+#include "application/run_observer.h"
 #include "dom/document_path.h"
 #include "dom/nesting_depth.h"
 #include "marrowpress/output_names.h"
@@ -74,6 +75,11 @@ void removeFile(const std::u16string& path) {
     }
 }
 
+WriteStatus reportFailure(const std::u16string& path, std::string_view reason) {
+    ReportMessenger::instance().reportCannotWrite(path, reason);
+    return WriteStatus::kFailed;
+}
+
 }  // namespace
 
 WriteStatus writeDocument(const xercesc::DOMDocument* document, const std::u16string& path) {
@@ -86,10 +92,16 @@ WriteStatus writeDocument(const xercesc::DOMDocument* document, const std::u16st
             return WriteStatus::kFailed;
         }
         serialize(*implementation, *document, path);
+        if (RunObserver* const observer = RunObserver::existing()) {
+            observer->noteOwnFile(path);
+        }
         return WriteStatus::kWritten;
+    } catch (const std::system_error& failure) {
+        return reportFailure(path, failure.code().message());
+    } catch (const std::exception& failure) {
+        return reportFailure(path, failure.what());
     } catch (...) {
-        ReportMessenger::instance().reportCannotWrite(path);
-        return WriteStatus::kFailed;
+        return reportFailure(path, {});
     }
 }
 

@@ -1,15 +1,13 @@
 #include "xml/dom_parser.h"
 
 #include <utility>
-#include <xercesc/framework/XMLValidator.hpp>
-#include <xercesc/internal/IGXMLScanner.hpp>
 #include <xercesc/util/SecurityManager.hpp>
-#include <xercesc/validators/DTD/DTDElementDecl.hpp>
 
 #include "support/scope_exit.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/mapped_input.h"
+#include "xml/place_recording_parser.h"
 
 namespace marrowpress {
 namespace {
@@ -51,44 +49,17 @@ void applySettings(QSXercesDOMParser& parser, xercesc::HandlerBase* errorHandler
     parser.setSecurityManager(expansionLimit());
 }
 
+std::unique_ptr<QSXercesDOMParser> makeParser() {
+    if (SourcePlaces* const places = SourcePlaces::existing()) {
+        return std::make_unique<PlaceRecordingDOMParser>(*places);
+    }
+    return std::make_unique<QSXercesDOMParser>();
+}
+
 }  // namespace
 
-QSXercesParseException::QSXercesParseException(unsigned int code, const XMLCh* text,
-                                               const char* sourceName, XMLFileLoc line,
-                                               XMLFileLoc column)
-    : XMLException(sourceName, line, nullptr), column_(column) {
-    loadExceptText(static_cast<xercesc::XMLExcepts::Codes>(code), text, nullptr, nullptr, nullptr);
-}
-
-QSXercesDOMParser::QSXercesDOMParser()
-    : XercesDOMParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, nullptr) {}
-
-void QSXercesDOMParser::error(unsigned int code, const XMLCh* /*domain*/,
-                              xercesc::XMLErrorReporter::ErrTypes /*type*/, const XMLCh* text,
-                              const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
-                              XMLFileLoc column) {
-    if (!failure_) {
-        failure_ = {std::u16string(domText(text)), std::u16string(domText(systemId)), line, column};
-    }
-    // The source is named by its public identifier: the file's name varies from place to place.
-    const std::string sourceName = toUtf8(publicId).value_or(std::string());
-    throw QSXercesParseException(code, text, sourceName.c_str(), line, column);
-}
-
-bool QSXercesDOMParser::declaresAttribute(const XMLCh* element, const XMLCh* attribute) const {
-    const auto* const scanner = dynamic_cast<const xercesc::IGXMLScanner*>(getScanner());
-    const xercesc::XMLValidator* const validator = scanner ? scanner->getValidator() : nullptr;
-    xercesc::Grammar* const grammar = validator ? validator->getGrammar() : nullptr;
-    if (!grammar) {
-        return false;
-    }
-    auto* const declaration = dynamic_cast<xercesc::DTDElementDecl*>(grammar->getElemDecl(
-        scanner->getEmptyNamespaceId(), nullptr, element, xercesc::Grammar::TOP_LEVEL_SCOPE));
-    return declaration && declaration->getAttDef(attribute);
-}
-
 ParserBundle::ParserBundle()
-    : parser_(std::make_unique<QSXercesDOMParser>()),
+    : parser_(makeParser()),
       errorHandler_(std::make_unique<xercesc::HandlerBase>()),
       entityResolver_(std::make_unique<QSXMLEntityResolver>()) {
     applySettings(*parser_, errorHandler_.get(), entityResolver_.get());
@@ -99,13 +70,19 @@ ParserBundle::~ParserBundle() {
 }
 
 xercesc::DOMDocument* ParserBundle::parseFile(const std::u16string& path, unsigned retryMask) {
-    if (path.empty()) {
-        return nullptr;
-    }
+    history_ = {};
+    return path.empty() ? nullptr : parseWithRetries(path, retryMask);
+}
+
+xercesc::DOMDocument* ParserBundle::parseWithRetries(const std::u16string& path,
+                                                     unsigned retryMask) {
     Retry retry = Retry::kNone;
     try {
         return parseOnce(path);
     } catch (const xercesc::XMLException& failure) {
+        if (parser_->getLoadExternalDTD()) {
+            history_.failureWithDtd = parser_->failure();
+        }
         retry = retryAfter(failure, retryMask);
         if (retry == Retry::kNone) {
             throw;
@@ -122,7 +99,9 @@ xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
     const ScopeExit endSession([] { sendEnd(); });
     const MemMapLocalFileInputSource source(path.c_str(),
                                             xercesc::XMLPlatformUtils::fgMemoryManager);
+    parser_->beginFile(path);
     parser_->parse(source);
+    parser_->endFile();
     return parser_->getDocument();
 }
 
@@ -136,7 +115,8 @@ xercesc::DOMDocument* ParserBundle::retryWithoutValidation(const std::u16string&
     });
     parser_->setValidationScheme(xercesc::XercesDOMParser::Val_Never);
     parser_->setLoadExternalDTD(false);
-    return parseFile(path, retryMask);
+    history_.isReadWithoutDtd = true;
+    return parseWithRetries(path, retryMask);
 }
 
 xercesc::DOMDocument* ParserBundle::retryWithoutGrammarCache(const std::u16string& path,
@@ -150,7 +130,7 @@ xercesc::DOMDocument* ParserBundle::retryWithoutGrammarCache(const std::u16strin
     });
     parser_->cacheGrammarFromParse(false);
     parser_->useCachedGrammarInParse(false);
-    return parseFile(path, retryMask);
+    return parseWithRetries(path, retryMask);
 }
 
 }  // namespace marrowpress

@@ -4,6 +4,7 @@
 #include <xercesc/dom/DOMDocumentType.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
 
+#include "application/run_observer.h"
 #include "dom/document_path.h"
 #include "support/request_singleton.h"
 #include "support/scope_exit.h"
@@ -13,6 +14,28 @@
 namespace marrowpress {
 namespace {
 
+/// Loads a DTD; tells, before the exception goes on, why that fails.
+void loadDtd(QSXercesDOMParser& parser, const xercesc::InputSource& dtd,
+             const std::u16string& path) {
+    constexpr bool kToCache = false;
+    try {
+        parser.loadGrammar(dtd, xercesc::Grammar::DTDGrammarType, kToCache);
+    } catch (...) {
+        if (RunObserver* const observer = RunObserver::existing()) {
+            ObservedFault fault{.code = FaultCode::kCannotRead};
+            fault.target = path;
+            if (const std::optional<ParseFailure>& failure = parser.failure()) {
+                fault.reason = failure->reason;
+                fault.place = {SourcePlaces::existing()->fileNumber(failure->systemId),
+                               static_cast<std::uint32_t>(failure->line),
+                               static_cast<std::uint32_t>(failure->column)};
+            }
+            observer->fault(fault);
+        }
+        throw;
+    }
+}
+
 /// A bundle whose parser holds the DTD at `path`, as the grammar of its scanner; none for an
 /// empty path.
 ParserBundle bundleWithDtd(const std::u16string& path) {
@@ -21,8 +44,7 @@ ParserBundle bundleWithDtd(const std::u16string& path) {
         // Not by name, for the engine would then open whatever kind of file it is.
         const MemMapLocalFileInputSource dtd(path.c_str(),
                                              xercesc::XMLPlatformUtils::fgMemoryManager);
-        constexpr bool kToCache = false;
-        bundle.parser().loadGrammar(dtd, xercesc::Grammar::DTDGrammarType, kToCache);
+        loadDtd(bundle.parser(), dtd, path);
     }
     return bundle;
 }

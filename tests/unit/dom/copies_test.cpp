@@ -1,5 +1,6 @@
 #include "dom/copies.h"
 
+#include "dom/nodes.h"
 #include "tests/support/xml_text.h"
 
 namespace marrowpress {
@@ -55,6 +56,22 @@ TEST_F(CopiesTest, AttributesOfTheCopyMayBeChangedMeanwhile) {
     });
     EXPECT_EQ(walked(copy, *copy), "+r +a +b +c +d +e");
     EXPECT_EQ(walked(parsed.root(), *parsed.root()), "r a b c d e");
+}
+
+TEST_F(CopiesTest, CopiesAreAppendedWithAllBelowThem) {
+    const ParsedXml source("<p>1<a id='a'><b id='b'/></a><!--2--><?three?><c id='c'/></p>");
+    const ParsedXml target("<q>0</q>");
+    appendCopies(*target.root(), childrenOf(*source.root()), {});
+    EXPECT_EQ(printed(*target.root()),
+              "<q>01<a id=\"a\"><b id=\"b\"/></a><!--2--><?three?><c id=\"c\"/></q>");
+    EXPECT_EQ(target.byId("b")->getOwnerDocument(), &target.document());
+    EXPECT_EQ(childrenOf(*source.root()).size(), 5U);
+}
+
+TEST_F(CopiesTest, CopiesMayBeOfTheTargetItself) {
+    const ParsedXml parsed("<p><a/>1</p>");
+    appendCopies(*parsed.root(), {parsed.root()}, {});
+    EXPECT_EQ(printed(*parsed.root()), "<p><a/>1<p><a/>1</p></p>");
 }
 
 }  // namespace

@@ -74,22 +74,6 @@ TEST_F(NodesTest, RemovedChildrenStayAlive) {
     EXPECT_EQ(printed(*parsed.root()), "<p/>");
 }
 
-TEST_F(NodesTest, CopiesAreAppendedWithAllBelowThem) {
-    const ParsedXml source(kMixed);
-    const ParsedXml target("<q>0</q>");
-    appendCopies(*target.root(), childrenOf(*source.root()));
-    EXPECT_EQ(printed(*target.root()),
-              "<q>01<a id=\"a\"><b id=\"b\"/></a><!--2--><?three?><c id=\"c\"/></q>");
-    EXPECT_EQ(target.byId("b")->getOwnerDocument(), &target.document());
-    EXPECT_EQ(childrenOf(*source.root()).size(), 5U);
-}
-
-TEST_F(NodesTest, CopiesMayBeOfTheTargetItself) {
-    const ParsedXml parsed("<p><a/>1</p>");
-    appendCopies(*parsed.root(), {parsed.root()});
-    EXPECT_EQ(printed(*parsed.root()), "<p><a/>1<p><a/>1</p></p>");
-}
-
 TEST_F(NodesTest, ANodeIsWithinItselfAndWhatIsAboveIt) {
     const ParsedXml parsed(kMixed);
     EXPECT_TRUE(isWithin(*parsed.byId("b"), *parsed.byId("b")));

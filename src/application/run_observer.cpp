@@ -1,0 +1,219 @@
+#include "application/run_observer.h"
+
+#include <memory>
+#include <utility>
+
+#include "application/connection.h"
+#include "dom/attributes.h"
+#include "dom/copies.h"
+#include "support/text.h"
+#include "support/xerces_ptr.h"
+
+namespace marrowpress {
+namespace {
+
+using xercesc::DOMElement;
+
+constexpr std::size_t kMostFaults = 100000;
+
+std::unique_ptr<RunObserver>& requestObserver() {
+    static std::unique_ptr<RunObserver> observer;
+    return observer;
+}
+
+std::string tagNameOf(const DOMElement* element) {
+    return element ? toUtf8(domText(element->getTagName())) : std::string();
+}
+
+std::vector<SourceStep> stepsTo(const ObservedFault& fault, const SourcePlaces& places) {
+    if (!fault.element) {
+        return places.stepsTo(fault.place);
+    }
+    std::vector<SourceStep> steps = places.stepsTo(*fault.element);
+    if (fault.place.file != 0) {
+        const CopyCause cause = causeOf(*fault.element);
+        steps.front().attribute = cause.attribute;
+        steps.front().target = cause.target;
+        steps.insert(steps.begin(), {fault.place, nullptr, {}});
+    }
+    return steps;
+}
+
+}  // namespace
+
+RunObserver* RunObserver::existing() noexcept {
+    return requestObserver().get();
+}
+
+void RunObserver::begin() {
+    const QsApiInterfacesC* const host = QsApiInterfacesC::connected();
+    if (host && host->observer) {
+        SourcePlaces::begin();
+        requestObserver() = std::make_unique<RunObserver>(host->observer.get());
+    }
+}
+
+void RunObserver::end() noexcept {
+    requestObserver().reset();
+    SourcePlaces::end();
+}
+
+void RunObserver::phase(const char* name) {
+    sendAt(nullptr, ObservationKind::kPhase, 0, {.target = name});
+}
+
+void RunObserver::documentRead(std::u16string_view path, std::u16string_view rootName,
+                               DocumentGrammar grammar, const Element* reference) {
+    sendAt(reference, ObservationKind::kDocumentRead, static_cast<std::uint32_t>(grammar),
+           {.element = toUtf8(rootName), .target = toUtf8(path)});
+}
+
+void RunObserver::documentUnread(std::u16string_view path, std::u16string_view reason,
+                                 const Element* reference) {
+    unreadFiles_.emplace(path);
+    sendAt(reference, ObservationKind::kDocumentUnread, 0,
+           {.element = tagNameOf(reference), .target = toUtf8(path), .reason = toUtf8(reason)});
+}
+
+void RunObserver::keyDefinition(std::u16string_view key, std::u16string_view href, KeyState state,
+                                const Element& definition) {
+    sendAt(&definition, ObservationKind::kKeyDefinition, static_cast<std::uint32_t>(state),
+           {.element = tagNameOf(&definition), .target = toUtf8(key), .detail = toUtf8(href)});
+}
+
+void RunObserver::topic(std::u16string_view path, const Element& reference) {
+    ++topicCount_;
+    sendAt(&reference, ObservationKind::kTopic, 0,
+           {.element = tagNameOf(&reference), .target = toUtf8(path)});
+}
+
+void RunObserver::component(std::u16string_view path, std::u16string_view source,
+                            const Element& reference) {
+    sendAt(&reference, ObservationKind::kComponent, 0,
+           {.element = tagNameOf(&reference), .target = toUtf8(path), .detail = toUtf8(source)});
+}
+
+void RunObserver::conditionValue(std::u16string_view attribute, std::u16string_view value,
+                                 const Element& element) {
+    // No attribute's name holds a blank.
+    const bool isNew =
+        conditionValues_.insert(std::u16string(attribute).append(u" ").append(value)).second;
+    if (isNew) {
+        sendAt(
+            &element, ObservationKind::kConditionValue, 0,
+            {.element = tagNameOf(&element), .target = toUtf8(attribute), .detail = toUtf8(value)});
+    }
+}
+
+void RunObserver::outputWritten(std::u16string_view path) {
+    sendAt(nullptr, ObservationKind::kOutputWritten, 0, {.target = toUtf8(path)});
+}
+
+void RunObserver::runFailed(std::string_view reason) {
+    sendAt(nullptr, ObservationKind::kRunFailed, 0, {.reason = std::string(reason)});
+}
+
+void RunObserver::fault(const ObservedFault& fault) {
+    if (faults_.size() >= kMostFaults) {
+        ++droppedFaults_;
+        return;
+    }
+    // The way is taken now: what refers may have lost its attributes, or its place, by the end.
+    faults_.push_back({fault.code,
+                       fault.element,
+                       fault.isArtefact,
+                       fault.outlivesElement,
+                       {fault.element ? tagNameOf(fault.element) : toUtf8(fault.elementName),
+                        toUtf8(fault.target), toUtf8(fault.detail), toUtf8(fault.reason),
+                        std::string(fault.line)},
+                       stepsTo(fault, *SourcePlaces::existing()),
+                       fault.related});
+}
+
+void RunObserver::finish(const std::function<bool(const Element&)>& isPublished) {
+    for (const PendingFault& fault : faults_) {
+        const bool isArtefact = fault.isArtefact || (fault.element && !fault.outlivesElement &&
+                                                     !isPublished(*fault.element));
+        send(ObservationKind::kFault, static_cast<std::uint32_t>(fault.code), fault.texts,
+             fault.steps, isArtefact ? kArtefact : 0, fault.related);
+    }
+    faults_.clear();
+    if (droppedFaults_ > 0) {
+        sendAt(nullptr, ObservationKind::kFaultsDropped, static_cast<std::uint32_t>(droppedFaults_),
+               {});
+    }
+}
+
+std::u16string_view RunObserver::bearerOf(std::u16string_view id,
+                                          const xercesc::DOMDocument& document) {
+    const auto [entry, isNew] = bearers_.try_emplace(&document);
+    TagNames& tagNames = entry->second;
+    DOMElement* const root = document.getDocumentElement();
+    for (DOMElement* element = isNew ? root : nullptr; element;
+         element = nextInSubtree(element, *root)) {
+        const std::u16string_view ownId = attributeView(*element, u"id");
+        if (!ownId.empty()) {
+            tagNames.try_emplace(std::u16string(ownId), domText(element->getTagName()));
+        }
+    }
+    const auto bearer = tagNames.find(id);
+    return bearer == tagNames.end() ? std::u16string_view() : bearer->second;
+}
+
+void RunObserver::sendAt(const Element* element, ObservationKind kind, std::uint32_t code,
+                         Texts texts) {
+    send(kind, code, texts,
+         element ? SourcePlaces::existing()->stepsTo(*element) : std::vector<SourceStep>(1));
+}
+
+void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& texts,
+                       const std::vector<SourceStep>& steps, std::uint32_t flags,
+                       const std::vector<SourcePlace>& related) {
+    std::vector<std::string> names;
+    names.reserve(2 * steps.size());
+    std::vector<ObservedStep> observedSteps;
+    for (const SourceStep& step : steps) {
+        names.push_back(step.attribute ? toUtf8(domText(step.attribute)) : std::string());
+        names.push_back(toUtf8(step.target));
+        observedSteps.push_back(
+            {observed(step.place), names[names.size() - 2].c_str(), names.back().c_str()});
+    }
+    if (observedSteps.empty()) {
+        observedSteps.push_back({observed({}), "", ""});
+    }
+    std::vector<ObservedPlace> observedRelated;
+    for (const SourcePlace& place : related) {
+        observedRelated.push_back(observed(place));
+    }
+    const Observation observation{kind,
+                                  code,
+                                  flags,
+                                  texts.element.c_str(),
+                                  texts.target.c_str(),
+                                  texts.detail.c_str(),
+                                  texts.reason.c_str(),
+                                  texts.line.c_str(),
+                                  observedSteps.data(),
+                                  static_cast<std::uint32_t>(observedSteps.size()),
+                                  observedRelated.data(),
+                                  static_cast<std::uint32_t>(observedRelated.size())};
+    observer_->observe(&observation);
+}
+
+ObservedPlace RunObserver::observed(const SourcePlace& place) {
+    return {place.file == 0 ? nullptr : pathOf(place), place.line, place.column};
+}
+
+/// The path of the place's file in UTF-8, converted once.
+const char* RunObserver::pathOf(const SourcePlace& place) {
+    if (paths_.size() <= place.file) {
+        paths_.resize(place.file + 1);
+    }
+    std::string& path = paths_[place.file];
+    if (path.empty()) {
+        path = toUtf8(SourcePlaces::existing()->filePath(place.file));
+    }
+    return path.c_str();
+}
+
+}  // namespace marrowpress

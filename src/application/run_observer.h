@@ -1,0 +1,134 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMElement.hpp>
+
+#include "dom/source_places.h"
+#include "marrowpress/interface_ref.h"
+#include "marrowpress/observer.h"
+
+namespace marrowpress {
+
+/// What a pass knows of a fault.
+struct ObservedFault {
+    FaultCode code;
+    const xercesc::DOMElement* element = nullptr;  ///< at fault; null where there is none
+    /// The tag name of what is at fault, where that is none of the elements to be shown.
+    std::u16string_view elementName = {};
+    std::u16string_view target = {};
+    std::u16string_view detail = {};
+    std::u16string_view reason = {};
+    std::string_view line = {};  ///< the report line, UTF-8
+    /// Where the fault is, when that is not the element's start tag. The element is the reference
+    /// that led there then.
+    SourcePlace place = {};
+    std::vector<SourcePlace> related = {};
+    bool isArtefact = false;
+    /// Whether it counts whatever becomes of the element, which the run itself takes out.
+    bool outlivesElement = false;
+};
+
+/// Tells the host's observer what a run meets. There is one only while a host
+/// has an observer: passes ask for it and do nothing more without it.
+///
+///     if (RunObserver* const observer = RunObserver::existing()) {
+///         observer->phase("keys");
+///     }
+///
+/// Faults wait for the end of the run: only then is it known whether their
+/// elements are part of the publication. At most 100,000 of them do.
+class RunObserver {
+public:
+    using Element = xercesc::DOMElement;
+
+    explicit RunObserver(IHostObserver* observer)
+        : observer_(InterfaceRef<IHostObserver>::share(observer)) {}
+
+    /// The observer of the request; null without one.
+    static RunObserver* existing() noexcept;
+    /// Makes the observer of the request, and the table of places, if the host has one.
+    static void begin();
+    static void end() noexcept;
+
+    void phase(const char* name);
+    void documentRead(std::u16string_view path, std::u16string_view rootName,
+                      DocumentGrammar grammar, const Element* reference);
+    void documentUnread(std::u16string_view path, std::u16string_view reason,
+                        const Element* reference);
+    void keyDefinition(std::u16string_view key, std::u16string_view href, KeyState state,
+                       const Element& definition);
+    void topic(std::u16string_view path, const Element& reference);
+    void component(std::u16string_view path, std::u16string_view source, const Element& reference);
+    /// Tells each pair once.
+    void conditionValue(std::u16string_view attribute, std::u16string_view value,
+                        const Element& element);
+    void outputWritten(std::u16string_view path);
+
+    /// Whether the file at `path` was asked for in vain.
+    bool isUnread(const std::u16string& path) const { return unreadFiles_.contains(path); }
+
+    /// The run has made the file at `path` itself; it is no source.
+    void noteOwnFile(std::u16string_view path) { ownFiles_.emplace(path); }
+    bool isOwnFile(const std::u16string& path) const { return ownFiles_.contains(path); }
+
+    void runFailed(std::string_view reason);
+
+    void fault(const ObservedFault& fault);
+
+    /// Sends the faults, those first that were met first. `isPublished` says whether an element is
+    /// part of the publication.
+    void finish(const std::function<bool(const Element&)>& isPublished);
+
+    /// The tag name of the first element of `document` with that id, as it was when the document
+    /// was first looked at; empty when none has it.
+    std::u16string_view bearerOf(std::u16string_view id, const xercesc::DOMDocument& document);
+
+    /// Topics that have come into the output.
+    std::size_t topicCount() const noexcept { return topicCount_; }
+
+private:
+    /// The texts of an observation.
+    struct Texts {
+        std::string element = {};
+        std::string target = {};
+        std::string detail = {};
+        std::string reason = {};
+        std::string line = {};
+    };
+    struct PendingFault {
+        FaultCode code;
+        const Element* element;
+        bool isArtefact;
+        bool outlivesElement;
+        Texts texts;
+        std::vector<SourceStep> steps;
+        std::vector<SourcePlace> related;
+    };
+
+    void send(ObservationKind kind, std::uint32_t code, const Texts& texts,
+              const std::vector<SourceStep>& steps, std::uint32_t flags = 0,
+              const std::vector<SourcePlace>& related = {});
+    void sendAt(const Element* element, ObservationKind kind, std::uint32_t code, Texts texts);
+    const char* pathOf(const SourcePlace& place);
+    ObservedPlace observed(const SourcePlace& place);
+
+    InterfaceRef<IHostObserver> observer_;
+    std::vector<PendingFault> faults_;
+    std::size_t droppedFaults_ = 0;
+    std::size_t topicCount_ = 0;
+    std::unordered_set<std::u16string> ownFiles_;
+    std::unordered_set<std::u16string> unreadFiles_;
+    std::unordered_set<std::u16string> conditionValues_;
+    using TagNames = std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>>;
+    std::unordered_map<const xercesc::DOMDocument*, TagNames> bearers_;  ///< by id
+    std::vector<std::string> paths_;  ///< by file number; empty until one is asked for
+};
+
+}  // namespace marrowpress

@@ -1,0 +1,100 @@
+#include "xml/place_recording_parser.h"
+
+#include <xercesc/internal/ReaderMgr.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
+
+#include "support/xerces_ptr.h"
+
+namespace marrowpress {
+
+void PlaceRecordingDOMParser::beginFile(const std::u16string& path) {
+    ownFile_ = places_.fileNumber(path);
+    lastEnd_ = {ownFile_, 1, 1};
+    openEntities_ = 0;
+    openElements_.clear();
+    recorded_.clear();
+}
+
+void PlaceRecordingDOMParser::endFile() {
+    for (const auto& [node, place] : recorded_) {
+        places_.record(*node, place);
+    }
+    recorded_.clear();
+}
+
+void PlaceRecordingDOMParser::docCharacters(const XMLCh* chars, XMLSize_t length,
+                                            bool isCdataSection) {
+    XercesDOMParser::docCharacters(chars, length, isCdataSection);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::docComment(const XMLCh* comment) {
+    XercesDOMParser::docComment(comment);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::docPI(const XMLCh* target, const XMLCh* data) {
+    XercesDOMParser::docPI(target, data);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::ignorableWhitespace(const XMLCh* chars, XMLSize_t length,
+                                                  bool isCdataSection) {
+    XercesDOMParser::ignorableWhitespace(chars, length, isCdataSection);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::doctypeDecl(const xercesc::DTDElementDecl& root,
+                                          const XMLCh* publicId, const XMLCh* systemId,
+                                          bool hasInternalSubset, bool hasExternalSubset) {
+    XercesDOMParser::doctypeDecl(root, publicId, systemId, hasInternalSubset, hasExternalSubset);
+    recorded_.emplace_back(getDocument()->getDoctype(), lastEnd_);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::startElement(const xercesc::XMLElementDecl& declaration,
+                                           unsigned int uriId, const XMLCh* prefix,
+                                           const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                           XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    openElements_.push_back(lastEnd_);
+    noteEventEnd();
+    XercesDOMParser::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
+                                  isRoot);
+}
+
+void PlaceRecordingDOMParser::endElement(const xercesc::XMLElementDecl& declaration,
+                                         unsigned int uriId, bool isRoot, const XMLCh* prefix) {
+    // Here and not at the start: of an empty element the engine reports both within one call.
+    recorded_.emplace_back(fCurrentParent, openElements_.back());
+    openElements_.pop_back();
+    XercesDOMParser::endElement(declaration, uriId, isRoot, prefix);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    ++openEntities_;
+    XercesDOMParser::startEntityReference(declaration);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
+    --openEntities_;
+    XercesDOMParser::endEntityReference(declaration);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::noteEventEnd() {
+    const xercesc::ReaderMgr& readers = *getScanner()->getReaderMgr();
+    lastEnd_ = {currentFile(), static_cast<std::uint32_t>(readers.getLineNumber()),
+                static_cast<std::uint32_t>(readers.getColumnNumber())};
+}
+
+/// The document's own file, unless an external entity is being read.
+std::uint32_t PlaceRecordingDOMParser::currentFile() {
+    if (openEntities_ == 0) {
+        return ownFile_;
+    }
+    return places_.fileNumber(domText(getScanner()->getReaderMgr()->getSystemId()));
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/XMLException.hpp>
+
+namespace marrowpress {
+
+/// A diagnostic of the parser, thrown. The code is the parser's own number, and
+/// the message the text that the Xerces exception catalogue has for it.
+class QSXercesParseException final : public xercesc::XMLException {
+public:
+    /// `sourceName` is UTF-8 and is copied.
+    QSXercesParseException(unsigned int code, const XMLCh* text, const char* sourceName,
+                           XMLFileLoc line, XMLFileLoc column);
+
+    const XMLCh* getType() const override { return u"QSXercesParseException"; }
+    XMLFileLoc getColumn() const noexcept { return column_; }
+
+private:
+    XMLFileLoc column_;
+};
+
+/// Why a file could not be read, as the parser said it.
+struct ParseFailure {
+    std::u16string reason;    ///< the engine's words, in its language
+    std::u16string systemId;  ///< of the file or entity that it was reading
+    XMLFileLoc line = 0;      ///< from 1, like the column; 0 where it is of no place
+    XMLFileLoc column = 0;
+    bool isOfValidity = false;  ///< it breaks its DTD; else it can't be read with it, or at all
+};
+
+/// A parser for plain Xerces trees that throws each diagnostic, warnings and
+/// validity errors included, as a `QSXercesParseException`.
+class QSXercesDOMParser : public xercesc::XercesDOMParser {
+public:
+    QSXercesDOMParser();
+
+    /// A parse of the file at `path` begins, and has come to its end, in this order; the latter is
+    /// left out when it fails.
+    virtual void beginFile(const std::u16string& path);
+    virtual void endFile();
+
+    void error(unsigned int code, const XMLCh* domain, xercesc::XMLErrorReporter::ErrTypes type,
+               const XMLCh* text, const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
+               XMLFileLoc column) override;
+
+    /// The first diagnostic since the last `forgetFailure`. The engine takes one that is thrown for
+    /// an accident of its own and reports that as well: the first is the one that says what is
+    /// wrong.
+    const std::optional<ParseFailure>& failure() const noexcept { return failure_; }
+    void forgetFailure() noexcept { failure_.reset(); }
+
+    /// Whether the grammar that was loaded last is a DTD that declares `attribute` for `element`.
+    bool declaresAttribute(const XMLCh* element, const XMLCh* attribute) const;
+
+private:
+    std::optional<ParseFailure> failure_;
+};
+
+}  // namespace marrowpress
