@@ -6,6 +6,7 @@
 #include "application/connection.h"
 #include "dom/attributes.h"
 #include "dom/copies.h"
+#include "support/hrefs.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 
@@ -114,6 +115,9 @@ void RunObserver::runFailed(std::string_view reason) {
 }
 
 void RunObserver::fault(const ObservedFault& fault) {
+    if (fault.code == FaultCode::kCannotRead || fault.code == FaultCode::kReferencedFileNotFound) {
+        withoutFile_.insert(fault.element);
+    }
     if (faults_.size() >= kMostFaults) {
         ++droppedFaults_;
         return;
@@ -124,10 +128,24 @@ void RunObserver::fault(const ObservedFault& fault) {
                        fault.isArtefact,
                        fault.outlivesElement,
                        {fault.element ? tagNameOf(fault.element) : toUtf8(fault.elementName),
-                        toUtf8(fault.target), toUtf8(fault.detail), toUtf8(fault.reason),
-                        std::string(fault.line)},
+                        toUtf8(inSourceTerms(fault.target)), toUtf8(fault.detail),
+                        toUtf8(fault.reason), std::string(fault.line)},
                        stepsTo(fault, *SourcePlaces::existing()),
                        fault.related});
+}
+
+/// `target` by the path and the id that an author knows, where it is a topic of the output.
+std::u16string RunObserver::inSourceTerms(std::u16string_view target) const {
+    const HrefParts parts = splitHref(target);
+    const auto source = sourceTopics_.find(parts.topicId);
+    if (source == sourceTopics_.end()) {
+        return std::u16string(target);
+    }
+    std::u16string named = source->second;
+    if (!parts.elementId.empty()) {
+        named.append(u"/").append(parts.elementId);
+    }
+    return named;
 }
 
 void RunObserver::finish(const std::function<bool(const Element&)>& isPublished) {

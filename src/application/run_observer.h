@@ -71,8 +71,18 @@ public:
                         const Element& element);
     void outputWritten(std::u16string_view path);
 
+    /// The topic `source`, a path with the id behind "#", has got the id `newId` in the output.
+    void noteTopicId(std::u16string_view newId, std::u16string_view source) {
+        sourceTopics_.emplace(newId, source);
+    }
+
     /// Whether the file at `path` was asked for in vain.
     bool isUnread(const std::u16string& path) const { return unreadFiles_.contains(path); }
+
+    /// Whether it was told of `element` that the file that it leads to is missing or unreadable.
+    bool hasToldMissingFile(const Element& element) const {
+        return withoutFile_.contains(&element);
+    }
 
     /// The run has made the file at `path` itself; it is no source.
     void noteOwnFile(std::u16string_view path) { ownFiles_.emplace(path); }
@@ -116,6 +126,7 @@ private:
               const std::vector<SourceStep>& steps, std::uint32_t flags = 0,
               const std::vector<SourcePlace>& related = {});
     void sendAt(const Element* element, ObservationKind kind, std::uint32_t code, Texts texts);
+    std::u16string inSourceTerms(std::u16string_view target) const;
     const char* pathOf(const SourcePlace& place);
     ObservedPlace observed(const SourcePlace& place);
 
@@ -125,6 +136,9 @@ private:
     std::size_t topicCount_ = 0;
     std::unordered_set<std::u16string> ownFiles_;
     std::unordered_set<std::u16string> unreadFiles_;
+    std::unordered_set<const Element*> withoutFile_;
+    /// By the id in the output.
+    std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>> sourceTopics_;
     std::unordered_set<std::u16string> conditionValues_;
     using TagNames = std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>>;
     std::unordered_map<const xercesc::DOMDocument*, TagNames> bearers_;  ///< by id

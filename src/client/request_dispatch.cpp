@@ -8,8 +8,8 @@
 #include "client/client_attachment.h"
 #include "client/xml_session.h"
 #include "publish/output_formats.h"
-#include "publish/output_observation.h"
 #include "publish/publish_result.h"
+#include "references/published_content.h"
 
 namespace marrowpress {
 namespace {

@@ -15,6 +15,7 @@
 #include "references/conref_resolution.h"
 #include "references/document_kind.h"
 #include "references/keyref_resolution.h"
+#include "references/published_content.h"
 #include "references/reference_paths.h"
 #include "support/hrefs.h"
 #include "support/text.h"
@@ -36,6 +37,7 @@ void observePull(const DOMElement& reference, const DOMDocument& target, std::u1
         return;
     }
     const std::u16string href = documentPath(target).append(u"#").append(id);
+    const bool isArtefact = !isPublished(reference);
     const std::u16string keys = attributeOf(reference, u"keys");
     for (const std::u16string_view key : splitTokens(keys)) {
         observer->keyDefinition(key, href, KeyState::kLost, reference);
@@ -43,6 +45,7 @@ void observePull(const DOMElement& reference, const DOMDocument& target, std::u1
                          .element = &reference,
                          .target = key,
                          .detail = href,
+                         .isArtefact = isArtefact,
                          .outlivesElement = true});
     }
     const AttrBasedElementNodeFilter withId(u"id", std::u16string(id));
@@ -50,6 +53,7 @@ void observePull(const DOMElement& reference, const DOMDocument& target, std::u1
         observer->fault({.code = FaultCode::kFragmentNotFound,
                          .element = &reference,
                          .target = href,
+                         .isArtefact = isArtefact,
                          .outlivesElement = true});
     }
 }

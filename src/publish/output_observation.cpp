@@ -15,7 +15,6 @@
 #include "references/conref_target.h"
 #include "references/direct_references.h"
 #include "references/document_kind.h"
-#include "references/exclusion_filter.h"
 #include "references/multimedia_node_filters.h"
 #include "references/multimedia_references.h"
 #include "references/node_filters.h"
@@ -208,6 +207,9 @@ void OutputObservation::observeInside(const Link& link, const HrefParts& parts) 
 void OutputObservation::observeOutside(const Link& link, const HrefParts& parts) {
     const std::u16string path(parts.path);
     if (!isThere(path)) {
+        if (observer_.hasToldMissingFile(*link.element)) {
+            return;
+        }
         fault(FaultCode::kLinkTargetMissing, *link.element, path);
         return;
     }
@@ -296,22 +298,6 @@ void observeOutput(RunObserver& observer, const PublishResult& result,
                     .element = map.getDocumentElement(),
                     .target = mapPath,
                     .outlivesElement = true});
-}
-
-bool isPublished(const DOMElement& element) {
-    static const TopicNodeFilter topics;
-    static const ReltableNodeFilter reltables;
-    const bool isInMap = classifyDocument(element.getOwnerDocument()) == DitaDocKind::DitaDocMap;
-    const DOMNode* node = &element;
-    while (const DOMElement* const around = asElement(node)) {
-        if (isExcluded(*around) ||
-            (isInMap && (selects(reltables, around) || selects(topics, around)))) {
-            return false;
-        }
-        node = around->getParentNode();
-    }
-    // What was taken out ends below the document.
-    return node;
 }
 
 }  // namespace marrowpress

@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "application/run_observer.h"
 #include "dom/attributes.h"
 #include "dom/document_path.h"
 #include "dom/element_walker.h"
@@ -127,7 +128,11 @@ void ReferenceNormalizer::regenerateTopicIds(DOMElement* root, const std::u16str
         const std::u16string newId = TopicIdGenerator::instance().nextTopicId();
         element->setAttribute(u"id", newId.c_str());
         // A topic that is taken in again gets an id of its own, but references lead to the first.
-        topicIds.add(std::u16string(basePath).append(u"#").append(oldId), u"#" + newId);
+        const std::u16string source = std::u16string(basePath).append(u"#").append(oldId);
+        topicIds.add(source, u"#" + newId);
+        if (RunObserver* const observer = RunObserver::existing()) {
+            observer->noteTopicId(newId, source);
+        }
     }
 }
 
