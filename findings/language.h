@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+namespace marrowpress {
+
+enum class Language : std::uint8_t {
+    kAuto,  ///< What the environment says.
+    kGerman,
+    kEnglish,
+};
+
+/// The language that the environment asks for: LC_ALL, LC_MESSAGES, LANG, of which the first that
+/// is there and not empty counts. German when it says so, English otherwise. Never `kAuto`.
+Language environmentLanguage();
+
+/// The language of all texts from now on; German until this is called. Not for several threads.
+///
+/// No locale of the process is changed, so that nothing else reads or writes in another way;
+/// English sets the environment's LANGUAGE, by which the translations are found.
+void chooseLanguage(Language language);
+
+/// The text in the language that was chosen. The texts in the code are German; a text without a
+/// translation stays as it is. UTF-8, as all texts here.
+std::string translated(const char* german);
+
+/// As above, with each "{0}", "{1}", ... replaced by the argument of that number. No argument is
+/// looked into.
+std::string translated(const char* german, std::initializer_list<std::string_view> arguments);
+
+/// The one of two texts that goes with `count`, which is also its argument 0.
+std::string translatedCount(const char* germanOne, const char* germanMany, std::size_t count);
+
+/// Only marks a text in a table, which is translated where it is used.
+constexpr const char* toTranslate(const char* german) {
+    return german;
+}
+
+/// `pattern` with each "{0}" to "{9}" replaced by the argument of that number, as often as it is
+/// there; a number that has no argument stays.
+std::string filledIn(std::string_view pattern, std::initializer_list<std::string_view> arguments);
+
+}  // namespace marrowpress
