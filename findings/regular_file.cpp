@@ -30,7 +30,6 @@ RegularFile::RegularFile(const std::string& path)
     }
     if (!isRegular(descriptor_)) {
         close();
-        isIrregular_ = true;
         fault_ = "not a regular file";
     }
 }

@@ -19,9 +19,6 @@ public:
     /// The system's reason, or "not a regular file"; empty for an open file.
     const std::string& fault() const noexcept { return fault_; }
 
-    /// Something is at the path, and it is no regular file.
-    bool isIrregular() const noexcept { return isIrregular_; }
-
     /// Of an open file; it stays this object's.
     int descriptor() const noexcept { return descriptor_; }
 
@@ -33,7 +30,6 @@ private:
     void close() noexcept;
 
     int descriptor_;
-    bool isIrregular_ = false;
     std::string fault_;
 };
 
