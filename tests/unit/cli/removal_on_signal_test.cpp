@@ -1,0 +1,142 @@
+#include "cli/removal_on_signal.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "tests/support/current_folder.h"
+#include "tests/support/temporary_folder.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The status of a process that does something, and then gets a signal; exit code 0 when it
+/// outlives the signal.
+int statusAfterSignal(int number, const std::function<void()>& action) {
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(10);
+        constexpr rlimit kNoCore{};
+        setrlimit(RLIMIT_CORE, &kNoCore);
+        action();
+        raise(number);
+        _exit(0);
+    }
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return status;
+}
+
+bool isEndedBy(int number, int status) {
+    return WIFSIGNALED(status) && WTERMSIG(status) == number;
+}
+
+class RemovalOnSignalTest : public testing::Test {
+protected:
+    TemporaryFolder folder;
+};
+
+TEST_F(RemovalOnSignalTest, WhatItNamesIsGoneAndTheSignalEndsTheProcess) {
+    for (const int number : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        const std::string file = folder.write("file", "text");
+        const int status = statusAfterSignal(number, [&file] { new RemovalOnSignal(file); });
+        EXPECT_TRUE(isEndedBy(number, status)) << status;
+        EXPECT_FALSE(folder.exists("file")) << number;
+    }
+}
+
+TEST_F(RemovalOnSignalTest, AFolderGoesWithAllThatIsInIt) {
+    for (int count = 0; count < 1000; ++count) {
+        folder.write("scratch/many/file with a long name " + std::to_string(count), "text");
+    }
+    folder.write("scratch/a/b/c/d/file", "text");
+    folder.write("scratch/.hidden/..x", "text");
+    folder.write("kept/file", "text");
+    fs::create_directory_symlink(folder.path() / "kept", folder.path() / "scratch/link");
+    fs::create_symlink("none", folder.path() / "scratch/a/dangling");
+    statusAfterSignal(SIGTERM, [this] { new RemovalOnSignal(folder.file("scratch")); });
+    EXPECT_FALSE(folder.exists("scratch"));
+    EXPECT_EQ(folder.read("kept/file"), "text");
+}
+
+TEST_F(RemovalOnSignalTest, ALinkItselfIsRemoved) {
+    folder.write("kept/file", "text");
+    fs::create_directory_symlink(folder.path() / "kept", folder.path() / "link");
+    statusAfterSignal(SIGTERM, [this] { new RemovalOnSignal(folder.file("link")); });
+    EXPECT_FALSE(folder.exists("link"));
+    EXPECT_TRUE(folder.exists("kept/file"));
+}
+
+TEST_F(RemovalOnSignalTest, SeveralAreRemovedAndNoneThatHasEnded) {
+    for (const char* const name : {"1", "2", "3", "4"}) {
+        folder.write(name, "text");
+    }
+    statusAfterSignal(SIGTERM, [this] {
+        new RemovalOnSignal(folder.file("1"));
+        auto second = std::make_unique<RemovalOnSignal>(folder.file("2"));
+        new RemovalOnSignal(folder.file("none"));
+        new RemovalOnSignal(folder.file("3"));
+        const RemovalOnSignal fourth(folder.file("4"));
+        second.reset();
+    });
+    EXPECT_FALSE(folder.exists("1"));
+    EXPECT_TRUE(folder.exists("2"));
+    EXPECT_FALSE(folder.exists("3"));
+    EXPECT_TRUE(folder.exists("4"));
+}
+
+TEST_F(RemovalOnSignalTest, AnIgnoredSignalStaysIgnored) {
+    folder.write("file", "text");
+    const int status = statusAfterSignal(SIGHUP, [this] {
+        std::signal(SIGHUP, SIG_IGN);
+        new RemovalOnSignal(folder.file("file"));
+    });
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_TRUE(folder.exists("file"));
+}
+
+TEST_F(RemovalOnSignalTest, AnotherFolderMayBecomeTheCurrentOne) {
+    folder.write("file", "text");
+    fs::create_directory(folder.path() / "other");
+    statusAfterSignal(SIGTERM, [this] {
+        new RemovalOnSignal(folder.file("file"));
+        fs::current_path(folder.path() / "other");
+    });
+    EXPECT_FALSE(folder.exists("file"));
+}
+
+TEST_F(RemovalOnSignalTest, LeavesTheHandlersAsTheyWere) {
+    struct sigaction before {};
+    struct sigaction meanwhile {};
+    struct sigaction after {};
+    sigaction(SIGTERM, nullptr, &before);
+    {
+        const RemovalOnSignal removal(folder.file("file"));
+        sigaction(SIGTERM, nullptr, &meanwhile);
+    }
+    sigaction(SIGTERM, nullptr, &after);
+    EXPECT_NE(meanwhile.sa_handler, before.sa_handler);
+    EXPECT_EQ(after.sa_handler, before.sa_handler);
+}
+
+TEST(HeldSignalsTest, ComeWhenNobodyHoldsThemAnyMore) {
+    const int status = statusAfterSignal(SIGUSR1, [] {
+        std::signal(SIGUSR1, SIG_IGN);
+        std::optional<HeldSignals> held(std::in_place);
+        raise(SIGTERM);
+        std::signal(SIGTERM, [](int) { _exit(7); });
+        held.reset();
+    });
+    ASSERT_TRUE(WIFEXITED(status)) << status;
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+}
+
+}  // namespace
+}  // namespace marrowpress
