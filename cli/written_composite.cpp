@@ -4,6 +4,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "marrowpress/output_names.h"
 
@@ -19,6 +20,12 @@ std::string readStart(const std::filesystem::path& path) {
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<std::size_t>(file.gcount()));
     return start;
+}
+
+bool isEmptyFile(const std::filesystem::path& path) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path, ignored) &&
+           std::filesystem::file_size(path, ignored) == 0;
 }
 
 /// Takes `prefix` off the front of `rest`; false, with nothing taken, when it isn't there.
@@ -71,6 +78,9 @@ bool startsWithUuid(std::string_view text) {
 }  // namespace
 
 bool isWrittenComposite(const std::filesystem::path& path) {
+    if (isEmptyFile(path)) {
+        return true;
+    }
     const std::string start = readStart(path);
     std::string_view rest = start;
     if (take(rest, "<?xml ") && !takeThrough(rest, "?>")) {

@@ -37,6 +37,12 @@ TEST_F(CommandTest, PublishReplacesAnOldOutput) {
     EXPECT_EQ(bodiesOf("out/m.dita"), "New text;");
 }
 
+TEST_F(CommandTest, PublishReplacesWhatAFullDiskLeft) {
+    folder_.write("out/m.dita", "");
+    EXPECT_EQ(publish().code, 0);
+    EXPECT_NE(folder_.read("out/m.dita"), "");
+}
+
 TEST_F(CommandTest, PublishDeletesNoFileButItsOwn) {
     const std::string topic = folder_.read("docs/a.dita");
     const CommandResult result = run({"publish", "docs/m.ditamap", "-f", "composite", "-o",

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/texts.h"
 
@@ -39,8 +40,8 @@ TEST_F(WrittenCompositeTest, IsToldByItsStart) {
 TEST_F(WrittenCompositeTest, IsNothingElse) {
     const std::string cutOff = kTopic.substr(0, kTopic.find("\"><title/>"));
     for (const std::string& other :
-         {std::string(), std::string("old"), kTopic, std::string("<dita/>"),
-          kDoctype + "<dita></dita>", kDoctype + "<dita/><!-- note -->",
+         {std::string("old"), std::string("\n"), std::string(1, '\0'), kTopic,
+          std::string("<dita/>"), kDoctype + "<dita></dita>", kDoctype + "<dita/><!-- note -->",
           kDoctype + "<dita><topic id=\"one\"/></dita>",
           replacedAll(kDoctype, "Composite", "Topic") + kTopic,
           kDoctype + replacedAll(kTopic, "-4", "-1"), kDoctype + replacedAll(kTopic, "-a", "-c"),
@@ -51,9 +52,24 @@ TEST_F(WrittenCompositeTest, IsNothingElse) {
     }
 }
 
+TEST_F(WrittenCompositeTest, MayBeEmpty) {
+    EXPECT_TRUE(isComposite(""));
+    const std::string path = folder.file("m.dita");
+    std::filesystem::permissions(path, std::filesystem::perms::none);
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+    const WithoutRights noRights;
+    EXPECT_TRUE(isWrittenComposite(path));
+}
+
 TEST_F(WrittenCompositeTest, IsNoneThatCannotBeRead) {
     EXPECT_FALSE(isWrittenComposite(folder.file("none.dita")));
     EXPECT_FALSE(isWrittenComposite(folder.path()));
+    EXPECT_FALSE(isWrittenComposite("/dev/null"));
+    const std::string path = folder.write("m.dita", kDoctype + kTopic);
+    std::filesystem::permissions(path, std::filesystem::perms::none);
+    std::filesystem::permissions(folder.path(), std::filesystem::perms::all);
+    const WithoutRights noRights;
+    EXPECT_FALSE(isWrittenComposite(path));
 }
 
 }  // namespace
