@@ -1,0 +1,38 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace marrowpress {
+
+/// Why this user may not make a file in `folder`, which exists; no error when it may. That a disk
+/// is full, or mounted for reading, is for whoever writes to find out.
+std::error_code findWriteError(const std::filesystem::path& folder);
+
+/// The folder in which the file at `given` stands, for a sentence about it.
+std::string shownFolderOf(const std::string& given);
+
+/// The folder that a run writes to. It is made when it is not there, and so are those above it;
+/// those that are still empty at the end are removed again.
+class OutputFolder {
+public:
+    /// `path` must be absolute and normal; `shown` names it in a fault.
+    OutputFolder(const std::filesystem::path& path, const std::string& shown);
+    OutputFolder(const OutputFolder&) = delete;
+    OutputFolder& operator=(const OutputFolder&) = delete;
+    ~OutputFolder();
+
+    /// Why the run could not write, as a sentence that names the argument; empty when it can.
+    const std::optional<std::string>& fault() const noexcept { return fault_; }
+
+private:
+    std::error_code make(const std::filesystem::path& path);
+
+    std::vector<std::filesystem::path> made_;
+    std::optional<std::string> fault_;
+};
+
+}  // namespace marrowpress

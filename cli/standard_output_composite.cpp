@@ -1,0 +1,21 @@
+#include "cli/standard_output_composite.h"
+
+#include <fstream>
+#include <ostream>
+
+namespace marrowpress {
+
+bool StandardOutputComposite::copyTo(const Streams& streams) const {
+    std::ifstream file(path_, std::ios::binary);
+    if (!file) {
+        streams.err << "marrowpress: cannot read back the composite\n";
+        return false;
+    }
+    // An empty file would count as a failed copy.
+    if (file.peek() != std::ifstream::traits_type::eof()) {
+        streams.out << file.rdbuf();
+    }
+    return writeResult(streams, {});
+}
+
+}  // namespace marrowpress
