@@ -1,11 +1,18 @@
+#include <unistd.h>
+
 #include <exception>
 #include <iostream>
 
+#include "cli/check_command.h"
+#include "cli/command_line.h"
 #include "cli/exit_code.h"
+#include "cli/explain_command.h"
+#include "cli/help_formatter.h"
 #include "cli/host_command.h"
 #include "cli/options.h"
 #include "cli/publish_command.h"
 #include "cli/streams.h"
+#include "findings/language.h"
 
 namespace {
 
@@ -16,7 +23,16 @@ struct Run {
 
     ExitCode operator()(const HostOptions& options) const { return runHost(options, streams); }
     ExitCode operator()(const PublishOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
         return runPublish(options, streams);
+    }
+    ExitCode operator()(const CheckOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runCheck(options, streams);
+    }
+    ExitCode operator()(const ExplainOptions& options) const {
+        chooseLanguage(options.language);
+        return runExplain(options, streams);
     }
     ExitCode operator()(const Information& information) const {
         return writeResult(streams, information.text) ? ExitCode::kSuccess : ExitCode::kRunFailed;
@@ -33,7 +49,7 @@ int main(int argc, char** argv) {
     const Streams streams{std::cout, std::cerr};
     try {
         secureStandardStreams();
-        const Options options = parseOptions({argv + 1, argv + argc});
+        const Options options = parseOptions({argv + 1, argv + argc}, helpWidth(STDOUT_FILENO));
         return static_cast<int>(std::visit(Run{streams}, options));
     } catch (const std::exception& failure) {
         std::cerr << "marrowpress: " << failure.what() << '\n';

@@ -5,7 +5,12 @@
 #include <variant>
 #include <vector>
 
+#include "cli/diagnostics_options.h"
+
 namespace marrowpress {
+
+/// The name under which the program is called.
+inline constexpr const char* kProgramName = "marrowpress";
 
 /// `marrowpress host`: sends requests as they are.
 struct HostOptions {
@@ -21,20 +26,39 @@ enum class OutputFormat {
     kFlatBook,   ///< one document for each first-level reference of the map
 };
 
-/// `marrowpress publish`: publishes one map. Paths stand as they were given.
-struct PublishOptions {
+/// What is to be made of a map. Paths stand as they were given.
+struct RunOptions {
     std::string map;
     std::string output;  ///< A file for a composite, a folder for a flat book.
     OutputFormat format = OutputFormat::kComposite;
-    bool isAtOneLocation = false;  ///< Flat book: all components in the output's folder.
-    std::optional<std::string> filter;
+    bool isAtOneLocation = false;       ///< Flat book: all components in the output's folder.
+    std::vector<std::string> filters;   ///< An earlier one's rules go before those of a later one.
+    bool allowsMissingFilter = false;   ///< A filter that cannot be read is done without.
     std::vector<std::string> catalogs;  ///< Empty: the default catalogs.
     bool isForPrint = false;
+    DiagnosticsOptions diagnostics;
+};
+
+/// `marrowpress publish`: publishes one map. The output of a composite may be "-", which is
+/// standard output.
+struct PublishOptions : RunOptions {
     std::string compositeDtd = "ditabase.dtd";
     std::string keySpaceDtd = "map.dtd";
 };
 
-/// What `--help` or `--version` asks for.
+/// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is
+/// empty when none was named.
+struct CheckOptions : RunOptions {
+    std::vector<std::string> eachFilters;  ///< One run for each.
+};
+
+/// `marrowpress explain`: tells what findings mean.
+struct ExplainOptions {
+    std::optional<std::string> id;  ///< One that is known; without it, all are listed.
+    Language language = Language::kAuto;
+};
+
+/// What `help` or `version` asks for.
 struct Information {
     std::string text;
 };
@@ -44,10 +68,8 @@ struct UsageError {
     std::string text;
 };
 
-using Options = std::variant<HostOptions, PublishOptions, Information, UsageError>;
-
-/// Reads the arguments behind the program's name. No file is looked at.
-Options parseOptions(const std::vector<std::string>& arguments);
+using Options = std::variant<HostOptions, PublishOptions, CheckOptions, ExplainOptions, Information,
+                             UsageError>;
 
 /// The text of a usage error of `command`: the fault, and the pointer to its help.
 std::string usageErrorText(const std::string& command, const std::string& fault);

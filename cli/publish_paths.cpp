@@ -211,8 +211,8 @@ std::optional<std::string> findLossFault(const PublishOptions& options, const Pu
 
 PublishPaths resolvePublishPaths(const PublishOptions& options) {
     PublishPaths paths{toClientPath(options.map), toClientPath(options.output), std::nullopt};
-    if (options.filter) {
-        paths.filter = toClientPath(*options.filter);
+    if (!options.filters.empty()) {
+        paths.filter = toClientPath(options.filters.front());
     }
     if (isFlatBook(options)) {
         paths.output = withoutLastSeparator(paths.output);
@@ -228,9 +228,12 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
     if (const auto reason = findReadFault(paths.map)) {
         return "MAP: cannot read " + options.map + ": " + *reason;
     }
+    if (options.filters.size() > 1) {
+        return "--filter: more than one is given";
+    }
     if (paths.filter) {
         if (const auto reason = findReadFault(*paths.filter)) {
-            return "--filter: cannot read " + *options.filter + ": " + *reason;
+            return "--filter: cannot read " + options.filters.front() + ": " + *reason;
         }
     }
     if (std::optional<std::string> fault = findOutputFault(options, paths.output)) {

@@ -43,7 +43,7 @@ protected:
 TEST_F(PublishPathsTest, AreAbsoluteAndNormal) {
     options_.map = "docs/../m.ditamap";
     options_.output = "//out\\m.dita";
-    options_.filter = "/a/./b/../f.ditaval";
+    options_.filters = {"/a/./b/../f.ditaval"};
     const PublishPaths paths = resolvePublishPaths(options_);
     EXPECT_EQ(paths.map, fs::current_path() / "m.ditamap");
     EXPECT_EQ(paths.output.string(), "/out/m.dita");
@@ -51,10 +51,15 @@ TEST_F(PublishPathsTest, AreAbsoluteAndNormal) {
 }
 
 TEST_F(PublishPathsTest, GoodOnesHaveNoFault) {
-    options_.filter = folder_.file("docs/f.ditaval");
+    options_.filters = {folder_.file("docs/f.ditaval")};
     EXPECT_EQ(fault(), "");
     folder_.write("out/m.dita", kDoctype + "<dita/>");
     EXPECT_EQ(fault(), "");
+}
+
+TEST_F(PublishPathsTest, ThereIsOneFilterAtMost) {
+    options_.filters = {folder_.file("docs/f.ditaval"), folder_.file("docs/f.ditaval")};
+    EXPECT_EQ(fault(), "--filter: more than one is given");
 }
 
 TEST_F(PublishPathsTest, TheMapMustBeReadable) {
@@ -68,8 +73,9 @@ TEST_F(PublishPathsTest, TheMapMustBeReadable) {
 }
 
 TEST_F(PublishPathsTest, TheFilterMustBeReadable) {
-    options_.filter = folder_.file("none.ditaval");
-    EXPECT_EQ(fault(), "--filter: cannot read " + *options_.filter + ": No such file or directory");
+    options_.filters = {folder_.file("none.ditaval")};
+    EXPECT_EQ(fault(),
+              "--filter: cannot read " + options_.filters.front() + ": No such file or directory");
 }
 
 TEST_F(PublishPathsTest, TheOutputMustBeAFileInAFolder) {
@@ -94,7 +100,7 @@ TEST_F(PublishPathsTest, TheOutputMayNotHaveANameOfTheRuns) {
 }
 
 TEST_F(PublishPathsTest, TheOutputMayNotBeASource) {
-    options_.filter = folder_.file("docs/f.ditaval");
+    options_.filters = {folder_.file("docs/f.ditaval")};
     EXPECT_TRUE(faultWithOutput("docs/m.ditamap").starts_with("MAP: the run would overwrite"));
     EXPECT_TRUE(faultWithOutput("docs/../docs/m.ditamap").starts_with("MAP: "));
     EXPECT_TRUE(faultWithOutput("docs\\m.ditamap").starts_with("MAP: "));
@@ -177,7 +183,7 @@ TEST_F(PublishPathsTest, NoSourceOfAFlatBookMayHaveANameThatTheRunRemoves) {
         options_.map = folder_.write(name, "<map/>");
         EXPECT_EQ(fault(), "MAP" + end);
         options_ = good;
-        options_.filter = folder_.file(name);
+        options_.filters = {folder_.file(name)};
         EXPECT_EQ(fault(), "--filter" + end);
         options_ = good;
         options_.catalogs = {folder_.file(name)};
@@ -215,7 +221,7 @@ TEST_F(PublishPathsTest, TextsMustBeUtf8) {
     options_ = good;
     EXPECT_EQ(faultWithOutput("out/\xE4.dita"), "--output: the path is not UTF-8");
     options_ = good;
-    options_.filter = folder_.write("\xE4.ditaval", "<val/>");
+    options_.filters = {folder_.write("\xE4.ditaval", "<val/>")};
     EXPECT_EQ(fault(), "--filter: the path is not UTF-8");
     options_ = good;
     options_.compositeDtd = "\xFF";

@@ -1,0 +1,279 @@
+#include "cli/commands.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "cli/diagnostics_arguments.h"
+#include "cli/version_text.h"
+#include "findings/catalogue.h"
+#include "marrowpress/output_names.h"
+
+namespace marrowpress {
+namespace {
+
+constexpr const char* kFlatBookExample =
+    "  mkdir -p out/book\n"
+    "  build/release/bin/marrowpress publish \\\n"
+    "      examples/drill-guide/drill-guide.ditamap -f flatbook -o out/book \\\n"
+    "      --one-location\n";
+
+constexpr const char* kCheckExample =
+    "  build/release/bin/marrowpress check examples/drill-guide/drill-guide.ditamap\n";
+
+constexpr const char* kHostExample =
+    "  printf '%s' '{\"type\":\"PublishComp\",\"params\":{\"ditaVal\":\"\",\"usePrint\":false,\n"
+    "  \"ditamap\":\"examples/drill-guide/drill-guide.ditamap\",\n"
+    "  \"output\":\"drill-guide.dita\",\"compositeDocDtd\":\"ditabase.dtd\",\n"
+    "  \"keyspaceDocDtd\":\"map.dtd\"}}' |\n"
+    "      build/release/bin/marrowpress host -\n";
+
+constexpr const char* kExplainExample = "  build/release/bin/marrowpress explain MP105\n";
+
+void addCatalog(CommandArguments& arguments, std::vector<std::string>& target) {
+    arguments.addList("--catalog", target,
+                      "An OASIS XML catalog that says where DTDs stand, as a path or a file: URI; "
+                      "may be given several times, in the order of asking. Without it: the files "
+                      "in XML_CATALOG_FILES, else the system's catalog and that of the package "
+                      "dita-ot",
+                      "FILE");
+}
+
+void addMap(CommandArguments& arguments, RunOptions& target) {
+    arguments.addText("MAP", target.map, "The DITA map", "FILE").required();
+}
+
+CLI::Option& addFormat(CommandArguments& arguments, RunOptions& target) {
+    const Choices<OutputFormat> formats{{"composite", OutputFormat::kComposite},
+                                        {"flatbook", OutputFormat::kFlatBook}};
+    return arguments.addChoice("-f,--format", "format", target.format, formats,
+                               "What to make of the map: composite (one document that holds all "
+                               "topics) or flatbook (one document for each first-level reference "
+                               "of the map)",
+                               "FORMAT");
+}
+
+void addOneLocation(CommandArguments& arguments, RunOptions& target) {
+    arguments.addFlag("--one-location", target.isAtOneLocation,
+                      "flatbook: put every component into OUT, not beside its source");
+}
+
+void addFilters(CommandArguments& arguments, RunOptions& target) {
+    arguments.addList("--filter", target.filters,
+                      "A DITAVAL file that says what to leave out; may be given several times, and "
+                      "what an earlier file says goes before what a later one says",
+                      "FILE");
+    arguments.addFlag("--allow-missing-filter", target.allowsMissingFilter,
+                      "Do without a filter that cannot be read");
+}
+
+void addPrint(CommandArguments& arguments, RunOptions& target) {
+    arguments.addFlag("--print", target.isForPrint,
+                      "Leave out what the map marks with print=\"no\"");
+}
+
+/// The sentence about options that contradict each other; empty when none do.
+std::optional<std::string> findContradiction(const RunOptions& options) {
+    if (options.format == OutputFormat::kComposite && options.isAtOneLocation) {
+        return "--one-location: a composite is one file; this is for flatbook only";
+    }
+    if (options.format == OutputFormat::kFlatBook && options.output == "-") {
+        return "--output: a flat book is several files; standard output (-) takes a composite";
+    }
+    return findDiagnosticsFault(options.diagnostics);
+}
+
+class PublishCommand final : public Command {
+public:
+    explicit PublishCommand(CLI::App& program)
+        : Command(program, "publish", "Publish a DITA map",
+                  footerText(std::string(kPublishExample) + "\n" + kFlatBookExample,
+                             "Progress, reports and findings go to standard error, the paths of "
+                             "the written files to standard output.")) {
+        addMap(arguments(), options_);
+        addFormat(arguments(), options_).required();
+        addOutput();
+        addOneLocation(arguments(), options_);
+        addFilters(arguments(), options_);
+        addCatalog(arguments(), options_.catalogs);
+        addPrint(arguments(), options_);
+        arguments().addText("--composite-dtd", options_.compositeDtd,
+                            "System identifier in the doctype of the composite or the components",
+                            "ID");
+        arguments().addText("--keyspace-dtd", options_.keySpaceDtd,
+                            "System identifier in the key space document's doctype", "ID");
+        addDiagnostics(arguments(), options_.diagnostics);
+    }
+
+private:
+    void addOutput() {
+        const std::string description =
+            std::string(
+                "composite: the file to write, or - for standard output. Replaces a "
+                "composite of an earlier run, and what stands beside it as OUT")
+                .append(kAsideSuffix)
+                .append(" and ")
+                .append(kKeySpaceDocName)
+                .append(
+                    ", no other file. flatbook: a folder that is there already; it takes the "
+                    "components that have no source. Replaces files of the components' names");
+        arguments().addText("-o,--output", options_.output, description, "OUT").required();
+    }
+
+    Options finish() override {
+        if (const std::optional<std::string> fault = findContradiction(options_)) {
+            return wrongUsage(*fault);
+        }
+        return options_;
+    }
+
+    PublishOptions options_;
+};
+
+class CheckCommand final : public Command {
+public:
+    explicit CheckCommand(CLI::App& program)
+        : Command(program, "check", "Look for what is wrong with a DITA map; writes no output",
+                  footerText(kCheckExample, "Findings go to standard error.")) {
+        addMap(arguments(), options_);
+        addFormat(arguments(), options_);
+        arguments().addText("-o,--output", options_.output,
+                            "Where the output would go; it is only looked at", "OUT");
+        addOneLocation(arguments(), options_);
+        addFilters(arguments(), options_);
+        arguments().addList("--each-filter", options_.eachFilters,
+                            "A DITAVAL file to check with in a run of its own; may be given "
+                            "several times, and each finding says with which of them it shows",
+                            "FILE");
+        addCatalog(arguments(), options_.catalogs);
+        addPrint(arguments(), options_);
+        addDiagnostics(arguments(), options_.diagnostics);
+    }
+
+private:
+    Options finish() override {
+        if (const std::optional<std::string> fault = findContradiction(options_)) {
+            return wrongUsage(*fault);
+        }
+        return options_;
+    }
+
+    CheckOptions options_;
+};
+
+class HostCommand final : public Command {
+public:
+    explicit HostCommand(CLI::App& program)
+        : Command(
+              program, "host", "Send publish requests to the client module",
+              footerText(kHostExample, "Standard output gets one line of JSON for each request.")) {
+        arguments()
+            .addList("REQUEST", options_.requests,
+                     "Files with one JSON request each, or - for standard input", "FILE")
+            .required()
+            ->expected(CLI::detail::expected_max_vector_size);
+        addCatalog(arguments(), options_.catalogs);
+        arguments().addFlag("--no-xml-utilities", hasNoXmlUtilities_,
+                            "Do without the client that finds DTDs");
+        arguments().addText("--open-documents", options_.openDocuments,
+                            "The session's open documents: a JSON array of "
+                            "{\"id\":7,\"path\":\"/abs/a.dita\",\"flag\":1}",
+                            "FILE");
+        arguments().addText("--trace", options_.trace,
+                            "Write each host operation as one line of JSON; empties FILE, which "
+                            "may be none that is read",
+                            "FILE");
+    }
+
+private:
+    Options finish() override {
+        if (std::count(options_.requests.begin(), options_.requests.end(), "-") > 1) {
+            return wrongUsage("REQUEST: standard input (-) is there more than once");
+        }
+        options_.hasXmlUtilities = !hasNoXmlUtilities_;
+        return options_;
+    }
+
+    HostOptions options_;
+    bool hasNoXmlUtilities_ = false;
+};
+
+class ExplainCommand final : public Command {
+public:
+    explicit ExplainCommand(CLI::App& program)
+        : Command(program, "explain", "Tell what a finding means, and what helps",
+                  footerText(kExplainExample, "")) {
+        arguments().addText("ID", options_.id,
+                            "The id of a finding, such as MP105; without it, all are listed", "ID");
+        addLanguage(arguments(), options_.language);
+    }
+
+private:
+    Options finish() override {
+        if (options_.id && !defaultSeverity(*options_.id)) {
+            return wrongUsage(unknownIdText(*options_.id));
+        }
+        return options_;
+    }
+
+    ExplainOptions options_;
+};
+
+class HelpCommand final : public Command {
+public:
+    explicit HelpCommand(CLI::App& program)
+        : Command(program, "help", "Show this help, or that of a command", ""), program_(program) {
+        arguments().addText("COMMAND", topic_, "The command", "COMMAND");
+    }
+
+private:
+    Options finish() override {
+        if (!topic_) {
+            const CLI::AppFormatMode mode = CLI::AppFormatMode::Normal;
+            return Information{program_.get_formatter()->make_help(&program_, kProgramName, mode)};
+        }
+        const std::vector<std::string> names = commandNames(program_);
+        if (std::find(names.begin(), names.end(), *topic_) == names.end()) {
+            return wrongUsage(unknownCommandText(program_, *topic_));
+        }
+        return Information{program_.get_subcommand(*topic_)->help(kProgramName)};
+    }
+
+    CLI::App& program_;
+    std::optional<std::string> topic_;
+};
+
+class VersionCommand final : public Command {
+public:
+    explicit VersionCommand(CLI::App& program)
+        : Command(program, "version", kVersionDescription, "") {}
+
+private:
+    Options finish() override { return Information{versionText()}; }
+};
+
+}  // namespace
+
+std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program) {
+    std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<PublishCommand>(program));
+    commands.push_back(std::make_unique<CheckCommand>(program));
+    commands.push_back(std::make_unique<ExplainCommand>(program));
+    commands.push_back(std::make_unique<HostCommand>(program));
+    commands.push_back(std::make_unique<HelpCommand>(program));
+    commands.push_back(std::make_unique<VersionCommand>(program));
+    return commands;
+}
+
+std::string unknownCommandText(const CLI::App& program, const std::string& name) {
+    return unknownValueText("command", name, commandNames(program));
+}
+
+std::vector<std::string> commandNames(const CLI::App& program) {
+    std::vector<std::string> names;
+    for (const CLI::App* const command : program.get_subcommands(nullptr)) {
+        names.push_back(command->get_name());
+    }
+    return names;
+}
+
+}  // namespace marrowpress

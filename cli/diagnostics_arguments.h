@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/command_arguments.h"
+#include "cli/diagnostics_options.h"
+
+namespace marrowpress {
+
+/// Adds `--lang`.
+void addLanguage(CommandArguments& arguments, Language& target);
+
+/// Adds the options about findings, which all commands that have findings share.
+void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target);
+
+/// The sentence about options that contradict each other; empty when none do.
+std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& options);
+
+/// The sentence about an id that no finding has.
+std::string unknownIdText(const std::string& id);
+
+}  // namespace marrowpress
