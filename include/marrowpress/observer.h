@@ -50,6 +50,9 @@ enum class ObservationKind : std::uint32_t {
     kFault = 9,
     /// `code`: how many faults were met when no more were kept.
     kFaultsDropped = 10,
+    /// The profile leaves the element out. `target`: the file that it refers to, absolute, empty
+    /// when it refers to none; `detail`: the attribute by which it falls.
+    kExcluded = 12,
     /// The run ends with a negative status. `reason`: why, as far as it is known.
     kRunFailed = 11,
 };
@@ -85,6 +88,7 @@ enum class FaultCode : std::uint32_t {
     kElementInTopicNotFound = 108,
     /// As 108.
     kElementNotFound = 109,
+    /// `target`: the end of the range, `detail`: its start, both as they are written.
     kInvalidConrefEnd = 110,
     kReferencedFileNotFound = 111,
     /// The document was read without its DTD. `detail`: the public identifier; `reason`: the
@@ -102,7 +106,8 @@ enum class FaultCode : std::uint32_t {
     kNoTopic = 206,
     /// A link leads to a topic that is not in the output.
     kTopicNotInOutput = 208,
-    /// A map reference's children come to nothing.
+    /// A map reference's children come to nothing. `detail`: how many. The place is that of the
+    /// first.
     kMapReferenceChildren = 209,
     /// `target`: the name of the key scope.
     kKeyScope = 210,
@@ -113,7 +118,8 @@ enum class FaultCode : std::uint32_t {
     /// `target`: what has no effect: "reltable", "conaction", "ditavalref", "copy-to", "chunk",
     /// "coderef", "subjectScheme", "link-text", "key-scope-format". Told for each element.
     kNoEffect = 215,
-    /// A content reference leads to one that had not been followed.
+    /// A content reference leads to one that had not been followed, and stays empty. `detail`: what
+    /// that one leads to.
     kConrefOfConref = 216,
     /// `target`: the key whose link is dropped.
     kKeyLinkDropped = 217,

@@ -182,11 +182,12 @@ void ReportMessenger::reportConrefLoop(std::u16string_view tagName, std::u16stri
 }
 
 void ReportMessenger::reportInvalidConrefEnd(const Element* reference) {
-    const std::u16string_view conrefend =
-        reference ? attributeView(*reference, u"conrefend") : std::u16string_view();
-    reportMessage(
-        messageLine(MessageId::kInvalidConrefEnd),
-        {.code = FaultCode::kInvalidConrefEnd, .element = reference, .target = conrefend});
+    ObservedFault fault{.code = FaultCode::kInvalidConrefEnd, .element = reference};
+    if (reference) {
+        fault.target = attributeView(*reference, u"conrefend");
+        fault.detail = attributeView(*reference, u"conref");
+    }
+    reportMessage(messageLine(MessageId::kInvalidConrefEnd), fault);
 }
 
 void ReportMessenger::reportReferencedFileNotFound(std::u16string_view path,

@@ -106,6 +106,12 @@ void RunObserver::conditionValue(std::u16string_view attribute, std::u16string_v
     }
 }
 
+void RunObserver::excluded(const Element& element, std::u16string_view target,
+                           std::u16string_view attribute) {
+    sendAt(&element, ObservationKind::kExcluded, 0,
+           {.element = tagNameOf(&element), .target = toUtf8(target), .detail = toUtf8(attribute)});
+}
+
 void RunObserver::outputWritten(std::u16string_view path) {
     sendAt(nullptr, ObservationKind::kOutputWritten, 0, {.target = toUtf8(path)});
 }

@@ -69,6 +69,8 @@ public:
     /// Tells each pair once.
     void conditionValue(std::u16string_view attribute, std::u16string_view value,
                         const Element& element);
+    void excluded(const Element& element, std::u16string_view target,
+                  std::u16string_view attribute);
     void outputWritten(std::u16string_view path);
 
     /// The topic `source`, a path with the id behind "#", has got the id `newId` in the output.
@@ -78,6 +80,16 @@ public:
 
     /// Whether the file at `path` was asked for in vain.
     bool isUnread(const std::u16string& path) const { return unreadFiles_.contains(path); }
+
+    /// `element` has got a content reference from the one that `conref` led to.
+    void noteTakenConref(const Element& element, std::u16string_view conref) {
+        takenConrefs_.insert_or_assign(&element, std::u16string(conref));
+    }
+    /// What led `element` to the content reference that it has now; empty when it is its own.
+    std::u16string takenConrefOf(const Element& element) const {
+        const auto known = takenConrefs_.find(&element);
+        return known == takenConrefs_.end() ? std::u16string() : known->second;
+    }
 
     /// Whether it was told of `element` that the file that it leads to is missing or unreadable.
     bool hasToldMissingFile(const Element& element) const {
@@ -137,6 +149,7 @@ private:
     std::unordered_set<std::u16string> ownFiles_;
     std::unordered_set<std::u16string> unreadFiles_;
     std::unordered_set<const Element*> withoutFile_;
+    std::unordered_map<const Element*, std::u16string> takenConrefs_;
     /// By the id in the output.
     std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>> sourceTopics_;
     std::unordered_set<std::u16string> conditionValues_;

@@ -82,6 +82,7 @@ void observeMap(RunObserver& observer, const xercesc::DOMDocument& map) {
     DOMElement* element = root;
     while (element) {
         if (isExcluded(*element)) {
+            observeExcluded(observer, *element);
             for (DOMElement* inside = element; inside; inside = nextInSubtree(inside, *element)) {
                 observeExcludedKeys(observer, *inside);
             }

@@ -6,6 +6,7 @@
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "dom/element_walker.h"
+#include "references/direct_references.h"
 #include "references/exclusion_filter.h"
 #include "references/node_filters.h"
 #include "support/xerces_ptr.h"
@@ -81,6 +82,13 @@ DOMNodeFilter::FilterAction DitaValExcludeFilter::acceptNode(const xercesc::DOMN
     return falls ? FILTER_ACCEPT : FILTER_SKIP;
 }
 
+std::u16string_view DitaValExcludeFilter::attributeThatExcludes(const DOMElement& element) const {
+    const auto rule = std::find_if(filters_.begin(), filters_.end(), [&](const auto& filter) {
+        return filter->acceptNode(&element) == FILTER_REJECT;
+    });
+    return rule == filters_.end() ? std::u16string_view() : (*rule)->attributeName();
+}
+
 void markDraftComments(xercesc::DOMDocument& document) {
     const ElemTagBasedElementNodeFilter draftComments(u"draft-comment");
     ElementWalker walker(document.getDocumentElement(), draftComments);
@@ -107,16 +115,31 @@ void observeConditionValues(RunObserver& observer, const xercesc::DOMDocument& d
     }
 }
 
+void observeExcluded(RunObserver& observer, const DOMElement& element) {
+    const auto* const profile =
+        dynamic_cast<const DitaValExcludeFilter*>(ExclusionFilterHolder::instance().filter());
+    const std::u16string_view href = attributeView(element, u"href");
+    observer.excluded(
+        element,
+        href.empty() ? std::u16string() : makeAbsoluteHref(href, *element.getOwnerDocument()),
+        profile ? profile->attributeThatExcludes(element) : std::u16string_view());
+}
+
 void removeExcludedElements(xercesc::DOMDocument& document) {
     const DOMNodeFilter* const excluded = ExclusionFilterHolder::instance().filter();
     if (!excluded) {
         return;
     }
     markDraftComments(document);
+    const std::vector<DOMElement*> elements =
+        collectElements(document.getDocumentElement(), *excluded);
     if (RunObserver* const observer = RunObserver::existing()) {
         observeConditionValues(*observer, document);
+        for (const DOMElement* const element : elements) {
+            observeExcluded(*observer, *element);
+        }
     }
-    removeElements(collectElements(document.getDocumentElement(), *excluded));
+    removeElements(elements);
 }
 
 }  // namespace marrowpress

@@ -116,6 +116,9 @@ public:
 
     FilterAction acceptNode(const xercesc::DOMNode* node) const override;
 
+    /// The attribute that makes `element` fall; empty when none does.
+    std::u16string_view attributeThatExcludes(const xercesc::DOMElement& element) const;
+
     /// The rules, one for each attribute.
     const AttributeFilters& attributeFilters() const noexcept { return filters_; }
 
@@ -129,6 +132,9 @@ void markDraftComments(xercesc::DOMDocument& document);
 /// Tells `observer` the values that elements of `document` have in the attributes that the run's
 /// profile has rules for.
 void observeConditionValues(RunObserver& observer, const xercesc::DOMDocument& document);
+
+/// Tells `observer` that the run's profile excludes `element`.
+void observeExcluded(RunObserver& observer, const xercesc::DOMElement& element);
 
 /// Takes what the run's profile excludes out of a finished document, its document element
 /// included. Does nothing, not even to draft comments, when the run has no profile.

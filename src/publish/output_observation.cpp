@@ -262,7 +262,11 @@ void OutputObservation::observeLeftConref(const DOMElement& element) {
         }
         ring.push_back(place);
     }
-    fault(FaultCode::kConrefOfConref, element, first);
+    const std::u16string taken = observer_.takenConrefOf(element);
+    observer_.fault({.code = FaultCode::kConrefOfConref,
+                     .element = &element,
+                     .target = taken.empty() ? first : taken,
+                     .detail = first});
 }
 
 bool OutputObservation::isThere(const std::u16string& path) {

@@ -1,6 +1,7 @@
 #include "publish/topicref_walk.h"
 
 #include <algorithm>
+#include <string>
 
 #include "application/messengers.h"
 #include "application/run_observer.h"
@@ -12,6 +13,7 @@
 #include "references/document_kind.h"
 #include "references/reference_paths.h"
 #include "support/paths.h"
+#include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
 
@@ -40,13 +42,16 @@ void observeDroppedChildren(const DOMElement& node) {
     }
     const TopicrefNodeFilter topicrefs;
     const CompositeDocNodeFilter published;
-    for (const DOMElement* const child : childElementsOf(node)) {
-        if (selects(topicrefs, child) && selects(published, child)) {
-            observer->fault({.code = FaultCode::kMapReferenceChildren,
-                             .element = child,
-                             .target = attributeView(node, u"href")});
-            return;
-        }
+    std::vector<DOMElement*> children = childElementsOf(node);
+    std::erase_if(children, [&](const DOMElement* child) {
+        return !selects(topicrefs, child) || !selects(published, child);
+    });
+    if (!children.empty()) {
+        const std::u16string count = toUtf16(std::string_view(std::to_string(children.size())));
+        observer->fault({.code = FaultCode::kMapReferenceChildren,
+                         .element = children.front(),
+                         .target = attributeView(node, u"href"),
+                         .detail = count});
     }
 }
 

@@ -152,6 +152,10 @@ void ConrefWalk::replace(DOMElement& element, const Target& target) {
     insertRange(element, target);
     copyContent(element, target.start, target.cause);
     mergeAttributes(element, target.start);
+    if (RunObserver* const observer = RunObserver::existing();
+        observer && element.hasAttribute(u"conref")) {
+        observer->noteTakenConref(element, target.cause.target);
+    }
     lineage_.recordTakenReference(element, target.start);
     adopt(element, target);
 }
