@@ -51,6 +51,13 @@ std::string withoutEmptyLines(const std::string& text) {
     return thinned;
 }
 
+/// The characters of `text`: the bytes that begin one.
+std::size_t lengthOf(std::string_view text) {
+    return std::count_if(text.begin(), text.end(), [](char character) {
+        return (static_cast<unsigned char>(character) & 0xC0) != 0x80;
+    });
+}
+
 std::string describe(const CLI::Option& option) {
     const std::string text = option.get_description();
     if (option.get_required()) {
@@ -81,7 +88,8 @@ std::string wrapped(std::string_view text, std::size_t width, std::size_t indent
     std::size_t column = used;
     bool isFirstOfLine = true;
     for (std::string word; words >> word;) {
-        if (!isFirstOfLine && column + 1 + word.size() > width) {
+        const std::size_t length = lengthOf(word);
+        if (!isFirstOfLine && column + 1 + length > width) {
             lines += "\n" + std::string(indent, ' ');
             column = indent;
             isFirstOfLine = true;
@@ -91,7 +99,7 @@ std::string wrapped(std::string_view text, std::size_t width, std::size_t indent
             ++column;
         }
         lines += word;
-        column += word.size();
+        column += length;
         isFirstOfLine = false;
     }
     return lines;

@@ -16,7 +16,7 @@ std::size_t helpWidth(int descriptor);
 
 /// `text` in lines of `width` columns at most, with `indent` blanks in front of each but the first,
 /// for which `used` columns are taken already. Breaks at blanks only, and ends without a line end.
-/// Each character counts as one column.
+/// UTF-8; each character counts as one column.
 std::string wrapped(std::string_view text, std::size_t width, std::size_t indent, std::size_t used);
 
 /// Writes help texts that fit into a terminal: names on the left, and beside them what they are

@@ -32,7 +32,7 @@ struct Run {
     }
     ExitCode operator()(const ExplainOptions& options) const {
         chooseLanguage(options.language);
-        return runExplain(options, streams);
+        return runExplain(options, helpWidth(STDOUT_FILENO), streams);
     }
     ExitCode operator()(const Information& information) const {
         return writeResult(streams, information.text) ? ExitCode::kSuccess : ExitCode::kRunFailed;

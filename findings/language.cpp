@@ -90,16 +90,19 @@ std::string translated(const char* german, std::initializer_list<std::string_vie
     return filledIn(translated(german), arguments);
 }
 
-std::string translatedCount(const char* germanOne, const char* germanMany, std::size_t count) {
+std::string translatedCount(const char* germanOne, const char* germanMany, std::size_t count,
+                            std::initializer_list<std::string_view> arguments) {
     const std::string number = std::to_string(count);
+    std::vector<std::string_view> all{number};
+    all.insert(all.end(), arguments.begin(), arguments.end());
     if (chosen == Language::kGerman) {
-        return filledIn(count == 1 ? germanOne : germanMany, {number});
+        return filledIn(count == 1 ? germanOne : germanMany, all);
     }
     const TranslatingScope scope;
-    return filledIn(dngettext(kDomain, germanOne, germanMany, count), {number});
+    return filledIn(dngettext(kDomain, germanOne, germanMany, count), all);
 }
 
-std::string filledIn(std::string_view pattern, std::initializer_list<std::string_view> arguments) {
+std::string filledIn(std::string_view pattern, const std::vector<std::string_view>& arguments) {
     std::string text;
     for (std::size_t at = 0; at < pattern.size(); ++at) {
         const bool isPlace = pattern[at] == '{' && at + 2 < pattern.size() &&
@@ -110,7 +113,7 @@ std::string filledIn(std::string_view pattern, std::initializer_list<std::string
             text += pattern[at];
             continue;
         }
-        text += arguments.begin()[number];
+        text += arguments[number];
         at += 2;
     }
     return text;

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace marrowpress {
 
@@ -32,16 +33,29 @@ std::string translated(const char* german);
 /// looked into.
 std::string translated(const char* german, std::initializer_list<std::string_view> arguments);
 
-/// The one of two texts that goes with `count`, which is also its argument 0.
-std::string translatedCount(const char* germanOne, const char* germanMany, std::size_t count);
+/// The one of two texts that goes with `count`, which is also its argument 0; what is in
+/// `arguments` follows.
+std::string translatedCount(const char* germanOne, const char* germanMany, std::size_t count,
+                            std::initializer_list<std::string_view> arguments = {});
 
 /// Only marks a text in a table, which is translated where it is used.
 constexpr const char* toTranslate(const char* german) {
     return german;
 }
 
+/// Two texts that go with a count.
+struct CountTexts {
+    const char* germanOne;
+    const char* germanMany;
+};
+
+/// As `toTranslate`.
+constexpr CountTexts toTranslateCount(const char* germanOne, const char* germanMany) {
+    return {germanOne, germanMany};
+}
+
 /// `pattern` with each "{0}" to "{9}" replaced by the argument of that number, as often as it is
 /// there; a number that has no argument stays.
-std::string filledIn(std::string_view pattern, std::initializer_list<std::string_view> arguments);
+std::string filledIn(std::string_view pattern, const std::vector<std::string_view>& arguments);
 
 }  // namespace marrowpress

@@ -21,11 +21,14 @@ void redirect(int stream, const std::string& path, int flags) {
     close(descriptor);
 }
 
-void setEnvironment(const std::optional<std::string>& catalogs) {
-    if (catalogs) {
-        setenv("XML_CATALOG_FILES", catalogs->c_str(), 1);
+void setEnvironment(const CommandSetting& setting) {
+    if (setting.catalogs) {
+        setenv("XML_CATALOG_FILES", setting.catalogs->c_str(), 1);
     } else {
         unsetenv("XML_CATALOG_FILES");
+    }
+    if (setting.locale) {
+        setenv("LC_ALL", setting.locale->c_str(), 1);
     }
 }
 
@@ -66,7 +69,7 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
     } else {
         redirect(STDOUT_FILENO, *setting.output, O_WRONLY);
     }
-    setEnvironment(setting.catalogs);
+    setEnvironment(setting);
     resetSignals();
     if (setting.largestFile) {
         limitFileSize(*setting.largestFile);

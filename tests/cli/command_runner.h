@@ -14,6 +14,7 @@ struct CommandSetting {
     std::optional<std::string> inputFile;  ///< What to read as standard input; "" closes it.
     std::optional<std::string> output;     ///< A file to take standard output; "" closes it.
     std::optional<std::string> catalogs;   ///< XML_CATALOG_FILES; not set without it.
+    std::optional<std::string> locale;     ///< LC_ALL; that of the test without it.
     std::optional<unsigned> largestFile;   ///< Bytes that the command may write to one file.
 };
 

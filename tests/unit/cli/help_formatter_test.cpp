@@ -19,6 +19,11 @@ TEST(WrappedTest, BreaksAtBlanks) {
     EXPECT_EQ(wrapped("a 012345678901234 b", 10, 1, 0), "a\n 012345678901234\n b");
 }
 
+TEST(WrappedTest, CountsCharactersAndNotBytes) {
+    EXPECT_EQ(wrapped("äöü äöüß", 8, 0, 0), "äöü äöüß");
+    EXPECT_EQ(wrapped("äöü äöüß", 7, 0, 0), "äöü\näöüß");
+}
+
 TEST(WrappedTest, KnowsWhatIsTaken) {
     EXPECT_EQ(wrapped("one two", 10, 3, 3), "one two");
     EXPECT_EQ(wrapped("one two", 10, 3, 4), "one\n   two");

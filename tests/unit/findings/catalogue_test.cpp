@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "tests/unit/findings/chosen_language.h"
+
 namespace marrowpress {
 namespace {
 
@@ -29,6 +31,36 @@ TEST(DefaultSeverityTest, AnUnknownIdHasNone) {
     EXPECT_FALSE(defaultSeverity("MP100"));
     EXPECT_FALSE(defaultSeverity(""));
     EXPECT_FALSE(defaultSeverity("mp105"));
+}
+
+TEST(ExplanationTest, EachIdHasAllTextsInBothLanguages) {
+    for (const std::string& id : findingIds()) {
+        const Explanation german = *explanationOf(id);
+        const ChosenLanguage chosen(Language::kEnglish);
+        const Explanation english = *explanationOf(id);
+        EXPECT_NE(german.title, english.title) << id;
+        EXPECT_NE(german.meaning, english.meaning) << id;
+        EXPECT_NE(german.remedy, english.remedy) << id;
+        EXPECT_FALSE(german.example.empty()) << id;
+        EXPECT_EQ(german.example, english.example) << id;
+        for (const Explanation& explanation : {german, english}) {
+            EXPECT_FALSE(explanation.title.ends_with('.')) << id;
+            EXPECT_TRUE(explanation.meaning.ends_with('.')) << id;
+            EXPECT_TRUE(explanation.remedy.ends_with('.')) << id;
+        }
+    }
+}
+
+TEST(ExplanationTest, AnUnknownIdHasNone) {
+    EXPECT_FALSE(explanationOf("MP100"));
+    EXPECT_FALSE(explanationOf(""));
+}
+
+TEST(FindingTitleTest, IsThatOfTheExplanation) {
+    EXPECT_EQ(findingTitle("MP105"), "Schlüssel nicht definiert");
+    const ChosenLanguage english(Language::kEnglish);
+    EXPECT_EQ(findingTitle("MP105"), "Key not defined");
+    EXPECT_EQ(findingTitle("MP100"), "");
 }
 
 }  // namespace
