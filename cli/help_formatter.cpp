@@ -59,7 +59,7 @@ std::size_t lengthOf(std::string_view text) {
 }
 
 std::string describe(const CLI::Option& option) {
-    const std::string text = option.get_description();
+    const std::string& text = option.get_description();
     if (option.get_required()) {
         return option.get_positional() ? text : text + "; required";
     }

@@ -293,6 +293,7 @@ const Entry* entryOf(std::string_view id) {
 const std::vector<std::string>& findingIds() {
     static const std::vector<std::string> ids = [] {
         std::vector<std::string> all;
+        all.reserve(kEntries.size());
         for (const Entry& entry : kEntries) {
             all.emplace_back(entry.id);
         }

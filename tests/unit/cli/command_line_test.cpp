@@ -64,9 +64,8 @@ TEST(CommandLineTest, HelpTellsWhatTheExitCodesMean) {
                                    Texts{"explain", "-h"}, Texts{"host", "-h"}}) {
         const std::string text = parseAs<Information>(arguments).text;
         for (const char* const line :
-             {"\n  0      clean\n", "\n  1      the run failed, or an output is missing or was",
-              "\n  2      usage or configuration; nothing was started, nothing written or "
-              "removed\n",
+             {"\n  0      clean\n", "\n  1      the run failed, or an output is missing or ",
+              "\n  2      usage or configuration; nothing was started, nothing written or ",
               "\n  3      complete, with findings at or above --fail-on\n",
               "\n  128+n  ended by signal n\n"}) {
             EXPECT_NE(text.find(line), std::string::npos) << text;

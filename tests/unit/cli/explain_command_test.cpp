@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "findings/catalogue.h"
-#include "tests/unit/findings/chosen_language.h"
+#include "tests/support/chosen_language.h"
 
 namespace marrowpress {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tests/unit/findings/chosen_language.h"
+#include "tests/support/chosen_language.h"
 
 namespace marrowpress {
 namespace {

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "tests/unit/findings/chosen_language.h"
+#include "tests/support/chosen_language.h"
 
 namespace marrowpress {
 namespace {
