@@ -21,6 +21,10 @@ std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& 
     return files;
 }
 
+std::vector<std::string> shownCatalogs(const std::vector<std::string>& catalogs) {
+    return catalogsInUse(catalogs);
+}
+
 std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs) {
     for (const std::string& catalog : catalogs) {
         if (std::optional<std::string> fault = findCatalogFault(catalog)) {

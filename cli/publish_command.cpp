@@ -2,84 +2,168 @@
 
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
+#include <memory>
 #include <ostream>
 #include <system_error>
-#include <unordered_set>
+#include <utility>
 
+#include "cli/component_places.h"
+#include "cli/findings_report.h"
+#include "cli/input_faults.h"
+#include "cli/map_run.h"
+#include "cli/output_folder.h"
+#include "cli/profile_set.h"
 #include "cli/public_ids.h"
-#include "host/client_session.h"
-#include "marrowpress/messages.h"
-#include "marrowpress/publish_status.h"
+#include "cli/standard_output_composite.h"
+#include "findings/shown_path.h"
+#include "findings/wording.h"
 
 namespace marrowpress {
 namespace {
 
-/// What a run came to.
-struct RunOutcome {
-    std::optional<std::int32_t> status;  ///< Empty when the client gave no answer.
-    bool hasUnwrittenDocument = false;
-    std::optional<std::vector<std::string>> components;  ///< A flat book's, once it was published.
+namespace fs = std::filesystem;
+
+constexpr const char* kStandardOutput = "-";
+
+bool isFlatBook(const PublishOptions& options) {
+    return options.format == OutputFormat::kFlatBook;
+}
+
+bool hasFindings(const PublishOptions& options) {
+    return options.diagnostics.format != DiagnosticsFormat::kNone;
+}
+
+/// Whether nothing but findings may go to standard error.
+bool isForTools(const DiagnosticsOptions& options) {
+    return options.format == DiagnosticsFormat::kShort ||
+           options.format == DiagnosticsFormat::kJson;
+}
+
+/// One call of the command, from the checks to the exit code.
+class Publishing {
+public:
+    Publishing(const PublishOptions& options, const Streams& streams)
+        : options_(options), streams_(streams) {
+        if (options.output == kStandardOutput) {
+            standardOutput_ = std::make_unique<StandardOutputComposite>();
+            options_.output = standardOutput_->path().string();
+        }
+        paths_ = resolvePublishPaths(options_);
+    }
+
+    ExitCode run();
+
+private:
+    std::optional<std::string> findFault(const ProfileSet& profiles, const FindingsReport& report);
+    ExitCode runObserved(const ProfileSet& profiles, const FindingsReport& report);
+    ExitCode runUnobserved(const ProfileSet& profiles);
+    std::optional<std::string> findRunFault(const RunOutcome& outcome) const;
+    ExitCode giveResult(const RunOutcome& outcome) const;
+    std::string resultText(const RunOutcome& outcome) const;
+    std::string shownOutput() const;
+
+    PublishOptions options_;
+    const Streams& streams_;
+    PublishPaths paths_;
+    std::unique_ptr<StandardOutputComposite> standardOutput_;
+    std::unique_ptr<OutputFolder> folder_;
 };
 
-std::optional<std::string> findFault(const PublishOptions& options, const PublishPaths& paths) {
-    if (std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) {
+ExitCode Publishing::run() {
+    std::vector<NamedPath> filters;
+    for (const NamedPath& source : sourcesOf(options_, paths_)) {
+        if (source.argument == "--filter") {
+            filters.push_back(source);
+        }
+    }
+    const ProfileSet profiles(filters, options_.allowsMissingFilter);
+    const FindingsReport report(options_.diagnostics, paths_.map.string(),
+                                fs::current_path().string());
+    if (const std::optional<std::string> fault = findFault(profiles, report)) {
+        streams_.err << usageErrorText("publish", *fault);
+        return ExitCode::kWrongUsage;
+    }
+    return hasFindings(options_) ? runObserved(profiles, report) : runUnobserved(profiles);
+}
+
+/// Why nothing is started; empty when it may be. Makes the output's folder when all else is well.
+std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
+                                                 const FindingsReport& report) {
+    if (std::optional<std::string> fault = findCatalogOptionFault(options_.catalogs)) {
         return fault;
     }
-    return findPublishFault(options, paths);
+    if (std::optional<std::string> fault = findTextFault(paths_)) {
+        return fault;
+    }
+    if (std::optional<std::string> fault = findMapFault(options_.map, paths_.map.string())) {
+        return fault;
+    }
+    for (const auto& fault : {profiles.fault(), report.fault()}) {
+        if (fault) {
+            return fault;
+        }
+    }
+    const bool isBook = isFlatBook(options_);
+    folder_ =
+        std::make_unique<OutputFolder>(isBook ? paths_.output : paths_.output.parent_path(),
+                                       isBook ? options_.output : shownFolderOf(options_.output));
+    if (folder_->fault()) {
+        return folder_->fault();
+    }
+    if (std::optional<std::string> fault = findPublishFault(options_, paths_)) {
+        return fault;
+    }
+    return findReportFault(report.files(),
+                           {sourcesOf(options_, paths_), outputsOf(options_, paths_), isBook});
 }
 
-RunOutcome runRequest(const PublishOptions& options, const PublishPaths& paths, std::ostream& err) {
-    RunOutcome outcome;
-    StandInHostOptions host;
-    host.resolvePublicId = makePublicIdResolver(options.catalogs);
-    host.onProgress = [&err](std::string_view line) { showProgress(err, line); };
-    host.onConsole = [&](std::optional<MessageId> message, std::string_view line) {
-        outcome.hasUnwrittenDocument |= message == MessageId::kCannotWrite;
-        showReport(err, line);
-    };
-    ClientSession session(std::move(host));
-    const std::optional<TypedValues> answer = session.send(buildRequest(options, paths));
-    if (!answer) {
-        return outcome;
+ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
+    RunDisplay display(options_.diagnostics, streams_.err);
+    const RunOutcome outcome = runRequest(
+        {buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}}, display);
+    if (const auto fault = findRunFault(outcome)) {
+        streams_.err << "marrowpress publish: " << *fault << ".\n";
+        return ExitCode::kRunFailed;
     }
-    outcome.status = statusOf(*answer);
-    outcome.components = componentsOf(*answer);
-    return outcome;
+    return giveResult(outcome);
 }
 
-std::string withStatus(PublishStatus status) {
-    return " (status " + std::to_string(status) + ")";
-}
+ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsReport& report) {
+    FindingContext context{fs::current_path().string(), profiles.names(),
+                           shownCatalogs(options_.catalogs), options_.allowsMissingFilter};
+    FindingCollector collector(std::move(context), options_.diagnostics.severities);
+    ComponentPlaces components(
+        {paths_.output, paths_.output, options_.isAtOneLocation, /*isOnlyLookedAt=*/false});
+    RunDisplay display(options_.diagnostics, streams_.err);
+    const RunOutcome outcome =
+        runRequest({buildRequest(options_, paths_, profiles.file()), options_.catalogs, &collector,
+                    [&](const Observation& observation) { components.observe(observation); }},
+                   display);
 
-/// The sentence about a run that did not come to its end; empty when it did.
-std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
-    if (!outcome.status) {
-        return "the client gave no answer";
+    collector.finish();
+    components.addFindings(collector);
+    profiles.addFindings(collector);
+    const std::optional<std::string> fault = findRunFault(outcome);
+    addFailure(outcome, paths_.map.string(), collector);
+    ExitCode code = fault ? ExitCode::kRunFailed : giveResult(outcome);
+    code = report.write(collector.list(), collector.facts().droppedFaults(),
+                        collector.facts().topicCount(), code, streams_.err);
+    if (fault && !isForTools(options_.diagnostics)) {
+        streams_.err << "marrowpress publish: " << *fault << ".\n";
     }
-    switch (*outcome.status) {
-        case kPublished:
-            return std::nullopt;
-        case kRunFailed:
-            return "the run failed" + withStatus(kRunFailed);
-        case kRequestRefused:
-            return "the request was refused, or an old output could not be removed" +
-                   withStatus(kRequestRefused);
-        default:
-            return "the run ended with the unknown status " + std::to_string(*outcome.status);
-    }
+    return code;
 }
 
 /// The sentence about a run that came to nothing; empty when all of its output was written.
-std::optional<std::string> findRunFault(const RunOutcome& outcome, const PublishOptions& options,
-                                        const PublishPaths& paths) {
+std::optional<std::string> Publishing::findRunFault(const RunOutcome& outcome) const {
     if (std::optional<std::string> fault = findStatusFault(outcome)) {
         return fault;
     }
     if (outcome.hasUnwrittenDocument) {
         return "a document could not be written";
     }
-    if (options.format == OutputFormat::kComposite) {
-        return findMissingFile({paths.output.string()});
+    if (!isFlatBook(options_)) {
+        return findMissingFile({paths_.output.string()});
     }
     if (!outcome.components) {
         return "the client did not say what it wrote";
@@ -87,18 +171,16 @@ std::optional<std::string> findRunFault(const RunOutcome& outcome, const Publish
     return findMissingFile(*outcome.components);
 }
 
-/// The output as it was given, unless the client reads that as another file.
-std::string shownOutput(const PublishOptions& options, const PublishPaths& paths) {
-    std::error_code ignored;
-    const bool isSame = std::filesystem::equivalent(options.output, paths.output, ignored);
-    return isSame ? options.output : paths.output.string();
+ExitCode Publishing::giveResult(const RunOutcome& outcome) const {
+    const bool isGiven = standardOutput_ ? standardOutput_->copyTo(streams_)
+                                         : writeResult(streams_, resultText(outcome));
+    return isGiven ? ExitCode::kSuccess : ExitCode::kRunFailed;
 }
 
 /// What a good run gives on standard output.
-std::string resultText(const RunOutcome& outcome, const PublishOptions& options,
-                       const PublishPaths& paths) {
-    if (options.format == OutputFormat::kComposite) {
-        return shownOutput(options, paths) + "\n";
+std::string Publishing::resultText(const RunOutcome& outcome) const {
+    if (!isFlatBook(options_)) {
+        return shownOutput() + "\n";
     }
     std::string text;
     for (const std::string& component : *outcome.components) {
@@ -107,9 +189,17 @@ std::string resultText(const RunOutcome& outcome, const PublishOptions& options,
     return text;
 }
 
+/// The output as it was given, unless the client reads that as another file.
+std::string Publishing::shownOutput() const {
+    std::error_code ignored;
+    const bool isSame = fs::equivalent(options_.output, paths_.output, ignored);
+    return isSame ? options_.output : paths_.output.string();
+}
+
 }  // namespace
 
-std::string buildRequest(const PublishOptions& options, const PublishPaths& paths) {
+std::string buildRequest(const PublishOptions& options, const PublishPaths& paths,
+                         const std::optional<fs::path>& filter) {
     boost::json::object params{{"ditamap", paths.map.string()}};
     const char* type = nullptr;
     switch (options.format) {
@@ -123,7 +213,7 @@ std::string buildRequest(const PublishOptions& options, const PublishPaths& path
             params["generateQSComponentsAtOneLoc"] = options.isAtOneLocation;
             break;
     }
-    params["ditaVal"] = paths.filter ? paths.filter->string() : std::string();
+    params["ditaVal"] = filter ? filter->string() : std::string();
     params["keyspaceDocDtd"] = options.keySpaceDtd;
     params["compositeDocDtd"] = options.compositeDtd;
     params["usePrint"] = options.isForPrint;
@@ -131,30 +221,10 @@ std::string buildRequest(const PublishOptions& options, const PublishPaths& path
         boost::json::object{{"type", type}, {"params", std::move(params)}});
 }
 
-std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer) {
-    constexpr std::size_t kIndex = 4;
-    if (answer.size() <= kIndex) {
-        return std::nullopt;
-    }
-    const auto* const listed = std::get_if<std::vector<std::string>>(&answer[kIndex].value);
-    if (!listed) {
-        return std::nullopt;
-    }
-    std::vector<std::string> components;
-    // A source that the map refers to twice is one component, which the answer names twice.
-    std::unordered_set<std::string_view> seen;
-    for (const std::string& path : *listed) {
-        if (seen.insert(path).second) {
-            components.push_back(path);
-        }
-    }
-    return components;
-}
-
 std::optional<std::string> findMissingFile(const std::vector<std::string>& paths) {
     for (const std::string& path : paths) {
         std::error_code ignored;
-        if (std::filesystem::is_regular_file(path, ignored)) {
+        if (fs::is_regular_file(path, ignored)) {
             continue;
         }
         return "the run ended, but " + path + " was not written";
@@ -163,18 +233,7 @@ std::optional<std::string> findMissingFile(const std::vector<std::string>& paths
 }
 
 ExitCode runPublish(const PublishOptions& options, const Streams& streams) {
-    const PublishPaths paths = resolvePublishPaths(options);
-    if (const std::optional<std::string> fault = findFault(options, paths)) {
-        streams.err << usageErrorText("publish", *fault);
-        return ExitCode::kWrongUsage;
-    }
-    const RunOutcome outcome = runRequest(options, paths, streams.err);
-    if (const auto fault = findRunFault(outcome, options, paths)) {
-        streams.err << "marrowpress publish: " << *fault << ".\n";
-        return ExitCode::kRunFailed;
-    }
-    return writeResult(streams, resultText(outcome, options, paths)) ? ExitCode::kSuccess
-                                                                     : ExitCode::kRunFailed;
+    return Publishing(options, streams).run();
 }
 
 }  // namespace marrowpress

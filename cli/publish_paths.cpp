@@ -19,12 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A file that the run reads, with the argument that names it.
-struct Source {
-    std::string argument;
-    fs::path path;
-};
-
 fs::path besideWithSuffix(fs::path path) {
     path += kAsideSuffix;
     return path;
@@ -45,44 +39,13 @@ fs::path withoutLastSeparator(const fs::path& path) {
     return path.has_filename() ? path : path.parent_path();
 }
 
-bool isFlatBook(const PublishOptions& options) {
+bool isFlatBook(const RunOptions& options) {
     return options.format == OutputFormat::kFlatBook;
 }
 
 /// Where the key space document stands while the run lasts.
-fs::path keySpacePath(const PublishOptions& options, const fs::path& output) {
+fs::path keySpacePath(const RunOptions& options, const fs::path& output) {
     return (isFlatBook(options) ? output : output.parent_path()) / kKeySpaceDocName;
-}
-
-std::vector<Source> sourcesOf(const PublishOptions& options, const PublishPaths& paths) {
-    std::vector<Source> sources{{"MAP", paths.map}};
-    if (paths.filter) {
-        sources.push_back({"--filter", *paths.filter});
-    }
-    for (const fs::path& catalog : catalogFiles(options.catalogs)) {
-        sources.push_back({options.catalogs.empty() ? "default catalog" : "--catalog", catalog});
-    }
-    return sources;
-}
-
-std::optional<std::string> findTextFault(const PublishOptions& options, const PublishPaths& paths) {
-    const auto isBad = [](const std::string& text) { return !isValidUtf8(text); };
-    if (isBad(paths.map.string())) {
-        return "MAP: the path is not UTF-8";
-    }
-    if (isBad(paths.output.string())) {
-        return "--output: the path is not UTF-8";
-    }
-    if (paths.filter && isBad(paths.filter->string())) {
-        return "--filter: the path is not UTF-8";
-    }
-    if (isBad(options.compositeDtd)) {
-        return "--composite-dtd: the text is not UTF-8";
-    }
-    if (isBad(options.keySpaceDtd)) {
-        return "--keyspace-dtd: the text is not UTF-8";
-    }
-    return std::nullopt;
 }
 
 /// Why `path` cannot be read as a file; empty when it can.
@@ -176,43 +139,52 @@ bool isSameFile(const fs::path& left, const fs::path& right) {
     return left == right || fs::equivalent(left, right, ignored);
 }
 
-std::optional<std::string> findLossFault(const PublishOptions& options, const PublishPaths& paths) {
-    const fs::path& output = paths.output;
-    const fs::path keySpace = keySpacePath(options, output);
-    std::vector<fs::path> lost{keySpace, besideWithSuffix(keySpace)};
-    if (!isFlatBook(options)) {
-        lost.insert(lost.begin(), {output, besideWithSuffix(output)});
+/// Why nothing of the run would come upon the source by its name alone; empty for all others.
+std::optional<std::string> findComponentNameFault(const NamedPath& source) {
+    const std::string name = source.path.filename().string();
+    if (!name.ends_with(kComponentExtension) &&
+        !name.ends_with(besideWithSuffix(kComponentExtension).string())) {
+        return std::nullopt;
     }
-    for (const Source& source : sourcesOf(options, paths)) {
-        const std::string name = source.path.filename().string();
-        if (isFlatBook(options) &&
-            (name.ends_with(kComponentExtension) ||
-             name.ends_with(besideWithSuffix(kComponentExtension).string()))) {
-            return source.argument + ": " + source.path.string() +
-                   " has the name of a component, which the run may write over it; rename it";
-        }
-        for (const fs::path& path : lost) {
-            if (!isSameFile(source.path, path)) {
-                continue;
+    return source.argument + ": " + source.path.string() +
+           " has the name of a component, which the run may write over it; rename it";
+}
+
+std::optional<std::string> findLossFault(const PublishOptions& options, const PublishPaths& paths) {
+    const std::vector<NamedPath> lost = outputsOf(options, paths);
+    for (const NamedPath& source : sourcesOf(options, paths)) {
+        if (isFlatBook(options)) {
+            if (std::optional<std::string> fault = findComponentNameFault(source)) {
+                return fault;
             }
-            std::string fault = source.argument + ": the run would overwrite or remove ";
-            fault += source.path.string();
-            if (path == output) {
-                fault += ", which is also the output";
-            }
-            fault += "; choose another output";
-            return fault;
         }
+        const auto found = std::find_if(lost.begin(), lost.end(), [&](const NamedPath& output) {
+            return isSameFile(source.path, output.path);
+        });
+        if (found == lost.end()) {
+            continue;
+        }
+        std::string fault = source.argument + ": the run would overwrite or remove ";
+        fault += source.path.string();
+        if (found->path == paths.output) {
+            fault += ", which is also the output";
+        }
+        fault += "; choose another output";
+        return fault;
     }
     return std::nullopt;
 }
 
 }  // namespace
 
-PublishPaths resolvePublishPaths(const PublishOptions& options) {
-    PublishPaths paths{toClientPath(options.map), toClientPath(options.output), std::nullopt};
-    if (!options.filters.empty()) {
-        paths.filter = toClientPath(options.filters.front());
+PublishPaths resolvePublishPaths(const RunOptions& options) {
+    PublishPaths paths{toClientPath(options.map), {}, {}};
+    // What is only checked need not have an output.
+    if (!options.output.empty()) {
+        paths.output = toClientPath(options.output);
+    }
+    for (const std::string& filter : options.filters) {
+        paths.filters.push_back(toClientPath(filter));
     }
     if (isFlatBook(options)) {
         paths.output = withoutLastSeparator(paths.output);
@@ -222,19 +194,17 @@ PublishPaths resolvePublishPaths(const PublishOptions& options) {
 
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths) {
-    if (std::optional<std::string> fault = findTextFault(options, paths)) {
+    if (std::optional<std::string> fault = findTextFault(paths)) {
         return fault;
+    }
+    if (!isValidUtf8(options.compositeDtd)) {
+        return "--composite-dtd: the text is not UTF-8";
+    }
+    if (!isValidUtf8(options.keySpaceDtd)) {
+        return "--keyspace-dtd: the text is not UTF-8";
     }
     if (const auto reason = findReadFault(paths.map)) {
         return "MAP: cannot read " + options.map + ": " + *reason;
-    }
-    if (options.filters.size() > 1) {
-        return "--filter: more than one is given";
-    }
-    if (paths.filter) {
-        if (const auto reason = findReadFault(*paths.filter)) {
-            return "--filter: cannot read " + options.filters.front() + ": " + *reason;
-        }
     }
     if (std::optional<std::string> fault = findOutputFault(options, paths.output)) {
         return fault;
@@ -246,6 +216,47 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
         return fault;
     }
     return findReplaceFault(options, paths.output);
+}
+
+std::optional<std::string> findTextFault(const PublishPaths& paths) {
+    if (!isValidUtf8(paths.map.string())) {
+        return "MAP: the path is not UTF-8";
+    }
+    if (!isValidUtf8(paths.output.string())) {
+        return "--output: the path is not UTF-8";
+    }
+    const bool areFiltersValid =
+        std::all_of(paths.filters.begin(), paths.filters.end(),
+                    [](const fs::path& filter) { return isValidUtf8(filter.string()); });
+    return areFiltersValid ? std::nullopt
+                           : std::optional<std::string>("--filter: the path is not UTF-8");
+}
+
+std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& paths) {
+    std::vector<NamedPath> sources{{"MAP", options.map, paths.map}};
+    for (std::size_t index = 0; index < paths.filters.size(); ++index) {
+        sources.push_back({"--filter", options.filters[index], paths.filters[index]});
+    }
+    const std::string argument = options.catalogs.empty() ? "default catalog" : "--catalog";
+    for (const fs::path& catalog : catalogFiles(options.catalogs)) {
+        sources.push_back({argument, catalog.string(), catalog});
+    }
+    return sources;
+}
+
+std::vector<NamedPath> outputsOf(const RunOptions& options, const PublishPaths& paths) {
+    std::vector<fs::path> files;
+    if (!isFlatBook(options)) {
+        files = {paths.output, besideWithSuffix(paths.output)};
+    }
+    const fs::path keySpace = keySpacePath(options, paths.output);
+    files.push_back(keySpace);
+    files.push_back(besideWithSuffix(keySpace));
+    std::vector<NamedPath> outputs;
+    for (const fs::path& file : files) {
+        outputs.push_back({"--output", options.output, file});
+    }
+    return outputs;
 }
 
 }  // namespace marrowpress

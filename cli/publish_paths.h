@@ -3,8 +3,10 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/options.h"
+#include "cli/report_files.h"
 
 namespace marrowpress {
 
@@ -13,20 +15,29 @@ namespace marrowpress {
 struct PublishPaths {
     std::filesystem::path map;
     std::filesystem::path output;  ///< Without a separator at its end when it is a folder's.
-    std::optional<std::filesystem::path> filter;
+    std::vector<std::filesystem::path> filters;
 };
 
 /// @throws std::filesystem::filesystem_error when there is no current directory.
-PublishPaths resolvePublishPaths(const PublishOptions& options);
+PublishPaths resolvePublishPaths(const RunOptions& options);
 
 /// Why the run must not be started, as a sentence that names the argument; empty when it may.
 ///
-/// The sources must be readable files, the output a file in a folder that exists, or for a flat
-/// book that folder itself, and nothing that the run writes, uses in passing or removes may be one
+/// The map must be a readable file, the output a file in a folder that exists, or for a flat book
+/// that folder itself, and nothing that the run writes, uses in passing or removes may be one
 /// of the sources, the catalogs among them; which components a flat book has is not known before
 /// it runs. What stands at the output of a composite must be that of an earlier run. All paths and
 /// texts must be UTF-8, because the request is.
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths);
+
+/// Why the texts of the arguments cannot be put into a request; empty when they can.
+std::optional<std::string> findTextFault(const PublishPaths& paths);
+
+/// The files that a run reads, with the arguments that name them: map, filters and catalogs.
+std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& paths);
+
+/// The files that a run writes, uses in passing or removes, as far as they are known before it.
+std::vector<NamedPath> outputsOf(const RunOptions& options, const PublishPaths& paths);
 
 }  // namespace marrowpress

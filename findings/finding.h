@@ -39,6 +39,7 @@ struct Finding {
     std::vector<FindingStep> via;         ///< The way to the root map, innermost first.
     std::vector<FindingPlace> places;     ///< Further ones, each once.
     std::vector<std::string> profiles;    ///< The DITAVAL files under which it shows.
+    bool isPerFile = false;               ///< Folds only with those of the same file.
     bool isArtefact = false;              ///< Says nothing true of the publication; never counts.
     std::optional<std::string> hostText;  ///< The line of the application's console, as it came.
 };

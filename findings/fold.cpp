@@ -18,6 +18,9 @@ std::size_t hashOf(const Finding& finding) {
     boost::hash_combine(hash, finding.target);
     boost::hash_combine(hash, static_cast<int>(finding.severity));
     boost::hash_combine(hash, finding.isArtefact);
+    if (finding.isPerFile) {
+        boost::hash_combine(hash, finding.place.file);
+    }
     return hash;
 }
 
@@ -32,7 +35,8 @@ std::size_t hashOf(std::uint32_t index, const FindingPlace& place) {
 
 bool isSame(const Finding& left, const Finding& right) {
     return left.id == right.id && left.severity == right.severity && left.target == right.target &&
-           left.isArtefact == right.isArtefact;
+           left.isArtefact == right.isArtefact &&
+           (!left.isPerFile || left.place.file == right.place.file);
 }
 
 bool hasRoom(std::size_t kept, std::size_t keptArtefacts, bool isArtefact, std::size_t most) {

@@ -96,6 +96,10 @@ std::string inFilesText(std::size_t count) {
     return translatedCount("in {0} Datei", "in {0} Dateien", count);
 }
 
+std::string fileCountText(std::size_t count) {
+    return translatedCount("{0} Datei", "{0} Dateien", count);
+}
+
 std::string topicCountText(std::size_t count) {
     return translatedCount("{0} Thema", "{0} Themen", count);
 }

@@ -30,6 +30,7 @@ std::string noteCountText(std::size_t count);
 
 /// Behind the counts of findings.
 std::string inFilesText(std::size_t count);
+std::string fileCountText(std::size_t count);
 std::string topicCountText(std::size_t count);
 
 /// Findings that were met when no more were kept.

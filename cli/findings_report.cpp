@@ -1,0 +1,181 @@
+#include "cli/findings_report.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <string_view>
+#include <utility>
+
+#include "cli/terminal.h"
+#include "findings/catalogue.h"
+#include "findings/github_writer.h"
+#include "findings/human_writer.h"
+#include "findings/json_reader.h"
+#include "findings/json_writer.h"
+#include "findings/junit_writer.h"
+#include "findings/sarif_writer.h"
+#include "findings/short_writer.h"
+#include "findings/translated_words.h"
+
+namespace marrowpress {
+namespace {
+
+bool isOnGithub() {
+    const char* const value = std::getenv("GITHUB_ACTIONS");
+    return value && std::string_view(value) == "true";
+}
+
+bool fails(Severity severity, FailOn failOn) {
+    switch (failOn) {
+        case FailOn::kError:
+            return severity == Severity::kError;
+        case FailOn::kWarning:
+            return severity != Severity::kNote;
+        case FailOn::kNever:
+            break;
+    }
+    return false;
+}
+
+/// Writes a file by `write`; says so on `err` and gives false when that fails.
+bool writeFile(const std::string& path, std::ostream& err,
+               const std::function<void(std::ostream&)>& write) {
+    std::ofstream out(path, std::ios::binary);
+    write(out);
+    out.close();
+    if (!out) {
+        err << "marrowpress: cannot write " << path << '\n';
+    }
+    return static_cast<bool>(out);
+}
+
+}  // namespace
+
+FindingsReport::FindingsReport(const DiagnosticsOptions& options, std::string map,
+                               std::string currentFolder)
+    : options_(options), map_(std::move(map)), currentFolder_(std::move(currentFolder)) {
+    if (!options.baseline) {
+        return;
+    }
+    std::ifstream in(*options.baseline, std::ios::binary);
+    if (!in) {
+        fault_ = "--baseline: cannot read " + *options.baseline;
+        return;
+    }
+    baseline_ = std::make_unique<Baseline>(currentFolder_);
+    try {
+        readJson(in, [this](const Finding& finding) { baseline_->add(finding); });
+    } catch (const std::runtime_error& failure) {
+        fault_ = "--baseline: " + *options.baseline + ": " + failure.what();
+    }
+}
+
+std::vector<NamedPath> FindingsReport::files() const {
+    std::vector<NamedPath> named;
+    const auto add = [&named](const char* argument, const std::optional<std::string>& path) {
+        if (path) {
+            named.push_back(namedPath(argument, *path));
+        }
+    };
+    add("--diagnostics-file", options_.file);
+    add("--sarif", options_.sarif);
+    add("--junit", options_.junit);
+    return named;
+}
+
+ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
+                               ExitCode runCode, std::ostream& err) const {
+    const std::optional<Severity> worstDropped = list.worstDropped();
+    const std::size_t dropped = list.dropped() + droppedFaults;
+    std::vector<Finding> findings = list.take();
+    if (!options_.showsAll) {
+        std::erase_if(findings, [](const Finding& finding) { return finding.isArtefact; });
+    }
+    if (baseline_) {
+        findings = baseline_->newOf(std::move(findings), currentFolder_).findings;
+    }
+    FindingSummary summary = summarize(findings);
+    summary.topics = topics;
+    summary.dropped = dropped;
+    summary.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+    ExitCode code = codeOf(summary, worstDropped, runCode);
+    summary.exit = static_cast<int>(code);
+    const bool areReportsWritten = writeReports(findings, summary, err);
+    const bool isMainWritten = writeMain(findings, summary, err);
+    return areReportsWritten && isMainWritten ? code : ExitCode::kRunFailed;
+}
+
+ExitCode FindingsReport::codeOf(const FindingSummary& summary, std::optional<Severity> worstDropped,
+                                ExitCode runCode) const {
+    if (runCode != ExitCode::kSuccess) {
+        return runCode;
+    }
+    const bool isAnyFailing =
+        (summary.errors > 0 && fails(Severity::kError, options_.failOn)) ||
+        (summary.warnings > 0 && fails(Severity::kWarning, options_.failOn)) ||
+        (worstDropped && fails(*worstDropped, options_.failOn));
+    return isAnyFailing ? ExitCode::kFindings : ExitCode::kSuccess;
+}
+
+bool FindingsReport::writeMain(const std::vector<Finding>& findings, const FindingSummary& summary,
+                               std::ostream& err) const {
+    if (options_.file) {
+        return writeFile(*options_.file, err,
+                         [&](std::ostream& out) { writeTo(out, findings, summary, false); });
+    }
+    writeTo(err, findings, summary, true);
+    err << std::flush;
+    return static_cast<bool>(err);
+}
+
+void FindingsReport::writeTo(std::ostream& out, const std::vector<Finding>& findings,
+                             const FindingSummary& summary, bool isTerminal) const {
+    HumanOptions lines;
+    lines.currentFolder = currentFolder_;
+    lines.words = translatedWords();
+    lines.isColoured =
+        options_.color == ColorChoice::kAlways ||
+        (options_.color == ColorChoice::kAuto && isTerminal && isColoredByItself(STDERR_FILENO));
+    lines.width = isTerminal ? terminalWidth(STDERR_FILENO) : lines.width;
+    switch (options_.format) {
+        case DiagnosticsFormat::kHuman:
+            writeHuman(out, findings, summary, lines);
+            break;
+        case DiagnosticsFormat::kShort:
+            writeShort(out, findings, summary, lines);
+            break;
+        case DiagnosticsFormat::kJson:
+            writeJson(out, findings, summary);
+            break;
+        case DiagnosticsFormat::kNone:
+            break;
+    }
+}
+
+bool FindingsReport::writeReports(const std::vector<Finding>& findings,
+                                  const FindingSummary& summary, std::ostream& err) const {
+    bool isWritten = true;
+    if (options_.sarif) {
+        isWritten &= writeFile(*options_.sarif, err, [&](std::ostream& out) {
+            writeSarif(out, findings, summary,
+                       {MARROWPRESS_VERSION, currentFolder_,
+                        [](std::string_view id) { return findingTitle(id); }});
+        });
+    }
+    if (options_.junit) {
+        isWritten &= writeFile(*options_.junit, err, [&](std::ostream& out) {
+            writeJunit(out, findings, summary, {map_, currentFolder_, translatedWords()});
+        });
+    }
+    const bool isForTools = options_.format != DiagnosticsFormat::kHuman && !options_.file;
+    if (isOnGithub() && !isForTools) {
+        writeGithub(err, findings, currentFolder_);
+    }
+    return isWritten;
+}
+
+}  // namespace marrowpress

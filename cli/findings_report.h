@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "cli/diagnostics_options.h"
+#include "cli/exit_code.h"
+#include "cli/report_files.h"
+#include "findings/baseline.h"
+#include "findings/fold.h"
+
+namespace marrowpress {
+
+/// The findings of a command, on their way to whoever is to read them.
+class FindingsReport {
+public:
+    /// Reads the baseline, if there is one.
+    FindingsReport(const DiagnosticsOptions& options, std::string map, std::string currentFolder);
+
+    /// Why the run must not be started, as a sentence that names the argument; empty when it may.
+    const std::optional<std::string>& fault() const noexcept { return fault_; }
+
+    /// The files that are written, for `findReportFault`.
+    std::vector<NamedPath> files() const;
+
+    /// Writes the findings in every form that was asked for, and gives the exit code: that of the
+    /// run, unless the run went well and the findings say otherwise.
+    ///
+    /// @param runCode  `kSuccess` or `kRunFailed`.
+    ExitCode write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
+                   ExitCode runCode, std::ostream& err) const;
+
+private:
+    ExitCode codeOf(const FindingSummary& summary, std::optional<Severity> worstDropped,
+                    ExitCode runCode) const;
+    bool writeMain(const std::vector<Finding>& findings, const FindingSummary& summary,
+                   std::ostream& err) const;
+    void writeTo(std::ostream& out, const std::vector<Finding>& findings,
+                 const FindingSummary& summary, bool isTerminal) const;
+    bool writeReports(const std::vector<Finding>& findings, const FindingSummary& summary,
+                      std::ostream& err) const;
+
+    using Clock = std::chrono::steady_clock;
+
+    const DiagnosticsOptions& options_;
+    std::string map_;
+    std::string currentFolder_;
+    std::optional<std::string> fault_;
+    std::unique_ptr<Baseline> baseline_;
+    Clock::time_point start_ = Clock::now();
+};
+
+}  // namespace marrowpress

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/run_display.h"
+#include "findings/collector.h"
+#include "host/typed_record.h"
+
+namespace marrowpress {
+
+/// What a run came to.
+struct RunOutcome {
+    std::optional<std::int32_t> status;  ///< Empty when the client gave no answer.
+    bool hasUnwrittenDocument = false;
+    std::optional<std::vector<std::string>> components;  ///< A flat book's, once it was published.
+};
+
+/// How a request is sent.
+struct RunSetting {
+    std::string request;
+    std::vector<std::string> catalogs;  ///< Empty: the default catalogs.
+    /// Gets what the run meets; null for a run that nobody observes.
+    FindingCollector* collector = nullptr;
+    /// As `collector`, and before it.
+    std::function<void(const Observation&)> watch;
+};
+
+/// Sends one request through the client module.
+RunOutcome runRequest(const RunSetting& setting, RunDisplay& display);
+
+/// The paths of a flat book's components in the client's answer, in its order, each once. Empty
+/// when the answer has no such list.
+std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer);
+
+/// The sentence about a run that did not come to its end; empty when it did.
+std::optional<std::string> findStatusFault(const RunOutcome& outcome);
+
+/// Makes a finding of a run that failed without one.
+void addFailure(const RunOutcome& outcome, const std::string& map, FindingCollector& collector);
+
+}  // namespace marrowpress

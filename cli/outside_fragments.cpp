@@ -1,0 +1,113 @@
+#include "cli/outside_fragments.h"
+
+#include <libxml/xmlreader.h>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "findings/catalogue.h"
+#include "findings/regular_file.h"
+#include "findings/shown_path.h"
+#include "findings/wording.h"
+#include "host/local_xml_input.h"
+
+namespace marrowpress {
+namespace {
+
+constexpr const char* kLinkId = "MP208";
+constexpr const char* kFragmentId = "MP204";
+
+struct FreeReader {
+    void operator()(xmlTextReader* reader) const noexcept { xmlFreeTextReader(reader); }
+};
+
+std::string attributeOf(xmlTextReader* reader, const char* name) {
+    xmlChar* const value =
+        xmlTextReaderGetAttribute(reader, reinterpret_cast<const xmlChar*>(name));
+    std::string text = value ? reinterpret_cast<const char*>(value) : "";
+    xmlFree(value);
+    return text;
+}
+
+/// What a topic may hold, by the names that DITA has for it; a topic of another name holds a title
+/// and a body as well.
+bool mayBeTopic(std::string_view name, int depth) {
+    return depth == 0 || name == "topic" || name == "concept" || name == "task" ||
+           name == "reference" || name == "glossentry" || name == "glossgroup" ||
+           name == "troubleshooting";
+}
+
+}  // namespace
+
+Finding OutsideFragments::lookedAt(Finding finding) {
+    const std::size_t sign = finding.target.rfind('#');
+    if (finding.id != kLinkId || sign == std::string::npos) {
+        return finding;
+    }
+    const std::string path = finding.target.substr(0, sign);
+    const std::string fragment = finding.target.substr(sign + 1);
+    const Ids* const ids = idsIn(path);
+    if (!ids || ids->contains(fragment)) {
+        return finding;
+    }
+    const std::size_t slash = fragment.find('/');
+    const std::string shown = shownPath(path, currentFolder_);
+    finding.id = kFragmentId;
+    finding.severity = *defaultSeverity(kFragmentId);
+    finding.text = slash == std::string::npos
+                       ? elementNotFoundText(shown, fragment)
+                       : elementInTopicNotFoundText(shown, fragment.substr(0, slash),
+                                                    fragment.substr(slash + 1));
+    finding.hint.clear();
+    return finding;
+}
+
+/// Null for a file that cannot be read to its end.
+const OutsideFragments::Ids* OutsideFragments::idsIn(const std::string& path) {
+    const auto known = documents_.find(path);
+    if (known != documents_.end()) {
+        return known->second.empty() ? nullptr : &known->second;
+    }
+    Ids& ids = documents_[path];
+    const std::optional<std::string> text = RegularFile(path).read();
+    if (!text) {
+        return nullptr;
+    }
+    restrictLibxmlToLocalFiles();
+    const std::unique_ptr<xmlTextReader, FreeReader> reader(
+        xmlReaderForMemory(text->data(), static_cast<int>(text->size()), nullptr, nullptr,
+                           XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    std::vector<std::string> topics;  // by depth; empty for what is none
+    int read = reader ? xmlTextReaderRead(reader.get()) : -1;
+    for (; read == 1; read = xmlTextReaderRead(reader.get())) {
+        if (xmlTextReaderNodeType(reader.get()) != XML_READER_TYPE_ELEMENT) {
+            continue;
+        }
+        const int depth = xmlTextReaderDepth(reader.get());
+        const std::string name =
+            reinterpret_cast<const char*>(xmlTextReaderConstName(reader.get()));
+        const std::string id = attributeOf(reader.get(), "id");
+        topics.resize(static_cast<std::size_t>(depth), std::string());
+        std::string topic;
+        for (const std::string& outer : topics) {
+            topic = outer.empty() ? topic : outer;
+        }
+        if (mayBeTopic(name, depth)) {
+            topics.push_back(id);
+            ids.insert(id);
+        } else {
+            topics.emplace_back();
+            if (!id.empty()) {
+                ids.insert(topic + "/" + id);
+                ids.insert("./" + id);
+            }
+        }
+    }
+    if (read != 0) {
+        ids.clear();
+    }
+    return ids.empty() ? nullptr : &ids;
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,104 @@
+#include "findings/run_facts.h"
+
+#include <utility>
+
+namespace marrowpress {
+namespace {
+
+FindingPlace firstPlaceOf(const Observation& observation) {
+    return observation.stepCount > 0 ? placeOf(observation.steps[0].place) : FindingPlace();
+}
+
+/// The path in front of a fragment.
+std::string pathOf(const std::string& target) {
+    return target.substr(0, target.rfind('#'));
+}
+
+/// Of several definitions the one that is kept: the higher, the more it says.
+int weightOf(KeyState state) {
+    switch (state) {
+        case KeyState::kEffective:
+            return 3;
+        case KeyState::kExcluded:
+            return 2;
+        case KeyState::kLost:
+            return 1;
+        case KeyState::kShadowed:
+            break;
+    }
+    return 0;
+}
+
+}  // namespace
+
+FindingPlace placeOf(const ObservedPlace& place) {
+    return {place.file ? place.file : "", place.line, place.column};
+}
+
+void RunFacts::take(const Observation& observation) {
+    switch (observation.kind) {
+        case ObservationKind::kDocumentRead:
+            if (documentIndex_.emplace(observation.target, documents_.size()).second) {
+                documents_.push_back({observation.target, observation.element,
+                                      static_cast<DocumentGrammar>(observation.code),
+                                      firstPlaceOf(observation)});
+            }
+            break;
+        case ObservationKind::kKeyDefinition:
+            takeKey(observation);
+            break;
+        case ObservationKind::kTopic:
+            ++topicCount_;
+            break;
+        case ObservationKind::kComponent:
+            components_.push_back({observation.target, observation.detail,
+                                   firstPlaceOf(observation), observation.element});
+            break;
+        case ObservationKind::kConditionValue:
+            conditionValues_.emplace(observation.target, observation.detail);
+            break;
+        case ObservationKind::kExcluded:
+            excluded_.insert(pathOf(observation.target));
+            break;
+        case ObservationKind::kFaultsDropped:
+            droppedFaults_ += observation.code;
+            break;
+        case ObservationKind::kRunFailed:
+            failure_ = observation.reason;
+            break;
+        case ObservationKind::kPhase:
+        case ObservationKind::kDocumentUnread:
+        case ObservationKind::kOutputWritten:
+        case ObservationKind::kFault:
+            break;
+    }
+}
+
+void RunFacts::takeKey(const Observation& observation) {
+    const std::string key = observation.target;
+    KeyFact fact{static_cast<KeyState>(observation.code), firstPlaceOf(observation),
+                 observation.element, observation.detail};
+    if (fact.state == KeyState::kEffective) {
+        keys_.push_back(key);
+        keyTargets_.insert(pathOf(fact.href));
+    }
+    const auto known = keyFacts_.find(key);
+    if (known == keyFacts_.end()) {
+        keyFacts_.emplace(key, std::move(fact));
+    } else if (weightOf(fact.state) > weightOf(known->second.state)) {
+        known->second = std::move(fact);
+    }
+}
+
+const KeyFact* RunFacts::keyFact(const std::string& key) const {
+    const auto known = keyFacts_.find(key);
+    return known == keyFacts_.end() ? nullptr : &known->second;
+}
+
+bool RunFacts::isWithoutDtd(const std::string& path) const {
+    const auto known = documentIndex_.find(path);
+    return known != documentIndex_.end() &&
+           documents_[known->second].grammar != DocumentGrammar::kOwn;
+}
+
+}  // namespace marrowpress
