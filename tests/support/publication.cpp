@@ -7,10 +7,13 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
+#include <utility>
 
 #include "host/catalog_resolver.h"
 #include "host/client_session.h"
 #include "host/open_documents.h"
+#include "host/trace.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/texts.h"
 
@@ -72,7 +75,7 @@ std::string answerText(const std::optional<TypedValues>& answer) {
 
 PublicationCase::PublicationCase(const std::string& name) : folder_(kCases / name) {}
 
-Publication PublicationCase::publish() const {
+Publication PublicationCase::publish(StandInHostOptions::ObservationSink onObservation) const {
     const TemporaryFolder work;
     for (const fs::path& input : {kCases / "input", folder_ / "input"}) {
         if (fs::exists(input)) {
@@ -83,7 +86,11 @@ Publication PublicationCase::publish() const {
     const std::string workPath = work.path().string();
 
     Publication result;
+    std::ostringstream operations;
+    Trace trace(operations);
     StandInHostOptions options;
+    options.trace = &trace;
+    options.onObservation = std::move(onObservation);
     CatalogResolver catalogs =
         fs::exists(folder_ / "real-dtds")
             ? CatalogResolver(defaultCatalogs())
@@ -106,6 +113,7 @@ Publication PublicationCase::publish() const {
     result.answer = answerText(
         session.send(replacedAll(readFile(folder_ / "request.json"), "$CASE", workPath)));
 
+    result.trace = operations.str();
     for (const auto& [path, text] : readTree(work.path())) {
         const auto before = input.find(path);
         if (before == input.end() || before->second != text) {
@@ -121,7 +129,7 @@ Publication PublicationCase::publish() const {
     const auto neutralize = [&](std::string& text) {
         text = ids.named(replacedAll(text, workPath, "$CASE"));
     };
-    for (std::string* text : {&result.answer, &result.console, &result.progress}) {
+    for (std::string* text : {&result.answer, &result.console, &result.progress, &result.trace}) {
         *text = replacedAll(*text, "\r\n", "\n");
         neutralize(*text);
     }
@@ -144,8 +152,11 @@ Publication PublicationCase::golden(const Publication& actual) const {
         }
     }
     EXPECT_TRUE(fs::exists(expected / "answer.txt")) << "nothing is expected of " << folder_;
-    return {readFile(expected / "answer.txt"), readFile(expected / "console.txt"),
-            readFile(expected / "progress.txt"), readTree(expected / "files")};
+    return {readFile(expected / "answer.txt"),
+            readFile(expected / "console.txt"),
+            readFile(expected / "progress.txt"),
+            {},
+            readTree(expected / "files")};
 }
 
 std::vector<std::string> publicationCases() {

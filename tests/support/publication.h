@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "host/stand_in_host_options.h"
+
 namespace marrowpress {
 
 /// What a request came to, as text that can be compared: the working folder reads "$CASE", and
@@ -13,6 +15,7 @@ struct Publication {
     std::string answer;    ///< the typed values, one a line
     std::string console;   ///< the report lines
     std::string progress;  ///< the progress lines
+    std::string trace;     ///< the host operations, one a line
     /// What the run left behind beside its input, by path.
     std::map<std::string, std::string> files;
 };
@@ -28,8 +31,9 @@ class PublicationCase {
 public:
     explicit PublicationCase(const std::string& name);
 
-    /// Publishes through the module, in a fresh copy of the input.
-    Publication publish() const;
+    /// Publishes through the module, in a fresh copy of the input. The host has an observer if
+    /// `onObservation` is given.
+    Publication publish(StandInHostOptions::ObservationSink onObservation = {}) const;
 
     /// What is expected. When MARROWPRESS_UPDATE_GOLDEN is 1, that becomes `actual` first.
     Publication golden(const Publication& actual) const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/json/serialize.hpp>
 #include <filesystem>
+#include <utility>
 
 #include "client/client_attachment.h"
 #include "client/notifications.h"
@@ -51,14 +52,16 @@ std::string topic(std::string_view id, std::string_view body) {
            "</topic>";
 }
 
-WholeRequestTest::WholeRequestTest() : host_(options()) {
+WholeRequestTest::WholeRequestTest(StandInHostOptions options)
+    : host_(completed(std::move(options))) {
     EXPECT_TRUE(host_.attach(&attach));
     EXPECT_TRUE(host_.initialize());
 }
 
-StandInHostOptions WholeRequestTest::options() {
-    StandInHostOptions options;
-    options.resolvePublicId = [](std::string_view) { return std::nullopt; };
+StandInHostOptions WholeRequestTest::completed(StandInHostOptions options) {
+    if (!options.resolvePublicId) {
+        options.resolvePublicId = [](std::string_view) { return std::nullopt; };
+    }
     options.onConsole = [this](std::optional<MessageId>, std::string_view text) {
         console += neutral(text);
         if (watch) {

@@ -29,7 +29,9 @@ std::string topic(std::string_view id, std::string_view body = {});
 /// A client attached to a host of its own, and a folder for the files of the requests.
 class WholeRequestTest : public testing::Test {
 protected:
-    WholeRequestTest();
+    WholeRequestTest() : WholeRequestTest(StandInHostOptions()) {}
+    /// To a host that has what `options` say besides. It finds no DTDs unless they say how.
+    explicit WholeRequestTest(StandInHostOptions options);
 
     /// The parameters of a request about "root.ditamap" into the folder, to be changed at will.
     boost::json::object flatBook() const;
@@ -57,7 +59,7 @@ protected:
 
 private:
     TypedValues send(std::string_view type, const boost::json::object& params);
-    StandInHostOptions options();
+    StandInHostOptions completed(StandInHostOptions options);
 
     Trace trace_{operations};
     StandInHost host_;
