@@ -11,6 +11,7 @@ void PlaceRecordingDOMParser::beginFile(const std::u16string& path) {
     ownFile_ = places_.fileNumber(path);
     lastEnd_ = {ownFile_, 1, 1};
     openEntities_ = 0;
+    openInternalEntities_ = 0;
     openElements_.clear();
     recorded_.clear();
 }
@@ -20,6 +21,17 @@ void PlaceRecordingDOMParser::endFile() {
         places_.record(*node, place);
     }
     recorded_.clear();
+}
+
+void PlaceRecordingDOMParser::XMLDecl(const XMLCh* version, const XMLCh* encoding,
+                                      const XMLCh* standalone, const XMLCh* actualEncoding) {
+    XercesDOMParser::XMLDecl(version, encoding, standalone, actualEncoding);
+    noteEventEnd();
+}
+
+void PlaceRecordingDOMParser::TextDecl(const XMLCh* version, const XMLCh* encoding) {
+    XercesDOMParser::TextDecl(version, encoding);
+    noteEventEnd();
 }
 
 void PlaceRecordingDOMParser::docCharacters(const XMLCh* chars, XMLSize_t length,
@@ -72,21 +84,37 @@ void PlaceRecordingDOMParser::endElement(const xercesc::XMLElementDecl& declarat
 }
 
 void PlaceRecordingDOMParser::startEntityReference(const xercesc::XMLEntityDecl& declaration) {
-    ++openEntities_;
     XercesDOMParser::startEntityReference(declaration);
-    noteEventEnd();
+    ++openEntities_;
+    if (declaration.isExternal()) {
+        noteEventEnd();
+    } else if (openInternalEntities_++ == 0) {
+        // The reference was read. It holds its name, "&" and ";", and no line end.
+        lastEnd_ = currentPlace();
+        lastEnd_.column -= static_cast<std::uint32_t>(domText(declaration.getName()).size() + 2);
+    }
 }
 
 void PlaceRecordingDOMParser::endEntityReference(const xercesc::XMLEntityDecl& declaration) {
-    --openEntities_;
     XercesDOMParser::endEntityReference(declaration);
+    --openEntities_;
+    if (!declaration.isExternal()) {
+        --openInternalEntities_;
+    }
     noteEventEnd();
 }
 
 void PlaceRecordingDOMParser::noteEventEnd() {
+    // What an internal entity holds stands where the reference to it does.
+    if (openInternalEntities_ == 0) {
+        lastEnd_ = currentPlace();
+    }
+}
+
+SourcePlace PlaceRecordingDOMParser::currentPlace() {
     const xercesc::ReaderMgr& readers = *getScanner()->getReaderMgr();
-    lastEnd_ = {currentFile(), static_cast<std::uint32_t>(readers.getLineNumber()),
-                static_cast<std::uint32_t>(readers.getColumnNumber())};
+    return {currentFile(), static_cast<std::uint32_t>(readers.getLineNumber()),
+            static_cast<std::uint32_t>(readers.getColumnNumber())};
 }
 
 /// The document's own file, unless an external entity is being read.

@@ -24,6 +24,9 @@ public:
     void beginFile(const std::u16string& path) override;
     void endFile() override;
 
+    void XMLDecl(const XMLCh* version, const XMLCh* encoding, const XMLCh* standalone,
+                 const XMLCh* actualEncoding) override;
+    void TextDecl(const XMLCh* version, const XMLCh* encoding) override;
     void docCharacters(const XMLCh* chars, XMLSize_t length, bool isCdataSection) override;
     void docComment(const XMLCh* comment) override;
     void docPI(const XMLCh* target, const XMLCh* data) override;
@@ -41,12 +44,14 @@ public:
 
 private:
     void noteEventEnd();
+    SourcePlace currentPlace();
     std::uint32_t currentFile();
 
     SourcePlaces& places_;
     std::uint32_t ownFile_ = 0;
     SourcePlace lastEnd_;
     std::size_t openEntities_ = 0;
+    std::size_t openInternalEntities_ = 0;
     std::vector<SourcePlace> openElements_;
     /// Those of the parse that is under way: a try that fails leaves no places behind.
     std::vector<std::pair<const xercesc::DOMNode*, SourcePlace>> recorded_;
