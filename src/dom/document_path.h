@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <xercesc/dom/DOMDocument.hpp>
 
 #include "support/hrefs.h"
@@ -14,6 +15,20 @@ namespace marrowpress {
 /// escaped.
 inline std::u16string documentPath(const xercesc::DOMDocument& document) {
     return uriToPath(domText(document.getDocumentURI()));
+}
+
+/// The path of `document` with "#", the id of a topic and, behind "/", that of an element in it, as
+/// far as they are not empty.
+inline std::u16string pathWithIds(const xercesc::DOMDocument& document, std::u16string_view topicId,
+                                  std::u16string_view elementId = {}) {
+    std::u16string path = documentPath(document);
+    if (!topicId.empty()) {
+        path.append(u"#").append(topicId);
+    }
+    if (!elementId.empty()) {
+        path.append(u"/").append(elementId);
+    }
+    return path;
 }
 
 }  // namespace marrowpress

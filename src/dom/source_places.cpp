@@ -120,14 +120,15 @@ const SourcePlaces::Entry* SourcePlaces::entryAround(const DOMNode& node) const 
     return nullptr;
 }
 
-SourcePlaces::Inclusion SourcePlaces::add(SourceStep step, Inclusion outer) {
+SourcePlaces::Inclusion SourcePlaces::add(InclusionRecord record) {
     const InclusionRecord& last = inclusions_.back();
     // A reference mostly copies several nodes, one behind the other.
-    if (last.outer == outer && last.step.place == step.place &&
-        last.step.attribute == step.attribute && last.step.target == step.target) {
+    if (last.outer == record.outer && last.step.place == record.step.place &&
+        last.step.attribute == record.step.attribute && last.step.target == record.step.target &&
+        last.takesTopic == record.takesTopic) {
         return static_cast<Inclusion>(inclusions_.size() - 1);
     }
-    inclusions_.push_back({std::move(step), outer});
+    inclusions_.push_back(std::move(record));
     return static_cast<Inclusion>(inclusions_.size() - 1);
 }
 
@@ -136,10 +137,12 @@ SourcePlaces::Inclusion SourcePlaces::inclusionBy(const CopyCause& cause) {
     if (!entry) {
         return kNoInclusion;
     }
-    return add({entry->place, cause.attribute, std::u16string(cause.target)}, entry->inclusion);
+    return add({{entry->place, cause.attribute, std::u16string(cause.target)},
+                entry->inclusion,
+                cause.takesTopic});
 }
 
-/// The way of `inner`, and behind its end that of `outer`.
+/// The way of `inner`, up to where it came into the output, and behind its end that of `outer`.
 SourcePlaces::Inclusion SourcePlaces::continued(Inclusion inner, Inclusion outer) {
     if (inner == kNoInclusion || outer == kNoInclusion) {
         return std::max(inner, outer);
@@ -149,13 +152,14 @@ SourcePlaces::Inclusion SourcePlaces::continued(Inclusion inner, Inclusion outer
         return known->second;
     }
     std::vector<Inclusion> way;
-    for (Inclusion step = inner; step != kNoInclusion && way.size() < kMostSteps;
+    for (Inclusion step = inner;
+         step != kNoInclusion && !inclusions_[step].takesTopic && way.size() < kMostSteps;
          step = inclusions_[step].outer) {
         way.push_back(step);
     }
     Inclusion whole = outer;
     for (auto step = way.rbegin(); step != way.rend(); ++step) {
-        whole = add(inclusions_[*step].step, whole);
+        whole = add({inclusions_[*step].step, whole, false});
     }
     return continued_[{inner, outer}] = whole;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <boost/unordered/unordered_flat_map.hpp>
+#include <compare>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -20,7 +21,7 @@ struct SourcePlace {
     std::uint32_t line = 0;    ///< From 1; 0 for the file as a whole.
     std::uint32_t column = 0;  ///< From 1, in UTF-16 code units.
 
-    friend bool operator==(const SourcePlace&, const SourcePlace&) = default;
+    friend auto operator<=>(const SourcePlace&, const SourcePlace&) = default;
 };
 
 /// On whose account something is copied.
@@ -28,6 +29,9 @@ struct CopyCause {
     const xercesc::DOMElement* reference = nullptr;  ///< Null: what is copied only changes places.
     const XMLCh* attribute = nullptr;                ///< A literal: by which it refers.
     std::u16string_view target;                      ///< The attribute's value.
+    /// The reference takes a topic into the output. What is copied there later, out of that topic,
+    /// came on account of another one.
+    bool takesTopic = false;
 };
 
 /// `reference` as a cause: by the first of "conref", "href", "conkeyref" and "keyref" that it has.
@@ -96,10 +100,11 @@ private:
     struct InclusionRecord {
         SourceStep step;
         Inclusion outer;
+        bool takesTopic;
     };
 
     const Entry* entryAround(const xercesc::DOMNode& node) const;
-    Inclusion add(SourceStep step, Inclusion outer);
+    Inclusion add(InclusionRecord record);
     Inclusion inclusionBy(const CopyCause& cause);
     Inclusion continued(Inclusion inner, Inclusion outer);
     void appendInclusions(std::vector<SourceStep>& steps, Inclusion inclusion) const;

@@ -7,6 +7,7 @@
 #include "application/run_observer.h"
 #include "dom/attributes.h"
 #include "dom/copies.h"
+#include "dom/document_path.h"
 #include "dom/nodes.h"
 #include "profiling/conditional_pis.h"
 #include "references/dita_reference.h"
@@ -35,7 +36,7 @@ void observeLostFragment(const DOMElement& node, const DitaReference& reference)
 }
 
 /// Tells that what stands inside a reference to a map comes to nothing.
-void observeDroppedChildren(const DOMElement& node) {
+void observeDroppedChildren(const DOMElement& node, std::u16string_view mapPath) {
     RunObserver* const observer = RunObserver::existing();
     if (!observer) {
         return;
@@ -50,7 +51,7 @@ void observeDroppedChildren(const DOMElement& node) {
         const std::u16string count = toUtf16(std::string_view(std::to_string(children.size())));
         observer->fault({.code = FaultCode::kMapReferenceChildren,
                          .element = children.front(),
-                         .target = attributeView(node, u"href"),
+                         .target = mapPath,
                          .detail = count});
     }
 }
@@ -159,7 +160,7 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
     ProgressMessenger::instance().reportAppending(
         pathFileName(domText(document->getDocumentURI())));
     DOMElement* const appended =
-        appendTopicSubtree(*element, parent, {&node, u"href", attributeView(node, u"href")});
+        appendTopicSubtree(*element, parent, {&node, u"href", attributeView(node, u"href"), true});
     return appended ? *appended : parent;
 }
 
@@ -224,7 +225,7 @@ void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node,
     if (!map || isOpen(*map)) {
         return;
     }
-    observeDroppedChildren(node);
+    observeDroppedChildren(node, documentPath(*map));
     DOMElement* const root = map->getDocumentElement();
     keyrefs_.resolveAllKeyrefs(root, keySpace_);
     conrefs_.resolveConrefs(root, keySpace_, topicIds_);

@@ -52,8 +52,9 @@ protected:
 
     /// Puts a copy of `original` behind all that is in `parent`, on account of `reference`.
     static DOMElement& copyTo(DOMElement& parent, const DOMElement& original,
-                              const DOMElement* reference) {
-        const CopyCause cause = reference ? causeOf(*reference) : CopyCause();
+                              const DOMElement* reference, bool takesTopic = false) {
+        CopyCause cause = reference ? causeOf(*reference) : CopyCause();
+        cause.takesTopic = takesTopic;
         appendCopies(parent, {const_cast<DOMElement*>(&original)}, cause);
         return *parent.getLastElementChild();
     }
@@ -154,6 +155,24 @@ TEST_F(SourcePlacesTest, ContentThatWasPulledBeforeKeepsBothWays) {
     const DOMElement& z = *asElement(topicA.byId("z"));
     EXPECT_EQ(stepsTo(z),
               "c.dita:3 <- conref=c.dita#t/p at b.dita:3 <- conref=b.dita#t/p at a.dita:4");
+}
+
+TEST_F(SourcePlacesTest, ACopyWithinTheOutputForgetsHowItsOriginalCameThere) {
+    place(map, "root.ditamap");
+    place(topicA, "a.dita");
+    place(topicB, "b.dita");
+    place(topicC, "c.dita");
+    copyTo(*output.root(), *topicB.root(), map.byId("b"), true);
+    DOMElement& inner = *output.byId("y");
+    copyTo(inner, *topicC.byId("p"), &inner);
+    copyTo(*output.root(), *topicA.root(), map.byId("a"), true);
+    DOMElement& copy = copyTo(*output.byId("q"), *output.byId("y"), output.byId("q"));
+    EXPECT_EQ(stepsTo(copy),
+              "b.dita:3 <- conref=b.dita#t/p at a.dita:4"
+              " <- href=a.dita at root.ditamap:2");
+    EXPECT_EQ(stepsTo(*asElement(copy.getFirstElementChild()->getFirstElementChild())),
+              "c.dita:3 <- conref=c.dita#t/p at b.dita:3 <- conref=b.dita#t/p at a.dita:4"
+              " <- href=a.dita at root.ditamap:2");
 }
 
 TEST_F(SourcePlacesTest, TextAndCommentsAreCopiedWithoutPlaces) {
