@@ -12,6 +12,8 @@
 #include "dom/document_path.h"
 #include "dom/nodes.h"
 #include "marrowpress/messages.h"
+#include "support/hrefs.h"
+#include "support/paths.h"
 #include "support/request_singleton.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
@@ -52,18 +54,6 @@ void reportMessage(std::string line, ObservedFault fault) {
     }
 }
 
-/// What a reference leads to, with the ids behind the path.
-std::u16string withIds(const xercesc::DOMDocument& document,
-                       std::initializer_list<std::u16string_view> ids) {
-    std::u16string target = documentPath(document);
-    char16_t separator = u'#';
-    for (const std::u16string_view id : ids) {
-        (target += separator) += id;
-        separator = u'/';
-    }
-    return target;
-}
-
 std::string elementNotFoundLine(std::u16string_view tagName, std::u16string_view id,
                                 const xercesc::DOMDocument& target) {
     return messageLine(MessageId::kElementNotFound,
@@ -79,6 +69,20 @@ bool leadsElsewhere(const xercesc::DOMElement& reference) {
     const std::u16string_view scope =
         element ? attributeView(*element, u"scope") : std::u16string_view();
     return scope == u"peer" || scope == u"external";
+}
+
+/// The path that `reference` is cut at, if it was meant for a file with a sign in its name that
+/// ends a path; empty otherwise.
+std::u16string cutPartOf(const xercesc::DOMElement& reference) {
+    const std::u16string_view href = attributeView(reference, u"href");
+    if (href.find_first_of(u"#\\") == std::u16string_view::npos) {
+        return {};
+    }
+    if (isAbsolutePath(href)) {
+        return partThatCutsReferences(href);
+    }
+    const std::u16string base = documentPath(*reference.getOwnerDocument());
+    return partThatCutsReferences(std::u16string(parentPath(base)).append(u"/").append(href));
 }
 
 }  // namespace
@@ -151,9 +155,10 @@ void ReportMessenger::reportElementInTopicNotFound(std::u16string_view tagName,
     fault.detail = tagName;
     RunObserver* const observer = RunObserver::existing();
     const std::u16string wanted =
-        observer ? withIds(target, {topicId, elementId}) : std::u16string();
+        observer ? pathWithIds(target, topicId, elementId) : std::u16string();
     fault.target = wanted;
-    fault.reason = observer ? observer->bearerOf(elementId, target) : std::u16string_view();
+    fault.reason =
+        observer ? observer->bearerOf(target, elementId, topicId) : std::u16string_view();
     reportMessage(messageLine(MessageId::kElementInTopicNotFound,
                               {tagName, elementId, topicId, domText(target.getDocumentURI())}),
                   fault);
@@ -164,17 +169,19 @@ void ReportMessenger::reportElementNotFound(std::u16string_view tagName, std::u1
     ObservedFault fault{.code = FaultCode::kElementNotFound, .element = reference};
     fault.detail = tagName;
     RunObserver* const observer = RunObserver::existing();
-    const std::u16string wanted = observer ? withIds(target, {id}) : std::u16string();
+    const std::u16string wanted = observer ? pathWithIds(target, id) : std::u16string();
     fault.target = wanted;
-    fault.reason = observer ? observer->bearerOf(id, target) : std::u16string_view();
+    fault.reason = observer ? observer->bearerOf(target, id) : std::u16string_view();
     reportMessage(elementNotFoundLine(tagName, id, target), fault);
 }
 
 void ReportMessenger::reportConrefLoop(std::u16string_view tagName, std::u16string_view id,
                                        const Document& target, const Element& reference,
                                        std::vector<SourcePlace> ring) {
-    const std::u16string wanted =
-        RunObserver::existing() ? withIds(target, {id}) : std::u16string();
+    const HrefParts parts = splitHref(attributeView(reference, u"conref"));
+    const std::u16string wanted = RunObserver::existing()
+                                      ? pathWithIds(target, parts.topicId, parts.elementId)
+                                      : std::u16string();
     reportMessage(elementNotFoundLine(tagName, id, target), {.code = FaultCode::kConrefLoop,
                                                              .element = &reference,
                                                              .target = wanted,
@@ -194,11 +201,14 @@ void ReportMessenger::reportReferencedFileNotFound(std::u16string_view path,
                                                    const Element* reference) {
     ObservedFault fault{.code = FaultCode::kReferencedFileNotFound, .element = reference};
     fault.target = path;
+    std::u16string cutPart;
     if (RunObserver::existing() && reference) {
         fault.isArtefact = leadsElsewhere(*reference);
-        if (attributeView(*reference, u"href").find(u'\\') != std::u16string_view::npos) {
+        cutPart = cutPartOf(*reference);
+        if (!cutPart.empty()) {
             fault.code = FaultCode::kPathIsCut;
-            fault.detail = u"\\";
+            fault.target = cutPart;
+            fault.detail = cutPart.find(u'#') < cutPart.find(u'\\') ? u"#" : u"\\";
         }
     }
     reportMessage(messageLine(MessageId::kReferencedFileNotFound, {path}), fault);

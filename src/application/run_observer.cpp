@@ -1,11 +1,14 @@
 #include "application/run_observer.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "application/connection.h"
 #include "dom/attributes.h"
 #include "dom/copies.h"
+#include "dom/document_path.h"
+#include "dom/nodes.h"
 #include "support/hrefs.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
@@ -24,6 +27,34 @@ std::unique_ptr<RunObserver>& requestObserver() {
 
 std::string tagNameOf(const DOMElement* element) {
     return element ? toUtf8(domText(element->getTagName())) : std::string();
+}
+
+/// The name of an element in the table of those with an id.
+std::u16string bearerName(std::u16string_view containerId, std::u16string_view id) {
+    return std::u16string(containerId).append(u"/").append(id);
+}
+
+/// Adds each element with an id by that alone, by that within each element around it that has one,
+/// and by that within ".".
+template <class TagNames>
+void gatherBearers(const xercesc::DOMDocument& document, TagNames& tagNames) {
+    DOMElement* const root = document.getDocumentElement();
+    for (DOMElement* element = root; element; element = nextInSubtree(element, *root)) {
+        const std::u16string_view id = attributeView(*element, u"id");
+        if (id.empty()) {
+            continue;
+        }
+        const std::u16string tagName(domText(element->getTagName()));
+        tagNames.try_emplace(bearerName({}, id), tagName);
+        tagNames.try_emplace(bearerName(u".", id), tagName);
+        for (const DOMElement* around = asElement(element->getParentNode()); around;
+             around = asElement(around->getParentNode())) {
+            const std::u16string_view containerId = attributeView(*around, u"id");
+            if (!containerId.empty()) {
+                tagNames.try_emplace(bearerName(containerId, id), tagName);
+            }
+        }
+    }
 }
 
 std::vector<SourceStep> stepsTo(const ObservedFault& fault, const SourcePlaces& places) {
@@ -65,6 +96,9 @@ void RunObserver::phase(const char* name) {
 
 void RunObserver::documentRead(std::u16string_view path, std::u16string_view rootName,
                                DocumentGrammar grammar, const Element* reference) {
+    if (grammar != DocumentGrammar::kOwn) {
+        filesWithoutDtd_.emplace(path);
+    }
     sendAt(reference, ObservationKind::kDocumentRead, static_cast<std::uint32_t>(grammar),
            {.element = toUtf8(rootName), .target = toUtf8(path)});
 }
@@ -83,7 +117,6 @@ void RunObserver::keyDefinition(std::u16string_view key, std::u16string_view hre
 }
 
 void RunObserver::topic(std::u16string_view path, const Element& reference) {
-    ++topicCount_;
     sendAt(&reference, ObservationKind::kTopic, 0,
            {.element = tagNameOf(&reference), .target = toUtf8(path)});
 }
@@ -121,8 +154,11 @@ void RunObserver::runFailed(std::string_view reason) {
 }
 
 void RunObserver::fault(const ObservedFault& fault) {
-    if (fault.code == FaultCode::kCannotRead || fault.code == FaultCode::kReferencedFileNotFound) {
-        withoutFile_.insert(fault.element);
+    const bool tellsMissingFile = fault.code == FaultCode::kCannotRead ||
+                                  fault.code == FaultCode::kReferencedFileNotFound ||
+                                  fault.code == FaultCode::kPathIsCut;
+    if (tellsMissingFile && fault.element) {
+        withoutFile_.insert(SourcePlaces::existing()->placeOf(*fault.element));
     }
     if (faults_.size() >= kMostFaults) {
         ++droppedFaults_;
@@ -134,10 +170,37 @@ void RunObserver::fault(const ObservedFault& fault) {
                        fault.isArtefact,
                        fault.outlivesElement,
                        {fault.element ? tagNameOf(fault.element) : toUtf8(fault.elementName),
-                        toUtf8(inSourceTerms(fault.target)), toUtf8(fault.detail),
+                        toUtf8(targetOf(fault)), toUtf8(inSourceTerms(fault.detail)),
                         toUtf8(fault.reason), std::string(fault.line)},
                        stepsTo(fault, *SourcePlaces::existing()),
                        fault.related});
+}
+
+/// The target in source terms. A ring has one name, by whichever of its references it is told.
+std::u16string RunObserver::targetOf(const ObservedFault& fault) {
+    const std::u16string target = inSourceTerms(fault.target);
+    if (fault.code != FaultCode::kConrefLoop) {
+        return target;
+    }
+    std::vector<SourcePlace> ring = fault.related;
+    std::sort(ring.begin(), ring.end());
+    return ringTargets_.try_emplace(std::move(ring), target).first->second;
+}
+
+const DOMElement& RunObserver::writerOf(const Element& element,
+                                        std::u16string_view attribute) const {
+    const Element* writer = &element;
+    auto taken = takenAttributes_.find({writer, attribute});
+    while (taken != takenAttributes_.end() && taken->second != &element) {
+        writer = taken->second;
+        taken = takenAttributes_.find({writer, attribute});
+    }
+    return *writer;
+}
+
+std::u16string_view RunObserver::sourceFileOf(std::u16string_view newId) const {
+    const auto source = sourceTopics_.find(newId);
+    return source == sourceTopics_.end() ? std::u16string_view() : splitHref(source->second).path;
 }
 
 /// `target` by the path and the id that an author knows, where it is a topic of the output.
@@ -168,20 +231,17 @@ void RunObserver::finish(const std::function<bool(const Element&)>& isPublished)
     }
 }
 
-std::u16string_view RunObserver::bearerOf(std::u16string_view id,
-                                          const xercesc::DOMDocument& document) {
-    const auto [entry, isNew] = bearers_.try_emplace(&document);
-    TagNames& tagNames = entry->second;
-    DOMElement* const root = document.getDocumentElement();
-    for (DOMElement* element = isNew ? root : nullptr; element;
-         element = nextInSubtree(element, *root)) {
-        const std::u16string_view ownId = attributeView(*element, u"id");
-        if (!ownId.empty()) {
-            tagNames.try_emplace(std::u16string(ownId), domText(element->getTagName()));
-        }
+std::u16string_view RunObserver::bearerOf(const xercesc::DOMDocument& document,
+                                          std::u16string_view id, std::u16string_view containerId) {
+    if (containerId.empty() && filesWithoutDtd_.contains(documentPath(document))) {
+        return {};
     }
-    const auto bearer = tagNames.find(id);
-    return bearer == tagNames.end() ? std::u16string_view() : bearer->second;
+    const auto [entry, isNew] = bearers_.try_emplace(&document);
+    if (isNew) {
+        gatherBearers(document, entry->second);
+    }
+    const auto bearer = entry->second.find(bearerName(containerId, id));
+    return bearer == entry->second.end() ? std::u16string_view() : bearer->second;
 }
 
 void RunObserver::sendAt(const Element* element, ObservationKind kind, std::uint32_t code,
@@ -198,7 +258,7 @@ void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& te
     std::vector<ObservedStep> observedSteps;
     for (const SourceStep& step : steps) {
         names.push_back(step.attribute ? toUtf8(domText(step.attribute)) : std::string());
-        names.push_back(toUtf8(step.target));
+        names.push_back(toUtf8(inSourceTerms(step.target)));
         observedSteps.push_back(
             {observed(step.place), names[names.size() - 2].c_str(), names.back().c_str()});
     }

@@ -2,10 +2,13 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
@@ -91,10 +94,45 @@ public:
         return known == takenConrefs_.end() ? std::u16string() : known->second;
     }
 
-    /// Whether it was told of `element` that the file that it leads to is missing or unreadable.
-    bool hasToldMissingFile(const Element& element) const {
-        return withoutFile_.contains(&element);
+    /// The content reference of `element` led to `target`. The first time that the reference of a
+    /// source is followed counts: later its element may have that of another one.
+    void noteConrefTarget(const Element& element, const Element& target) {
+        conrefTargets_.try_emplace(SourcePlaces::existing()->placeOf(element), &target);
     }
+    /// What the content reference at `place` led to; null when it was not followed.
+    const Element* conrefTargetAt(const SourcePlace& place) const {
+        const auto known = conrefTargets_.find(place);
+        return known == conrefTargets_.end() ? nullptr : known->second;
+    }
+
+    /// `element` has got its link from `definition`, which names the whole target.
+    void noteKeyLink(const Element& element, const Element& definition) {
+        keyLinks_.try_emplace(SourcePlaces::existing()->placeOf(element), &definition);
+    }
+    /// The definition that the link of `element`, or of what it is a copy of, came from; null when
+    /// it is its own.
+    const Element* keyLinkOf(const Element& element) const {
+        const auto known = keyLinks_.find(SourcePlaces::existing()->placeOf(element));
+        return known == keyLinks_.end() ? nullptr : known->second;
+    }
+
+    /// `element` has got `attribute`, a literal, from `source`.
+    void noteTakenAttribute(const Element& element, const XMLCh* attribute, const Element& source) {
+        takenAttributes_.insert_or_assign({&element, std::u16string_view(attribute)}, &source);
+    }
+    /// The element at which `attribute` of `element` is written.
+    const Element& writerOf(const Element& element, std::u16string_view attribute) const;
+
+    /// Whether it was told of `element`, or of what it is a copy of, that the file that it leads to
+    /// is missing or unreadable.
+    bool hasToldMissingFile(const Element& element) const {
+        return withoutFile_.contains(SourcePlaces::existing()->placeOf(element));
+    }
+
+    /// Whether a topic of the sources has got the id `newId` in the output.
+    bool isTopicId(std::u16string_view newId) const { return sourceTopics_.contains(newId); }
+    /// The path of the file that the topic with the id `newId` came from; empty for no topic's id.
+    std::u16string_view sourceFileOf(std::u16string_view newId) const;
 
     /// The run has made the file at `path` itself; it is no source.
     void noteOwnFile(std::u16string_view path) { ownFiles_.emplace(path); }
@@ -108,12 +146,12 @@ public:
     /// part of the publication.
     void finish(const std::function<bool(const Element&)>& isPublished);
 
-    /// The tag name of the first element of `document` with that id, as it was when the document
-    /// was first looked at; empty when none has it.
-    std::u16string_view bearerOf(std::u16string_view id, const xercesc::DOMDocument& document);
-
-    /// Topics that have come into the output.
-    std::size_t topicCount() const noexcept { return topicCount_; }
+    /// The tag name of the first element of `document` with that id, within the element with the
+    /// id `containerId` if that is not empty, as it was when the document was first looked at;
+    /// empty when none has it. "." stands for any container. In a document that was read without
+    /// its DTD no container is found by its id.
+    std::u16string_view bearerOf(const xercesc::DOMDocument& document, std::u16string_view id,
+                                 std::u16string_view containerId = {});
 
 private:
     /// The texts of an observation.
@@ -139,16 +177,22 @@ private:
               const std::vector<SourcePlace>& related = {});
     void sendAt(const Element* element, ObservationKind kind, std::uint32_t code, Texts texts);
     std::u16string inSourceTerms(std::u16string_view target) const;
+    std::u16string targetOf(const ObservedFault& fault);
     const char* pathOf(const SourcePlace& place);
     ObservedPlace observed(const SourcePlace& place);
 
     InterfaceRef<IHostObserver> observer_;
     std::vector<PendingFault> faults_;
     std::size_t droppedFaults_ = 0;
-    std::size_t topicCount_ = 0;
     std::unordered_set<std::u16string> ownFiles_;
     std::unordered_set<std::u16string> unreadFiles_;
-    std::unordered_set<const Element*> withoutFile_;
+    std::unordered_set<std::u16string> filesWithoutDtd_;
+    std::set<SourcePlace> withoutFile_;
+    std::map<SourcePlace, const Element*> conrefTargets_;
+    std::map<std::pair<const Element*, std::u16string_view>, const Element*> takenAttributes_;
+    std::map<SourcePlace, const Element*> keyLinks_;
+    /// By the places of a ring in their order: by what it is named.
+    std::map<std::vector<SourcePlace>, std::u16string> ringTargets_;
     std::unordered_map<const Element*, std::u16string> takenConrefs_;
     /// By the id in the output.
     std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>> sourceTopics_;

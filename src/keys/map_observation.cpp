@@ -7,6 +7,7 @@
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "profiling/ditaval_filters.h"
+#include "references/direct_references.h"
 #include "references/exclusion_filter.h"
 #include "references/node_filters.h"
 #include "support/text.h"
@@ -54,8 +55,11 @@ void observeElement(RunObserver& observer, const DOMElement& element) {
 
 void observeExcludedKeys(RunObserver& observer, const DOMElement& element) {
     const std::u16string keys = attributeOf(element, u"keys");
+    const std::u16string_view href = attributeView(element, u"href");
+    const std::u16string target =
+        href.empty() ? std::u16string() : makeAbsoluteHref(href, *element.getOwnerDocument());
     for (const std::u16string_view key : splitTokens(keys)) {
-        observer.keyDefinition(key, attributeView(element, u"href"), KeyState::kExcluded, element);
+        observer.keyDefinition(key, target, KeyState::kExcluded, element);
     }
 }
 

@@ -119,10 +119,11 @@ void observeExcluded(RunObserver& observer, const DOMElement& element) {
     const auto* const profile =
         dynamic_cast<const DitaValExcludeFilter*>(ExclusionFilterHolder::instance().filter());
     const std::u16string_view href = attributeView(element, u"href");
-    observer.excluded(
-        element,
-        href.empty() ? std::u16string() : makeAbsoluteHref(href, *element.getOwnerDocument()),
-        profile ? profile->attributeThatExcludes(element) : std::u16string_view());
+    observer.excluded(element,
+                      href.empty()
+                          ? std::u16string(observer.sourceFileOf(attributeView(element, u"id")))
+                          : makeAbsoluteHref(href, *element.getOwnerDocument()),
+                      profile ? profile->attributeThatExcludes(element) : std::u16string_view());
 }
 
 void removeExcludedElements(xercesc::DOMDocument& document) {

@@ -68,7 +68,7 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
     observePhase("assembly");
     std::unique_ptr<PublishResult> result = assemble(mapPath, keySpace, topicIds, *params);
     if (RunObserver* const observer = RunObserver::existing()) {
-        observeOutput(*observer, *result, mapPath);
+        observeOutput(*observer, *result, keySpace, mapPath);
     }
     observePhase("output");
     writeOutput(*params, *result);

@@ -1,6 +1,5 @@
 #include "publish/output_observation.h"
 
-#include <algorithm>
 #include <exception>
 #include <string_view>
 #include <unordered_map>
@@ -11,10 +10,11 @@
 #include "dom/attributes.h"
 #include "dom/document_path.h"
 #include "dom/nodes.h"
+#include "publish/left_conrefs.h"
 #include "publish/publish_result.h"
 #include "references/conref_target.h"
-#include "references/direct_references.h"
 #include "references/document_kind.h"
+#include "references/key_space.h"
 #include "references/multimedia_node_filters.h"
 #include "references/multimedia_references.h"
 #include "references/node_filters.h"
@@ -54,27 +54,33 @@ bool hasContent(const DOMElement& element) {
     return false;
 }
 
-/// The nearest "scope" of a link and the lists around it.
-std::u16string_view scopeOf(const DOMElement& element) {
-    for (const DOMElement* around = &element; around; around = asElement(around->getParentNode())) {
-        const std::u16string_view scope = attributeView(*around, u"scope");
-        if (!scope.empty()) {
-            return scope;
-        }
+/// Whether the nearest "scope" of a link and the lists around it says that it leads out of the
+/// publication.
+bool leadsElsewhere(const DOMElement& link) {
+    const DOMElement* element = &link;
+    while (element && attributeView(*element, u"scope").empty()) {
+        element = asElement(element->getParentNode());
     }
-    return {};
+    const std::u16string_view scope =
+        element ? attributeView(*element, u"scope") : std::u16string_view();
+    return scope == u"external" || scope == u"peer";
 }
 
 /// One look over the finished documents of a run.
 class OutputObservation {
 public:
-    explicit OutputObservation(RunObserver& observer) : observer_(observer) {}
+    OutputObservation(RunObserver& observer, const KeySpace& keySpace)
+        : observer_(observer), keySpace_(keySpace) {}
 
     void run(const std::vector<DOMDocument*>& documents);
+
+    /// Whether a topic of the sources is in the documents.
+    bool hasTopic() const noexcept { return hasTopic_; }
 
 private:
     struct Link {
         const DOMElement* element;
+        const XMLCh* attribute;  ///< A literal: by which it refers.
         std::u16string target;
     };
 
@@ -85,12 +91,17 @@ private:
     void observeLink(const Link& link);
     void observeInside(const Link& link, const HrefParts& parts);
     void observeOutside(const Link& link, const HrefParts& parts);
+    void observeMissing(const Link& link, std::u16string_view path);
+    void observeFragment(const Link& link);
+    void observeKeys();
+    bool isFragmentMissing(const HrefParts& parts) const;
     bool isFragmentThere(const DOMDocument& document, const HrefParts& parts) const;
-    void observeLeftConref(const DOMElement& element);
     bool isThere(const std::u16string& path);
-    void fault(FaultCode code, const DOMElement& element, std::u16string_view target);
+    void fault(FaultCode code, const Link& link, std::u16string_view target);
+    void noEffect(const DOMElement& element, std::u16string_view what);
 
     RunObserver& observer_;
+    const KeySpace& keySpace_;
     TopicNodeFilter topics_;
     MultimediaRefAttrContainingNodeFilter media_;
     std::vector<Link> links_;
@@ -100,6 +111,7 @@ private:
     /// "topic/element" of all elements with an id.
     std::unordered_set<std::u16string> elementIds_;
     std::unordered_map<std::u16string, bool> isThere_;
+    bool hasTopic_ = false;
 };
 
 void OutputObservation::run(const std::vector<DOMDocument*>& documents) {
@@ -114,8 +126,9 @@ void OutputObservation::run(const std::vector<DOMDocument*>& documents) {
         observeLink(link);
     }
     for (const DOMElement* const element : conrefs_) {
-        observeLeftConref(*element);
+        observeLeftConref(observer_, keySpace_, *element);
     }
+    observeKeys();
 }
 
 /// Not by the walker: it asks for parents, which are dear, and here nothing changes on the way.
@@ -151,24 +164,25 @@ void OutputObservation::gatherElement(DOMElement& element, const DOMElement* top
     const std::u16string_view id = attributeView(element, u"id");
     if (!id.empty() && topic == &element) {
         topicIds_.emplace(id);
+        hasTopic_ = hasTopic_ || observer_.isTopicId(id);
     } else if (!id.empty() && topic) {
         elementIds_.insert(attributeOf(*topic, u"id").append(u"/").append(id));
     }
     const std::u16string_view href = attributeView(element, u"href");
     if (tagName == u"coderef") {
-        fault(FaultCode::kNoEffect, element, u"coderef");
+        noEffect(element, u"coderef");
     }
     if (!href.empty()) {
-        links_.push_back({&element, std::u16string(href)});
+        links_.push_back({&element, u"href", std::u16string(href)});
         if ((tagName == u"xref" || tagName == u"link") && !hasContent(element)) {
-            fault(FaultCode::kNoEffect, element, u"link-text");
+            noEffect(element, u"link-text");
         }
     }
     if (!attributeView(element, u"conref").empty()) {
         conrefs_.push_back(&element);
     }
     if (!attributeView(element, u"conaction").empty()) {
-        fault(FaultCode::kNoEffect, element, u"conaction");
+        noEffect(element, u"conaction");
     }
     gatherMedia(element, tagName);
 }
@@ -176,13 +190,14 @@ void OutputObservation::gatherElement(DOMElement& element, const DOMElement* top
 void OutputObservation::gatherMedia(const DOMElement& element, std::u16string_view tagName) {
     if ((tagName == u"object" || tagName == u"param") && selects(media_, &element)) {
         const MultimediaNodeHandler& handler = multimediaNodeHandler(media_.getType(&element));
-        links_.push_back({&element, handler.getRefValue(element)});
+        links_.push_back({&element, u"data", handler.getRefValue(element)});
     }
 }
 
 void OutputObservation::observeLink(const Link& link) {
-    const std::u16string_view scope = scopeOf(*link.element);
-    if (scope == u"external" || scope == u"peer" || isExternalUri(link.target)) {
+    const DOMElement* const definition = observer_.keyLinkOf(*link.element);
+    if (leadsElsewhere(*link.element) || (definition && leadsElsewhere(*definition)) ||
+        isExternalUri(link.target)) {
         return;
     }
     const HrefParts parts = splitHref(link.target);
@@ -193,33 +208,77 @@ void OutputObservation::observeLink(const Link& link) {
     }
 }
 
-/// A link to a topic of the output: that it leads to one is why it was rewritten.
+/// A link to a topic that was taken in: that is why it was rewritten.
 void OutputObservation::observeInside(const Link& link, const HrefParts& parts) {
-    if (parts.elementId.empty() || !topicIds_.contains(std::u16string(parts.topicId))) {
+    if (!observer_.isTopicId(parts.topicId)) {
+        return;
+    }
+    if (!topicIds_.contains(std::u16string(parts.topicId))) {
+        // The profile took it out again.
+        fault(FaultCode::kTopicNotInOutput, link, link.target);
         return;
     }
     const std::u16string id = std::u16string(parts.topicId).append(u"/").append(parts.elementId);
-    if (!elementIds_.contains(id)) {
-        fault(FaultCode::kFragmentNotFound, *link.element, link.target);
+    if (!parts.elementId.empty() && !elementIds_.contains(id)) {
+        observeFragment(link);
     }
 }
 
 void OutputObservation::observeOutside(const Link& link, const HrefParts& parts) {
     const std::u16string path(parts.path);
     if (!isThere(path)) {
-        if (observer_.hasToldMissingFile(*link.element)) {
-            return;
-        }
-        fault(FaultCode::kLinkTargetMissing, *link.element, path);
+        observeMissing(link, path);
+    } else if (isFragmentMissing(parts)) {
+        observeFragment(link);
+    } else if (namesTopic(parts.path, attributeView(*link.element, u"format"))) {
+        fault(FaultCode::kTopicNotInOutput, link, link.target);
+    }
+}
+
+void OutputObservation::observeMissing(const Link& link, std::u16string_view path) {
+    const DOMElement* const definition = observer_.keyLinkOf(*link.element);
+    const std::u16string cutPart = partThatCutsReferences(link.target);
+    if (observer_.hasToldMissingFile(*link.element) ||
+        (definition && observer_.hasToldMissingFile(*definition))) {
         return;
     }
+    if (cutPart.empty()) {
+        fault(FaultCode::kLinkTargetMissing, link, path);
+    } else {
+        observer_.fault({.code = FaultCode::kPathIsCut,
+                         .element = &observer_.writerOf(*link.element, link.attribute),
+                         .target = cutPart,
+                         .detail = u"#"});
+    }
+}
+
+/// Nothing of a fragment that a key definition names: that is told once, of the definition.
+void OutputObservation::observeFragment(const Link& link) {
+    if (!observer_.keyLinkOf(*link.element)) {
+        fault(FaultCode::kFragmentNotFound, link, link.target);
+    }
+}
+
+/// Tells of key definitions whose file is read and does not have their fragment.
+void OutputObservation::observeKeys() {
+    const DOMElement& root = *keySpace_.document().getDocumentElement();
+    for (const DOMElement* definition = root.getFirstElementChild(); definition;
+         definition = definition->getNextElementSibling()) {
+        const std::u16string href = attributeOf(*definition, u"href");
+        const bool isOwnLink = !observer_.keyLinkOf(*definition) && !leadsElsewhere(*definition);
+        if (isOwnLink && isFragmentMissing(splitHref(href))) {
+            observer_.fault(
+                {.code = FaultCode::kFragmentNotFound, .element = definition, .target = href});
+        }
+    }
+}
+
+/// Whether the file is loaded and has no element with these ids.
+bool OutputObservation::isFragmentMissing(const HrefParts& parts) const {
+    const std::u16string path(parts.path);
     DocumentStore& store = DocumentStore::instance();
     const DOMDocument* const document = store.holds(path) ? store.getOrLoad(path) : nullptr;
-    if (document && !parts.topicId.empty() && !isFragmentThere(*document, parts)) {
-        fault(FaultCode::kFragmentNotFound, *link.element, link.target);
-    } else if (namesTopic(parts.path, attributeView(*link.element, u"format"))) {
-        fault(FaultCode::kTopicNotInOutput, *link.element, link.target);
-    }
+    return document && !parts.topicId.empty() && !isFragmentThere(*document, parts);
 }
 
 bool OutputObservation::isFragmentThere(const DOMDocument& document, const HrefParts& parts) const {
@@ -227,46 +286,6 @@ bool OutputObservation::isFragmentThere(const DOMDocument& document, const HrefP
     // Behind "#" a link names a topic, unless it leads into a map.
     return element && (!parts.elementId.empty() || selects(topics_, element) ||
                        classifyDocument(&document) == DitaDocKind::DitaDocMap);
-}
-
-/// A content reference that the output keeps. Where its file could not be read, that was told.
-void OutputObservation::observeLeftConref(const DOMElement& element) {
-    const SourcePlaces& places = *SourcePlaces::existing();
-    const SourcePlace start = places.placeOf(element);
-    const std::u16string first = attributeOf(element, u"conref");
-    std::vector<SourcePlace> ring{start};
-    const DOMElement* reference = &element;
-    while (reference) {
-        const std::u16string target =
-            makeAbsoluteHref(attributeView(*reference, u"conref"), *reference->getOwnerDocument());
-        const HrefParts parts = splitHref(target);
-        const std::u16string path(parts.path);
-        DocumentStore& store = DocumentStore::instance();
-        if (observer_.isUnread(path)) {
-            return;
-        }
-        const DOMDocument* const document =
-            path.empty() ? reference->getOwnerDocument()
-                         : (store.holds(path) ? store.getOrLoad(path) : nullptr);
-        reference = document ? elementOf(*document, parts) : nullptr;
-        if (!reference || attributeView(*reference, u"conref").empty()) {
-            break;
-        }
-        const SourcePlace place = places.placeOf(*reference);
-        if (std::find(ring.begin(), ring.end(), place) != ring.end()) {
-            observer_.fault({.code = FaultCode::kConrefLoop,
-                             .element = &element,
-                             .target = first,
-                             .related = ring});
-            return;
-        }
-        ring.push_back(place);
-    }
-    const std::u16string taken = observer_.takenConrefOf(element);
-    observer_.fault({.code = FaultCode::kConrefOfConref,
-                     .element = &element,
-                     .target = taken.empty() ? first : taken,
-                     .detail = first});
 }
 
 bool OutputObservation::isThere(const std::u16string& path) {
@@ -284,17 +303,23 @@ bool OutputObservation::isThere(const std::u16string& path) {
     return isThere_[path] = isThere;
 }
 
-void OutputObservation::fault(FaultCode code, const DOMElement& element,
-                              std::u16string_view target) {
-    observer_.fault({.code = code, .element = &element, .target = target});
+void OutputObservation::fault(FaultCode code, const Link& link, std::u16string_view target) {
+    observer_.fault({.code = code,
+                     .element = &observer_.writerOf(*link.element, link.attribute),
+                     .target = target});
+}
+
+void OutputObservation::noEffect(const DOMElement& element, std::u16string_view what) {
+    observer_.fault({.code = FaultCode::kNoEffect, .element = &element, .target = what});
 }
 
 }  // namespace
 
-void observeOutput(RunObserver& observer, const PublishResult& result,
+void observeOutput(RunObserver& observer, const PublishResult& result, const KeySpace& keySpace,
                    const std::u16string& mapPath) {
-    OutputObservation(observer).run(result.finishedDocuments());
-    if (observer.topicCount() > 0) {
+    OutputObservation observation(observer, keySpace);
+    observation.run(result.finishedDocuments());
+    if (observation.hasTopic()) {
         return;
     }
     const DOMDocument& map = DocumentStore::instance().mustLoad(mapPath);

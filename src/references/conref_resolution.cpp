@@ -8,6 +8,7 @@
 #include "application/run_observer.h"
 #include "dom/attributes.h"
 #include "dom/copies.h"
+#include "dom/document_path.h"
 #include "dom/element_walker.h"
 #include "dom/nesting_depth.h"
 #include "dom/nodes.h"
@@ -30,16 +31,24 @@ void removeConref(DOMElement& element) {
     element.removeAttribute(u"conrefend");
 }
 
-/// Tells of a reference to an element that it is or stands in: it loses its own content, and gets
-/// none.
-void observeSelfReference(const DOMElement& element, const DOMElement& start,
-                          std::u16string_view conref) {
+/// Tells which of the attributes that faults are about `element` is to get from `start`.
+void observeTakenAttributes(const DOMElement& element, const DOMElement& start) {
     RunObserver* const observer = RunObserver::existing();
-    if (observer && isWithin(element, start)) {
-        observer->fault({.code = FaultCode::kConrefLoop,
-                         .element = &element,
-                         .target = conref,
-                         .related = {SourcePlaces::existing()->placeOf(element)}});
+    if (!observer) {
+        return;
+    }
+    for (const XMLCh* const attribute :
+         {u"href", u"data", u"keyref", u"conkeyref", u"datakeyref"}) {
+        if (!element.hasAttribute(attribute) && start.hasAttribute(attribute)) {
+            observer->noteTakenAttribute(element, attribute, start);
+        }
+    }
+}
+
+/// Tells that `copy` stands for `member`, which is an element of a range.
+void observeRangeMember(const DOMElement& member, const DOMElement& copy, const CopyCause& cause) {
+    if (SourcePlaces* const places = SourcePlaces::existing()) {
+        places->recordCopy(member, copy, cause);
     }
 }
 
@@ -67,6 +76,9 @@ private:
 
     void reportUncopied(const DOMElement& element, const DOMElement& start,
                         std::u16string_view id) const;
+    void observeFollowed(const DOMElement& element, const DOMElement& start,
+                         const HrefParts& reference) const;
+    std::vector<SourcePlace> ringOf(const DOMElement& element, const DOMElement& start) const;
     DOMDocument* targetDocument(const HrefParts& reference, const DOMElement& element) const;
     void replace(DOMElement& element, const Target& target);
     void insertRange(DOMElement& element, const Target& target);
@@ -113,7 +125,7 @@ void ConrefWalk::resolve(DOMElement& element) {
         removeConref(element);
         return;
     }
-    observeSelfReference(element, *start, conref);
+    observeFollowed(element, *start, reference);
     replace(element,
             {*document, *start, stop, !reference.path.empty(), {&element, u"conref", conref}});
 }
@@ -127,13 +139,39 @@ void ConrefWalk::reportUncopied(const DOMElement& element, const DOMElement& sta
         ReportMessenger::instance().reportElementNotFound(tagName, id, target, &element);
         return;
     }
+    ReportMessenger::instance().reportConrefLoop(tagName, id, target, element,
+                                                 ringOf(element, start));
+}
+
+/// Tells what the reference leads to, and of one to an element that it is or stands in: it loses
+/// its own content, and gets none.
+void ConrefWalk::observeFollowed(const DOMElement& element, const DOMElement& start,
+                                 const HrefParts& reference) const {
+    RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return;
+    }
+    observer->noteConrefTarget(element, start);
+    if (isWithin(element, start)) {
+        const std::u16string target =
+            pathWithIds(*start.getOwnerDocument(), reference.topicId, reference.elementId);
+        observer->fault({.code = FaultCode::kConrefLoop,
+                         .element = &element,
+                         .target = target,
+                         .related = ringOf(element, start)});
+    }
+}
+
+/// The places of the references that lead to each other; none while nobody observes the run.
+std::vector<SourcePlace> ConrefWalk::ringOf(const DOMElement& element,
+                                            const DOMElement& start) const {
     std::vector<SourcePlace> ring;
     if (const SourcePlaces* const places = SourcePlaces::existing()) {
         for (const DOMElement* const reference : lineage_.ringOf(element, start)) {
             ring.push_back(places->placeOf(*reference));
         }
     }
-    ReportMessenger::instance().reportConrefLoop(tagName, id, target, element, std::move(ring));
+    return ring;
 }
 
 /// The document that the reference names, its own where it names none; null when it can't be
@@ -151,6 +189,7 @@ void ConrefWalk::replace(DOMElement& element, const Target& target) {
     removeConref(element);
     insertRange(element, target);
     copyContent(element, target.start, target.cause);
+    observeTakenAttributes(element, target.start);
     mergeAttributes(element, target.start);
     if (RunObserver* const observer = RunObserver::existing();
         observer && element.hasAttribute(u"conref")) {
@@ -185,6 +224,7 @@ void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
 void ConrefWalk::insertMember(DOMElement& member, const DOMElement& element, DOMNode* before,
                               const Target& target) {
     DOMElement& copy = *document_.createElement(member.getTagName());
+    observeRangeMember(member, copy, target.cause);
     mergeAttributes(copy, element);
     element.getParentNode()->insertBefore(&copy, before);
     lineage_.recordRangeMember(member, copy);

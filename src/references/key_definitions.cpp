@@ -45,10 +45,35 @@ const DOMElement* contentSource(const DOMElement& element, const DOMElement& def
     return linktext ? linktext : findChildByTag(u"navtitle", *meta);
 }
 
+/// The element at which the key reference of `reference` is written: what a content reference gave
+/// to an element was written elsewhere.
+const DOMElement& writerOf(const DOMElement& reference) {
+    const RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return reference;
+    }
+    for (const std::u16string_view attribute : {u"keyref", u"conkeyref", u"datakeyref"}) {
+        const DOMElement& writer = observer->writerOf(reference, attribute);
+        if (&writer != &reference) {
+            return writer;
+        }
+    }
+    return reference;
+}
+
 void reportKeyNotFound(std::u16string_view keyName, const DOMElement& reference) {
     // The name that the end of a chain leaves, and the marker of what is dealt with.
     const bool isNobodysKey = keyName.empty() || keyName == kIgnoreKeyref;
-    ReportMessenger::instance().reportKeyNotFound(keyName, &reference, isNobodysKey);
+    ReportMessenger::instance().reportKeyNotFound(keyName, &writerOf(reference), isNobodysKey);
+}
+
+/// A link with an element part says itself where in the definition's file it leads.
+void observeKeyLink(const DOMElement& element, const DOMElement& definition,
+                    std::u16string_view keyReference) {
+    RunObserver* const observer = RunObserver::existing();
+    if (observer && keyNameOf(keyReference).size() == keyReference.size()) {
+        observer->noteKeyLink(element, definition);
+    }
 }
 
 /// Tells what of the definition's link does not come to `element`.
@@ -101,6 +126,7 @@ std::u16string resolveKeyHref(const KeySpace& keySpace, std::u16string_view keyR
         reportKeyNotFound(keyName, reference);
         return {};
     }
+    observeKeyLink(reference, *definition, keyReference);
     return effectiveKeyHref(keyReference, attributeView(*definition, u"href"), reference);
 }
 
@@ -116,6 +142,7 @@ const DOMElement* applyKeyDefinition(DOMElement& element, const DOMElement* defi
         const std::u16string href = attributeOf(*definition, u"href");
         if (declaresHref && !href.empty()) {
             element.setAttribute(u"href", effectiveKeyHref(keyReference, href, element).c_str());
+            observeKeyLink(element, *definition, keyReference);
         }
         if (RunObserver* const observer = RunObserver::existing(); observer && !href.empty()) {
             observeLink(*observer, element, *definition, keyNameOf(keyReference), declaresHref);

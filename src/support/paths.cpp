@@ -245,6 +245,17 @@ std::string unreadableReason(std::u16string_view path) {
     return isRegular ? std::string() : std::string("not a regular file");
 }
 
+std::u16string partThatCutsReferences(std::u16string_view path) noexcept try {
+    const std::size_t sign = path.find_first_of(u"#\\");
+    std::error_code error;
+    if (sign == std::u16string_view::npos || !std::filesystem::exists(nativePath(path), error)) {
+        return {};
+    }
+    return std::u16string(path.substr(0, path.find(u'/', sign)));
+} catch (...) {
+    return {};
+}
+
 std::filesystem::path nativePath(std::u16string_view path) {
     return std::filesystem::path(toUtf8(path));
 }

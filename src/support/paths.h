@@ -73,6 +73,10 @@ bool isIrregularFile(std::u16string_view path) noexcept;
 /// The system's reason, in UTF-8, why the file at `path` can't be read; empty when it can.
 std::string unreadableReason(std::u16string_view path);
 
+/// `path` up to the end of the first name in it that holds "#" or a backslash, where references are
+/// cut, if there is something at the whole of `path`; else empty. Never throws.
+std::u16string partThatCutsReferences(std::u16string_view path) noexcept;
+
 /// The path in the form of the standard library, its name in UTF-8.
 std::filesystem::path nativePath(std::u16string_view path);
 

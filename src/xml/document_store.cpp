@@ -27,6 +27,10 @@ DocumentGrammar grammarOf(const xercesc::DOMDocument& document, const ParseHisto
     if (!history.isReadWithoutDtd) {
         return DocumentGrammar::kOwn;
     }
+    // What an internal subset alone leaves out was never meant to be declared.
+    if (domText(document.getDoctype()->getSystemId()).empty()) {
+        return DocumentGrammar::kNoDoctype;
+    }
     const bool isInvalid = history.failureWithDtd && history.failureWithDtd->isOfValidity;
     return isInvalid ? DocumentGrammar::kInvalid : DocumentGrammar::kNotFound;
 }

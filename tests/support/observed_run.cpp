@@ -195,6 +195,7 @@ std::string ObservedRunTest::publish(std::string_view mapContent, bool isFlatBoo
     observations.clear();
     boost::json::object params = isFlatBook ? flatBook() : composite();
     params["ditaVal"] = profile;
+    params["usePrint"] = usePrint;
     lastStatus = status(isFlatBook ? publishFlatBook(params) : publishComposite(params));
     return faults();
 }

@@ -77,6 +77,7 @@ protected:
     std::vector<ObservedCopy> observations;  ///< of the last request
     /// Stands for the profile of a request; empty for none.
     std::string profile;
+    bool usePrint = false;  ///< of the next requests
     std::int32_t lastStatus = 0;
 
 private:
