@@ -11,8 +11,8 @@
 namespace marrowpress {
 namespace {
 
-/// Bytes of a file that are looked at.
-constexpr std::size_t kStartSize = 4096;
+/// Bytes of a file that are looked at: a component has all its conditions in front of its root.
+constexpr std::size_t kStartSize = 256 * 1024;
 
 std::string readStart(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -58,6 +58,16 @@ bool takeDoctype(std::string_view& rest) {
     return take(rest, ">");
 }
 
+/// Takes the conditions that a component has in front of its root.
+bool takeConditions(std::string_view& rest) {
+    while (take(rest, "<?Qs ")) {
+        if (!takeThrough(rest, "?>")) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// Whether `text` begins with a random (version 4) UUID as the module writes it, and a quote.
 bool startsWithUuid(std::string_view text) {
     constexpr std::string_view kShape = "xxxxxxxx-xxxx-4xxx-vxxx-xxxxxxxxxxxx\"";
@@ -86,7 +96,7 @@ bool isWrittenComposite(const std::filesystem::path& path) {
     if (take(rest, "<?xml ") && !takeThrough(rest, "?>")) {
         return false;
     }
-    if (!takeDoctype(rest)) {
+    if (!takeDoctype(rest) || !takeConditions(rest)) {
         return false;
     }
     // Without any element: the profile has excluded even the root.

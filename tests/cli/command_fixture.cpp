@@ -1,5 +1,6 @@
 #include "tests/cli/command_fixture.h"
 
+#include <regex>
 #include <sstream>
 
 #include "tests/support/texts.h"
@@ -55,6 +56,11 @@ std::string shownProgress(const Texts& lines) {
 
 std::string shownReport(std::string_view line) {
     return replacedAll(std::string(line), "\r\n", "\n");
+}
+
+std::string withoutTime(const std::string& text) {
+    static const std::regex kTime(R"(, \d+[.,]\d s\n$)");
+    return std::regex_replace(text, kTime, "\n");
 }
 
 CommandTest::CommandTest() {

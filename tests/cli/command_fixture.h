@@ -18,6 +18,9 @@ using Texts = std::vector<std::string>;
 std::string shownProgress(const Texts& lines);
 std::string shownReport(std::string_view line);
 
+/// What goes to standard error without the seconds of its last line.
+std::string withoutTime(const std::string& text);
+
 /// The built command on a map with two topics, and a catalog for the DTDs of all three.
 ///
 /// The sources are in "docs"; the empty folder "out" is for what comes out of them.

@@ -12,14 +12,14 @@ TEST(PublishRequestTest, HoldsEveryParameter) {
     options.compositeDtd = "c.dtd";
     options.keySpaceDtd = "k.dtd";
     options.isForPrint = true;
-    EXPECT_EQ(buildRequest(options, {"/a/\"m\".ditamap", "/o/ä.dita", "/f.ditaval"}),
+    EXPECT_EQ(buildRequest(options, {"/a/\"m\".ditamap", "/o/ä.dita", {}}, "/f.ditaval"),
               R"({"type":"PublishComp","params":{"ditamap":"/a/\"m\".ditamap",)"
               R"("output":"/o/ä.dita","ditaVal":"/f.ditaval","keyspaceDocDtd":"k.dtd",)"
               R"("compositeDocDtd":"c.dtd","usePrint":true}})");
 }
 
 TEST(PublishRequestTest, SaysThatThereIsNoFilter) {
-    EXPECT_EQ(buildRequest({}, {"/m", "/o", std::nullopt}),
+    EXPECT_EQ(buildRequest({}, {"/m", "/o", {}}, std::nullopt),
               R"({"type":"PublishComp","params":{"ditamap":"/m","output":"/o","ditaVal":"",)"
               R"("keyspaceDocDtd":"map.dtd","compositeDocDtd":"ditabase.dtd","usePrint":false}})");
 }
@@ -32,24 +32,9 @@ TEST(PublishRequestTest, AsksForAFlatBook) {
         R"("generateQSComponentsAtOneLoc":)";
     const std::string end = R"(,"ditaVal":"","keyspaceDocDtd":"map.dtd",)"
                             R"("compositeDocDtd":"ditabase.dtd","usePrint":false}})";
-    EXPECT_EQ(buildRequest(options, {"/m", "/o", std::nullopt}), start + "false" + end);
+    EXPECT_EQ(buildRequest(options, {"/m", "/o", {}}, std::nullopt), start + "false" + end);
     options.isAtOneLocation = true;
-    EXPECT_EQ(buildRequest(options, {"/m", "/o", std::nullopt}), start + "true" + end);
-}
-
-TEST(ComponentsTest, AreTheFifthValueEachOnce) {
-    using Texts = std::vector<std::string>;
-    TypedValues answer{{1, 0},
-                       {6, Texts{"/open"}},
-                       {15, std::vector<std::int32_t>{7}},
-                       {15, std::vector<std::int32_t>{}}};
-    EXPECT_EQ(componentsOf(answer), std::nullopt);
-    answer.push_back({6, Texts{"/b.qs", "/a.qs", "/b.qs", "/c.qs", "/a.qs"}});
-    EXPECT_EQ(componentsOf(answer), (Texts{"/b.qs", "/a.qs", "/c.qs"}));
-    answer.back() = {6, Texts{}};
-    EXPECT_EQ(componentsOf(answer), Texts{});
-    answer.back() = {15, std::vector<std::int32_t>{1}};
-    EXPECT_EQ(componentsOf(answer), std::nullopt);
+    EXPECT_EQ(buildRequest(options, {"/m", "/o", {}}, std::nullopt), start + "true" + end);
 }
 
 TEST(MissingFileTest, IsTheFirstThatIsNoFile) {
