@@ -216,7 +216,7 @@ void FaultFindings::describeKey(Finding& finding) {
         const std::optional<std::string> nearest = nearestName(key, facts_.keys());
         finding.hint = nearest                 ? didYouMeanHint(*nearest)
                        : facts_.keys().empty() ? noKeyDefinedHint()
-                                               : std::string();
+                                               : defineKeyHint();
         return;
     }
     switch (fact->state) {
@@ -239,10 +239,11 @@ void FaultFindings::describeElement(Finding& finding, const Observation& fault) 
     if (!bearer.empty() && bearer != fault.detail) {
         finding.text = wrongElementText(shown(finding.target), bearer, fault.detail);
         finding.hint = wrongElementHint(bearer, fault.detail);
-    } else if (parts.element.empty()) {
-        finding.text = elementNotFoundText(shown(parts.path), parts.topic);
     } else {
-        finding.text = elementInTopicNotFoundText(shown(parts.path), parts.topic, parts.element);
+        finding.text = parts.element.empty() ? elementNotFoundText(shown(parts.path), parts.topic)
+                                             : elementInTopicNotFoundText(
+                                                   shown(parts.path), parts.topic, parts.element);
+        finding.hint = fragmentHint();
     }
     if (facts_.isWithoutDtd(parts.path)) {
         finding.hint = idsNeedDtdHint(shown(parts.path));
@@ -267,6 +268,8 @@ void FaultFindings::describeUnread(Finding& finding, const Observation& fault) {
                    context_.profiles.end()) {
         finding.hint = withoutFilterHint();
         finding.severity = Severity::kWarning;
+    } else if (finding.place.file == finding.target && finding.place.line != 0) {
+        finding.hint = notWellFormedHint();
     }
     if (finding.place.file.empty()) {
         finding.place.file = finding.target;
@@ -328,9 +331,8 @@ void FaultFindings::describeFragment(Finding& finding) const {
     finding.text = parts.element.empty() || parts.topic.empty()
                        ? elementNotFoundText(shown(parts.path), parts.topic)
                        : elementInTopicNotFoundText(shown(parts.path), parts.topic, parts.element);
-    if (facts_.isWithoutDtd(parts.path)) {
-        finding.hint = idsNeedDtdHint(shown(parts.path));
-    }
+    finding.hint =
+        facts_.isWithoutDtd(parts.path) ? idsNeedDtdHint(shown(parts.path)) : fragmentHint();
 }
 
 void FaultFindings::describeLoop(Finding& finding, const Observation& fault) const {

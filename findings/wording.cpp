@@ -135,6 +135,12 @@ std::string keyLeadsToItselfHint(std::string_view place) {
                       {place});
 }
 
+std::string defineKeyHint() {
+    return translated(
+        "Definieren Sie ihn mit `keys` in einer Map der Veröffentlichung, oder nehmen Sie den "
+        "Verweis heraus");
+}
+
 std::string noKeyDefinedHint() {
     return translated("Keine Map dieser Veröffentlichung definiert einen Schlüssel");
 }
@@ -146,6 +152,12 @@ std::string elementInTopicNotFoundText(std::string_view file, std::string_view t
 
 std::string elementNotFoundText(std::string_view file, std::string_view id) {
     return translated("In `{0}` hat kein Element die ID `{1}`", {file, id});
+}
+
+std::string fragmentHint() {
+    return translated(
+        "Hinter dem `#` steht die ID des Themas, und hinter einem Schrägstrich die des Elements: "
+        "Berichtigen Sie sie, oder geben Sie dem Ziel diese ID");
 }
 
 std::string wrongElementText(std::string_view target, std::string_view found,
@@ -169,6 +181,10 @@ std::string idsNeedDtdHint(std::string_view file) {
 std::string cannotReadText(std::string_view file, std::string_view reason) {
     return reason.empty() ? translated("`{0}` kann nicht gelesen werden", {file})
                           : translated("`{0}` kann nicht gelesen werden: {1}", {file, reason});
+}
+
+std::string notWellFormedHint() {
+    return translated("Dort hat es der Parser bemerkt; der Fehler selbst steht oft etwas davor");
 }
 
 std::string keyWithoutFileText(std::string_view key) {
@@ -248,6 +264,10 @@ std::string dtdNotFoundText(std::string_view file, std::string_view publicId,
 std::string doctypeHint(std::string_view root, std::string_view publicId) {
     return translated("Die Datei braucht eine Zeile wie <!DOCTYPE {0} PUBLIC \"{1}\" \"{0}.dtd\">",
                       {root, publicId});
+}
+
+std::string missingCatalogText(std::string_view catalog) {
+    return translated("{0} (gibt es nicht)", {catalog});
 }
 
 std::string catalogsHint(std::string_view catalogs) {

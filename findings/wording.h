@@ -50,12 +50,14 @@ std::string keyTakenAwayHint(std::string_view profile, std::string_view place);
 std::string keyDefinitionLostHint(std::string_view place);
 std::string keyLeadsToItselfHint(std::string_view place);
 std::string noKeyDefinedHint();
+std::string defineKeyHint();
 std::string elementInTopicNotFoundText(std::string_view file, std::string_view topic,
                                        std::string_view id);
 std::string elementNotFoundText(std::string_view file, std::string_view id);
 
 /// `target` is the path with its fragment, `found` the element that bears the id, `wanted` the one
 /// that refers.
+std::string fragmentHint();
 std::string wrongElementText(std::string_view target, std::string_view found,
                              std::string_view wanted);
 std::string wrongElementHint(std::string_view found, std::string_view wanted);
@@ -67,6 +69,7 @@ std::string idsNeedDtdHint(std::string_view file);
 std::string cannotReadText(std::string_view file, std::string_view reason);
 
 /// For a reference to an element in what a key stands for, which is no file.
+std::string notWellFormedHint();
 std::string keyWithoutFileText(std::string_view key);
 std::string topicLeftOutHint();
 std::string runFailsHint();
@@ -100,6 +103,7 @@ std::string dtdNotFoundText(std::string_view file, std::string_view publicId,
 std::string doctypeHint(std::string_view root, std::string_view publicId);
 
 /// `catalogs` are those that were asked, as one text; empty where there were none.
+std::string missingCatalogText(std::string_view catalog);
 std::string catalogsHint(std::string_view catalogs);
 std::string breaksDtdText(std::string_view file, std::string_view reason);
 std::string mapWithoutDtdHint();
