@@ -1,7 +1,9 @@
 #include "cli/public_ids.h"
 
 #include <memory>
+#include <system_error>
 
+#include "findings/wording.h"
 #include "host/catalog_resolver.h"
 
 namespace marrowpress {
@@ -22,7 +24,14 @@ std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& 
 }
 
 std::vector<std::string> shownCatalogs(const std::vector<std::string>& catalogs) {
-    return catalogsInUse(catalogs);
+    std::vector<std::string> shown = catalogsInUse(catalogs);
+    for (std::string& catalog : shown) {
+        std::error_code ignored;
+        if (!std::filesystem::exists(catalogPath(catalog), ignored)) {
+            catalog = missingCatalogText(catalog);
+        }
+    }
+    return shown;
 }
 
 std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs) {

@@ -12,7 +12,7 @@ namespace marrowpress {
 /// The files of the named catalogs, or of the default ones when none is named.
 std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& catalogs);
 
-/// The catalogs that are asked, in their order, as people name them.
+/// The catalogs that are asked, in their order, as people name them; one that is not there says so.
 std::vector<std::string> shownCatalogs(const std::vector<std::string>& catalogs);
 
 /// What is wrong with the first of the named catalogs that cannot be used; empty when all can.

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "host/catalog_resolver.h"
+#include "tests/support/chosen_language.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -36,6 +37,15 @@ TEST_F(PublicIdsTest, WithoutANameTheDefaultCatalogsAreUsed) {
     }
     EXPECT_FALSE(expected.empty());
     EXPECT_EQ(catalogFiles({}), expected);
+}
+
+TEST_F(PublicIdsTest, ACatalogThatIsNotThereIsShownAsSuch) {
+    const ChosenLanguage english(Language::kEnglish);
+    const std::string good = catalog("good.xml", "a");
+    const std::string none = folder.file("none.xml");
+    EXPECT_EQ(shownCatalogs({good, none, "file://" + none}),
+              (std::vector{good, none + " (which is not there)",
+                           "file://" + none + " (which is not there)"}));
 }
 
 TEST_F(PublicIdsTest, TheFirstFaultIsTold) {
