@@ -30,10 +30,10 @@ constexpr std::array kNoEffects{
     NoEffect{"coderef", kNoEffect, toTranslate("Schreiben Sie den Code in das Thema")},
     NoEffect{"subjectScheme", kNoEffect,
              toTranslate("Werte werden nicht geprüft; ein Profil nennt jeden Wert einzeln")},
-    NoEffect{
-        "link-text", toTranslateCount("{0} Link bleibt ohne Text", "{0} Links bleiben ohne Text"),
-        toTranslate(
-            "Schreiben Sie den Text in den Link, oder geben Sie dem Schlüssel einen `linktext`")},
+    NoEffect{"link-text",
+             toTranslateCount("{0} Link bleibt ohne Text", "{0} Links bleiben ohne Text"),
+             toTranslate("Schreiben Sie den Text in den Link, oder, wenn er über einen Schlüssel "
+                         "führt, als `linktext` in dessen Definition")},
     NoEffect{
         "key-scope-format",
         toTranslateCount("{0} Web-Link über einen Schlüssel hat weder `scope` noch `format`",
@@ -278,8 +278,8 @@ std::string catalogsHint(std::string_view catalogs) {
             "Kataloge nennt --catalog oder XML_CATALOG_FILES");
     }
     return translated(
-        "Gefragt wurde {0}; Debians Paket dita-ot bringt die DTDs von DITA, andere Kataloge nennt "
-        "--catalog oder XML_CATALOG_FILES",
+        "Gefragte Kataloge: {0}; Debians Paket dita-ot bringt die DTDs von DITA, andere Kataloge "
+        "nennt --catalog oder XML_CATALOG_FILES",
         {catalogs});
 }
 
@@ -374,7 +374,9 @@ std::string topicNotInOutputText(std::string_view file) {
 }
 
 std::string notInMapHint() {
-    return translated("Kein Verweis der Map führt dorthin");
+    return translated(
+        "Die Map verweist nicht darauf, oder nur mit processing-role=\"resource-only\" oder "
+        "print=\"no\"");
 }
 
 std::string topicExcludedHint(std::string_view profile) {

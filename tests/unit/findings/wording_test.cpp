@@ -233,7 +233,7 @@ TEST(CatalogsHintTest, NamesTheCatalogsAndWhatHelps) {
     const std::string help =
         "; Debian's package dita-ot brings DITA's DTDs, other catalogs are named by --catalog or "
         "XML_CATALOG_FILES";
-    EXPECT_EQ(catalogsHint("a.xml, b.xml"), "asked was a.xml, b.xml" + help);
+    EXPECT_EQ(catalogsHint("a.xml, b.xml"), "catalogs asked: a.xml, b.xml" + help);
     EXPECT_EQ(catalogsHint(""), "there was no catalog to ask" + help);
 }
 
