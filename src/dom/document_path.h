@@ -22,7 +22,7 @@ inline std::u16string documentPath(const xercesc::DOMDocument& document) {
 inline std::u16string pathWithIds(const xercesc::DOMDocument& document, std::u16string_view topicId,
                                   std::u16string_view elementId = {}) {
     std::u16string path = documentPath(document);
-    if (!topicId.empty()) {
+    if (!topicId.empty() || !elementId.empty()) {
         path.append(u"#").append(topicId);
     }
     if (!elementId.empty()) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "marrowpress/observer.h"
 #include "tests/support/publication.h"
@@ -23,6 +24,17 @@ TEST_P(ObservationTest, AnObserverChangesNothing) {
     EXPECT_EQ(observed.answer, unobserved.answer);
     EXPECT_EQ(observed.console, unobserved.console);
     EXPECT_EQ(observed.progress, unobserved.progress);
+    EXPECT_EQ(observed.trace, unobserved.trace);
+    EXPECT_EQ(observed.files, unobserved.files);
+}
+
+TEST_P(ObservationTest, AnObserverThatFailsChangesNothing) {
+    const PublicationCase example(GetParam());
+    const Publication unobserved = example.publish();
+    const Publication observed = example.publish(
+        [](const Observation& /*observation*/) { throw std::runtime_error("no room"); });
+
+    EXPECT_EQ(observed.answer, unobserved.answer);
     EXPECT_EQ(observed.trace, unobserved.trace);
     EXPECT_EQ(observed.files, unobserved.files);
 }

@@ -9,6 +9,7 @@
 #include "support/request_singleton.h"
 #include "support/text.h"
 #include "tests/support/message_texts.h"
+#include "tests/support/recording_observer.h"
 #include "tests/support/scripted_host.h"
 #include "tests/support/xml_text.h"
 
@@ -165,6 +166,115 @@ TEST_F(ReportMessengerTest, AHostThatRefusesChangesNothing) {
     host.hostStatus = 0;
     messenger.reportInvalidConrefEnd(nullptr);
     EXPECT_EQ(host.calls.size(), 2U);
+}
+
+/// Reports about a reference that stands somewhere, to a host with an observer.
+class ObservedReportTest : public XmlTest {
+protected:
+    ObservedReportTest() {
+        SourcePlaces& places = *SourcePlaces::existing();
+        places.record(*reference_.root(), {places.fileNumber(u"/a.dita"), 7, 3});
+    }
+
+    const xercesc::DOMElement* element() const { return reference_.root(); }
+
+    /// The fault of the one report so far, with its line in front.
+    std::string told() {
+        const std::string faults = observed.faults();
+        EXPECT_EQ(observed.host.observations.size(), 1U);
+        EXPECT_EQ(host.console(), Lines({observed.host.observations.front().line}));
+        return faults;
+    }
+
+    ReportMessenger messenger;
+    ObservedScope observed;
+    const ParsedXml target{"<topic id='t'><p id='p'/></topic>", u"file:///b.dita"};
+
+private:
+    const ParsedXml reference_{"<ph conref='#t/p' conrefend='#t/q' href='c.dita'/>",
+                               u"file:///a.dita"};
+};
+
+TEST_F(ObservedReportTest, AMissingKeyIsTheTarget) {
+    messenger.reportKeyNotFound(u"k", element());
+    EXPECT_EQ(told(), "105 /a.dita:7:3 <ph> k");
+}
+
+TEST_F(ObservedReportTest, AKeyThatNobodyWroteIsAnArtefact) {
+    messenger.reportKeyNotFound(u"", element(), true);
+    EXPECT_EQ(told(), "artefact 105 /a.dita:7:3 <ph>");
+}
+
+TEST_F(ObservedReportTest, AFileThatCannotBeReadHasTheReferenceOrTheStopAsItsPlace) {
+    messenger.reportCannotRead(u"/b.dita", element(), {u"gone", {}, 0, 0});
+    EXPECT_EQ(told(), "106 /a.dita:7:3 <ph> /b.dita reason=gone");
+    observed.host.observations.clear();
+    host.forget();
+    messenger.reportCannotRead(u"/b.dita", element(), {u"bad", u"/b.dita", 4, 2});
+    EXPECT_EQ(told(), "106 /b.dita:4:2 <ph> /b.dita reason=bad via /a.dita:7:3 conref=#t/p");
+}
+
+TEST_F(ObservedReportTest, AFileThatCannotBeWrittenHasNoPlace) {
+    messenger.reportCannotWrite(u"/out", "no room");
+    EXPECT_EQ(told(), "107 ?:0:0 /out reason=no room");
+}
+
+TEST_F(ObservedReportTest, ANavtitleIsToldWithTheLineOfAFileThatCannotBeWritten) {
+    messenger.reportNoFileName(u"/x.qs", u"../x", *element());
+    EXPECT_EQ(told(), "212 /a.dita:7:3 <ph> ../x detail=/x.qs");
+    EXPECT_EQ(host.console(), Lines({cannotWrite("/x.qs")}));
+}
+
+TEST_F(ObservedReportTest, AMissingElementIsToldWithWhatBearsItsId) {
+    messenger.reportElementInTopicNotFound(u"ph", u"p", u"t", target.document(), element());
+    EXPECT_EQ(told(), "108 /a.dita:7:3 <ph> /b.dita#t/p detail=ph reason=p");
+    observed.host.observations.clear();
+    host.forget();
+    messenger.reportElementNotFound(u"ph", u"t", target.document(), element());
+    EXPECT_EQ(told(), "109 /a.dita:7:3 <ph> /b.dita#t detail=ph reason=topic");
+    observed.host.observations.clear();
+    host.forget();
+    messenger.reportElementNotFound(u"ph", u"u", target.document(), element());
+    EXPECT_EQ(told(), "109 /a.dita:7:3 <ph> /b.dita#u detail=ph");
+}
+
+TEST_F(ObservedReportTest, ALoopHasItsRingAndTheLineOfAMissingElement) {
+    const SourcePlace place = SourcePlaces::existing()->placeOf(*element());
+    messenger.reportConrefLoop(u"ph", u"p", target.document(), *element(), {place});
+    EXPECT_EQ(told(), "205 /a.dita:7:3 <ph> /b.dita#t/p ring /a.dita:7:3");
+    EXPECT_EQ(host.console(), Lines({elementNotFound("ph", "p", "file:///b.dita")}));
+}
+
+TEST_F(ObservedReportTest, AnInvalidEndIsToldWithItsStart) {
+    messenger.reportInvalidConrefEnd(element());
+    EXPECT_EQ(told(), "110 /a.dita:7:3 <ph> #t/q detail=#t/p");
+}
+
+TEST_F(ObservedReportTest, AMissingFileIsTheTarget) {
+    messenger.reportReferencedFileNotFound(u"/c.dita", element());
+    EXPECT_EQ(told(), "111 /a.dita:7:3 <ph> /c.dita");
+}
+
+TEST_F(ObservedReportTest, AMissingFileElsewhereIsAnArtefact) {
+    const ParsedXml map(
+        "<map scope='peer'><topicref id='inherits'/><topicref id='local' scope='local'/>"
+        "<topicref id='external' scope='external'/></map>");
+    for (const char* const id : {"inherits", "external"}) {
+        messenger.reportReferencedFileNotFound(u"/c.dita", map.byId(id));
+        EXPECT_EQ(told(), "artefact 111 ?:0:0 <topicref> /c.dita") << id;
+        observed.host.observations.clear();
+        host.forget();
+    }
+    messenger.reportReferencedFileNotFound(u"/c.dita", map.byId("local"));
+    EXPECT_EQ(told(), "111 ?:0:0 <topicref> /c.dita");
+}
+
+TEST_F(ObservedReportTest, ANameWithASignThatCutsReferencesIsToldInstead) {
+    folder.write("c#d.dita", "x");
+    const std::string href = folder.file("c#d.dita");
+    const ParsedXml map("<topicref href='" + href + "'/>", u"file:///root.ditamap");
+    messenger.reportReferencedFileNotFound(u"/c", map.root());
+    EXPECT_EQ(told(), "213 ?:0:0 <topicref> " + href + " detail=#");
 }
 
 TEST_F(ReportMessengerTest, IsOnePerRequest) {

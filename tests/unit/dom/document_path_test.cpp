@@ -22,5 +22,13 @@ TEST_F(DocumentPathTest, IsEmptyForADocumentThatWasMadeInMemory) {
     EXPECT_EQ(documentPath(*made), u"");
 }
 
+TEST_F(DocumentPathTest, IdsStandBehindIt) {
+    const ParsedXml parsed("<p/>", u"file:///a/b.dita");
+    EXPECT_EQ(pathWithIds(parsed.document(), u"t"), u"/a/b.dita#t");
+    EXPECT_EQ(pathWithIds(parsed.document(), u"t", u"e"), u"/a/b.dita#t/e");
+    EXPECT_EQ(pathWithIds(parsed.document(), u"", u"e"), u"/a/b.dita#/e");
+    EXPECT_EQ(pathWithIds(parsed.document(), u""), u"/a/b.dita");
+}
+
 }  // namespace
 }  // namespace marrowpress

@@ -40,6 +40,31 @@ TEST_F(StandInInterfacesTest, GivesOutEveryInterface) {
     EXPECT_FALSE(query<IClientResources>());
 }
 
+TEST_F(StandInInterfacesTest, HasAnObserverOnlyForSomebodyWhoListens) {
+    EXPECT_FALSE(query<IHostObserver>());
+    std::string told;
+    StandInHostOptions options;
+    options.onObservation = [&](const Observation& observation) { told = observation.target; };
+    make(std::move(options));
+    const auto observer = query<IHostObserver>();
+    ASSERT_TRUE(observer);
+    const ObservedStep step{{nullptr, 0, 0}, "", ""};
+    const Observation observation{
+        ObservationKind::kPhase, 0, 0, "", "keys", "", "", "", &step, 1, nullptr, 0};
+    EXPECT_EQ(observer->observe(&observation), kComOk);
+    EXPECT_EQ(told, "keys");
+}
+
+TEST_F(StandInInterfacesTest, AnObserverThatThrowsFailsTheCall) {
+    StandInHostOptions options;
+    options.onObservation = [](const Observation&) { throw std::runtime_error("no"); };
+    make(std::move(options));
+    const ObservedStep step{{nullptr, 0, 0}, "", ""};
+    const Observation observation{
+        ObservationKind::kPhase, 0, 0, "", "keys", "", "", "", &step, 1, nullptr, 0};
+    EXPECT_NE(query<IHostObserver>()->observe(&observation), kComOk);
+}
+
 TEST_F(StandInInterfacesTest, HandsTextsOverForGood) {
     const auto text = query<IHostText>();
     std::int32_t answer = -1;

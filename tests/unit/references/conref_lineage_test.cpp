@@ -22,6 +22,15 @@ protected:
         lineage_.recordContent(element(original), element(copy), element(owner));
     }
 
+    /// The ids of the references in the ring.
+    std::string ring(std::string_view reference, std::string_view start) const {
+        std::string ids;
+        for (const DOMElement* const member : lineage_.ringOf(element(reference), element(start))) {
+            ids += (ids.empty() ? "" : " ") + attribute(*member, "id");
+        }
+        return ids;
+    }
+
     const ParsedXml tree_{
         "<x><x id='outside' conref='a'/><x id='target'/>"
         "<x id='a'><x id='r' conref='a'/></x><x id='b'><x id='s' conkeyref='b'/></x>"
@@ -126,6 +135,34 @@ TEST_F(ConrefLineageTest, WhatIsRecordedLastCounts) {
     copyContent("s", "copy-of-r", "b");
     EXPECT_FALSE(isEndless("copy-of-r", "a"));
     EXPECT_TRUE(isEndless("copy-of-r", "b"));
+}
+
+TEST_F(ConrefLineageTest, TheRingOfAnOriginalIsItself) {
+    EXPECT_EQ(ring("r", "a"), "r");
+}
+
+TEST_F(ConrefLineageTest, ARingOfOneIsTheReferenceThatCameWithWhatItRefersTo) {
+    lineage_.follow(element("outside"));
+    copyContent("r", "copy-of-r", "a");
+    EXPECT_EQ(ring("copy-of-r", "a"), "r");
+}
+
+TEST_F(ConrefLineageTest, ARingIsNamedByTheOriginalsBackToWhatItBeganWith) {
+    lineage_.follow(element("outside"));
+    copyContent("r", "copy-of-r", "a");
+    lineage_.follow(element("copy-of-r"));
+    copyContent("s", "copy-of-s", "b");
+    EXPECT_EQ(ring("copy-of-s", "a"), "s r");
+    EXPECT_EQ(ring("copy-of-s", "b"), "s");
+}
+
+TEST_F(ConrefLineageTest, ARingEndsWhereItsOwnOriginalComesAgain) {
+    lineage_.follow(element("r"));
+    copyContent("s", "copy-of-s", "b");
+    lineage_.follow(element("copy-of-s"));
+    copyContent("r", "second-copy", "target");
+    EXPECT_TRUE(isEndless("second-copy", "outside"));
+    EXPECT_EQ(ring("second-copy", "outside"), "r s");
 }
 
 }  // namespace

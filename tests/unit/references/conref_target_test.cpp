@@ -167,5 +167,28 @@ TEST_F(FindConrefTargetTest, MissesATopicWhoseIdIsNotDeclaredAsOne) {
     EXPECT_EQ(findConrefTarget(document.document(), &first, referrer(u"topic")), document.root());
 }
 
+struct ElementCase {
+    const char* xml;
+    const char* reference;  // what stands behind "#"
+    const char* found;      // the value of "mark"; empty for none
+};
+
+TEST_F(FindConrefTargetTest, AnElementIsFoundWhateverItsNameAndNothingIsReported) {
+    for (const auto& [xml, reference, found] :
+         {ElementCase{kTopics, "t", "t"}, ElementCase{kTopics, "t/e", "p"},
+          ElementCase{kTopics, "t/inner", "inner"}, ElementCase{kTopics, ".", "t"},
+          ElementCase{kTopics, "./e", "p"}, ElementCase{kMap, "b", "b"},
+          ElementCase{kMap, "c/e", "e"}, ElementCase{kTopics, "none", ""},
+          ElementCase{kTopics, "t/none", ""}, ElementCase{kTopics, "t/only-u", ""},
+          ElementCase{kTopics, "e", ""}, ElementCase{kMap, "none", ""},
+          ElementCase{"<dita/>", ".", ""}}) {
+        const ParsedXml document = parse(xml);
+        const std::u16string href = u"#" + toUtf16(std::string_view(reference));
+        const DOMElement* const element = elementOf(document.document(), splitHref(href));
+        EXPECT_EQ(element ? attribute(*element, "mark") : "", found) << reference;
+    }
+    EXPECT_EQ(console(), "");
+}
+
 }  // namespace
 }  // namespace marrowpress

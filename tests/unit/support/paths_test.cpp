@@ -480,6 +480,50 @@ TEST_F(PathExistsTest, OnlyWhatIsNoFileIsIrregular) {
     EXPECT_TRUE(isIrregularFile(u"/dev/null"));
 }
 
+TEST(UnreadableReasonTest, IsTheSystemsForWhatCannotBeRead) {
+    const TemporaryFolder folder;
+    folder.write("file", "x");
+    makePipe(folder.file("pipe"));
+    fs::create_symlink("link", folder.path() / "link");
+    EXPECT_EQ(unreadableReason(folder.file16("file")), "");
+    EXPECT_EQ(unreadableReason(folder.file16("none")), "No such file or directory");
+    EXPECT_EQ(unreadableReason(folder.file16("file/inside")), "Not a directory");
+    EXPECT_EQ(unreadableReason(folder.file16("link")), "Too many levels of symbolic links");
+    EXPECT_EQ(unreadableReason(toUtf16(folder.path().string())), "not a regular file");
+    EXPECT_EQ(unreadableReason(folder.file16("pipe")), "not a regular file");
+    EXPECT_EQ(unreadableReason(u"/dev/null"), "not a regular file");
+    EXPECT_EQ(unreadableReason(u""), "No such file or directory");
+}
+
+TEST(UnreadableReasonTest, NamesMissingRights) {
+    const TemporaryFolder folder;
+    folder.write("file", "x");
+    fs::permissions(folder.path() / "file", fs::perms::none);
+    const WithoutRights nobody;
+    EXPECT_EQ(unreadableReason(folder.file16("file")), "Permission denied");
+}
+
+TEST(PartThatCutsReferencesTest, EndsWithTheNameThatHoldsTheSign) {
+    const TemporaryFolder folder;
+    folder.write("a#b/c.png", "x");
+    folder.write("d#1.png", "x");
+    folder.write("e\\f.png", "x");
+    folder.write("plain.png", "x");
+    const auto partOf = [&](const char* name) {
+        const std::string part = toUtf8(partThatCutsReferences(folder.file16(name)));
+        const std::size_t start = folder.path().string().size() + 1;
+        return part.empty() ? part : part.substr(start);
+    };
+    EXPECT_EQ(partOf("a#b/c.png"), "a#b");
+    EXPECT_EQ(partOf("d#1.png"), "d#1.png");
+    EXPECT_EQ(partOf("e\\f.png"), "e\\f.png");
+    EXPECT_EQ(partOf("plain.png"), "");
+    EXPECT_EQ(partOf("a#b/none.png"), "");
+    EXPECT_EQ(partOf("d#2.png"), "");
+    EXPECT_EQ(partThatCutsReferences(u""), u"");
+    EXPECT_EQ(partThatCutsReferences(std::u16string(u"#\xD800")), u"");
+}
+
 TEST(NativePathTest, HasItsNameInUtf8) {
     EXPECT_EQ(nativePath(u"/\u00E4\U0001F600").native(), "/\xC3\xA4\xF0\x9F\x98\x80");
     EXPECT_EQ(nativePath(u"").native(), "");
