@@ -27,6 +27,7 @@ MARK = "--- end of a command: "
 SECONDS = re.compile(r"\b\d+\.\d s$", re.MULTILINE)
 NOT_ROOT = ["setpriv", "--bounding-set=-dac_override", "--inh-caps=-all"]
 UNWANTED = {"COLUMNS", "GITHUB_ACTIONS", "LANGUAGE", "XML_CATALOG_FILES"}
+READERS_FOLDER = "/tmp/kettle"  # as the tutorial calls it
 TIMEOUT = 120
 
 
@@ -101,16 +102,17 @@ class Reader:
         script = "".join(f'{{ {command}\n}} 2>&1\nstatus=$?; echo "{MARK}$status"; (exit $status)\n'
                          for command in commands)
         with tempfile.TemporaryDirectory() as folder:
-            guide = Path(folder, "kettle")
+            guide = Path(folder).resolve() / "kettle"
             shutil.copytree(self.example, guide)
             done = subprocess.run([*self.shell, "-c", script], cwd=guide, env=self.environment(),
                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                   stderr=subprocess.STDOUT, encoding="utf-8", timeout=TIMEOUT,
                                   check=False)
             guide.joinpath("out").chmod(0o755)
-        pieces = re.split(re.escape(MARK) + r"(\d+)\n", done.stdout)
+        printed = done.stdout.replace(str(guide), READERS_FOLDER)
+        pieces = re.split(re.escape(MARK) + r"(\d+)\n", printed)
         if len(pieces) != 2 * len(commands) + 1:
-            raise RuntimeError("the shell stopped early:\n" + done.stdout)
+            raise RuntimeError("the shell stopped early:\n" + printed)
         return pieces[0:-1:2], int(pieces[-2])
 
     def environment(self):
