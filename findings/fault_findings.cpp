@@ -149,7 +149,7 @@ void FaultFindings::describe(Finding& finding, const Observation& fault) {
             describeElement(finding, fault);
             break;
         case FaultCode::kInvalidConrefEnd:
-            finding.text = conrefEndNotBesideText(fault.target, fault.detail);
+            finding.text = conrefEndNotBesideText(shown(fault.target), shown(fault.detail));
             finding.hint = conrefEndHint();
             break;
         case FaultCode::kReferencedFileNotFound:
@@ -175,7 +175,7 @@ void FaultFindings::describe(Finding& finding, const Observation& fault) {
             describeOutside(finding);
             break;
         case FaultCode::kMapReferenceChildren:
-            finding.text = droppedChildrenText(fault.target, numberIn(fault.detail));
+            finding.text = droppedChildrenText(shown(fault.target), numberIn(fault.detail));
             finding.hint = droppedChildrenHint();
             break;
         case FaultCode::kKeyScope:
