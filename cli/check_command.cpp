@@ -35,11 +35,21 @@ PublishOptions scratchOptions(const CheckOptions& options, const fs::path& folde
     return publish;
 }
 
+/// On standard output there is nothing to look at.
+CheckOptions withoutStandardOutput(CheckOptions options) {
+    if (options.output == kStandardOutput) {
+        options.output.clear();
+    }
+    return options;
+}
+
 /// One call of the command.
 class Checking {
 public:
     Checking(const CheckOptions& options, const Streams& streams)
-        : options_(options), streams_(streams), paths_(resolvePublishPaths(options)) {}
+        : options_(withoutStandardOutput(options)),
+          streams_(streams),
+          paths_(resolvePublishPaths(options_)) {}
 
     ExitCode run();
 
@@ -58,7 +68,7 @@ private:
     std::optional<std::string> findOutputFault() const;
     void checkOnce(const ProfileSet& profiles, RunDisplay& display, Total& total) const;
 
-    const CheckOptions& options_;
+    CheckOptions options_;
     const Streams& streams_;
     PublishPaths paths_;
 };
@@ -120,6 +130,9 @@ std::optional<std::string> Checking::findFault(const std::vector<ProfileSet>& pr
         return fault;
     }
     RunFiles files{sourcesOf(options_, paths_), {}, false};
+    for (const std::string& filter : options_.eachFilters) {
+        files.inputs.push_back(namedPath("--each-filter", filter));
+    }
     if (!options_.output.empty()) {
         files.outputs = outputsOf(options_, paths_);
     }
@@ -160,7 +173,7 @@ void Checking::checkOnce(const ProfileSet& profiles, RunDisplay& display, Total&
     collector.finish();
     components.addFindings(collector);
     profiles.addFindings(collector);
-    addFailure(outcome, paths_.map.string(), collector);
+    addFailure(outcome, paths_.map.string(), paths_.map.string(), collector);
 
     OutsideFragments fragments(collector.context().currentFolder);
     for (Finding& finding : collector.list().take()) {
@@ -176,7 +189,12 @@ void Checking::checkOnce(const ProfileSet& profiles, RunDisplay& display, Total&
 }  // namespace
 
 ExitCode runCheck(const CheckOptions& options, const Streams& streams) {
-    return Checking(options, streams).run();
+    try {
+        return Checking(options, streams).run();
+    } catch (const ScratchError& failure) {
+        streams.err << usageErrorText("check", failure.what());
+        return ExitCode::kWrongUsage;
+    }
 }
 
 }  // namespace marrowpress

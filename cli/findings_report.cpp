@@ -3,14 +3,18 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <stdexcept>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "cli/terminal.h"
+#include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
 #include "findings/github_writer.h"
 #include "findings/human_writer.h"
@@ -41,16 +45,17 @@ bool fails(Severity severity, FailOn failOn) {
     return false;
 }
 
-/// Writes a file by `write`; says so on `err` and gives false when that fails.
-bool writeFile(const std::string& path, std::ostream& err,
-               const std::function<void(std::ostream&)>& write) {
+/// Writes a file by `write`; the system's reason when that fails.
+std::optional<std::string> writeFile(const std::string& path,
+                                     const std::function<void(std::ostream&)>& write) {
+    errno = 0;
     std::ofstream out(path, std::ios::binary);
     write(out);
     out.close();
-    if (!out) {
-        err << "marrowpress: cannot write " << path << '\n';
+    if (out) {
+        return std::nullopt;
     }
-    return static_cast<bool>(out);
+    return errno == 0 ? std::string() : std::generic_category().message(errno);
 }
 
 }  // namespace
@@ -98,15 +103,22 @@ ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std
     if (baseline_) {
         findings = baseline_->newOf(std::move(findings), currentFolder_).findings;
     }
-    FindingSummary summary = summarize(findings);
-    summary.topics = topics;
-    summary.dropped = dropped;
-    summary.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-    ExitCode code = codeOf(summary, worstDropped, runCode);
-    summary.exit = static_cast<int>(code);
-    const bool areReportsWritten = writeReports(findings, summary, err);
-    const bool isMainWritten = writeMain(findings, summary, err);
-    return areReportsWritten && isMainWritten ? code : ExitCode::kRunFailed;
+    const auto summaryWith = [&](ExitCode code) {
+        FindingSummary summary = summarize(findings);
+        summary.topics = topics;
+        summary.dropped = dropped;
+        summary.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+        summary.exit = static_cast<int>(code);
+        return summary;
+    };
+    ExitCode code = codeOf(summarize(findings), worstDropped, runCode);
+    for (Finding& unwritten : writeReports(findings, summaryWith(code))) {
+        findings.push_back(std::move(unwritten));
+        code = ExitCode::kRunFailed;
+    }
+    writeAnnotations(findings, err);
+    const bool isWritten = writeMain(findings, summaryWith(code), err);
+    return isWritten ? code : ExitCode::kRunFailed;
 }
 
 ExitCode FindingsReport::codeOf(const FindingSummary& summary, std::optional<Severity> worstDropped,
@@ -124,8 +136,12 @@ ExitCode FindingsReport::codeOf(const FindingSummary& summary, std::optional<Sev
 bool FindingsReport::writeMain(const std::vector<Finding>& findings, const FindingSummary& summary,
                                std::ostream& err) const {
     if (options_.file) {
-        return writeFile(*options_.file, err,
-                         [&](std::ostream& out) { writeTo(out, findings, summary, false); });
+        const std::optional<std::string> failure = writeFile(
+            *options_.file, [&](std::ostream& out) { writeTo(out, findings, summary, false); });
+        if (failure) {
+            err << "marrowpress: cannot write " << *options_.file << ": " << *failure << '\n';
+        }
+        return !failure;
     }
     writeTo(err, findings, summary, true);
     err << std::flush;
@@ -156,26 +172,36 @@ void FindingsReport::writeTo(std::ostream& out, const std::vector<Finding>& find
     }
 }
 
-bool FindingsReport::writeReports(const std::vector<Finding>& findings,
-                                  const FindingSummary& summary, std::ostream& err) const {
-    bool isWritten = true;
-    if (options_.sarif) {
-        isWritten &= writeFile(*options_.sarif, err, [&](std::ostream& out) {
-            writeSarif(out, findings, summary,
-                       {MARROWPRESS_VERSION, currentFolder_,
-                        [](std::string_view id) { return findingTitle(id); }});
-        });
-    }
-    if (options_.junit) {
-        isWritten &= writeFile(*options_.junit, err, [&](std::ostream& out) {
-            writeJunit(out, findings, summary, {map_, currentFolder_, translatedWords()});
-        });
-    }
+std::vector<Finding> FindingsReport::writeReports(const std::vector<Finding>& findings,
+                                                  const FindingSummary& summary) const {
+    std::vector<Finding> unwritten;
+    const auto write = [&](const std::optional<std::string>& path,
+                           const std::function<void(std::ostream&)>& writeReport) {
+        if (!path) {
+            return;
+        }
+        if (const std::optional<std::string> failure = writeFile(*path, writeReport)) {
+            unwritten.push_back(unwrittenFinding(std::filesystem::absolute(*path).string(),
+                                                 *failure, currentFolder_));
+        }
+    };
+    write(options_.sarif, [&](std::ostream& out) {
+        writeSarif(out, findings, summary,
+                   {MARROWPRESS_VERSION, currentFolder_,
+                    [](std::string_view id) { return findingTitle(id); }});
+    });
+    write(options_.junit, [&](std::ostream& out) {
+        writeJunit(out, findings, summary, {map_, currentFolder_, translatedWords()});
+    });
+    return unwritten;
+}
+
+void FindingsReport::writeAnnotations(const std::vector<Finding>& findings,
+                                      std::ostream& err) const {
     const bool isForTools = options_.format != DiagnosticsFormat::kHuman && !options_.file;
     if (isOnGithub() && !isForTools) {
         writeGithub(err, findings, currentFolder_);
     }
-    return isWritten;
 }
 
 }  // namespace marrowpress

@@ -19,6 +19,8 @@ namespace marrowpress {
 class FindingsReport {
 public:
     /// Reads the baseline, if there is one.
+    ///
+    /// @param options  Must outlive this object.
     FindingsReport(const DiagnosticsOptions& options, std::string map, std::string currentFolder);
 
     /// Why the run must not be started, as a sentence that names the argument; empty when it may.
@@ -29,6 +31,8 @@ public:
 
     /// Writes the findings in every form that was asked for, and gives the exit code: that of the
     /// run, unless the run went well and the findings say otherwise.
+    ///
+    /// A file that cannot be written is a finding of the form that comes last.
     ///
     /// @param runCode  `kSuccess` or `kRunFailed`.
     ExitCode write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
@@ -41,8 +45,10 @@ private:
                    std::ostream& err) const;
     void writeTo(std::ostream& out, const std::vector<Finding>& findings,
                  const FindingSummary& summary, bool isTerminal) const;
-    bool writeReports(const std::vector<Finding>& findings, const FindingSummary& summary,
-                      std::ostream& err) const;
+    /// The files that cannot be written, as findings.
+    std::vector<Finding> writeReports(const std::vector<Finding>& findings,
+                                      const FindingSummary& summary) const;
+    void writeAnnotations(const std::vector<Finding>& findings, std::ostream& err) const;
 
     using Clock = std::chrono::steady_clock;
 

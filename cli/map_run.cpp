@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "cli/public_ids.h"
+#include "cli/unwritten_file.h"
+#include "findings/catalogue.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
 #include "host/client_session.h"
@@ -17,6 +19,25 @@ namespace {
 
 std::string withStatus(PublishStatus status) {
     return " (status " + std::to_string(status) + ")";
+}
+
+/// How the reason begins where the system refused something.
+constexpr std::string_view kFileSystemError = "filesystem error: ";
+
+/// "rename: Is a directory", without the paths behind it: they may be those of files that are
+/// there for the length of a run only.
+std::string systemReason(const std::string& reason) {
+    const std::size_t begin = reason.starts_with(kFileSystemError) ? kFileSystemError.size() : 0;
+    return reason.substr(begin, reason.find(" [") - begin);
+}
+
+/// Whether a file that cannot be read or written has been told.
+bool isFailureTold(const std::vector<Finding>& findings) {
+    return std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+        const bool isOfFile =
+            finding.id == "MP106" || finding.id == "MP107" || finding.id == "MP212";
+        return isOfFile && !finding.isArtefact;
+    });
 }
 
 }  // namespace
@@ -89,24 +110,32 @@ std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
     }
 }
 
-void addFailure(const RunOutcome& outcome, const std::string& map, FindingCollector& collector) {
+void addFailure(const RunOutcome& outcome, const std::string& map, const std::string& output,
+                FindingCollector& collector) {
     const std::optional<std::string> fault = findStatusFault(outcome);
-    const std::vector<Finding>& findings = collector.list().findings();
-    const bool isTold = std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
-        return finding.severity == Severity::kError && !finding.isArtefact;
-    });
-    if (!fault || isTold) {
+    const std::string& reason = collector.facts().failure();
+    if (!fault || (reason.empty() && isFailureTold(collector.list().findings()))) {
         return;
     }
-    const std::string& reason = collector.facts().failure();
+    if (outcome.status == kRequestRefused || reason.starts_with(kFileSystemError)) {
+        addUnwritten(output, reason.empty() ? *fault : systemReason(reason), collector);
+        return;
+    }
     Finding finding;
     finding.id = "MP106";
-    finding.severity = Severity::kError;
+    finding.severity = *defaultSeverity(finding.id);
     finding.place.file = map;
     finding.target = map;
     finding.text = cannotReadText(shownPath(map, collector.context().currentFolder),
                                   reason.empty() ? *fault : reason);
     finding.hint = runFailsHint();
+    finding.profiles = collector.context().profiles;
+    collector.add(std::move(finding));
+}
+
+void addUnwritten(const std::string& path, const std::string& reason, FindingCollector& collector) {
+    Finding finding = unwrittenFinding(path, reason, collector.context().currentFolder);
+    finding.profiles = collector.context().profiles;
     collector.add(std::move(finding));
 }
 

@@ -39,7 +39,13 @@ std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer);
 /// The sentence about a run that did not come to its end; empty when it did.
 std::optional<std::string> findStatusFault(const RunOutcome& outcome);
 
-/// Makes a finding of a run that failed without one.
-void addFailure(const RunOutcome& outcome, const std::string& map, FindingCollector& collector);
+/// Makes a finding of a run that failed, unless one says why.
+///
+/// @param map, output  Absolute; what the run was asked to read and to write.
+void addFailure(const RunOutcome& outcome, const std::string& map, const std::string& output,
+                FindingCollector& collector);
+
+/// Makes a finding of a file that the run should have written.
+void addUnwritten(const std::string& path, const std::string& reason, FindingCollector& collector);
 
 }  // namespace marrowpress

@@ -12,6 +12,9 @@ namespace marrowpress {
 /// The name under which the program is called.
 inline constexpr const char* kProgramName = "marrowpress";
 
+/// The output of a composite that goes to standard output.
+inline constexpr const char* kStandardOutput = "-";
+
 /// `marrowpress host`: sends requests as they are.
 struct HostOptions {
     std::vector<std::string> requests;  ///< Files, or "-" for standard input at most once.

@@ -1,7 +1,6 @@
 #include "cli/profile_set.h"
 
 #include <fstream>
-#include <stdexcept>
 #include <utility>
 #include <variant>
 
@@ -62,14 +61,15 @@ Finding findingOf(const ProfileRemark& remark, const std::string& currentFolder)
 }
 
 /// A file that is done without, though the client never sees that it is missing.
-Finding unusableFinding(const std::string& path, const ProfileFault& fault) {
+Finding unusableFinding(const NamedPath& file, const ProfileFault& fault) {
+    const std::string path = file.path.string();
     Finding finding;
     finding.id = "MP106";
     finding.severity = Severity::kWarning;
     finding.place = fault.place;
     finding.place.file = path;
     finding.target = path;
-    finding.text = cannotReadText(path, fault.reason);
+    finding.text = cannotReadText(file.shown, fault.reason);
     finding.hint = withoutFilterHint();
     finding.profiles = {path};
     return finding;
@@ -97,7 +97,7 @@ void ProfileSet::read(const NamedPath& file, bool isOptional) {
     std::variant<Profile, ProfileFault> read = readProfile(file.path.string());
     if (const auto* const failure = std::get_if<ProfileFault>(&read)) {
         if (isOptional) {
-            unusable_.push_back(unusableFinding(file.path.string(), *failure));
+            unusable_.push_back(unusableFinding(file, *failure));
         } else if (!fault_) {
             fault_ = profileFaultText(file.argument, file.shown, *failure);
         }
@@ -122,7 +122,7 @@ void ProfileSet::merge() {
     out << merged.text;
     out.close();
     if (!out) {
-        throw std::runtime_error("cannot write " + file_->string());
+        throw ScratchError("cannot write " + file_->string());
     }
 }
 

@@ -20,7 +20,7 @@ public:
     /// Reads each file, in its order, and merges several into a private one.
     ///
     /// @param isOptional  One that cannot be used is done without, and is no fault.
-    /// @throws std::runtime_error as `ScratchFolder` does.
+    /// @throws ScratchError as `ScratchFolder` does.
     ProfileSet(const std::vector<NamedPath>& files, bool isOptional);
 
     /// Why the run must not be started, as a sentence that names the argument; empty when it may.

@@ -15,6 +15,8 @@
 #include "cli/profile_set.h"
 #include "cli/public_ids.h"
 #include "cli/standard_output_composite.h"
+#include "cli/unfinished_outputs.h"
+#include "findings/catalogue.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
 
@@ -23,7 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kStandardOutput = "-";
+constexpr const char* kNoStandardOutput = "marrowpress: cannot write to standard output\n";
 
 bool isFlatBook(const PublishOptions& options) {
     return options.format == OutputFormat::kFlatBook;
@@ -35,8 +37,21 @@ bool hasFindings(const PublishOptions& options) {
 
 /// Whether nothing but findings may go to standard error.
 bool isForTools(const DiagnosticsOptions& options) {
-    return options.format == DiagnosticsFormat::kShort ||
-           options.format == DiagnosticsFormat::kJson;
+    const bool isToolFormat =
+        options.format == DiagnosticsFormat::kShort || options.format == DiagnosticsFormat::kJson;
+    return isToolFormat && !options.file;
+}
+
+std::string failureLine(const std::string& fault) {
+    return "marrowpress publish: " + fault + ".\n";
+}
+
+Finding noStandardOutputFinding() {
+    Finding finding;
+    finding.id = "MP107";
+    finding.severity = *defaultSeverity(finding.id);
+    finding.text = cannotWriteStandardOutputText();
+    return finding;
 }
 
 /// One call of the command, from the checks to the exit code.
@@ -58,7 +73,9 @@ private:
     ExitCode runObserved(const ProfileSet& profiles, const FindingsReport& report);
     ExitCode runUnobserved(const ProfileSet& profiles);
     std::optional<std::string> findRunFault(const RunOutcome& outcome) const;
-    ExitCode giveResult(const RunOutcome& outcome) const;
+    std::vector<std::string> wantedFiles(const RunOutcome& outcome) const;
+    void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
+    bool giveResult(const RunOutcome& outcome) const;
     std::string resultText(const RunOutcome& outcome) const;
     std::string shownOutput() const;
 
@@ -119,13 +136,18 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
 
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
     RunDisplay display(options_.diagnostics, streams_.err);
+    const UnfinishedOutputs unfinished(outputsOf(options_, paths_));
     const RunOutcome outcome = runRequest(
         {buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}}, display);
     if (const auto fault = findRunFault(outcome)) {
-        streams_.err << "marrowpress publish: " << *fault << ".\n";
+        streams_.err << failureLine(*fault);
         return ExitCode::kRunFailed;
     }
-    return giveResult(outcome);
+    if (!giveResult(outcome)) {
+        streams_.err << kNoStandardOutput;
+        return ExitCode::kRunFailed;
+    }
+    return ExitCode::kSuccess;
 }
 
 ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsReport& report) {
@@ -135,23 +157,33 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     ComponentPlaces components(
         {paths_.output, paths_.output, options_.isAtOneLocation, /*isOnlyLookedAt=*/false});
     RunDisplay display(options_.diagnostics, streams_.err);
+    auto unfinished = std::make_unique<UnfinishedOutputs>(outputsOf(options_, paths_));
     const RunOutcome outcome =
         runRequest({buildRequest(options_, paths_, profiles.file()), options_.catalogs, &collector,
-                    [&](const Observation& observation) { components.observe(observation); }},
+                    [&](const Observation& observation) {
+                        components.observe(observation);
+                        unfinished->observe(observation);
+                    }},
                    display);
+    unfinished.reset();
 
     collector.finish();
     components.addFindings(collector);
     profiles.addFindings(collector);
-    const std::optional<std::string> fault = findRunFault(outcome);
-    addFailure(outcome, paths_.map.string(), collector);
-    ExitCode code = fault ? ExitCode::kRunFailed : giveResult(outcome);
-    code = report.write(collector.list(), collector.facts().droppedFaults(),
-                        collector.facts().topicCount(), code, streams_.err);
-    if (fault && !isForTools(options_.diagnostics)) {
-        streams_.err << "marrowpress publish: " << *fault << ".\n";
+    std::string failure;
+    if (const std::optional<std::string> fault = findRunFault(outcome)) {
+        failure = failureLine(*fault);
+        addRunFailure(outcome, collector);
+    } else if (!giveResult(outcome)) {
+        failure = kNoStandardOutput;
+        collector.add(noStandardOutputFinding());
     }
-    return code;
+    if (!isForTools(options_.diagnostics)) {
+        streams_.err << failure;
+    }
+    return report.write(collector.list(), collector.facts().droppedFaults(),
+                        collector.facts().topicCount(),
+                        failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed, streams_.err);
 }
 
 /// The sentence about a run that came to nothing; empty when all of its output was written.
@@ -162,19 +194,35 @@ std::optional<std::string> Publishing::findRunFault(const RunOutcome& outcome) c
     if (outcome.hasUnwrittenDocument) {
         return "a document could not be written";
     }
-    if (!isFlatBook(options_)) {
-        return findMissingFile({paths_.output.string()});
-    }
-    if (!outcome.components) {
+    if (isFlatBook(options_) && !outcome.components) {
         return "the client did not say what it wrote";
     }
-    return findMissingFile(*outcome.components);
+    return findMissingFile(wantedFiles(outcome));
 }
 
-ExitCode Publishing::giveResult(const RunOutcome& outcome) const {
-    const bool isGiven = standardOutput_ ? standardOutput_->copyTo(streams_)
-                                         : writeResult(streams_, resultText(outcome));
-    return isGiven ? ExitCode::kSuccess : ExitCode::kRunFailed;
+/// What a good run has written.
+std::vector<std::string> Publishing::wantedFiles(const RunOutcome& outcome) const {
+    return isFlatBook(options_) ? outcome.components.value_or(std::vector<std::string>())
+                                : std::vector<std::string>{paths_.output.string()};
+}
+
+/// Says in a finding why there is no output, if none says so yet.
+void Publishing::addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const {
+    const std::string output = standardOutput_ ? paths_.map.string() : paths_.output.string();
+    addFailure(outcome, paths_.map.string(), output, collector);
+    if (findStatusFault(outcome) || outcome.hasUnwrittenDocument) {
+        return;
+    }
+    for (const std::string& path : wantedFiles(outcome)) {
+        if (findMissingFile({path})) {
+            addUnwritten(path, "", collector);
+        }
+    }
+}
+
+bool Publishing::giveResult(const RunOutcome& outcome) const {
+    return standardOutput_ ? standardOutput_->copyTo(streams_)
+                           : writeOutput(streams_, resultText(outcome));
 }
 
 /// What a good run gives on standard output.
@@ -233,7 +281,12 @@ std::optional<std::string> findMissingFile(const std::vector<std::string>& paths
 }
 
 ExitCode runPublish(const PublishOptions& options, const Streams& streams) {
-    return Publishing(options, streams).run();
+    try {
+        return Publishing(options, streams).run();
+    } catch (const ScratchError& failure) {
+        streams.err << usageErrorText("publish", failure.what());
+        return ExitCode::kWrongUsage;
+    }
 }
 
 }  // namespace marrowpress

@@ -21,8 +21,8 @@ std::string buildRequest(const PublishOptions& options, const PublishPaths& path
 std::optional<std::string> findMissingFile(const std::vector<std::string>& paths);
 
 /// Publishes one map through the client module. Findings go to standard error, or where the options
-/// say; the paths of the written files go to standard output, one a line, and a failure ends with
-/// one sentence.
+/// say; the paths of the written files go to standard output, one a line. Why there is no output is
+/// told by a sentence, and by a finding.
 ExitCode runPublish(const PublishOptions& options, const Streams& streams);
 
 }  // namespace marrowpress

@@ -105,8 +105,8 @@ std::optional<std::string> findOutputFault(const PublishOptions& options, const 
 std::optional<std::string> findPlaceFault(const PublishOptions& options, const fs::path& output) {
     const std::string name = "--output: " + options.output;
     const fs::path keySpace = keySpacePath(options, output);
+    std::error_code error;
     if (!isFlatBook(options)) {
-        std::error_code error;
         static_cast<void>(fs::symlink_status(besideWithSuffix(output), error));
         if (error == std::errc::filename_too_long) {
             return name + ": the name is too long; " + std::string(kAsideSuffix) +
@@ -115,12 +115,20 @@ std::optional<std::string> findPlaceFault(const PublishOptions& options, const f
         if (isDanglingLink(output)) {
             return name + " is a symbolic link to nothing";
         }
+        if (fs::is_directory(besideWithSuffix(output), error)) {
+            return name + ": " + besideWithSuffix(output).string() +
+                   " is a folder, and the run needs that name for a while; choose another output";
+        }
     }
-    if (!isDanglingLink(keySpace)) {
-        return std::nullopt;
+    // Users don't know the names that a run uses in passing, and need not.
+    for (const fs::path& used : {keySpace, besideWithSuffix(keySpace)}) {
+        if (isDanglingLink(used) || fs::is_directory(used, error)) {
+            return name +
+                   ": a folder, or a symbolic link to nothing, is in the way of what the run "
+                   "writes for a while; choose another output folder";
+        }
     }
-    return name + ": " + keySpace.string() +
-           ", which the run writes, is a symbolic link to nothing";
+    return std::nullopt;
 }
 
 /// Why the file that stands at the output may not be replaced.
@@ -236,6 +244,9 @@ std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& 
     std::vector<NamedPath> sources{{"MAP", options.map, paths.map}};
     for (std::size_t index = 0; index < paths.filters.size(); ++index) {
         sources.push_back({"--filter", options.filters[index], paths.filters[index]});
+    }
+    if (options.diagnostics.baseline) {
+        sources.push_back(namedPath("--baseline", *options.diagnostics.baseline));
     }
     const std::string argument = options.catalogs.empty() ? "default catalog" : "--catalog";
     for (const fs::path& catalog : catalogFiles(options.catalogs)) {

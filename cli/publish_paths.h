@@ -34,7 +34,8 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
 /// Why the texts of the arguments cannot be put into a request; empty when they can.
 std::optional<std::string> findTextFault(const PublishPaths& paths);
 
-/// The files that a run reads, with the arguments that name them: map, filters and catalogs.
+/// The files that a run reads, with the arguments that name them: map, filters, baseline and
+/// catalogs.
 std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& paths);
 
 /// The files that a run writes, uses in passing or removes, as far as they are known before it.

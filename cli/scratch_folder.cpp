@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <stdexcept>
 #include <system_error>
 
 #include "host/utf8.h"
@@ -13,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void refuse(const fs::path& parent, const std::string& reason) {
-    throw std::runtime_error("cannot make a folder in " + parent.string() + " (TMPDIR): " + reason);
+    throw ScratchError("cannot make a folder in " + parent.string() + " (TMPDIR): " + reason);
 }
 
 fs::path parentFolder() {

@@ -8,14 +8,13 @@ namespace marrowpress {
 bool StandardOutputComposite::copyTo(const Streams& streams) const {
     std::ifstream file(path_, std::ios::binary);
     if (!file) {
-        streams.err << "marrowpress: cannot read back the composite\n";
         return false;
     }
     // An empty file would count as a failed copy.
     if (file.peek() != std::ifstream::traits_type::eof()) {
         streams.out << file.rdbuf();
     }
-    return writeResult(streams, {});
+    return writeOutput(streams, {});
 }
 
 }  // namespace marrowpress

@@ -10,13 +10,13 @@ namespace marrowpress {
 /// Where a composite is written that is to go to standard output: the client writes files only.
 class StandardOutputComposite {
 public:
-    /// @throws std::runtime_error as `ScratchFolder` does.
+    /// @throws ScratchError as `ScratchFolder` does.
     StandardOutputComposite() = default;
 
     /// No file is there yet; its folder is there, and lives as long as this object.
     const std::filesystem::path& path() const noexcept { return path_; }
 
-    /// Copies what was written. Says on standard error when that fails, and returns false.
+    /// Copies what was written; false when that fails.
     [[nodiscard]] bool copyTo(const Streams& streams) const;
 
 private:

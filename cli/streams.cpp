@@ -34,9 +34,13 @@ void secureStandardStreams() {
     }
 }
 
-bool writeResult(const Streams& streams, std::string_view text) {
+bool writeOutput(const Streams& streams, std::string_view text) {
     streams.out << text << std::flush;
-    if (streams.out) {
+    return static_cast<bool>(streams.out);
+}
+
+bool writeResult(const Streams& streams, std::string_view text) {
+    if (writeOutput(streams, text)) {
         return true;
     }
     streams.err << "marrowpress: cannot write to standard output\n";

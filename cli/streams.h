@@ -17,8 +17,10 @@ struct Streams {
 /// instead of the end of the process.
 void secureStandardStreams();
 
-/// Writes `text` to standard output at once; says so on standard error and returns false when
-/// that fails.
+/// Writes `text` to standard output at once; false when that fails.
+[[nodiscard]] bool writeOutput(const Streams& streams, std::string_view text);
+
+/// As `writeOutput`, and says on standard error when that fails.
 [[nodiscard]] bool writeResult(const Streams& streams, std::string_view text);
 
 /// Shows a report line as it is, ended by one line end whether it came with one or not.

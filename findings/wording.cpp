@@ -210,6 +210,10 @@ std::string cannotWriteText(std::string_view file, std::string_view reason) {
                           : translated("`{0}` kann nicht geschrieben werden: {1}", {file, reason});
 }
 
+std::string cannotWriteStandardOutputText() {
+    return translated("Die Standardausgabe kann nicht geschrieben werden");
+}
+
 std::string notTheResultHint() {
     return translated("Was dort steht, ist nicht das Ergebnis");
 }

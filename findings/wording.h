@@ -77,6 +77,7 @@ std::string withoutFilterHint();
 
 /// `reason` may be empty.
 std::string cannotWriteText(std::string_view file, std::string_view reason);
+std::string cannotWriteStandardOutputText();
 std::string notTheResultHint();
 std::string fileNotFoundText(std::string_view file);
 std::string otherCaseHint(std::string_view file);

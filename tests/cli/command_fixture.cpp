@@ -93,6 +93,12 @@ CommandResult CommandTest::publish(const Texts& more, const CommandSetting& sett
     return run(arguments, setting);
 }
 
+CommandResult CommandTest::check(const Texts& more, const CommandSetting& setting) const {
+    Texts arguments{"check", "docs/m.ditamap", "--catalog", "catalog.xml"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return run(arguments, setting);
+}
+
 std::string CommandTest::bodiesOf(const std::string& name) const {
     const std::string text = folder_.read(name);
     std::string bodies;

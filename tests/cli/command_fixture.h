@@ -39,6 +39,9 @@ protected:
     /// `publish` of the map as a composite, with `more` behind the usual arguments.
     CommandResult publish(const Texts& more = {}, const CommandSetting& setting = {}) const;
 
+    /// `check` of the map, with `more` behind the usual arguments.
+    CommandResult check(const Texts& more = {}, const CommandSetting& setting = {}) const;
+
     /// The bodies of the topics in the output, in order.
     std::string bodiesOf(const std::string& name) const;
 

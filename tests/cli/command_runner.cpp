@@ -22,13 +22,27 @@ void redirect(int stream, const std::string& path, int flags) {
 }
 
 void setEnvironment(const CommandSetting& setting) {
+    if (setting.hasNoEnvironment) {
+        clearenv();
+        return;
+    }
+    // What a test finds is not to depend on where it runs.
+    for (const char* const name : {"XML_CATALOG_FILES", "GITHUB_ACTIONS", "NO_COLOR", "LANGUAGE"}) {
+        unsetenv(name);
+    }
     if (setting.catalogs) {
         setenv("XML_CATALOG_FILES", setting.catalogs->c_str(), 1);
-    } else {
-        unsetenv("XML_CATALOG_FILES");
     }
-    if (setting.locale) {
-        setenv("LC_ALL", setting.locale->c_str(), 1);
+    setenv("LC_ALL", setting.locale.c_str(), 1);
+    for (const auto& [name, value] : setting.variables) {
+        setenv(name.c_str(), value.c_str(), 1);
+    }
+}
+
+void dropRights() {
+    constexpr uid_t kNobody = 65534;
+    if (getuid() == 0 && setuid(kNobody) != 0) {
+        _exit(126);
     }
 }
 
@@ -60,7 +74,13 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
 [[noreturn]] void becomeCommand(const TemporaryFolder& folder, const TemporaryFolder& streams,
                                 std::vector<std::string> arguments, const CommandSetting& setting) {
     constexpr int kWrite = O_WRONLY | O_CREAT | O_TRUNC;
-    redirect(STDERR_FILENO, streams.file("err"), kWrite);
+    if (!setting.error) {
+        redirect(STDERR_FILENO, streams.file("err"), kWrite);
+    } else if (setting.error->empty()) {
+        close(STDERR_FILENO);
+    } else {
+        redirect(STDERR_FILENO, *setting.error, O_WRONLY);
+    }
     setStandardInput(folder, streams, setting);
     if (!setting.output) {
         redirect(STDOUT_FILENO, streams.file("out"), kWrite);
@@ -74,8 +94,11 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
     if (setting.largestFile) {
         limitFileSize(*setting.largestFile);
     }
-    if (chdir(folder.path().c_str()) != 0) {
+    if (chdir((folder.path() / setting.currentFolder).c_str()) != 0) {
         _exit(126);
+    }
+    if (setting.isWithoutRights) {
+        dropRights();
     }
 
     arguments.insert(arguments.begin(), MARROWPRESS_COMMAND);
@@ -99,19 +122,41 @@ int exitCodeOf(pid_t child) {
 
 }  // namespace
 
-CommandResult runCommand(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
-                         const CommandSetting& setting) {
-    const TemporaryFolder streams;
-    streams.write("in", setting.input);
-    const pid_t child = fork();
-    if (child < 0) {
+RunningCommand::RunningCommand(const TemporaryFolder& folder,
+                               const std::vector<std::string>& arguments,
+                               const CommandSetting& setting)
+    : setting_(setting), child_(-1) {
+    streams_.write("in", setting.input);
+    child_ = fork();
+    if (child_ < 0) {
         throw std::runtime_error("cannot fork");
     }
-    if (child == 0) {
-        becomeCommand(folder, streams, arguments, setting);
+    if (child_ == 0) {
+        becomeCommand(folder, streams_, arguments, setting);
     }
-    const int code = exitCodeOf(child);
-    return {code, setting.output ? "" : streams.read("out"), streams.read("err")};
+}
+
+RunningCommand::~RunningCommand() {
+    if (child_ > 0) {
+        kill(child_, SIGKILL);
+        waitpid(child_, nullptr, 0);
+    }
+}
+
+void RunningCommand::send(int signal) const {
+    kill(child_, signal);
+}
+
+CommandResult RunningCommand::wait() {
+    const int code = exitCodeOf(child_);
+    child_ = -1;
+    return {code, setting_.output ? "" : streams_.read("out"),
+            setting_.error ? "" : streams_.read("err")};
+}
+
+CommandResult runCommand(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                         const CommandSetting& setting) {
+    return RunningCommand(folder, arguments, setting).wait();
 }
 
 }  // namespace marrowpress

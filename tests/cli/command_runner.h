@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,8 +17,13 @@ struct CommandSetting {
     std::optional<std::string> inputFile;  ///< What to read as standard input; "" closes it.
     std::optional<std::string> output;     ///< A file to take standard output; "" closes it.
     std::optional<std::string> catalogs;   ///< XML_CATALOG_FILES; not set without it.
-    std::optional<std::string> locale;     ///< LC_ALL; that of the test without it.
-    std::optional<unsigned> largestFile;   ///< Bytes that the command may write to one file.
+    std::string locale = "C.UTF-8";        ///< LC_ALL.
+    std::optional<std::string> error;      ///< A file to take standard error; "" closes it.
+    std::map<std::string, std::string> variables;  ///< More of the environment.
+    bool hasNoEnvironment = false;                 ///< Nothing is set at all.
+    std::string currentFolder;                     ///< Seen from the test's folder.
+    bool isWithoutRights = false;                  ///< As a user who may do nothing special.
+    std::optional<unsigned> largestFile;  ///< Bytes that the command may write to one file.
 };
 
 /// What the command left behind.
@@ -23,6 +31,26 @@ struct CommandResult {
     int code;         ///< The exit status; 1000 and the signal for a process that was killed.
     std::string out;  ///< Empty when standard output went elsewhere.
     std::string err;
+};
+
+/// The built command while it runs. What is still running at the end is killed.
+class RunningCommand {
+public:
+    RunningCommand(const TemporaryFolder& folder, const std::vector<std::string>& arguments,
+                   const CommandSetting& setting = {});
+    RunningCommand(const RunningCommand&) = delete;
+    RunningCommand& operator=(const RunningCommand&) = delete;
+    ~RunningCommand();
+
+    void send(int signal) const;
+
+    /// To be called once.
+    CommandResult wait();
+
+private:
+    TemporaryFolder streams_;
+    CommandSetting setting_;
+    pid_t child_;
 };
 
 /// Runs the built command with `arguments`, in `folder` as its current directory.

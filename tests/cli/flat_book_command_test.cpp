@@ -143,10 +143,11 @@ TEST_F(FlatBookCommandTest, SaysThatAComponentCouldNotBeWritten) {
     const CommandResult result = publishBook({}, setting);
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_TRUE(result.err.starts_with(
-        "docs/a.qs: error: `docs/a.qs` cannot be written: File too large [MP107]\n"))
+    EXPECT_NE(result.err.find(
+                  "\ndocs/a.qs: error: `docs/a.qs` cannot be written: File too large [MP107]\n"),
+              std::string::npos)
         << result.err;
-    EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: a document could not be written.\n"))
+    EXPECT_TRUE(result.err.starts_with("marrowpress publish: a document could not be written.\n"))
         << result.err;
     EXPECT_EQ(bodiesOf("docs/b.qs"), "Text of b;");
 }
@@ -156,7 +157,7 @@ TEST_F(FlatBookCommandTest, SaysThatTheRunFailed) {
     const CommandResult result = publishBook();
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.out, "");
-    EXPECT_TRUE(result.err.ends_with("\nmarrowpress publish: the run failed (status -42).\n"))
+    EXPECT_TRUE(result.err.starts_with("marrowpress publish: the run failed (status -42).\n"))
         << result.err;
     EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
 }

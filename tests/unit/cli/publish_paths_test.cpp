@@ -17,6 +17,10 @@ const std::string kDoctype =
     R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)"
     R"(<!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd">)";
 
+constexpr const char* kInTheWay =
+    ": a folder, or a symbolic link to nothing, is in the way of what the run writes for a while; "
+    "choose another output folder";
+
 class PublishPathsTest : public testing::Test {
 protected:
     PublishPathsTest() {
@@ -132,11 +136,27 @@ TEST_F(PublishPathsTest, NothingMayBeALinkToNothing) {
               "--output: " + folder_.file("out/link") + " is a symbolic link to nothing");
     fs::create_symlink("none", folder_.path() / "docs/KeyspaceDoc.ditamap");
     EXPECT_EQ(faultWithOutput("docs/m.dita"),
-              "--output: " + folder_.file("docs/m.dita") + ": " +
-                  folder_.file("docs/KeyspaceDoc.ditamap") +
-                  ", which the run writes, is a symbolic link to nothing");
+              "--output: " + folder_.file("docs/m.dita") + kInTheWay);
     folder_.write("docs/none", "");
     EXPECT_EQ(faultWithOutput("docs/m.dita"), "");
+}
+
+TEST_F(PublishPathsTest, NoFolderMayStandWhereTheRunWritesForAWhile) {
+    for (const char* const name : {"out/KeyspaceDoc.ditamap", "out/KeyspaceDoc.ditamap_tmp"}) {
+        fs::create_directory(folder_.path() / name);
+        EXPECT_EQ(fault(), "--output: " + options_.output + kInTheWay);
+        fs::remove(folder_.path() / name);
+    }
+    fs::create_directory(folder_.path() / "out/m.dita_tmp");
+    EXPECT_EQ(fault(), "--output: " + options_.output + ": " + options_.output +
+                           "_tmp is a folder, and the run needs that name for a while; choose "
+                           "another output");
+}
+
+TEST_F(PublishPathsTest, TheOutputMayNotTakeThePlaceOfTheBaseline) {
+    options_.diagnostics.baseline = folder_.write("out/m.dita_tmp", "{}");
+    EXPECT_EQ(fault(), "--baseline: the run would overwrite or remove " +
+                           folder_.file("out/m.dita_tmp") + "; choose another output");
 }
 
 TEST_F(PublishPathsTest, TheOutputsNameMustLeaveRoomForASuffix) {
@@ -186,9 +206,7 @@ TEST_F(PublishPathsTest, TheKeySpaceOfAFlatBookMayNotBeALinkToNothing) {
     options_.format = OutputFormat::kFlatBook;
     options_.output = folder_.file("out");
     fs::create_symlink("none", folder_.path() / "out/KeyspaceDoc.ditamap");
-    EXPECT_EQ(fault(), "--output: " + options_.output + ": " +
-                           folder_.file("out/KeyspaceDoc.ditamap") +
-                           ", which the run writes, is a symbolic link to nothing");
+    EXPECT_EQ(fault(), "--output: " + options_.output + kInTheWay);
 }
 
 TEST_F(PublishPathsTest, NoSourceMayHaveANameThatTheRunRemoves) {

@@ -43,19 +43,19 @@ TEST(StandardOutputCompositeTest, StandsAloneInItsFolderAndGoesWithIt) {
     EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
-TEST(StandardOutputCompositeTest, SaysWhenThereIsNothingToCopy) {
+TEST(StandardOutputCompositeTest, FailsWhenThereIsNothingToCopy) {
     const Copied copy = copied(StandardOutputComposite());
     EXPECT_FALSE(copy.isWhole);
-    EXPECT_EQ(copy.err, "marrowpress: cannot read back the composite\n");
+    EXPECT_EQ(copy.err, "");
 }
 
-TEST(StandardOutputCompositeTest, SaysWhenItCannotBeWritten) {
+TEST(StandardOutputCompositeTest, FailsWhenItCannotBeWritten) {
     const StandardOutputComposite composite;
     std::ofstream(composite.path()) << "<dita/>";
     std::ofstream full("/dev/full");
     std::ostringstream err;
     EXPECT_FALSE(composite.copyTo({full, err}));
-    EXPECT_EQ(err.str(), "marrowpress: cannot write to standard output\n");
+    EXPECT_EQ(err.str(), "");
 }
 
 }  // namespace

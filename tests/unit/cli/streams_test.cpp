@@ -23,6 +23,8 @@ TEST_F(StreamsTest, AResultIsWrittenAsItIs) {
 
 TEST_F(StreamsTest, AResultThatCannotBeWrittenIsAFailure) {
     out.setstate(std::ios::badbit);
+    EXPECT_FALSE(writeOutput(streams, "a"));
+    EXPECT_EQ(err.str(), "");
     EXPECT_FALSE(writeResult(streams, "a"));
     EXPECT_EQ(err.str(), "marrowpress: cannot write to standard output\n");
 }

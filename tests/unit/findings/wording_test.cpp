@@ -62,6 +62,7 @@ const Sentence kSentences[] = {
     {"cannotWriteText",
      [] { return cannotWriteText("argument-1", "argument-2"); },
      {"argument-1", "argument-2"}},
+    {"cannotWriteStandardOutputText", [] { return cannotWriteStandardOutputText(); }, {}},
     {"notTheResultHint", [] { return notTheResultHint(); }, {}},
     {"fileNotFoundText", [] { return fileNotFoundText("argument-1"); }, {"argument-1"}},
     {"otherCaseHint", [] { return otherCaseHint("argument-1"); }, {"argument-1"}},
