@@ -45,7 +45,8 @@ std::error_code findWriteError(const fs::path& folder) {
     const bool isOpen = faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
     const int error = isOpen ? tryFile(folder) : errno;
     // Not every file system knows files without names.
-    return {error == EACCES || error == EPERM ? error : 0, std::generic_category()};
+    const bool isRefused = error == EACCES || error == EPERM || error == EROFS;
+    return {isRefused ? error : 0, std::generic_category()};
 }
 
 std::string shownFolderOf(const std::string& given) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 
 #include "cli/output_folder.h"
@@ -33,6 +34,24 @@ std::optional<std::string> findFolderFault(const NamedPath& report) {
     return std::nullopt;
 }
 
+/// Whether what is at the path begins like a document or an image, which topics may refer to: what
+/// a run reads besides its arguments is not known before it.
+bool isSourceLike(const fs::path& path) {
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored)) {
+        return false;
+    }
+    constexpr std::size_t kStartSize = 512;
+    std::ifstream file(path, std::ios::binary);
+    std::string start(kStartSize, ' ');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<std::size_t>(file.gcount()));
+    const bool isXml = start.find_first_not_of(" \t\r\n\xEF\xBB\xBF") == start.find('<') &&
+                       start.find('<') != std::string::npos;
+    const bool isJunit = start.find("<testsuite") != std::string::npos;
+    return (isXml && !isJunit) || start.find('\0') != std::string::npos;
+}
+
 std::optional<std::string> findPlaceFault(const NamedPath& report) {
     std::error_code ignored;
     const fs::file_status status = fs::status(report.path, ignored);
@@ -44,6 +63,9 @@ std::optional<std::string> findPlaceFault(const NamedPath& report) {
             return nameOf(report) + " is a symbolic link to nothing";
         }
         return findFolderFault(report);
+    }
+    if (isSourceLike(report.path)) {
+        return nameOf(report) + " is there already, and no report; choose another file";
     }
     if (faccessat(AT_FDCWD, report.path.c_str(), W_OK, AT_EACCESS) != 0) {
         return report.argument + ": cannot write to " + report.shown + ": " +

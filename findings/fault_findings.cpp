@@ -236,6 +236,13 @@ void FaultFindings::describeKey(Finding& finding) {
 void FaultFindings::describeElement(Finding& finding, const Observation& fault) {
     const TargetParts parts = partsOf(finding.target);
     const std::string_view bearer = fault.reason;
+    if (facts_.isWithoutDtd(parts.path)) {
+        finding.text = parts.element.empty() ? elementNotFoundText(shown(parts.path), parts.topic)
+                                             : elementInTopicNotFoundText(
+                                                   shown(parts.path), parts.topic, parts.element);
+        finding.hint = idsNeedDtdHint(shown(parts.path));
+        return;
+    }
     if (!bearer.empty() && bearer != fault.detail) {
         finding.text = wrongElementText(shown(finding.target), bearer, fault.detail);
         finding.hint = wrongElementHint(bearer, fault.detail);
@@ -244,9 +251,6 @@ void FaultFindings::describeElement(Finding& finding, const Observation& fault) 
                                              : elementInTopicNotFoundText(
                                                    shown(parts.path), parts.topic, parts.element);
         finding.hint = fragmentHint();
-    }
-    if (facts_.isWithoutDtd(parts.path)) {
-        finding.hint = idsNeedDtdHint(shown(parts.path));
     }
 }
 

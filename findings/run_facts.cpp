@@ -80,7 +80,10 @@ void RunFacts::takeKey(const Observation& observation) {
                  observation.element, observation.detail};
     if (fact.state == KeyState::kEffective) {
         keys_.push_back(key);
-        keyTargets_.insert(pathOf(fact.href));
+        // Other elements that define a key may bring their topic into the output as well.
+        if (fact.element == "keydef") {
+            keyTargets_.insert(pathOf(fact.href));
+        }
     }
     const auto known = keyFacts_.find(key);
     if (known == keyFacts_.end()) {

@@ -79,7 +79,8 @@ TEST_F(FaultFindingsTest, AKeyIsHintedAtByWhatIsKnownOfIt) {
     EXPECT_EQ(hint("Prod-Name"), "no map of this publication defines any key");
     takeKey("prod-name", KeyState::kEffective);
     EXPECT_EQ(hint("Prod-Name"), "did you mean `prod-name`?");
-    EXPECT_EQ(hint("nothing-like-it"), "");
+    EXPECT_EQ(hint("nothing-like-it"),
+              "define it by `keys` in a map of the publication, or take the reference out");
     takeKey("taken", KeyState::kExcluded);
     takeKey("lost", KeyState::kLost);
     context.profiles = {"/w/p.ditaval"};
