@@ -100,7 +100,7 @@ std::optional<Finding> FaultFindings::findingOf(const Observation& fault) {
     const auto code = static_cast<FaultCode>(fault.code);
     const bool isUndeclared =
         code == FaultCode::kReadWithoutDtd && !*fault.detail && !*fault.reason;
-    if (isUndeclared && !rootTypeOf(fault.element)) {
+    if (isUndeclared && (!rootTypeOf(fault.element) || isProfile(fault.target))) {
         return std::nullopt;
     }
     Finding finding;
@@ -267,9 +267,8 @@ void FaultFindings::describeUnread(Finding& finding, const Observation& fault) {
     if (const std::optional<FileHint> hint = fileHints_.find(finding.target)) {
         finding.hint = hint->isLetterCaseOnly ? otherCaseHint(shown(hint->path))
                                               : didYouMeanHint(shown(hint->path));
-    } else if (context_.isFilterOptional &&
-               std::find(context_.profiles.begin(), context_.profiles.end(), finding.target) !=
-                   context_.profiles.end()) {
+    }
+    if (context_.isFilterOptional && isProfile(finding.target)) {
         finding.hint = withoutFilterHint();
         finding.severity = Severity::kWarning;
     } else if (finding.place.file == finding.target && finding.place.line != 0) {
@@ -372,6 +371,11 @@ void FaultFindings::describeOutside(Finding& finding) const {
 void FaultFindings::describeCut(Finding& finding, const Observation& fault) const {
     finding.text = pathIsCutText(shown(finding.target), fault.detail);
     finding.hint = pathIsCutHint();
+}
+
+bool FaultFindings::isProfile(std::string_view path) const {
+    return std::find(context_.profiles.begin(), context_.profiles.end(), path) !=
+           context_.profiles.end();
 }
 
 std::string FaultFindings::shown(const std::string& path) const {

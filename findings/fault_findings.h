@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "findings/file_hints.h"
@@ -27,7 +28,7 @@ public:
         : facts_(facts), context_(context) {}
 
     /// The finding of a fault, with its usual severity. Empty for one that isn't worth one: a file
-    /// without a DTD that is none of DITA's.
+    /// without a DTD that is none of DITA's documents.
     std::optional<Finding> findingOf(const Observation& fault);
 
 private:
@@ -45,6 +46,8 @@ private:
     void describeOutside(Finding& finding) const;
     void describeCut(Finding& finding, const Observation& fault) const;
 
+    /// Whether the file is one of the run's DITAVAL files.
+    bool isProfile(std::string_view path) const;
     std::string shown(const std::string& path) const;
     std::string shown(const FindingPlace& place) const;
     std::string shownProfiles() const;

@@ -129,8 +129,11 @@ TEST_F(FaultFindingsTest, ThePrivateMapOfARunIsNeverNamed) {
 }
 
 TEST_F(FaultFindingsTest, AProfileMayBeDoneWithout) {
-    context.profiles = {"/w/p.ditaval"};
-    const Observation fault = faultOf(FaultCode::kCannotRead, "/w/p.ditaval");
+    const TemporaryFolder folder;
+    folder.write("q.ditaval", "");
+    const std::string profile = folder.file("p.ditaval");
+    context.profiles = {profile};
+    const Observation fault = faultOf(FaultCode::kCannotRead, profile.c_str());
     EXPECT_EQ(findingOf(fault).severity, Severity::kError);
     context.isFilterOptional = true;
     EXPECT_EQ(findingOf(fault).severity, Severity::kWarning);
@@ -157,7 +160,12 @@ TEST_F(FaultFindingsTest, ALostDtdIsWorseInAMapThanInATopic) {
 TEST_F(FaultFindingsTest, AFileWithoutADoctypeThatIsNotDitaIsNoFinding) {
     Observation fault = faultOf(FaultCode::kReadWithoutDtd, "/w/a.svg");
     fault.element = "svg";
-    EXPECT_EQ(FaultFindings(facts, context).findingOf(fault), std::nullopt);
+    EXPECT_FALSE(FaultFindings(facts, context).findingOf(fault));
+    fault.element = "topic";
+    EXPECT_TRUE(FaultFindings(facts, context).findingOf(fault));
+    // A profile needs no DTD, whatever its root is.
+    context.profiles = {"/w/a.svg"};
+    EXPECT_FALSE(FaultFindings(facts, context).findingOf(fault));
 }
 
 TEST_F(FaultFindingsTest, ABrokenDtdIsWorseInAMapThanInATopic) {
