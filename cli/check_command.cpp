@@ -29,7 +29,7 @@ bool isFlatBook(const CheckOptions& options) {
 /// The request of a check: everything is written into a private folder.
 PublishOptions scratchOptions(const CheckOptions& options, const fs::path& folder) {
     PublishOptions publish;
-    static_cast<RunOptions&>(publish) = options;
+    static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options);
     publish.output = (isFlatBook(options) ? folder : folder / "composite.dita").string();
     publish.isAtOneLocation = isFlatBook(options);
     return publish;
@@ -153,7 +153,7 @@ std::optional<std::string> Checking::findOutputFault() const {
         return "--output: cannot write to " + options_.output + ": " + error.message();
     }
     PublishOptions publish;
-    static_cast<RunOptions&>(publish) = options_;
+    static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options_);
     return findPublishFault(publish, paths_);
 }
 

@@ -114,8 +114,9 @@ private:
                 .append(" and ")
                 .append(kKeySpaceDocName)
                 .append(
-                    ", no other file. flatbook: a folder that is there already; it takes the "
-                    "components that have no source. Replaces files of the components' names");
+                    ", no other file. flatbook: a folder; it takes the components that have no "
+                    "source. Replaces components of earlier runs, and keeps other files of their "
+                    "names beside them. A folder that is not there is made");
         arguments().addText("-o,--output", options_.output, description, "OUT").required();
     }
 

@@ -99,8 +99,8 @@ const OutsideFragments::Ids* OutsideFragments::idsIn(const std::string& path) {
         } else {
             topics.emplace_back();
             if (!id.empty()) {
-                ids.insert(topic + "/" + id);
-                ids.insert("./" + id);
+                ids.insert(std::string(topic).append("/").append(id));
+                ids.insert(std::string("./").append(id));
             }
         }
     }
