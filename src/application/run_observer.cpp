@@ -158,7 +158,7 @@ void RunObserver::fault(const ObservedFault& fault) {
                                   fault.code == FaultCode::kReferencedFileNotFound ||
                                   fault.code == FaultCode::kPathIsCut;
     if (tellsMissingFile && fault.element) {
-        withoutFile_.insert(SourcePlaces::existing()->placeOf(*fault.element));
+        withoutFile_[SourcePlaces::existing()->placeOf(*fault.element)].push_back(fault.element);
     }
     if (faults_.size() >= kMostFaults) {
         ++droppedFaults_;
@@ -174,6 +174,14 @@ void RunObserver::fault(const ObservedFault& fault) {
                         toUtf8(fault.reason), std::string(fault.line)},
                        stepsTo(fault, *SourcePlaces::existing()),
                        fault.related});
+}
+
+bool RunObserver::hasToldMissingFile(const Element& element,
+                                     const std::function<bool(const Element&)>& counts) const {
+    const auto told = withoutFile_.find(SourcePlaces::existing()->placeOf(element));
+    return told != withoutFile_.end() &&
+           std::any_of(told->second.begin(), told->second.end(),
+                       [&counts](const Element* copy) { return counts(*copy); });
 }
 
 /// The target in source terms. A ring has one name, by whichever of its references it is told.

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -123,11 +122,10 @@ public:
     /// The element at which `attribute` of `element` is written.
     const Element& writerOf(const Element& element, std::u16string_view attribute) const;
 
-    /// Whether it was told of `element`, or of what it is a copy of, that the file that it leads to
-    /// is missing or unreadable.
-    bool hasToldMissingFile(const Element& element) const {
-        return withoutFile_.contains(SourcePlaces::existing()->placeOf(element));
-    }
+    /// Whether it was told of `element`, or of another copy of its start tag that counts, that the
+    /// file that it leads to is missing or unreadable.
+    bool hasToldMissingFile(const Element& element,
+                            const std::function<bool(const Element&)>& counts) const;
 
     /// Whether a topic of the sources has got the id `newId` in the output.
     bool isTopicId(std::u16string_view newId) const { return sourceTopics_.contains(newId); }
@@ -187,7 +185,7 @@ private:
     std::unordered_set<std::u16string> ownFiles_;
     std::unordered_set<std::u16string> unreadFiles_;
     std::unordered_set<std::u16string> filesWithoutDtd_;
-    std::set<SourcePlace> withoutFile_;
+    std::map<SourcePlace, std::vector<const Element*>> withoutFile_;
     std::map<SourcePlace, const Element*> conrefTargets_;
     std::map<std::pair<const Element*, std::u16string_view>, const Element*> takenAttributes_;
     std::map<SourcePlace, const Element*> keyLinks_;

@@ -18,6 +18,7 @@
 #include "references/multimedia_node_filters.h"
 #include "references/multimedia_references.h"
 #include "references/node_filters.h"
+#include "references/published_content.h"
 #include "support/hrefs.h"
 #include "support/paths.h"
 #include "support/text.h"
@@ -238,8 +239,8 @@ void OutputObservation::observeOutside(const Link& link, const HrefParts& parts)
 void OutputObservation::observeMissing(const Link& link, std::u16string_view path) {
     const DOMElement* const definition = observer_.keyLinkOf(*link.element);
     const std::u16string cutPart = partThatCutsReferences(link.target);
-    if (observer_.hasToldMissingFile(*link.element) ||
-        (definition && observer_.hasToldMissingFile(*definition))) {
+    if (observer_.hasToldMissingFile(*link.element, isPublished) ||
+        (definition && observer_.hasToldMissingFile(*definition, isPublished))) {
         return;
     }
     if (cutPart.empty()) {

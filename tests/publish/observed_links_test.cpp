@@ -233,6 +233,17 @@ TEST_F(ObservedLinksTest, WhatIsNoTopicNeedNotBeInTheOutput) {
     }
 }
 
+TEST_F(ObservedLinksTest, AMissingFileIsToldThoughALostCopyOfTheLinkWasTold) {
+    writeTopic("sub/b.xml",
+               "<topic id=\"t\"><body>\n<xref href=\"gone.dita\">x</xref>\n</body></topic>");
+    const std::string faults = compositeFaults(
+        "<keydef keys=\"k\" href=\"sub/b.xml#t\"/>\n<topicref href=\"sub/b.xml\"/>");
+    EXPECT_NE(faults.find("artefact 111 sub/b.xml:4:1 <xref> /gone.dita"), std::string::npos)
+        << faults;
+    EXPECT_NE(faults.find("\n203 sub/b.xml:4:1 <xref> /sub/gone.dita"), std::string::npos)
+        << faults;
+}
+
 TEST_F(ObservedLinksTest, ANameWithASignThatCutsReferencesIsToldInsteadOfTheMissingFile) {
     folder.write("x#1.png", "x");
     folder.write("c#d/e.png", "x");

@@ -120,8 +120,11 @@ TEST_F(RunObserverTest, ElementsOfOneSourceShareWhatIsKnownOfIt) {
     const DOMElement& copy = placed("q", 4);
     const DOMElement& other = placed("r", 9);
     observed->fault({.code = FaultCode::kReferencedFileNotFound, .element = &first});
-    EXPECT_TRUE(observed->hasToldMissingFile(copy));
-    EXPECT_FALSE(observed->hasToldMissingFile(other));
+    const auto counts = [](const DOMElement&) { return true; };
+    EXPECT_TRUE(observed->hasToldMissingFile(copy, counts));
+    EXPECT_FALSE(observed->hasToldMissingFile(other, counts));
+    EXPECT_FALSE(observed->hasToldMissingFile(
+        copy, [&first](const DOMElement& element) { return &element != &first; }));
     observed->noteKeyLink(first, other);
     EXPECT_EQ(observed->keyLinkOf(copy), &other);
     EXPECT_EQ(observed->keyLinkOf(other), nullptr);
