@@ -32,6 +32,11 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 
+/// Whether `link` includes code, of whatever file: neither ids nor topics are meant.
+bool includesCode(const DOMElement& link) {
+    return domText(link.getTagName()) == u"coderef";
+}
+
 /// Whether `path` names a topic, as far as a name and the element's "format" tell.
 bool namesTopic(std::u16string_view path, std::u16string_view format) {
     return path.ends_with(u".dita") ||
@@ -170,7 +175,7 @@ void OutputObservation::gatherElement(DOMElement& element, const DOMElement* top
         elementIds_.insert(attributeOf(*topic, u"id").append(u"/").append(id));
     }
     const std::u16string_view href = attributeView(element, u"href");
-    if (tagName == u"coderef") {
+    if (includesCode(element)) {
         noEffect(element, u"coderef");
     }
     if (!href.empty()) {
@@ -229,6 +234,8 @@ void OutputObservation::observeOutside(const Link& link, const HrefParts& parts)
     const std::u16string path(parts.path);
     if (!isThere(path)) {
         observeMissing(link, path);
+    } else if (includesCode(*link.element)) {
+        return;
     } else if (isFragmentMissing(parts)) {
         observeFragment(link);
     } else if (namesTopic(parts.path, attributeView(*link.element, u"format"))) {

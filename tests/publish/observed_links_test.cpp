@@ -233,6 +233,17 @@ TEST_F(ObservedLinksTest, WhatIsNoTopicNeedNotBeInTheOutput) {
     }
 }
 
+TEST_F(ObservedLinksTest, IncludedCodeIsNoTopicAndHasNoFragments) {
+    folder.write("plugin.xml", "<plugin/>");
+    writeTopic("a.dita",
+               "<coderef href=\"plugin.xml#line-range(4,4)\"/>\n"
+               "<coderef href=\"gone.xml#line-range(4,4)\"/>");
+    const std::string via = " via root.ditamap:3:1 href=a.dita";
+    EXPECT_EQ(compositeFaults(kMapOfA), "215 a.dita:3:1 <coderef> coderef" + via +
+                                            "\n215 a.dita:4:1 <coderef> coderef" + via +
+                                            "\n203 a.dita:4:1 <coderef> /gone.xml" + via);
+}
+
 TEST_F(ObservedLinksTest, AMissingFileIsToldThoughALostCopyOfTheLinkWasTold) {
     writeTopic("sub/b.xml",
                "<topic id=\"t\"><body>\n<xref href=\"gone.dita\">x</xref>\n</body></topic>");
