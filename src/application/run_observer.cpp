@@ -186,7 +186,7 @@ bool RunObserver::hasToldMissingFile(const Element& element,
 
 /// The target in source terms. A ring has one name, by whichever of its references it is told.
 std::u16string RunObserver::targetOf(const ObservedFault& fault) {
-    const std::u16string target = inSourceTerms(fault.target);
+    std::u16string target = inSourceTerms(fault.target);
     if (fault.code != FaultCode::kConrefLoop) {
         return target;
     }
@@ -253,7 +253,7 @@ std::u16string_view RunObserver::bearerOf(const xercesc::DOMDocument& document,
 }
 
 void RunObserver::sendAt(const Element* element, ObservationKind kind, std::uint32_t code,
-                         Texts texts) {
+                         const Texts& texts) {
     send(kind, code, texts,
          element ? SourcePlaces::existing()->stepsTo(*element) : std::vector<SourceStep>(1));
 }
@@ -264,6 +264,7 @@ void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& te
     std::vector<std::string> names;
     names.reserve(2 * steps.size());
     std::vector<ObservedStep> observedSteps;
+    observedSteps.reserve(steps.size());
     for (const SourceStep& step : steps) {
         names.push_back(step.attribute ? toUtf8(domText(step.attribute)) : std::string());
         names.push_back(toUtf8(inSourceTerms(step.target)));
@@ -274,6 +275,7 @@ void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& te
         observedSteps.push_back({observed({}), "", ""});
     }
     std::vector<ObservedPlace> observedRelated;
+    observedRelated.reserve(related.size());
     for (const SourcePlace& place : related) {
         observedRelated.push_back(observed(place));
     }

@@ -173,7 +173,8 @@ private:
     void send(ObservationKind kind, std::uint32_t code, const Texts& texts,
               const std::vector<SourceStep>& steps, std::uint32_t flags = 0,
               const std::vector<SourcePlace>& related = {});
-    void sendAt(const Element* element, ObservationKind kind, std::uint32_t code, Texts texts);
+    void sendAt(const Element* element, ObservationKind kind, std::uint32_t code,
+                const Texts& texts);
     std::u16string inSourceTerms(std::u16string_view target) const;
     std::u16string targetOf(const ObservedFault& fault);
     const char* pathOf(const SourcePlace& place);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <boost/unordered/unordered_flat_map.hpp>
-#include <compare>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -21,7 +21,11 @@ struct SourcePlace {
     std::uint32_t line = 0;    ///< From 1; 0 for the file as a whole.
     std::uint32_t column = 0;  ///< From 1, in UTF-16 code units.
 
-    friend auto operator<=>(const SourcePlace&, const SourcePlace&) = default;
+    friend bool operator==(const SourcePlace&, const SourcePlace&) = default;
+    friend bool operator<(const SourcePlace& left, const SourcePlace& right) {
+        return std::tie(left.file, left.line, left.column) <
+               std::tie(right.file, right.line, right.column);
+    }
 };
 
 /// On whose account something is copied.
