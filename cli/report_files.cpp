@@ -64,9 +64,6 @@ std::optional<std::string> findPlaceFault(const NamedPath& report) {
         }
         return findFolderFault(report);
     }
-    if (isSourceLike(report.path)) {
-        return nameOf(report) + " is there already, and no report; choose another file";
-    }
     if (faccessat(AT_FDCWD, report.path.c_str(), W_OK, AT_EACCESS) != 0) {
         return report.argument + ": cannot write to " + report.shown + ": " +
                std::generic_category().message(errno);
@@ -132,6 +129,9 @@ std::optional<std::string> findReportFault(const std::vector<NamedPath>& reports
         if (const NamedPath* const same = findSame(report, earlier)) {
             return nameOf(report) + " is also the file of " + same->argument +
                    "; choose another file";
+        }
+        if (isSourceLike(report.path)) {
+            return nameOf(report) + " is there already, and no report; choose another file";
         }
         std::error_code ignored;
         if (!fs::is_character_file(report.path, ignored)) {

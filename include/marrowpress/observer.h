@@ -50,7 +50,8 @@ enum class ObservationKind : std::uint32_t {
     kFault = 9,
     /// `code`: how many faults were met when no more were kept.
     kFaultsDropped = 10,
-    /// The profile leaves the element out. `target`: the file that it refers to, absolute, that of a
+    /// The profile leaves the element out. `target`: the file that it refers to, absolute, that of
+    /// a
     /// topic itself, empty when it refers to none; `detail`: the attribute by which it falls.
     kExcluded = 12,
     /// The run ends with a negative status. `reason`: why, as far as it is known.

@@ -65,6 +65,21 @@ TEST_F(ReportFilesTest, MustBeWritable) {
     EXPECT_EQ(fault({"new.sarif"}), "--r0: cannot write to the current folder: Permission denied");
 }
 
+TEST_F(ReportFilesTest, MayNotBeWhatLooksLikeASource) {
+    folder.write("topic.dita", "\n<?xml version=\"1.0\"?><topic/>");
+    folder.write("image.png", std::string("\x89PNG\0", 5));
+    folder.write("old.xml", "<?xml version=\"1.0\"?><testsuites/>");
+    folder.write("old.sarif", "{}");
+    folder.write("old.txt", "a < b");
+    folder.write("empty.json", "");
+    const std::string expected = " is there already, and no report; choose another file";
+    EXPECT_EQ(fault({"topic.dita"}), "--r0: topic.dita" + expected);
+    EXPECT_EQ(fault({"image.png"}), "--r0: image.png" + expected);
+    for (const char* const report : {"old.xml", "old.sarif", "old.txt", "empty.json"}) {
+        EXPECT_EQ(fault({report}), "") << report;
+    }
+}
+
 TEST_F(ReportFilesTest, MayNotBeInputs) {
     const std::string expected = " is what the run reads as MAP; choose another file";
     fs::create_directory_symlink(".", "link");

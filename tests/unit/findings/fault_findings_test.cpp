@@ -21,6 +21,7 @@ protected:
         const ObservedStep step{{"/w/keys.ditamap", 5, 3}, "", ""};
         Observation met = observationOf(ObservationKind::kKeyDefinition, key);
         met.code = static_cast<std::uint32_t>(state);
+        met.element = "keydef";
         met.detail = href;
         met.steps = &step;
         facts.take(met);
