@@ -264,6 +264,7 @@ std::vector<NamedPath> outputsOf(const RunOptions& options, const PublishPaths& 
     files.push_back(keySpace);
     files.push_back(besideWithSuffix(keySpace));
     std::vector<NamedPath> outputs;
+    outputs.reserve(files.size());
     for (const fs::path& file : files) {
         outputs.push_back({"--output", options.output, file});
     }

@@ -12,7 +12,7 @@ namespace marrowpress {
 namespace {
 
 /// Bytes of a file that are looked at: a component has all its conditions in front of its root.
-constexpr std::size_t kStartSize = 256 * 1024;
+constexpr std::size_t kStartSize = 262144;
 
 std::string readStart(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
