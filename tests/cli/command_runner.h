@@ -20,9 +20,9 @@ struct CommandSetting {
     std::string locale = "C.UTF-8";        ///< LC_ALL.
     std::optional<std::string> error;      ///< A file to take standard error; "" closes it.
     std::map<std::string, std::string> variables;  ///< More of the environment.
-    bool hasNoEnvironment = false;                 ///< Nothing is set at all.
-    std::string currentFolder;                     ///< Seen from the test's folder.
-    bool isWithoutRights = false;                  ///< As a user who may do nothing special.
+    bool hasNoEnvironment = false;        ///< Nothing is set at all, but for LeakSanitizer.
+    std::string currentFolder;            ///< Seen from the test's folder.
+    bool isWithoutRights = false;         ///< As a user who may do nothing special.
     std::optional<unsigned> largestFile;  ///< Bytes that the command may write to one file.
 };
 
