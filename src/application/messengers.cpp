@@ -62,12 +62,7 @@ std::string elementNotFoundLine(std::u16string_view tagName, std::u16string_view
 
 /// Whether `reference` says that it leads out of the publication.
 bool leadsElsewhere(const xercesc::DOMElement& reference) {
-    const xercesc::DOMElement* element = &reference;
-    while (element && !element->hasAttribute(u"scope")) {
-        element = asElement(element->getParentNode());
-    }
-    const std::u16string_view scope =
-        element ? attributeView(*element, u"scope") : std::u16string_view();
+    const std::u16string_view scope = nearestAttribute(reference, u"scope");
     return scope == u"peer" || scope == u"external";
 }
 

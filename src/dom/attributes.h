@@ -4,6 +4,7 @@
 #include <string_view>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "dom/nodes.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
@@ -12,6 +13,19 @@ namespace marrowpress {
 /// changes.
 inline std::u16string_view attributeView(const xercesc::DOMElement& element, const XMLCh* name) {
     return domText(element.getAttribute(name));
+}
+
+/// The value of the attribute of `element` or of the nearest element around it that has one that is
+/// not empty; empty when none has.
+inline std::u16string_view nearestAttribute(const xercesc::DOMElement& element, const XMLCh* name) {
+    for (const xercesc::DOMElement* around = &element; around;
+         around = asElement(around->getParentNode())) {
+        const std::u16string_view value = attributeView(*around, name);
+        if (!value.empty()) {
+            return value;
+        }
+    }
+    return {};
 }
 
 /// A copy of the value of an attribute; a missing one reads as empty.

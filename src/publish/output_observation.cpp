@@ -63,13 +63,8 @@ bool hasContent(const DOMElement& element) {
 /// Whether the nearest "scope" of a link and the lists around it says that it leads out of the
 /// publication.
 bool leadsElsewhere(const DOMElement& link) {
-    const DOMElement* element = &link;
-    while (element && attributeView(*element, u"scope").empty()) {
-        element = asElement(element->getParentNode());
-    }
-    const std::u16string_view scope =
-        element ? attributeView(*element, u"scope") : std::u16string_view();
-    return scope == u"external" || scope == u"peer";
+    const std::u16string_view scope = nearestAttribute(link, u"scope");
+    return scope == u"peer" || scope == u"external";
 }
 
 /// One look over the finished documents of a run.

@@ -21,6 +21,14 @@ TEST_F(AttributesTest, ReadAsEmptyWhenTheyAreMissing) {
     EXPECT_EQ(attributeOf(*parsed.root(), u"a"), u"");
 }
 
+TEST_F(AttributesTest, TheNearestOneIsTheFirstWithAValueOnTheWayUp) {
+    const ParsedXml parsed("<p a='far'><q a='near'><r a='' id='r'/></q><s id='s'/></p>");
+    EXPECT_EQ(nearestAttribute(*parsed.byId("r"), u"a"), u"near");
+    EXPECT_EQ(nearestAttribute(*parsed.byId("r"), u"id"), u"r");
+    EXPECT_EQ(nearestAttribute(*parsed.byId("s"), u"a"), u"far");
+    EXPECT_EQ(nearestAttribute(*parsed.byId("s"), u"none"), u"");
+}
+
 TEST_F(AttributesTest, ACopyOutlivesItsAttribute) {
     const ParsedXml parsed("<p a='old'/>");
     const std::u16string copy = attributeOf(*parsed.root(), u"a");
