@@ -22,10 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool isFlatBook(const CheckOptions& options) {
-    return options.format == OutputFormat::kFlatBook;
-}
-
 /// The request of a check: everything is written into a private folder.
 PublishOptions scratchOptions(const CheckOptions& options, const fs::path& folder) {
     PublishOptions publish;
@@ -109,13 +105,7 @@ std::vector<ProfileSet> Checking::readProfiles() const {
 
 std::optional<std::string> Checking::findFault(const std::vector<ProfileSet>& profiles,
                                                const FindingsReport& report) const {
-    if (std::optional<std::string> fault = findCatalogOptionFault(options_.catalogs)) {
-        return fault;
-    }
-    if (std::optional<std::string> fault = findTextFault(paths_)) {
-        return fault;
-    }
-    if (std::optional<std::string> fault = findMapFault(options_.map, paths_.map.string())) {
+    if (std::optional<std::string> fault = findInputFault(options_, paths_)) {
         return fault;
     }
     for (const ProfileSet& profile : profiles) {
@@ -175,7 +165,8 @@ void Checking::checkOnce(const ProfileSet& profiles, RunDisplay& display, Total&
     profiles.addFindings(collector);
     addFailure(outcome, paths_.map.string(), paths_.map.string(), collector);
 
-    OutsideFragments fragments(collector.context().currentFolder);
+    OutsideFragments fragments(collector.context().currentFolder, options_.diagnostics.severities);
+    total.list.addDropped(collector.list());
     for (Finding& finding : collector.list().take()) {
         total.list.add(fragments.lookedAt(std::move(finding)));
     }

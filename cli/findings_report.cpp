@@ -13,6 +13,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/run_display.h"
 #include "cli/terminal.h"
 #include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
@@ -94,7 +95,9 @@ std::vector<NamedPath> FindingsReport::files() const {
 
 ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
                                ExitCode runCode, std::ostream& err) const {
-    const std::optional<Severity> worstDropped = list.worstDropped();
+    // Nobody knows what faults the run itself could not keep: the worst is assumed.
+    const std::optional<Severity> worstDropped =
+        droppedFaults > 0 ? std::optional(Severity::kError) : list.worstDropped();
     const std::size_t dropped = list.dropped() + droppedFaults;
     std::vector<Finding> findings = list.take();
     if (!options_.showsAll) {
@@ -198,8 +201,7 @@ std::vector<Finding> FindingsReport::writeReports(const std::vector<Finding>& fi
 
 void FindingsReport::writeAnnotations(const std::vector<Finding>& findings,
                                       std::ostream& err) const {
-    const bool isForTools = options_.format != DiagnosticsFormat::kHuman && !options_.file;
-    if (isOnGithub() && !isForTools) {
+    if (isOnGithub() && !isForTools(options_)) {
         writeGithub(err, findings, currentFolder_);
     }
 }

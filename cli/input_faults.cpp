@@ -1,5 +1,6 @@
 #include "cli/input_faults.h"
 
+#include "cli/public_ids.h"
 #include "findings/map_file.h"
 #include "findings/profile_remarks.h"
 
@@ -33,6 +34,16 @@ std::optional<std::string> findMapFault(const std::string& shown, const std::str
             break;
     }
     return std::nullopt;
+}
+
+std::optional<std::string> findInputFault(const RunOptions& options, const PublishPaths& paths) {
+    if (std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) {
+        return fault;
+    }
+    if (std::optional<std::string> fault = findTextFault(paths)) {
+        return fault;
+    }
+    return findMapFault(options.map, paths.map.string());
 }
 
 std::string profileFaultText(const std::string& argument, const std::string& shown,

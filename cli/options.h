@@ -42,6 +42,10 @@ struct RunOptions {
     DiagnosticsOptions diagnostics;
 };
 
+inline bool isFlatBook(const RunOptions& options) {
+    return options.format == OutputFormat::kFlatBook;
+}
+
 /// `marrowpress publish`: publishes one map. The output of a composite may be "-", which is
 /// standard output.
 struct PublishOptions : RunOptions {

@@ -54,7 +54,9 @@ Finding OutsideFragments::lookedAt(Finding finding) {
     const std::size_t slash = fragment.find('/');
     const std::string shown = shownPath(path, currentFolder_);
     finding.id = kFragmentId;
-    finding.severity = *defaultSeverity(kFragmentId);
+    const auto severity = severities_.find(kFragmentId);
+    finding.severity =
+        severity == severities_.end() ? *defaultSeverity(kFragmentId) : severity->second;
     finding.text = slash == std::string::npos
                        ? elementNotFoundText(shown, fragment)
                        : elementInTopicNotFoundText(shown, fragment.substr(0, slash),

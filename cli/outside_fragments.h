@@ -12,8 +12,9 @@ namespace marrowpress {
 class OutsideFragments {
 public:
     /// @param currentFolder  Absolute; texts show paths as seen from it.
-    explicit OutsideFragments(std::string currentFolder)
-        : currentFolder_(std::move(currentFolder)) {}
+    /// @param severities  By id, in the place of the usual ones.
+    OutsideFragments(std::string currentFolder, std::map<std::string, Severity> severities)
+        : currentFolder_(std::move(currentFolder)), severities_(std::move(severities)) {}
 
     /// A finding about a link to a topic outside the publication becomes one about its fragment,
     /// when the document is there and has no such element. All others come back as they are.
@@ -26,6 +27,7 @@ private:
     const Ids* idsIn(const std::string& path);
 
     std::string currentFolder_;
+    std::map<std::string, Severity> severities_;
     std::map<std::string, Ids> documents_;
 };
 

@@ -27,19 +27,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* kNoStandardOutput = "marrowpress: cannot write to standard output\n";
 
-bool isFlatBook(const PublishOptions& options) {
-    return options.format == OutputFormat::kFlatBook;
-}
-
 bool hasFindings(const PublishOptions& options) {
     return options.diagnostics.format != DiagnosticsFormat::kNone;
-}
-
-/// Whether nothing but findings may go to standard error.
-bool isForTools(const DiagnosticsOptions& options) {
-    const bool isToolFormat =
-        options.format == DiagnosticsFormat::kShort || options.format == DiagnosticsFormat::kJson;
-    return isToolFormat && !options.file;
 }
 
 std::string failureLine(const std::string& fault) {
@@ -106,13 +95,7 @@ ExitCode Publishing::run() {
 /// Why nothing is started; empty when it may be. Makes the output's folder when all else is well.
 std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
                                                  const FindingsReport& report) {
-    if (std::optional<std::string> fault = findCatalogOptionFault(options_.catalogs)) {
-        return fault;
-    }
-    if (std::optional<std::string> fault = findTextFault(paths_)) {
-        return fault;
-    }
-    if (std::optional<std::string> fault = findMapFault(options_.map, paths_.map.string())) {
+    if (std::optional<std::string> fault = findInputFault(options_, paths_)) {
         return fault;
     }
     for (const auto& fault : {profiles.fault(), report.fault()}) {

@@ -39,10 +39,6 @@ fs::path withoutLastSeparator(const fs::path& path) {
     return path.has_filename() ? path : path.parent_path();
 }
 
-bool isFlatBook(const RunOptions& options) {
-    return options.format == OutputFormat::kFlatBook;
-}
-
 /// Where the key space document stands while the run lasts.
 fs::path keySpacePath(const RunOptions& options, const fs::path& output) {
     return (isFlatBook(options) ? output : output.parent_path()) / kKeySpaceDocName;

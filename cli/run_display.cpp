@@ -7,13 +7,6 @@
 namespace marrowpress {
 namespace {
 
-/// Formats in which nothing but findings goes to standard error.
-bool isForTools(const DiagnosticsOptions& options) {
-    const bool isToolFormat =
-        options.format == DiagnosticsFormat::kShort || options.format == DiagnosticsFormat::kJson;
-    return isToolFormat && !options.file;
-}
-
 bool showsProgress(const DiagnosticsOptions& options) {
     return !options.isQuiet && !isForTools(options);
 }
@@ -23,6 +16,12 @@ std::string_view nameOf(std::string_view path) {
 }
 
 }  // namespace
+
+bool isForTools(const DiagnosticsOptions& options) {
+    const bool isToolFormat =
+        options.format == DiagnosticsFormat::kShort || options.format == DiagnosticsFormat::kJson;
+    return isToolFormat && !options.file;
+}
 
 RunDisplay::RunDisplay(const DiagnosticsOptions& options, std::ostream& err)
     : err_(err),

@@ -11,6 +11,9 @@
 
 namespace marrowpress {
 
+/// Whether standard error is for tools, and gets nothing but findings.
+bool isForTools(const DiagnosticsOptions& options);
+
 /// What is shown while a run lasts: on a terminal one live line with the phase, a count and the
 /// file; elsewhere nothing, or each progress line where the user wants to see them.
 class RunDisplay {

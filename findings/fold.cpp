@@ -83,6 +83,12 @@ void FindingList::add(Finding finding) {
     }
 }
 
+void FindingList::addDropped(const FindingList& other) {
+    dropped_ += other.dropped_;
+    // An empty one is less than each severity.
+    worstDropped_ = std::max(worstDropped_, other.worstDropped_);
+}
+
 std::vector<Finding> FindingList::take() {
     return std::exchange(*this, FindingList()).findings_;
 }

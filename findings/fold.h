@@ -27,6 +27,9 @@ public:
 
     void add(Finding finding);
 
+    /// Counts what `other` could not keep as dropped here.
+    void addDropped(const FindingList& other);
+
     const std::vector<Finding>& findings() const noexcept { return findings_; }
 
     /// Gives the findings away; the list is empty then.

@@ -25,7 +25,8 @@ protected:
     FindingsReportTest() { options.format = DiagnosticsFormat::kShort; }
 
     /// The exit code of a run with the findings; what it shows is in `err`.
-    int exitOf(const std::vector<Finding>& findings, ExitCode code = ExitCode::kSuccess) {
+    int exitOf(const std::vector<Finding>& findings, ExitCode code = ExitCode::kSuccess,
+               std::size_t droppedFaults = 0) {
         FindingList list;
         for (const Finding& finding : findings) {
             list.add(finding);
@@ -33,7 +34,7 @@ protected:
         const FindingsReport report(options, folder.file("m.ditamap"), folder.path().string());
         EXPECT_EQ(report.fault(), std::nullopt);
         std::ostringstream out;
-        const ExitCode exit = report.write(list, 0, 7, code, out);
+        const ExitCode exit = report.write(list, droppedFaults, 7, code, out);
         err = out.str();
         return static_cast<int>(exit);
     }
@@ -47,6 +48,12 @@ protected:
     DiagnosticsOptions options;
     std::string err;
 };
+
+TEST_F(FindingsReportTest, FaultsThatTheRunCouldNotKeepAreNoCleanRun) {
+    EXPECT_EQ(exitOf({}, ExitCode::kSuccess, 1), 3);
+    options.failOn = FailOn::kNever;
+    EXPECT_EQ(exitOf({}, ExitCode::kSuccess, 1), 0);
+}
 
 TEST_F(FindingsReportTest, TheLevelDecidesWhichSeverityTurnsTheExitCode) {
     const struct {

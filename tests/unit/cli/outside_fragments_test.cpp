@@ -32,7 +32,7 @@ protected:
 
     TemporaryFolder folder;
     ChosenLanguage english{Language::kEnglish};
-    OutsideFragments fragments{folder.path().string()};
+    OutsideFragments fragments{folder.path().string(), {}};
 };
 
 TEST_F(OutsideFragmentsTest, WhatIsThereStaysALinkToTheOutside) {
@@ -44,6 +44,11 @@ TEST_F(OutsideFragmentsTest, WhatIsThereStaysALinkToTheOutside) {
         EXPECT_EQ(finding.text, "as it was");
         EXPECT_EQ(finding.severity, Severity::kWarning);
     }
+}
+
+TEST_F(OutsideFragmentsTest, AFindingOfItsOwnHasTheSeverityThatWasAskedFor) {
+    fragments = OutsideFragments(folder.path().string(), {{"MP204", Severity::kNote}});
+    EXPECT_EQ(lookedAt("t.dita#none").severity, Severity::kNote);
 }
 
 TEST_F(OutsideFragmentsTest, WhatIsNotThereIsAFindingOfItsOwn) {

@@ -114,6 +114,19 @@ TEST_F(FindingListTest, KeepsTheFirstViaHintAndHostTextThatThereIs) {
     EXPECT_EQ(kept.via, (std::vector<FindingStep>{{at(9), "first"}}));
 }
 
+TEST_F(FindingListTest, CountsWhatAnotherCouldNotKeep) {
+    FindingList full;
+    for (std::size_t i = 0; i <= FindingList::kMostFindings; ++i) {
+        full.add(finding(std::to_string(i), at(1)));
+    }
+    list_.addDropped(full);
+    list_.addDropped(FindingList());
+    EXPECT_TRUE(list_.findings().empty());
+    EXPECT_EQ(list_.dropped(), 1U);
+    EXPECT_EQ(list_.worstDropped(), full.worstDropped());
+    EXPECT_TRUE(list_.worstDropped());
+}
+
 TEST_F(FindingListTest, CountsFindingsThatItCannotKeep) {
     for (std::size_t i = 0; i < FindingList::kMostFindings; ++i) {
         list_.add(finding(std::to_string(i), at(1)));
