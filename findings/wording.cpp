@@ -76,10 +76,6 @@ std::string viaWord() {
     return translated("über");
 }
 
-std::string morePlacesText(std::size_t count) {
-    return translatedCount("und {0} weitere Stelle", "und {0} weitere Stellen", count);
-}
-
 std::string errorCountText(std::size_t count) {
     return translatedCount("{0} Fehler", "{0} Fehler", count);
 }
@@ -92,21 +88,12 @@ std::string noteCountText(std::size_t count) {
     return translatedCount("{0} Hinweis", "{0} Hinweise", count);
 }
 
-std::string inFilesText(std::size_t count) {
-    return translatedCount("in {0} Datei", "in {0} Dateien", count);
-}
-
 std::string fileCountText(std::size_t count) {
     return translatedCount("{0} Datei", "{0} Dateien", count);
 }
 
 std::string topicCountText(std::size_t count) {
     return translatedCount("{0} Thema", "{0} Themen", count);
-}
-
-std::string droppedCountText(std::size_t count) {
-    return translatedCount("{0} weiterer Befund wurde nicht behalten",
-                           "{0} weitere Befunde wurden nicht behalten", count);
 }
 
 std::string didYouMeanHint(std::string_view name) {
@@ -191,10 +178,6 @@ std::string keyWithoutFileText(std::string_view key) {
     return translated(
         "Der Schlüssel `{0}` steht für keine Datei, in der ein Element gesucht werden könnte",
         {key});
-}
-
-std::string topicLeftOutHint() {
-    return translated("Das Thema fehlt in der Ausgabe");
 }
 
 std::string runFailsHint() {
@@ -388,10 +371,6 @@ std::string topicExcludedHint(std::string_view profile) {
                       {profile});
 }
 
-std::string notForPrintHint() {
-    return translated("Das Thema ist mit print=\"no\" ausgenommen");
-}
-
 std::string resourceOnlyHint() {
     return translated("processing-role=\"resource-only\" hält das Thema aus der Ausgabe");
 }
@@ -432,10 +411,6 @@ std::string foreignFileText(std::string_view component) {
     return translated(
         "An der Stelle der Komponente `{0}` liegt eine Datei, die kein Lauf geschrieben hat",
         {component});
-}
-
-std::string foreignFileLeftHint() {
-    return translated("Sie bleibt, wie sie ist, und die Komponente fehlt");
 }
 
 std::string foreignFileKeptHint(std::string_view path) {

@@ -22,19 +22,12 @@ std::string hintWord();
 /// In front of a step of the way to the root map.
 std::string viaWord();
 
-/// Behind the places that are shown.
-std::string morePlacesText(std::size_t count);
 std::string errorCountText(std::size_t count);
 std::string warningCountText(std::size_t count);
 std::string noteCountText(std::size_t count);
 
-/// Behind the counts of findings.
-std::string inFilesText(std::size_t count);
 std::string fileCountText(std::size_t count);
 std::string topicCountText(std::size_t count);
-
-/// Findings that were met when no more were kept.
-std::string droppedCountText(std::size_t count);
 
 // Names that are not there: MP105, MP108, MP109, MP204.
 
@@ -68,10 +61,10 @@ std::string idsNeedDtdHint(std::string_view file);
 /// `reason` may be empty.
 std::string cannotReadText(std::string_view file, std::string_view reason);
 
-/// For a reference to an element in what a key stands for, which is no file.
 std::string notWellFormedHint();
+
+/// For a reference to an element in what a key stands for, which is no file.
 std::string keyWithoutFileText(std::string_view key);
-std::string topicLeftOutHint();
 std::string runFailsHint();
 std::string withoutFilterHint();
 
@@ -142,7 +135,6 @@ std::string unmatchedAttributeText(std::string_view attribute);
 std::string topicNotInOutputText(std::string_view file);
 std::string notInMapHint();
 std::string topicExcludedHint(std::string_view profile);
-std::string notForPrintHint();
 std::string resourceOnlyHint();
 
 // MP209, MP210.
@@ -158,7 +150,6 @@ std::string sameComponentText(std::string_view component, std::string_view first
                               std::string_view second);
 std::string sameComponentHint();
 std::string foreignFileText(std::string_view component);
-std::string foreignFileLeftHint();
 std::string foreignFileKeptHint(std::string_view path);
 std::string navtitleText(std::string_view navtitle);
 std::string navtitleHint();
