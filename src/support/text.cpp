@@ -15,18 +15,25 @@ struct CloseConverter {
     void operator()(UConverter* converter) const noexcept { ucnv_close(converter); }
 };
 
-/// The UTF-8 converter, kept open: opening one costs more than most conversions.
+using Converter = std::unique_ptr<UConverter, CloseConverter>;
+
+Converter openUtf8Converter() {
+    UErrorCode error = U_ZERO_ERROR;
+    Converter opened(ucnv_open("UTF-8", &error));
+    if (U_FAILURE(error)) {
+        return nullptr;
+    }
+    ucnv_setFallback(opened.get(), true);
+    return opened;
+}
+
+/// The UTF-8 converter, kept open: opening one costs more than most conversions. Null where none
+/// can be opened, which is tried again at the next call.
 UConverter* utf8Converter() {
-    static const std::unique_ptr<UConverter, CloseConverter> converter = [] {
-        UErrorCode error = U_ZERO_ERROR;
-        std::unique_ptr<UConverter, CloseConverter> opened(ucnv_open("UTF-8", &error));
-        if (U_FAILURE(error)) {
-            opened.reset();
-        } else {
-            ucnv_setFallback(opened.get(), true);
-        }
-        return opened;
-    }();
+    static Converter converter;
+    if (!converter) {
+        converter = openUtf8Converter();
+    }
     return converter.get();
 }
 
@@ -60,7 +67,33 @@ bool isWellFormed(std::string_view text) {
     return true;
 }
 
-void convertRun(std::string_view run, std::u16string& result) {
+/// What one call of the converter gets at most: it counts in 32 bits, and a code unit may need
+/// three bytes.
+constexpr std::size_t kLongestPiece = std::size_t{1} << 20;
+
+bool isInsideCharacter(char unit) {
+    return (static_cast<unsigned char>(unit) & 0xC0) == 0x80;
+}
+
+bool isInsideCharacter(char16_t unit) {
+    return (unit & 0xFC00) == 0xDC00;
+}
+
+/// The length of the first piece of `run`; no character is cut.
+template <class View>
+std::size_t pieceLength(View run) {
+    if (run.size() <= kLongestPiece) {
+        return run.size();
+    }
+    std::size_t length = kLongestPiece;
+    // No character has more than four units.
+    while (length > kLongestPiece - 4 && isInsideCharacter(run[length])) {
+        --length;
+    }
+    return length;
+}
+
+void convertPiece(std::string_view run, std::u16string& result) {
     const std::size_t before = result.size();
     result.resize(before + run.size());  // never more code units than bytes
     UErrorCode error = U_ZERO_ERROR;
@@ -70,7 +103,7 @@ void convertRun(std::string_view run, std::u16string& result) {
     result.resize(before + (U_FAILURE(error) ? 0 : static_cast<std::size_t>(length)));
 }
 
-void convertRun(std::u16string_view run, std::string& result) {
+void convertPiece(std::u16string_view run, std::string& result) {
     const std::size_t before = result.size();
     const std::size_t room = run.size() * 3;  // the most that a code unit can need
     result.resize(before + room);
@@ -95,8 +128,10 @@ Result convert(View text) {
         while (end < text.size() && !isControl(text[end])) {
             ++end;
         }
-        if (end > position) {
-            convertRun(text.substr(position, end - position), result);
+        for (View run = text.substr(position, end - position); !run.empty();) {
+            const std::size_t length = pieceLength(run);
+            convertPiece(run.substr(0, length), result);
+            run.remove_prefix(length);
         }
         if (end < text.size()) {
             result.push_back(static_cast<typename Result::value_type>(text[end++]));

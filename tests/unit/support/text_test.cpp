@@ -67,6 +67,18 @@ TEST(ToUtf8Test, EachControlCharacterIsCarriedOver) {
     }
 }
 
+// A converter counts what it gets in 32 bits, three bytes for each code unit.
+TEST(ToUtf8Test, ATextOfAnyLengthIsConverted) {
+    constexpr std::size_t kUnits = (std::size_t{1} << 20) + 3;
+    std::u16string text(kUnits, u'x');
+    // A pair of surrogates where a piece would end.
+    text.replace((std::size_t{1} << 20) - 1, 2, u"\U0001F600");
+    const std::string narrow = toUtf8(std::u16string_view(text));
+    ASSERT_EQ(narrow.size(), kUnits + 2);
+    EXPECT_EQ(narrow.substr((std::size_t{1} << 20) - 2, 8), "x\xF0\x9F\x98\x80xx");
+    EXPECT_EQ(toUtf16(std::string_view(narrow)), text);
+}
+
 TEST(ToUtf16Test, NullGivesNothing) {
     EXPECT_EQ(toUtf16(static_cast<const char*>(nullptr)), std::nullopt);
 }
@@ -215,16 +227,20 @@ TEST(U16HashTest, TextsAndViewsHashAlike) {
     EXPECT_NE(U16Hash{}(u"key"), U16Hash{}(u"Key"));
 }
 
-// The converter of a process is opened once.
+// The converter of a process is opened once, when that succeeds.
 TEST(ConverterStartDeathTest, WithoutAConverterTheRunsBetweenControlCharactersAreLost) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
-            const RefusedConverters refused;
-            const bool isAsTold = toUtf16(std::string_view("a\tb\nc")) == u"\t\n" &&
-                                  toUtf8(std::u16string_view(u"a\nb\x01")) == "\n\x01" &&
-                                  toUtf16(std::string_view("\xFF")) == u"???";
-            std::_Exit(isAsTold ? 0 : 1);
+            bool isAsTold = false;
+            {
+                const RefusedConverters refused;
+                isAsTold = toUtf16(std::string_view("a\tb\nc")) == u"\t\n" &&
+                           toUtf8(std::u16string_view(u"a\nb\x01")) == "\n\x01" &&
+                           toUtf16(std::string_view("\xFF")) == u"???";
+            }
+            const bool isTriedAgain = toUtf16(std::string_view("a\tb")) == u"a\tb";
+            std::_Exit(isAsTold && isTriedAgain ? 0 : 1);
         },
         testing::ExitedWithCode(0), "");
 }
