@@ -46,6 +46,10 @@ const PublishParamsFactory& factoryFor(const PublishParamsFactories& factories,
 std::u16string PublishParams::readString(std::string_view key) const {
     return refusing([&] {
         const boost::json::string& text = params_.as_object().at(key).as_string();
+        if (text.find('\0') != boost::json::string::npos) {
+            // What stands in front of it would name another file.
+            throw UnsupportedPublishParamsException();
+        }
         return toUtf16(std::string_view(text));
     });
 }

@@ -20,7 +20,7 @@ namespace marrowpress {
 /// come back in UTF-16, as they stand in the request.
 ///
 /// Every getter throws `UnsupportedPublishParamsException` when "params" is no object, the key is
-/// missing or its value has another type.
+/// missing or its value has another type, and for a text with a NUL.
 class PublishParams {
 public:
     PublishParams(const PublishParams&) = delete;
