@@ -24,16 +24,14 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     const Fragment fragment{&target, std::u16string(id)};
     const AttrBasedElementNodeFilter withId(u"id", fragment.id);
     const DOMElement* const element = ElementWalker(target.getDocumentElement(), withId).nextNode();
-    // A document has room for one element only.
-    DOMNode* const parent = reference.getParentNode();
-    const bool hasRoom = asElement(parent);
     const Copy* const cause = innermostCopy(reference);
-    if (!element || !hasRoom || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
+    if (!element || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
         return;
     }
     DOMNode* const copy = importCopy(*reference.getOwnerDocument(), *element,
                                      {&reference, u"href", attributeView(reference, u"href")});
-    parent->insertBefore(copy, reference.getNextElementSibling());
+    // Throws for a root: a document has room for one element only.
+    reference.getParentNode()->insertBefore(copy, reference.getNextElementSibling());
     copies_.emplace(copy, Copy{fragment, cause});
 }
 

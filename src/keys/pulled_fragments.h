@@ -16,6 +16,9 @@ public:
     /// Puts a copy of the element of `target` whose "id" is `id` right behind `reference`. Does
     /// nothing when there is no such element, when the reference stands inside it, or when a copy
     /// of it has led to the reference. `reference` itself stays.
+    ///
+    /// @throws xercesc::DOMException for a reference that is the root: a document has room for one
+    ///         element only.
     void pull(xercesc::DOMElement& reference, const xercesc::DOMDocument& target,
               std::u16string_view id);
 

@@ -199,13 +199,11 @@ void ConrefWalk::replace(DOMElement& element, const Target& target) {
     adopt(element, target);
 }
 
-/// Puts copies of the range behind its start behind `element`.
+/// Puts copies of the range behind its start behind `element`. Throws where `element` is the root:
+/// a document has no room beside it.
 void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
     DOMNode* const parent = element.getParentNode();
     DOMNode* const before = element.getNextSibling();
-    if (!asElement(parent)) {
-        return;  // a document has no room beside its root
-    }
     // Listed first, so that no copy becomes part of the range that it is made from.
     for (DOMNode* const member : siblingsFrom(target.start.getNextSibling(), target.stop)) {
         DOMElement* const memberElement = asElement(member);

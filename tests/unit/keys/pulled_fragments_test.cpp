@@ -47,7 +47,9 @@ TEST_F(PulledFragmentsTest, WithoutSuchAnElementNothingHappens) {
 
 TEST_F(PulledFragmentsTest, BesideTheDocumentElementThereIsNoRoom) {
     const ParsedXml map("<map id='r'/>");
-    pull(map, "r", ParsedXml("<map><x id='f'/></map>"), u"f");
+    EXPECT_THROW(pull(map, "r", ParsedXml("<map><x id='f'/></map>"), u"f"), xercesc::DOMException);
+    EXPECT_EQ(printed(map.document()), R"(<map id="r"/>)");
+    pull(map, "r", ParsedXml("<map><x id='f'/></map>"), u"g");
     EXPECT_EQ(printed(map.document()), R"(<map id="r"/>)");
 }
 

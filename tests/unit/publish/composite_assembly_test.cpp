@@ -151,12 +151,19 @@ TEST_F(CompositeAssemblyTest, AMalformedNestedMapEndsTheRun) {
     EXPECT_EQ(tree(), "a.dita b.dita c.dita inner.ditamap out root.ditamap ");
 }
 
-TEST_F(CompositeAssemblyTest, AMapThatIsAReferenceToAPartIsEmpty) {
+TEST_F(CompositeAssemblyTest, AMapThatIsAReferenceToAPartEndsTheRun) {
     folder.write("parts.ditamap", map(topicref("id='x' href='a.dita'")));
     folder.write("root.ditamap", map(topicref("href='b.dita'"), "href='parts.ditamap#x'"));
-    EXPECT_EQ(status(publishComposite(composite())), 0);
-    EXPECT_EQ(written("out/book.dita"), "<dita><topic id=\"id-1\"><title/></topic></dita>");
-    EXPECT_EQ(components(publishFlatBook(flatBook())), "");
+    EXPECT_EQ(status(publishComposite(composite())), -42);
+    EXPECT_EQ(status(publishFlatBook(flatBook())), -42);
+    EXPECT_EQ(console, "");
+}
+
+TEST_F(CompositeAssemblyTest, AMapWhoseRootIsReplacedByARangeEndsTheRun) {
+    folder.write("parts.ditamap", map("<map id='x'/><map id='y'/>", "id='m'"));
+    folder.write("root.ditamap", map(topicref("href='b.dita'"),
+                                     "conref='parts.ditamap#x' conrefend='parts.ditamap#y'"));
+    EXPECT_EQ(status(publishComposite(composite())), -42);
     EXPECT_EQ(console, "");
 }
 
