@@ -3,9 +3,12 @@
 #include <cstring>
 
 #include "application/connection.h"
+#include "support/publish_exception.h"
 
 namespace marrowpress {
 namespace {
+
+bool hasThrown = false;
 
 /// Calls one method of the host's interface `member`, which gets the host's status as its last
 /// argument. Gives true when the call got through and the host agreed.
@@ -19,13 +22,15 @@ bool callHost(InterfaceRef<Interface> QsApiInterfacesC::*member, Call&& call,
     Interface* const interface = host ? (host->*member).get() : nullptr;
     std::int32_t status = kHostErrorUnavailable;
     if (interface) {
-        std::int32_t answered = 0;
-        const ComStatus com = call(*interface, &answered);
-        if (com >= 0) {
-            status = answered;
-        } else if (com == kComServerBusy) {
-            status = kHostErrorBusy;
-        }
+        guardHostCall([&] {
+            std::int32_t answered = 0;
+            const ComStatus com = call(*interface, &answered);
+            if (com >= 0) {
+                status = answered;
+            } else if (com == kComServerBusy) {
+                status = kHostErrorBusy;
+            }
+        });
     }
     if (hostStatus) {
         *hostStatus = status;
@@ -37,6 +42,24 @@ bool callHost(InterfaceRef<Interface> QsApiInterfacesC::*member, Call&& call,
 }
 
 }  // namespace
+
+bool hasHostThrown() noexcept {
+    return hasThrown;
+}
+
+void forgetHostExceptions() noexcept {
+    hasThrown = false;
+}
+
+void rememberHostException() noexcept {
+    hasThrown = true;
+}
+
+void requireWorkingHost() {
+    if (hasThrown) {
+        throw PublishException();
+    }
+}
 
 std::int32_t HostLastError = 0;
 

@@ -15,8 +15,32 @@
 ///
 /// - the interface is missing: -1;
 /// - the call didn't get through: -88 when the host was busy, else -1;
+/// - the host threw something: -1, and it is remembered, so that the run can end where that is
+///   safe. Nothing that a host throws passes through the engine or a destructor;
 /// - the host refused: the host's own status.
 namespace marrowpress {
+
+/// Whether a call of the host has thrown since the last `forgetHostExceptions`.
+bool hasHostThrown() noexcept;
+void forgetHostExceptions() noexcept;
+
+/// Ends a run whose host has thrown; called before a document is read or written.
+///
+/// @throws PublishException if `hasHostThrown`.
+void requireWorkingHost();
+
+/// Remembers that a call of the host has thrown.
+void rememberHostException() noexcept;
+
+/// Runs `call`, which calls the host. What it throws is remembered and goes no further.
+template <class Call>
+void guardHostCall(Call&& call) noexcept {
+    try {
+        call();
+    } catch (...) {
+        rememberHostException();
+    }
+}
 
 /// The last failure of any host operation. A success leaves it as it is.
 extern std::int32_t HostLastError;

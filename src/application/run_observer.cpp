@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "application/connection.h"
+#include "application/host_operations.h"
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "dom/document_path.h"
@@ -291,7 +292,7 @@ void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& te
                                   static_cast<std::uint32_t>(observedSteps.size()),
                                   observedRelated.data(),
                                   static_cast<std::uint32_t>(observedRelated.size())};
-    observer_->observe(&observation);
+    guardHostCall([&] { observer_->observe(&observation); });
 }
 
 ObservedPlace RunObserver::observed(const SourcePlace& place) {

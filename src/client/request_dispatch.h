@@ -13,6 +13,9 @@ void onClientInitialize(std::uint32_t initCode);
 /// A run that fails is a negative status in the answer. The documents, tables and singletons of
 /// the request are gone when this returns.
 ///
+/// One request at a time: a client call that comes while one is being served, out of a host
+/// operation or on another thread, is answered with a failed run and changes nothing.
+///
 /// @throws whatever keeps the XML platform from being initialised; nothing is answered then.
 void onNotify(std::uint32_t notification, std::uint32_t objectId, const char* text,
               std::int32_t number);

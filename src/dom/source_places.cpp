@@ -1,6 +1,7 @@
 #include "dom/source_places.h"
 
 #include <algorithm>
+#include <xercesc/dom/DOMDocument.hpp>
 
 #include "dom/attributes.h"
 #include "support/request_singleton.h"
@@ -51,6 +52,12 @@ std::uint32_t SourcePlaces::fileNumber(std::u16string_view path) {
     files_.emplace_back(path);
     fileNumbers_.emplace(path, number);
     return number;
+}
+
+void SourcePlaces::forget(const xercesc::DOMDocument& document) {
+    boost::unordered::erase_if(entries_, [&](const auto& entry) {
+        return entry.first->getOwnerDocument() == &document;
+    });
 }
 
 void SourcePlaces::recordCopy(const DOMNode& original, const DOMNode& copy,

@@ -75,6 +75,10 @@ public:
         entries_.insert_or_assign(&node, Entry{place, kNoInclusion});
     }
 
+    /// Leaves out the nodes of `document`, which is to end; so far all are alive that were
+    /// recorded.
+    void forget(const xercesc::DOMDocument& document);
+
     /// `copy`, of the same shape as `original`, was made on account of `cause`.
     void recordCopy(const xercesc::DOMNode& original, const xercesc::DOMNode& copy,
                     const CopyCause& cause);

@@ -1,5 +1,7 @@
 #include "xml/document_store.h"
 
+#include <unordered_set>
+
 #include "application/host_operations.h"
 #include "application/messengers.h"
 #include "application/run_observer.h"
@@ -103,7 +105,9 @@ OpenDocumentTable& OpenDocumentTable::instance() {
 OpenDocumentTable::OpenDocumentTable() {
     std::uint32_t documentId =
         HostGetIdProp(kContext, kSessionObject, HostProperty::kFirstDocument);
-    while (documentId != 0) {
+    std::unordered_set<std::uint32_t> seen;
+    // A list whose end leads back into it ends there.
+    while (documentId != 0 && seen.insert(documentId).second) {
         const HostText path = HostGetStringProp(kContext, documentId, HostProperty::kDocumentPath);
         const OpenDocumentRecord record = readRecord(documentId);
         if (path) {
@@ -124,12 +128,15 @@ DocumentStore& DocumentStore::instance() {
 
 xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path,
                                                const xercesc::DOMElement* reference) {
+    requireWorkingHost();
     const auto known = documents_.find(path);
     if (known != documents_.end()) {
         return known->second;
     }
     recordIfOpen(path);
     xercesc::DOMDocument* const document = load(path);
+    // What could not be read for want of an answer is no fault of the file.
+    requireWorkingHost();
     RunObserver* const observer = RunObserver::existing();
     if (document && observer) {
         observeRead(*observer, path, *document, loader_.history(), reference);
@@ -156,6 +163,10 @@ xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
     try {
         xercesc::DOMDocument* const document = loader_.parseFile(path, ParserBundle::kAllRetries);
         if (document && isNestedTooDeeply(document->getDocumentElement())) {
+            if (SourcePlaces* const places = SourcePlaces::existing()) {
+                places->forget(*document);
+            }
+            loader_.dropDocument();
             return nullptr;
         }
         documents_.emplace(path, document);

@@ -63,6 +63,8 @@ public:
     /// and reports, again. The empty path is reported once. A document that nests too deeply to be
     /// worked on counts as one that can't be read. `reference` is the element that leads to the
     /// file, null where none does.
+    ///
+    /// @throws PublishException when the host has thrown something: the run is to end.
     xercesc::DOMDocument* getOrLoad(const std::u16string& path,
                                     const xercesc::DOMElement* reference = nullptr);
 

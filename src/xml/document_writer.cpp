@@ -6,6 +6,7 @@
 #include <system_error>
 #include <xercesc/dom/DOM.hpp>
 
+#include "application/host_operations.h"
 #include "application/messengers.h"
 #include "application/run_observer.h"
 #include "dom/document_path.h"
@@ -109,6 +110,7 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
     if (!document) {
         return WriteStatus::kFailed;
     }
+    requireWorkingHost();
     const std::u16string target = documentPath(*document);
     const std::u16string temporary = target + toUtf16(kAsideSuffix);
     moveFile(target, temporary);
@@ -123,6 +125,7 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
 
 WriteStatus writeEmptyDocument(std::string_view rootName, std::string_view publicId,
                                std::string_view systemId, const std::u16string& path) {
+    requireWorkingHost();
     XercesPtr<xercesc::DOMDocument> document;
     if (xercesc::DOMImplementation* const implementation = loadAndSaveImplementation()) {
         const std::u16string root = toUtf16(rootName);

@@ -26,11 +26,13 @@ WriteStatus writeDocument(const xercesc::DOMDocument* document, const std::u16st
 ///
 /// @throws std::filesystem::filesystem_error "rename" when the old file can't be moved aside
 ///         (nothing is changed then) or back, "remove" when the old file can't be removed after a
-///         good write.
+///         good write. PublishException, with nothing touched, when the host has thrown something.
 WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document);
 
 /// Writes a document of nothing but a doctype and a root element. The first three texts are
 /// UTF-8. A failure is message 107.
+///
+/// @throws PublishException, with nothing written, when the host has thrown something.
 WriteStatus writeEmptyDocument(std::string_view rootName, std::string_view publicId,
                                std::string_view systemId, const std::u16string& path);
 

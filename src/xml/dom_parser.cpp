@@ -99,10 +99,22 @@ xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
     const ScopeExit endSession([] { sendEnd(); });
     const MemMapLocalFileInputSource source(path.c_str(),
                                             xercesc::XMLPlatformUtils::fgMemoryManager);
-    parser_->beginFile(path);
-    parser_->parse(source);
-    parser_->endFile();
-    return parser_->getDocument();
+    try {
+        parser_->beginFile(path);
+        parser_->parse(source);
+        parser_->endFile();
+        return parser_->getDocument();
+    } catch (...) {
+        // The parser would keep the half of a tree until it ends, that of each try beside the
+        // others.
+        dropDocument();
+        throw;
+    }
+}
+
+void ParserBundle::dropDocument() noexcept {
+    const XercesPtr<xercesc::DOMDocument> dropped{parser_->adoptDocument()};
+    parser_->resetDocument();
 }
 
 xercesc::DOMDocument* ParserBundle::retryWithoutValidation(const std::u16string& path,

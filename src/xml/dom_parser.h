@@ -49,6 +49,9 @@ public:
     /// @throws what the last try threw.
     xercesc::DOMDocument* parseFile(const std::u16string& path, unsigned retryMask);
 
+    /// Ends the document that was parsed last, of which nothing may be used any more.
+    void dropDocument() noexcept;
+
     /// Of the last call of `parseFile`.
     const ParseHistory& history() const noexcept { return history_; }
 

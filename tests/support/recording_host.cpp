@@ -4,6 +4,7 @@
 #include <sstream>
 #include <streambuf>
 
+#include "application/host_operations.h"
 #include "host/trace.h"
 
 namespace marrowpress {
@@ -49,6 +50,7 @@ public:
           trace_(stream_),
           host_(options(owner, std::move(openDocuments))),
           interfaces_(host_.provider()) {
+        forgetHostExceptions();
         interfaces_.askWhoFreesTexts();
         interfaces_.connect();
     }

@@ -380,6 +380,96 @@ TEST_F(ServedRequestTest, AHostThatFailsEveryCallChangesNothing) {
     EXPECT_EQ(folder.read("out.xml"), usual);
 }
 
+/// A host that does something odd at one of its calls, for each call of a request.
+class OddHostTest : public ServedRequestTest {
+protected:
+    OddHostTest() {
+        host.missing = {IHostText::kId};
+        params["ditaVal"] = folder.file("missing.ditaval");
+        EXPECT_EQ(serve(), answer(0));
+        undisturbed_ = folder.read("out.xml");
+        callCount_ = host.calls.size();
+        EXPECT_GT(callCount_, 20U);
+    }
+
+    /// Serves the request with `oddity` at its call `number`, and then undisturbed. What the first
+    /// one answered.
+    Lines serveOddly(std::size_t number, const std::function<void()>& oddity) {
+        host.calls.clear();
+        host.answers.clear();
+        bool hasHappened = false;
+        host.onCall = [&](const std::string&) {
+            if (!hasHappened && host.calls.size() == number) {
+                hasHappened = true;
+                oddity();
+            }
+        };
+        const boost::json::object request{{"type", "PublishComp"}, {"params", params}};
+        onNotify(13, 0, boost::json::serialize(request).c_str(), 0);
+        host.onCall = nullptr;
+        EXPECT_TRUE(hasHappened) << number;
+        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap"));
+        const Lines answers = host.answers;
+        isWhole_ = folder.exists("out.xml") && folder.read("out.xml") == undisturbed_;
+        EXPECT_EQ(serve(), answer(0)) << number;
+        EXPECT_EQ(folder.read("out.xml"), undisturbed_) << number;
+        return answers;
+    }
+
+    std::size_t callCount() const { return callCount_; }
+    bool isWhole() const { return isWhole_; }
+
+private:
+    std::string undisturbed_;
+    std::size_t callCount_ = 0;
+    bool isWhole_ = false;
+};
+
+TEST_F(OddHostTest, ThatThrowsAtAnyCallEndsTheRunAtMost) {
+    std::size_t lastFailed = 0;
+    for (std::size_t number = 1; number <= callCount(); ++number) {
+        const Lines answers = serveOddly(number, [] { throw 42; });
+        // An answer that is thrown back is followed by that of a run that failed.
+        ASSERT_GE(answers.size(), 1U) << number;
+        EXPECT_LE(answers.size(), 2U) << number;
+        if (answers.back() == answer(0)) {
+            EXPECT_TRUE(isWhole()) << number;
+            EXPECT_GT(number, lastFailed) << "only after the answer had gone";
+            continue;
+        }
+        EXPECT_EQ(answers.back(), answer(-42)) << number;
+        lastFailed = number;
+    }
+    EXPECT_GT(lastFailed, 20U);
+}
+
+TEST_F(OddHostTest, ThatCallsBackGetsAFailureAndTheRunGoesOn) {
+    for (const char* const request : {"{}", "", "no JSON"}) {
+        for (std::size_t number = 1; number <= callCount(); ++number) {
+            const Lines answers = serveOddly(number, [&] { onNotify(13, 0, request, 0); });
+            EXPECT_TRUE(isWhole()) << number;
+            // The answer itself may be the call at which the host calls back.
+            std::size_t own = 0;
+            for (const std::string& line : answers) {
+                own += line == answer(0) ? 1 : 0;
+                EXPECT_TRUE(line == answer(0) || line == answer(-42)) << line;
+            }
+            EXPECT_EQ(own, 1U) << number;
+            EXPECT_EQ(answers.size(), 2U) << number;
+        }
+    }
+}
+
+TEST_F(OddHostTest, ThatRefusesAnyCallChangesNothing) {
+    for (std::size_t number = 1; number <= callCount(); ++number) {
+        const Lines answers = serveOddly(number, [&] { host.hostStatus = 17; });
+        host.hostStatus = 0;
+        EXPECT_TRUE(isWhole()) << number;
+        EXPECT_EQ(answers, Lines{answer(0)}) << number;
+    }
+}
+
 TEST_F(ServedRequestTest, AnOutputThatCannotBeRemovedIsRefused) {
     std::filesystem::create_directory(folder.path() / "out.xml");
     EXPECT_EQ(serve(), answer(-43));
