@@ -12,6 +12,7 @@
 #include "support/request_singleton.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
+#include "xml/replaced_files.h"
 
 namespace marrowpress {
 namespace {
@@ -53,6 +54,7 @@ XmlSession::~XmlSession() {
     }
     RequestSingleton<DocumentStore>::destroy();
     RequestSingleton<GrammarParserCache>::destroy();
+    RequestSingleton<ReplacedFiles>::destroy();
     RequestSingleton<TopicIdGenerator>::destroy();
     RequestSingleton<OpenDocumentTable>::destroy();
     RequestSingleton<ProgressMessenger>::destroy();

@@ -42,4 +42,8 @@ std::u16string CompositeDocPublisher::getKeySpaceDocPath(const PublishParams& pa
     return joinPath(parentPath(outputPath(params)), toUtf16(kKeySpaceDocName));
 }
 
+std::vector<std::u16string> CompositeDocPublisher::getOutputPaths(const PublishParams& params) {
+    return {outputPath(params)};
+}
+
 }  // namespace marrowpress

@@ -1,22 +1,31 @@
 #include "publish/doc_publisher.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "application/messengers.h"
 #include "application/run_observer.h"
 #include "dom/document_path.h"
 #include "keys/key_space_loader.h"
+#include "marrowpress/output_names.h"
 #include "profiling/ditaval.h"
 #include "publish/output_observation.h"
 #include "references/conref_resolution.h"
 #include "references/exclusion_filter.h"
 #include "references/keyref_resolution.h"
 #include "references/topic_ids.h"
+#include "support/file_entry.h"
+#include "support/folder_lock.h"
 #include "support/paths.h"
 #include "support/scope_exit.h"
+#include "support/text.h"
 #include "xml/document_store.h"
 #include "xml/document_writer.h"
+#include "xml/replaced_files.h"
 
 namespace marrowpress {
 namespace {
@@ -42,6 +51,52 @@ void setUpProfiling(const PublishParams& params) {
     holder.reset(readProfile(params));
 }
 
+/// Whether something stands at `path`; refuses what must not be removed.
+bool isOldFileThere(const std::u16string& path) {
+    if (!entryExists(path)) {
+        return false;
+    }
+    if (!isReplaceable(path)) {
+        throw OutputFileRemoveOperationFailedException();
+    }
+    return true;
+}
+
+/// What `read` gives; empty for a parameter that isn't what it has to be. The step that needs it
+/// refuses it.
+template <class Read>
+std::u16string textOrNone(Read&& read) {
+    try {
+        return read();
+    } catch (const PublishException&) {
+        return {};
+    }
+}
+
+/// The entries that go when `path` is written: its own, and that of the copy beside it.
+std::vector<std::optional<FileEntry>> entriesWrittenFor(const std::u16string& path) {
+    return {fileEntry(path), fileEntry(path + toUtf16(kAsideSuffix))};
+}
+
+/// Refuses what would remove or overwrite the map or the profile, or one output by another.
+void requireSeparateFiles(const std::vector<std::u16string>& outputs,
+                          const std::vector<std::u16string>& inputs) {
+    std::vector<std::optional<FileEntry>> entries;
+    for (const std::u16string& input : inputs) {
+        entries.push_back(input.empty() ? std::nullopt : readEntry(input));
+    }
+    for (const std::u16string& output : outputs) {
+        for (std::optional<FileEntry>& written : entriesWrittenFor(output)) {
+            for (const std::optional<FileEntry>& other : entries) {
+                if (isOneEntry(written, other)) {
+                    throw UnsupportedPublishParamsException();
+                }
+            }
+            entries.push_back(std::move(written));
+        }
+    }
+}
+
 void observePhase(const char* name) {
     if (RunObserver* const observer = RunObserver::existing()) {
         observer->phase(name);
@@ -51,6 +106,15 @@ void observePhase(const char* name) {
 }  // namespace
 
 std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishParams> params) {
+    // A run that is refused here touches nothing: what the janitor would remove may be a source, or
+    // belong to another run.
+    refuseForeignParams(*params);
+    const std::u16string keySpaceDocPath = getKeySpaceDocPath(*params);
+    const FolderLock lock(parentPath(keySpaceDocPath));
+    if (lock.isTaken()) {
+        throw PublishException();
+    }
+    refuseUnsafePlaces(*params);
     IDocPublisherJanitor& janitor = *this;
     const ScopeExit cleanUpAtEnd([&] { janitor.cleanUp(*params); });
     prepare(*params);
@@ -85,10 +149,21 @@ void DocPublisher::cleanUp(const PublishParams& params) noexcept {
     }
 }
 
-void DocPublisher::prepare(const PublishParams& params) {
+void DocPublisher::refuseForeignParams(const PublishParams& params) const {
     if (params.publisherId() != publisherId_) {
         throw UnsupportedPublishParamsException();
     }
+}
+
+void DocPublisher::refuseUnsafePlaces(const PublishParams& params) {
+    std::vector<std::u16string> outputs = getOutputPaths(params);
+    outputs.push_back(getKeySpaceDocPath(params));
+    requireSeparateFiles(outputs, {textOrNone([&] { return getMapPath(params); }),
+                                   textOrNone([&] { return params.getDitaVal(); })});
+    std::for_each(outputs.begin(), outputs.end(), &isOldFileThere);
+}
+
+void DocPublisher::prepare(const PublishParams& params) {
     removeOldFile(getKeySpaceDocPath(params));
     removeStaleOutput(params);
 }
@@ -125,11 +200,12 @@ void writeResultDocument(const xercesc::DOMDocument* document) {
 }
 
 void removeOldFile(const std::u16string& path) {
-    if (!pathExists(path)) {
+    if (!isOldFileThere(path)) {
         return;
     }
+    ReplacedFiles::instance().note(path);
     std::error_code error;
-    if (isIrregularFile(path) || !std::filesystem::remove(nativePath(path), error)) {
+    if (!std::filesystem::remove(nativePath(path), error)) {
         if (error) {
             throw std::filesystem::filesystem_error("remove", nativePath(path), error);
         }

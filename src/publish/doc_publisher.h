@@ -37,8 +37,9 @@ public:
 
     PublisherId publisherId() const noexcept { return publisherId_; }
 
-    /// Runs the request. A result that comes back has the status 0; faults in the documents are
-    /// report lines. Needs an open `XmlSession`.
+    /// Runs the request. While it runs, no other run writes into the folder of its key space
+    /// document: that one fails, and touches nothing. A result that comes back has the status 0;
+    /// faults in the documents are report lines. Needs an open `XmlSession`.
     ///
     /// @throws PublishException, or what else a step throws. What an earlier step had rightly
     ///         written stays on the disk.
@@ -47,7 +48,7 @@ public:
 protected:
     void cleanUp(const PublishParams& params) noexcept override;
 
-    /// Refuses parameters of another publisher, and removes what an earlier run left behind.
+    /// Removes what an earlier run left behind.
     virtual void prepare(const PublishParams& params);
 
     /// Builds and writes the key space document.
@@ -67,8 +68,15 @@ protected:
     /// The absolute path of "ditamap".
     virtual std::u16string getMapPath(const PublishParams& params);
     virtual std::u16string getKeySpaceDocPath(const PublishParams& params) = 0;
+    /// The absolute paths of the outputs that are known before the run.
+    virtual std::vector<std::u16string> getOutputPaths(const PublishParams& params) = 0;
 
 private:
+    void refuseForeignParams(const PublishParams& params) const;
+    /// Refuses a request by which an output would take the place of the map, of the profile or of
+    /// another output, or of what is no file.
+    void refuseUnsafePlaces(const PublishParams& params);
+
     PublisherId publisherId_;
 };
 
@@ -77,11 +85,11 @@ private:
 /// @throws as `saveDocumentInPlace`.
 void writeResultDocument(const xercesc::DOMDocument* document);
 
-/// Removes the file at `path` if there is one.
+/// Removes the file at `path` if there is one; of a link, whatever it leads to, the link alone.
 ///
 /// @throws std::filesystem::filesystem_error "remove" when the system says why it can't,
-///         OutputFileRemoveOperationFailedException when it says nothing, and for what is no
-///         regular file: that is nobody's old output.
+///         OutputFileRemoveOperationFailedException when it says nothing, and for what is neither
+///         a regular file nor a link: that is nobody's old output.
 void removeOldFile(const std::u16string& path);
 
 }  // namespace marrowpress

@@ -45,4 +45,9 @@ std::u16string FlatBookPublisher::getKeySpaceDocPath(const PublishParams& params
     return joinPath(outputFolder(params), toUtf16(kKeySpaceDocName));
 }
 
+std::vector<std::u16string> FlatBookPublisher::getOutputPaths(const PublishParams& /*params*/) {
+    // The components are known when the map has been read.
+    return {};
+}
+
 }  // namespace marrowpress

@@ -18,6 +18,7 @@ protected:
     void removeStaleOutput(const PublishParams& params) override;
     void writeOutput(const PublishParams& params, const PublishResult& result) override;
     std::u16string getKeySpaceDocPath(const PublishParams& params) override;
+    std::vector<std::u16string> getOutputPaths(const PublishParams& params) override;
 };
 
 }  // namespace marrowpress

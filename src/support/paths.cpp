@@ -99,6 +99,24 @@ std::u16string realPath(std::u16string_view path) {
     return toUtf16(std::string_view(found.native()));
 }
 
+/// Whether a file of that status is there.
+bool isThere(std::filesystem::file_status status, std::error_code error, std::u16string_view path) {
+    if (status.type() == std::filesystem::file_type::not_found) {
+        return false;
+    }
+    for (const std::errc impossibleName :
+         {std::errc::filename_too_long, std::errc::too_many_symbolic_link_levels,
+          std::errc::not_a_directory, std::errc::invalid_argument}) {
+        if (error == impossibleName) {
+            return false;
+        }
+    }
+    if (error) {
+        throw std::filesystem::filesystem_error("exists", nativePath(path), error);
+    }
+    return true;
+}
+
 }  // namespace
 
 bool isAbsolutePath(std::u16string_view path) {
@@ -180,12 +198,6 @@ bool isBelow(std::u16string_view path, std::u16string_view folder) {
 }
 
 bool leadsOutOf(std::u16string_view path, std::u16string_view folder) {
-    std::error_code error;
-    const std::filesystem::path native = nativePath(path);
-    if (std::filesystem::is_symlink(native, error)) {
-        return !std::filesystem::exists(native, error) ||
-               !isBelow(realPath(path), realPath(folder));
-    }
     const std::u16string_view parent = parentPath(path);
     return parent != folder && !isBelow(realPath(parent).append(u"/name"), realPath(folder));
 }
@@ -207,21 +219,21 @@ std::u16string absolutePath(std::u16string_view path) {
 
 bool pathExists(std::u16string_view path) {
     std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(nativePath(path), error);
-    if (status.type() == std::filesystem::file_type::not_found) {
-        return false;
-    }
-    for (const std::errc impossibleName :
-         {std::errc::filename_too_long, std::errc::too_many_symbolic_link_levels,
-          std::errc::not_a_directory, std::errc::invalid_argument}) {
-        if (error == impossibleName) {
-            return false;
-        }
-    }
-    if (error) {
-        throw std::filesystem::filesystem_error("exists", nativePath(path), error);
-    }
-    return true;
+    return isThere(std::filesystem::status(nativePath(path), error), error, path);
+}
+
+bool entryExists(std::u16string_view path) {
+    std::error_code error;
+    return isThere(std::filesystem::symlink_status(nativePath(path), error), error, path);
+}
+
+bool isReplaceable(std::u16string_view path) noexcept try {
+    std::error_code error;
+    const std::filesystem::file_status status =
+        std::filesystem::symlink_status(nativePath(path), error);
+    return std::filesystem::is_regular_file(status) || std::filesystem::is_symlink(status);
+} catch (...) {
+    return false;
 }
 
 bool isIrregularFile(std::u16string_view path) noexcept try {

@@ -47,8 +47,8 @@ std::u16string_view parentPath(std::u16string_view path);
 /// the current one.
 bool isBelow(std::u16string_view path, std::u16string_view folder);
 
-/// Whether links lead `path`, which is below `folder` by its text, out of it. A link in its own
-/// place counts even if it leads to nothing, for a file would be made where it leads.
+/// Whether links lead the folder of `path`, which is below `folder` by its text, out of that. A
+/// link in the place of `path` itself does not count: a file takes the link's place.
 ///
 /// @throws std::filesystem::filesystem_error "absolute" for relative paths without a current
 ///         directory.
@@ -65,6 +65,12 @@ std::u16string absolutePath(std::u16string_view path);
 /// @throws std::filesystem::filesystem_error "exists" when the system won't say, such as for
 ///         want of permission.
 bool pathExists(std::u16string_view path);
+
+/// As `pathExists`, of the name itself: a link exists that leads to nothing.
+bool entryExists(std::u16string_view path);
+
+/// Whether a regular file stands at `path`, or a link, whatever it leads to. Never throws.
+bool isReplaceable(std::u16string_view path) noexcept;
 
 /// Whether `path` leads to something that is there but is no regular file: a directory, a
 /// device, a pipe. Never throws; what can't be looked at isn't there.

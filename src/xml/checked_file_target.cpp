@@ -19,21 +19,50 @@ constexpr std::size_t kHeldBackAtMost = 65536;
     throw std::system_error(errno, std::generic_category(), operation);
 }
 
+/// Throws where the file at `name` must not be written.
+void requireWritable(const char* name) {
+    const int descriptor = ::open(name, O_WRONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        throwLastError("open");
+    }
+    ::close(descriptor);
+}
+
+/// Removes the name of an old file, or of a link, whose target stays as it is.
+void takeAway(const char* name) {
+    struct stat status {};
+    if (::lstat(name, &status) != 0) {
+        return;  // what else is wrong shows when the file is made
+    }
+    if (S_ISREG(status.st_mode)) {
+        requireWritable(name);
+    } else if (!S_ISLNK(status.st_mode)) {
+        throw std::system_error(S_ISDIR(status.st_mode) ? EISDIR : EINVAL, std::generic_category(),
+                                "open");
+    }
+    if (::unlink(name) != 0) {
+        throwLastError("unlink");
+    }
+}
+
 }  // namespace
 
-CheckedFileFormatTarget::CheckedFileFormatTarget(const std::u16string& path)
-    // Not blocking, so that a pipe without a reader is an error and not a wait.
-    : descriptor_(::open(nativePath(path).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK,
-                         S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH)) {
+CheckedFileFormatTarget::CheckedFileFormatTarget(const std::u16string& path,
+                                                 std::optional<mode_t> mode) {
+    const std::string name = nativePath(path).string();
+    takeAway(name.c_str());
+    // Of this run alone: what came into the place meanwhile is not written through.
+    constexpr mode_t kUsual = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+    descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                         mode.value_or(kUsual));
     if (descriptor_ < 0) {
         throwLastError("open");
     }
-    struct stat status {};
-    const bool isRegular = ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
-    if (!isRegular || ::ftruncate(descriptor_, 0) != 0) {
-        const int error = isRegular ? errno : EINVAL;
+    // The process may give new files fewer rights than the old one had.
+    if (mode && ::fchmod(descriptor_, *mode) != 0) {
+        const int error = errno;
         ::close(descriptor_);
-        throw std::system_error(error, std::generic_category(), "open");
+        throw std::system_error(error, std::generic_category(), "chmod");
     }
     heldBack_.reserve(kHeldBackAtMost);
 }
@@ -64,6 +93,10 @@ void CheckedFileFormatTarget::writeHeldBack() {
     while (written < heldBack_.size()) {
         const ssize_t count =
             ::write(descriptor_, heldBack_.data() + written, heldBack_.size() - written);
+        if (count == 0) {
+            // Neither bytes nor a reason: nothing says that it would ever end.
+            throw std::system_error(EIO, std::generic_category(), "write");
+        }
         if (count < 0 && errno != EINTR) {
             throwLastError("write");
         }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <optional>
 #include <string>
 #include <vector>
 #include <xercesc/framework/XMLFormatter.hpp>
@@ -12,10 +15,15 @@ namespace marrowpress {
 /// swallows what goes wrong there, so that a full disk passes for a success.
 class CheckedFileFormatTarget final : public xercesc::XMLFormatTarget {
 public:
-    /// Creates the file, or empties it.
+    /// Creates the file, with the permission bits `mode`, or the usual ones.
     ///
-    /// @throws std::system_error when it can't be opened, or is no regular file.
-    explicit CheckedFileFormatTarget(const std::u16string& path);
+    /// An old file in its place is removed first, and so is a link: what other names lead to, or
+    /// the link does, is never written.
+    ///
+    /// @throws std::system_error when that can't be done, an old file must not be written, or what
+    ///         stands there is neither a regular file nor a link.
+    explicit CheckedFileFormatTarget(const std::u16string& path,
+                                     std::optional<mode_t> mode = std::nullopt);
     CheckedFileFormatTarget(const CheckedFileFormatTarget&) = delete;
     CheckedFileFormatTarget& operator=(const CheckedFileFormatTarget&) = delete;
     /// Closes the file if `close` did not. Unwritten bytes are lost then.
@@ -33,7 +41,7 @@ public:
 private:
     void writeHeldBack();
 
-    int descriptor_;
+    int descriptor_ = -1;
     std::vector<char> heldBack_;
 };
 

@@ -1,5 +1,6 @@
 #include "xml/document_store.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "application/host_operations.h"
@@ -7,6 +8,7 @@
 #include "application/run_observer.h"
 #include "dom/element_walker.h"
 #include "dom/nesting_depth.h"
+#include "support/file_entry.h"
 #include "support/paths.h"
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
@@ -180,6 +182,14 @@ xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
         }
         return nullptr;
     }
+}
+
+bool DocumentStore::hasRead(const std::u16string& path) const {
+    const std::optional<FileEntry> entry = fileEntry(path);
+    return entry && entry->status &&
+           std::any_of(documents_.begin(), documents_.end(), [&](const auto& document) {
+               return isOneEntry(entry, readEntry(document.first));
+           });
 }
 
 /// Why the file at `path` could not be read: the system's reason comes first.

@@ -77,6 +77,9 @@ public:
     /// Whether the document of `path` has been asked for before and is kept.
     bool holds(const std::u16string& path) const { return documents_.contains(path); }
 
+    /// Whether a document that is kept was read from the file of which `path` is a name.
+    bool hasRead(const std::u16string& path) const;
+
     /// What the parser said, at its last try, of the file at `path`, which could not be read when
     /// it was last asked for; null where it was read, or the parser said nothing.
     const ParseFailure* failureOf(const std::u16string& path) const;

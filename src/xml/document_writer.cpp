@@ -16,6 +16,8 @@
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/checked_file_target.h"
+#include "xml/document_store.h"
+#include "xml/replaced_files.h"
 
 namespace marrowpress {
 namespace {
@@ -45,7 +47,9 @@ void serialize(xercesc::DOMImplementation& implementation, const xercesc::DOMDoc
     const XercesPtr<xercesc::DOMLSOutput> output(
         implementation.createLSOutput(xercesc::XMLPlatformUtils::fgMemoryManager));
     output->setEncoding(u"UTF-8");
-    CheckedFileFormatTarget target(path);
+    ReplacedFiles& replaced = ReplacedFiles::instance();
+    replaced.note(path);
+    CheckedFileFormatTarget target(path, replaced.modeOf(path));
     output->setByteStream(&target);
     serializer->write(&document, output.get());
     target.close();
@@ -113,6 +117,10 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
     requireWorkingHost();
     const std::u16string target = documentPath(*document);
     const std::u16string temporary = target + toUtf16(kAsideSuffix);
+    if (DocumentStore::instance().hasRead(temporary)) {
+        return reportFailure(target, "a source stands in the place of the copy");
+    }
+    ReplacedFiles::instance().note(target);
     moveFile(target, temporary);
     const WriteStatus status = writeDocument(document, target);
     if (status == WriteStatus::kWritten) {

@@ -13,14 +13,16 @@ enum class [[nodiscard]] WriteStatus{kWritten = 0, kFailed = 1};
 /// line changes the status of a run.
 inline void goOnAfter(WriteStatus /*status*/) {}
 
-/// Writes `document` to the file at `path`, over what is there. A null document fails.
+/// Writes `document` to the file at `path`, in the place of what is there: an old file, whose
+/// permission bits the new one gets, or a link, whose target stays as it is. A null document fails.
 ///
 /// Whatever goes wrong, a disk that runs full as much as text that XML can't hold, is message 107
 /// with the path, and leaves what was written so far. Never throws.
 WriteStatus writeDocument(const xercesc::DOMDocument* document, const std::u16string& path);
 
 /// Writes `document` over the file that it was read from, which is kept beside it as "..._tmp"
-/// until the new one is complete. A null document fails, with nothing touched.
+/// until the new one is complete. A null document fails, with nothing touched; so does one in whose
+/// copy's place a document stands that the run has read, with message 107.
 ///
 /// When the write fails, message 107 has been given and the old file is back in its place.
 ///

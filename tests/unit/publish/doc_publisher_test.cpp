@@ -8,6 +8,7 @@
 
 #include "publish/composite_publisher.h"
 #include "publish/flat_book_publisher.h"
+#include "support/folder_lock.h"
 #include "tests/support/current_folder.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/message_texts.h"
@@ -95,9 +96,12 @@ TEST_F(RemoveOldFileTest, RemovesFilesAlone) {
     EXPECT_EQ(remove("link"), 0);
     EXPECT_FALSE(folder.exists("link"));
     EXPECT_EQ(folder.read("target"), "x");
-    EXPECT_EQ(remove("dangling"), 0);
-    EXPECT_TRUE(folder.exists("dangling"));
-    for (const char* name : {"full", "empty", "pipe", "linked-folder", "."}) {
+    for (const char* link : {"dangling", "linked-folder"}) {
+        EXPECT_EQ(remove(link), 0) << link;
+        EXPECT_FALSE(fs::is_symlink(folder.path() / link)) << link;
+    }
+    EXPECT_TRUE(folder.exists("full/file"));
+    for (const char* name : {"full", "empty", "pipe", "."}) {
         EXPECT_EQ(remove(name), -43) << name;
         EXPECT_TRUE(folder.exists(name)) << name;
     }
@@ -193,6 +197,128 @@ TEST_F(DocPublisherTest, AFailureWhileWritingLeavesTheCompositeAsItWas) {
     EXPECT_EQ(answer.size(), 4U);
     EXPECT_EQ(written("out/book.dita"), "<dita/>");
     EXPECT_FALSE(folder.exists("out/KeyspaceDoc.ditamap"));
+}
+
+/// Requests in which an output is also something else.
+class OneFileForTwoTest : public DocPublisherTest {
+protected:
+    OneFileForTwoTest() {
+        folder.write("out/KeyspaceDoc.ditamap", "the user's own");
+        folder.write("profile.ditaval", "<val/>");
+    }
+
+    void expectRefused(const boost::json::object& params, const std::string& what) {
+        const std::string before = tree();
+        const std::string map = folder.read("root.ditamap");
+        EXPECT_EQ(
+            status(params.contains("output") ? publishComposite(params) : publishFlatBook(params)),
+            -43)
+            << what;
+        EXPECT_EQ(tree(), before) << what;
+        EXPECT_EQ(folder.read("root.ditamap"), map) << what;
+        EXPECT_EQ(folder.read("out/KeyspaceDoc.ditamap"), "the user's own") << what;
+        EXPECT_EQ(progress, "") << what;
+    }
+
+    boost::json::object withOutput(const std::string& output) const {
+        boost::json::object params = composite();
+        params["output"] = folder.file(output);
+        params["ditaVal"] = folder.file("profile.ditaval");
+        return params;
+    }
+};
+
+TEST_F(OneFileForTwoTest, TheMapIsNoOutputByAnySpelling) {
+    fs::create_directory_symlink(".", folder.path() / "linked");
+    for (const char* output : {"root.ditamap", "./root.ditamap", "out/../root.ditamap",
+                               "linked/root.ditamap", ".//root.ditamap"}) {
+        expectRefused(withOutput(output), output);
+    }
+    fs::create_symlink("root.ditamap", folder.path() / "link.ditamap");
+    boost::json::object params = withOutput("root.ditamap");
+    params["ditamap"] = folder.file("link.ditamap");
+    expectRefused(params, "what the map is a link to");
+}
+
+TEST_F(OneFileForTwoTest, TheProfileIsNoOutput) {
+    expectRefused(withOutput("profile.ditaval"), "profile");
+    const CurrentFolder current(folder.path());
+    boost::json::object params = withOutput("profile.ditaval");
+    params["ditaVal"] = "profile.ditaval";
+    expectRefused(params, "relative profile");
+}
+
+TEST_F(OneFileForTwoTest, WhatStandsBesideAnOutputForAWhileIsNoSource) {
+    boost::json::object params = withOutput("book.dita");
+    for (const char* map : {"book.dita_tmp", "KeyspaceDoc.ditamap", "KeyspaceDoc.ditamap_tmp"}) {
+        folder.write(map, folder.read("root.ditamap"));
+        params["ditamap"] = folder.file(map);
+        expectRefused(params, map);
+        params["ditamap"] = folder.file("root.ditamap");
+        params["ditaVal"] = folder.file(map);
+        expectRefused(params, map);
+    }
+    boost::json::object book = flatBook();
+    book["ditamap"] = folder.file("out/KeyspaceDoc.ditamap");
+    expectRefused(book, "flat book");
+}
+
+TEST_F(OneFileForTwoTest, OneOutputIsNotAnother) {
+    for (const char* output : {"KeyspaceDoc.ditamap", "KeyspaceDoc.ditamap_tmp"}) {
+        expectRefused(withOutput(output), output);
+    }
+}
+
+TEST_F(OneFileForTwoTest, ALinkToTheMapInAnOutputsPlaceGoesAlone) {
+    const std::string map = folder.read("root.ditamap");
+    fs::create_symlink("root.ditamap", folder.path() / "soft.dita");
+    fs::create_hard_link(folder.path() / "root.ditamap", folder.path() / "hard.dita");
+    for (const char* output : {"soft.dita", "hard.dita"}) {
+        EXPECT_EQ(status(publishComposite(withOutput(output))), 0) << output;
+        EXPECT_EQ(folder.read("root.ditamap"), map) << output;
+        EXPECT_NE(folder.read(output), map) << output;
+        EXPECT_FALSE(fs::is_symlink(folder.path() / output)) << output;
+    }
+}
+
+TEST_F(OneFileForTwoTest, ARefusedRequestHasRemovedNothing) {
+    boost::json::object params = composite();
+    fs::create_directory(folder.path() / "out/book.dita");
+    expectRefused(params, "a folder in the output's place");
+    params["output"] = folder.file("out/pipe");
+    makePipe(folder.file("out/pipe"));
+    expectRefused(params, "a pipe in the output's place");
+}
+
+TEST_F(DocPublisherTest, ALinkToAFolderInAnOutputsPlaceGoesAlone) {
+    folder.write("kept/file", "kept");
+    fs::create_directory_symlink("../kept", folder.path() / "out/book.dita");
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder.path() / "out/book.dita")));
+    EXPECT_EQ(folder.read("kept/file"), "kept");
+}
+
+TEST_F(DocPublisherTest, ANewOutputHasTheRightsOfTheOldOne) {
+    folder.write("out/book.dita", "old");
+    fs::permissions(folder.path() / "out/book.dita", fs::perms{0600});
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_EQ(fs::status(folder.path() / "out/book.dita").permissions(), fs::perms{0600});
+}
+
+TEST_F(DocPublisherTest, ASecondRunIntoTheSameFolderFailsAndTouchesNothing) {
+    folder.write("out/book.dita", "another run's");
+    folder.write("out/KeyspaceDoc.ditamap", "another run's");
+    const std::string before = tree();
+    {
+        const FolderLock other(folder.file16("out"));
+        EXPECT_EQ(status(publishComposite(composite())), -42);
+        EXPECT_EQ(status(publishFlatBook(flatBook())), -42);
+        EXPECT_EQ(progress, "");
+        EXPECT_EQ(tree(), before);
+        EXPECT_EQ(folder.read("out/book.dita"), "another run's");
+        EXPECT_EQ(folder.read("out/KeyspaceDoc.ditamap"), "another run's");
+    }
+    EXPECT_EQ(status(publishComposite(composite())), 0);
 }
 
 /// Files that only their owner may touch, and somebody else who publishes.

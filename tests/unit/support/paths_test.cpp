@@ -449,7 +449,7 @@ TEST(IsBelowTest, ComparesWholeNames) {
 
 using LeadsOutOfTest = PathExistsTest;
 
-TEST_F(LeadsOutOfTest, FollowsLinksOnTheWayAndInTheOwnPlace) {
+TEST_F(LeadsOutOfTest, FollowsLinksOnTheWayAndNotInTheOwnPlace) {
     folder.write("in/sub/file", "x");
     folder.write("out/file", "x");
     fs::create_directory_symlink("../out", folder.path() / "in/away");
@@ -457,13 +457,33 @@ TEST_F(LeadsOutOfTest, FollowsLinksOnTheWayAndInTheOwnPlace) {
     fs::create_symlink("../out/file", folder.path() / "in/far");
     fs::create_symlink("sub/file", folder.path() / "in/near");
     fs::create_symlink("sub/none", folder.path() / "in/dangling");
-    for (const char* name : {"in/file", "in/sub/file", "in/none/file", "in/stays/new", "in/near"}) {
+    for (const char* name : {"in/file", "in/sub/file", "in/none/file", "in/stays/new", "in/near",
+                             "in/far", "in/dangling"}) {
         EXPECT_FALSE(leadsOutOf(folder.file16(name), folder.file16("in"))) << name;
         EXPECT_FALSE(leadsOutOf(folder.file16(name), folder.file16("in/"))) << name;
     }
-    for (const char* name : {"in/away/file", "in/away/none/new", "in/far", "in/dangling"}) {
+    for (const char* name : {"in/away/file", "in/away/none/new"}) {
         EXPECT_TRUE(leadsOutOf(folder.file16(name), folder.file16("in"))) << name;
     }
+}
+
+TEST_F(PathExistsTest, ALinkIsAnEntryWhateverItLeadsTo) {
+    folder.write("file", "x");
+    fs::create_symlink("file", folder.path() / "link");
+    fs::create_symlink("none", folder.path() / "dangling");
+    fs::create_symlink("loop", folder.path() / "loop");
+    fs::create_directory_symlink(".", folder.path() / "folder");
+    for (const char* name : {"file", "link", "dangling", "loop", "folder"}) {
+        EXPECT_TRUE(entryExists(folder.file16(name))) << name;
+        EXPECT_TRUE(isReplaceable(folder.file16(name))) << name;
+    }
+    for (const char* name : {"none", "file/none", "loop/none"}) {
+        EXPECT_FALSE(entryExists(folder.file16(name))) << name;
+        EXPECT_FALSE(isReplaceable(folder.file16(name))) << name;
+    }
+    EXPECT_TRUE(entryExists(folder.file16(".")));
+    EXPECT_FALSE(isReplaceable(folder.file16(".")));
+    EXPECT_FALSE(isReplaceable(u"/dev/null"));
 }
 
 TEST_F(PathExistsTest, OnlyWhatIsNoFileIsIrregular) {

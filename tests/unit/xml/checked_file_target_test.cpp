@@ -66,6 +66,49 @@ TEST_F(CheckedFileFormatTargetTest, GivesANewFileTheUsualRights) {
     EXPECT_EQ(status.st_mode & 0777, 0644U);
 }
 
+TEST_F(CheckedFileFormatTargetTest, GivesTheFileTheRightsThatItIsToHave) {
+    const mode_t mask = ::umask(077);
+    for (const mode_t mode : {0600U, 0666U, 0444U}) {
+        CheckedFileFormatTarget target(folder.file16("a.xml"), mode);
+        put(target, "new");
+        target.close();
+        struct stat status {};
+        EXPECT_EQ(::stat(folder.file("a.xml").c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777, mode);
+        EXPECT_EQ(folder.read("a.xml"), "new");
+        ASSERT_EQ(::unlink(folder.file("a.xml").c_str()), 0);
+    }
+    ::umask(mask);
+}
+
+TEST_F(CheckedFileFormatTargetTest, TakesThePlaceOfALinkAndLeavesWhatItLeadsTo) {
+    folder.write("victim", "kept");
+    ASSERT_EQ(::symlink("victim", folder.file("soft").c_str()), 0);
+    ASSERT_EQ(::symlink("none", folder.file("dangling").c_str()), 0);
+    ASSERT_EQ(::symlink("soft-loop", folder.file("soft-loop").c_str()), 0);
+    ASSERT_EQ(::link(folder.file("victim").c_str(), folder.file("hard").c_str()), 0);
+    for (const char* const name : {"soft", "dangling", "soft-loop", "hard"}) {
+        CheckedFileFormatTarget target(folder.file16(name));
+        put(target, "new");
+        target.close();
+        EXPECT_EQ(folder.read(name), "new") << name;
+        struct stat status {};
+        ASSERT_EQ(::lstat(folder.file(name).c_str(), &status), 0);
+        EXPECT_TRUE(S_ISREG(status.st_mode)) << name;
+    }
+    EXPECT_EQ(folder.read("victim"), "kept");
+    EXPECT_FALSE(folder.exists("none"));
+}
+
+TEST_F(CheckedFileFormatTargetTest, LeavesAFileThatMustNotBeWritten) {
+    folder.write("a.xml", "kept");
+    ASSERT_EQ(::chmod(folder.file(".").c_str(), 0777), 0);
+    ASSERT_EQ(::chmod(folder.file("a.xml").c_str(), 0444), 0);
+    const WithoutRights nobody;
+    EXPECT_EQ(openingFailure(folder.file16("a.xml")), EACCES);
+    EXPECT_EQ(folder.read("a.xml"), "kept");
+}
+
 TEST_F(CheckedFileFormatTargetTest, ThrowsWhereNoRegularFileCanBeOpened) {
     const Watchdog watchdog(20);
     makePipe(folder.file("pipe"));
@@ -75,7 +118,7 @@ TEST_F(CheckedFileFormatTargetTest, ThrowsWhereNoRegularFileCanBeOpened) {
     EXPECT_EQ(openingFailure(folder.file16("missing/a.xml")), ENOENT);
     EXPECT_EQ(openingFailure(folder.file16("")), EISDIR);
     EXPECT_EQ(openingFailure(u""), ENOENT);
-    EXPECT_EQ(openingFailure(folder.file16("pipe")), ENXIO);
+    EXPECT_EQ(openingFailure(folder.file16("pipe")), EINVAL);
     EXPECT_EQ(openingFailure(folder.file16("read")), EINVAL);
     EXPECT_EQ(openingFailure(u"/dev/null"), EINVAL);
     EXPECT_EQ(openingFailure(u"/dev/full"), EINVAL);

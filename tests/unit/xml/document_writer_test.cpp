@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "application/host_operations.h"
+#include "support/publish_exception.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
@@ -188,12 +190,45 @@ TEST_F(DocumentWriterTest, ReportsAFullDiskForTheLastBytesToo) {
               (Texts{cannotWrite(folder.file("out.xml")), cannotWrite(folder.file("small.xml"))}));
 }
 
-TEST_F(DocumentWriterTest, FollowsALink) {
+TEST_F(DocumentWriterTest, TakesThePlaceOfALinkAndLeavesWhatItLeadsTo) {
     folder.write("real.xml", "old");
     fs::create_symlink("real.xml", folder.path() / "link.xml");
     EXPECT_EQ(write("link.xml", "<a/>"), WriteStatus::kWritten);
-    EXPECT_EQ(folder.read("real.xml"), kHead + "<a/>");
-    EXPECT_TRUE(fs::is_symlink(folder.path() / "link.xml"));
+    EXPECT_EQ(folder.read("real.xml"), "old");
+    EXPECT_FALSE(fs::is_symlink(folder.path() / "link.xml"));
+    EXPECT_EQ(folder.read("link.xml"), kHead + "<a/>");
+}
+
+TEST_F(DocumentWriterTest, KeepsTheRightsOfTheOldFile) {
+    const auto rights = [&] { return fs::status(folder.path() / "a.dita").permissions(); };
+    const xercesc::DOMDocument& document = load("a.dita", "<a>old</a>");
+    for (const fs::perms wanted : {fs::perms{0600}, fs::perms{0666}}) {
+        fs::permissions(folder.path() / "a.dita", wanted);
+        EXPECT_EQ(saveDocumentInPlace(&document), WriteStatus::kWritten);
+        EXPECT_EQ(rights(), wanted);
+        EXPECT_EQ(write("a.dita", "<a/>"), WriteStatus::kWritten);
+        EXPECT_EQ(rights(), wanted);
+    }
+}
+
+TEST_F(DocumentWriterTest, NeverMovesOverADocumentThatWasRead) {
+    load("a.dita_tmp", "<source/>");
+    const xercesc::DOMDocument& document = load("a.dita", "<a>old</a>");
+    EXPECT_EQ(saveDocumentInPlace(&document), WriteStatus::kFailed);
+    EXPECT_EQ(host.console(), Texts{cannotWrite(folder.file("a.dita"))});
+    EXPECT_EQ(folder.read("a.dita_tmp"), "<source/>");
+    EXPECT_EQ(folder.read("a.dita"), "<a>old</a>");
+}
+
+TEST_F(DocumentWriterTest, WritesNothingForAHostThatHasThrown) {
+    const xercesc::DOMDocument& document = load("a.dita", "<a>old</a>");
+    rememberHostException();
+    EXPECT_THROW(goOnAfter(saveDocumentInPlace(&document)), PublishException);
+    EXPECT_THROW(goOnAfter(writeEmptyDocument("a", "", "", folder.file16("b.dita"))),
+                 PublishException);
+    forgetHostExceptions();
+    EXPECT_EQ(folder.read("a.dita"), "<a>old</a>");
+    EXPECT_FALSE(folder.exists("b.dita"));
 }
 
 TEST_F(DocumentWriterTest, SavesOverTheFileOfTheDocument) {
