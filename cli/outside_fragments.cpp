@@ -2,6 +2,7 @@
 
 #include <libxml/xmlreader.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -38,6 +39,15 @@ bool mayBeTopic(std::string_view name, int depth) {
            name == "troubleshooting";
 }
 
+/// The topic that holds the element `id`, of ids as "topic/element"; empty when none does.
+std::string topicOf(const std::set<std::string>& ids, const std::string& id) {
+    const std::string end = "/" + id;
+    const auto found = std::find_if(ids.begin(), ids.end(), [&end](const std::string& known) {
+        return known.ends_with(end) && !known.starts_with("./");
+    });
+    return found == ids.end() ? std::string() : found->substr(0, found->size() - end.size());
+}
+
 }  // namespace
 
 Finding OutsideFragments::lookedAt(Finding finding) {
@@ -58,10 +68,11 @@ Finding OutsideFragments::lookedAt(Finding finding) {
     finding.severity =
         severity == severities_.end() ? *defaultSeverity(kFragmentId) : severity->second;
     finding.text = slash == std::string::npos
-                       ? elementNotFoundText(shown, fragment)
+                       ? topicNotFoundText(shown, fragment)
                        : elementInTopicNotFoundText(shown, fragment.substr(0, slash),
                                                     fragment.substr(slash + 1));
-    finding.hint.clear();
+    const std::string topic = slash == std::string::npos ? topicOf(*ids, fragment) : std::string();
+    finding.hint = topic.empty() ? fragmentHint() : elementIdHint(topic, fragment);
     return finding;
 }
 

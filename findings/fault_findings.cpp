@@ -163,7 +163,7 @@ void FaultFindings::describe(Finding& finding, const Observation& fault) {
             describeBrokenDtd(finding, fault);
             break;
         case FaultCode::kFragmentNotFound:
-            describeFragment(finding);
+            describeFragment(finding, fault);
             break;
         case FaultCode::kConrefLoop:
             describeLoop(finding, fault);
@@ -329,13 +329,29 @@ void FaultFindings::describeBrokenDtd(Finding& finding, const Observation& fault
     }
 }
 
-void FaultFindings::describeFragment(Finding& finding) const {
+void FaultFindings::describeFragment(Finding& finding, const Observation& fault) const {
     const TargetParts parts = partsOf(finding.target);
-    finding.text = parts.element.empty() || parts.topic.empty()
-                       ? elementNotFoundText(shown(parts.path), parts.topic)
-                       : elementInTopicNotFoundText(shown(parts.path), parts.topic, parts.element);
-    finding.hint =
-        facts_.isWithoutDtd(parts.path) ? idsNeedDtdHint(shown(parts.path)) : fragmentHint();
+    const std::string file = shown(parts.path);
+    if (!parts.element.empty() && !parts.topic.empty()) {
+        finding.text = elementInTopicNotFoundText(file, parts.topic, parts.element);
+    } else if (isMapFile(parts.path)) {
+        finding.text = elementNotFoundText(file, parts.topic);
+    } else {
+        finding.text = topicNotFoundText(file, parts.topic);
+    }
+    if (facts_.isWithoutDtd(parts.path)) {
+        finding.hint = idsNeedDtdHint(file);
+    } else if (*fault.detail) {
+        finding.hint = elementIdHint(fault.detail, parts.topic);
+    } else {
+        finding.hint = fragmentHint();
+    }
+}
+
+/// In a map a fragment names any element, in all other files a topic.
+bool FaultFindings::isMapFile(const std::string& path) const {
+    const DocumentFact* const document = facts_.document(path);
+    return isMap(document ? document->rootName : std::string(), path);
 }
 
 void FaultFindings::describeLoop(Finding& finding, const Observation& fault) const {

@@ -40,7 +40,8 @@ private:
     void describeMissing(Finding& finding);
     void describeLostDtd(Finding& finding, const Observation& fault) const;
     void describeBrokenDtd(Finding& finding, const Observation& fault) const;
-    void describeFragment(Finding& finding) const;
+    void describeFragment(Finding& finding, const Observation& fault) const;
+    bool isMapFile(const std::string& path) const;
     void describeLoop(Finding& finding, const Observation& fault) const;
     void describeNoTopic(Finding& finding) const;
     void describeOutside(Finding& finding) const;

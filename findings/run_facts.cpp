@@ -98,10 +98,14 @@ const KeyFact* RunFacts::keyFact(const std::string& key) const {
     return known == keyFacts_.end() ? nullptr : &known->second;
 }
 
-bool RunFacts::isWithoutDtd(const std::string& path) const {
+const DocumentFact* RunFacts::document(const std::string& path) const {
     const auto known = documentIndex_.find(path);
-    return known != documentIndex_.end() &&
-           documents_[known->second].grammar != DocumentGrammar::kOwn;
+    return known == documentIndex_.end() ? nullptr : &documents_[known->second];
+}
+
+bool RunFacts::isWithoutDtd(const std::string& path) const {
+    const DocumentFact* const fact = document(path);
+    return fact && fact->grammar != DocumentGrammar::kOwn;
 }
 
 }  // namespace marrowpress

@@ -54,9 +54,11 @@ public:
     const std::vector<std::string>& keys() const noexcept { return keys_; }
 
     const std::vector<DocumentFact>& documents() const noexcept { return documents_; }
+    /// Null when the file was not read.
+    const DocumentFact* document(const std::string& path) const;
     /// Whether the file was read, and without its DTD.
     bool isWithoutDtd(const std::string& path) const;
-    bool isRead(const std::string& path) const { return documentIndex_.contains(path); }
+    bool isRead(const std::string& path) const { return document(path) != nullptr; }
 
     const std::vector<ComponentFact>& components() const noexcept { return components_; }
     const ConditionValues& conditionValues() const noexcept { return conditionValues_; }

@@ -141,6 +141,15 @@ std::string elementNotFoundText(std::string_view file, std::string_view id) {
     return translated("In `{0}` hat kein Element die ID `{1}`", {file, id});
 }
 
+std::string topicNotFoundText(std::string_view file, std::string_view id) {
+    return translated("In `{0}` hat kein Thema die ID `{1}`", {file, id});
+}
+
+std::string elementIdHint(std::string_view topic, std::string_view id) {
+    return translated("Ein Element im Thema `{0}` hat diese ID: Schreiben Sie `#{0}/{1}`",
+                      {topic, id});
+}
+
 std::string fragmentHint() {
     return translated(
         "Hinter dem `#` steht die ID des Themas, und hinter einem Schrägstrich die des Elements: "

@@ -48,9 +48,14 @@ std::string elementInTopicNotFoundText(std::string_view file, std::string_view t
                                        std::string_view id);
 std::string elementNotFoundText(std::string_view file, std::string_view id);
 
+std::string topicNotFoundText(std::string_view file, std::string_view id);
+std::string fragmentHint();
+
+/// For the id of an element in the place of a topic's; `topic` is the one that holds the element.
+std::string elementIdHint(std::string_view topic, std::string_view id);
+
 /// `target` is the path with its fragment, `found` the element that bears the id, `wanted` the one
 /// that refers.
-std::string fragmentHint();
 std::string wrongElementText(std::string_view target, std::string_view found,
                              std::string_view wanted);
 std::string wrongElementHint(std::string_view found, std::string_view wanted);

@@ -99,7 +99,8 @@ enum class FaultCode : std::uint32_t {
     kBreaksDtd = 202,
     /// A link or an image leads to a file that is not there.
     kLinkTargetMissing = 203,
-    /// No element has the fragment that a link, a map reference or a key names.
+    /// No element has the fragment that a link, a map reference or a key names. `detail`: where a
+    /// topic is wanted and an element within one bears the id, the id of that topic.
     kFragmentNotFound = 204,
     /// Content references lead to each other. The ring is in `related`.
     kConrefLoop = 205,

@@ -93,8 +93,9 @@ private:
     void observeInside(const Link& link, const HrefParts& parts);
     void observeOutside(const Link& link, const HrefParts& parts);
     void observeMissing(const Link& link, std::u16string_view path);
-    void observeFragment(const Link& link);
+    void observeFragment(const Link& link, std::u16string_view topicIdAround = {});
     void observeKeys();
+    static std::u16string topicAroundElement(const HrefParts& parts);
     bool isFragmentMissing(const HrefParts& parts) const;
     bool isFragmentThere(const DOMDocument& document, const HrefParts& parts) const;
     bool isThere(const std::u16string& path);
@@ -232,7 +233,7 @@ void OutputObservation::observeOutside(const Link& link, const HrefParts& parts)
     } else if (includesCode(*link.element)) {
         return;
     } else if (isFragmentMissing(parts)) {
-        observeFragment(link);
+        observeFragment(link, topicAroundElement(parts));
     } else if (namesTopic(parts.path, attributeView(*link.element, u"format"))) {
         fault(FaultCode::kTopicNotInOutput, link, link.target);
     }
@@ -256,9 +257,12 @@ void OutputObservation::observeMissing(const Link& link, std::u16string_view pat
 }
 
 /// Nothing of a fragment that a key definition names: that is told once, of the definition.
-void OutputObservation::observeFragment(const Link& link) {
+void OutputObservation::observeFragment(const Link& link, std::u16string_view topicIdAround) {
     if (!observer_.keyLinkOf(*link.element)) {
-        fault(FaultCode::kFragmentNotFound, link, link.target);
+        observer_.fault({.code = FaultCode::kFragmentNotFound,
+                         .element = &observer_.writerOf(*link.element, link.attribute),
+                         .target = link.target,
+                         .detail = topicIdAround});
     }
 }
 
@@ -269,11 +273,23 @@ void OutputObservation::observeKeys() {
          definition = definition->getNextElementSibling()) {
         const std::u16string href = attributeOf(*definition, u"href");
         const bool isOwnLink = !observer_.keyLinkOf(*definition) && !leadsElsewhere(*definition);
-        if (isOwnLink && isFragmentMissing(splitHref(href))) {
-            observer_.fault(
-                {.code = FaultCode::kFragmentNotFound, .element = definition, .target = href});
+        const HrefParts parts = splitHref(href);
+        if (isOwnLink && isFragmentMissing(parts)) {
+            const std::u16string around = topicAroundElement(parts);
+            observer_.fault({.code = FaultCode::kFragmentNotFound,
+                             .element = definition,
+                             .target = href,
+                             .detail = around});
         }
     }
+}
+
+/// The topic of the element whose id stands where that of a topic is wanted; empty where none does.
+std::u16string OutputObservation::topicAroundElement(const HrefParts& parts) {
+    const DOMDocument* const document =
+        DocumentStore::instance().getOrLoad(std::u16string(parts.path));
+    return parts.elementId.empty() && document ? topicIdAround(*document, parts.topicId)
+                                               : std::u16string();
 }
 
 /// Whether the file is loaded and has no element with these ids.

@@ -10,6 +10,7 @@
 #include "dom/document_path.h"
 #include "dom/nodes.h"
 #include "profiling/conditional_pis.h"
+#include "references/conref_target.h"
 #include "references/dita_reference.h"
 #include "references/document_kind.h"
 #include "references/reference_paths.h"
@@ -28,10 +29,15 @@ using xercesc::DOMNodeFilter;
 namespace {
 
 /// Tells that no element of the topic's file has the id that the reference names.
-void observeLostFragment(const DOMElement& node, const DitaReference& reference) {
+void observeLostFragment(const DOMElement& node, const DitaReference& reference,
+                         const DOMDocument& document) {
     if (RunObserver* const observer = RunObserver::existing()) {
         const std::u16string target = reference.path + u"#" + reference.fragment;
-        observer->fault({.code = FaultCode::kFragmentNotFound, .element = &node, .target = target});
+        const std::u16string around = topicIdAround(document, reference.fragment);
+        observer->fault({.code = FaultCode::kFragmentNotFound,
+                         .element = &node,
+                         .target = target,
+                         .detail = around});
     }
 }
 
@@ -151,7 +157,7 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
     DOMElement* const element =
         reference.fragment.empty() ? root : document->getElementById(reference.fragment.c_str());
     if (!element) {
-        observeLostFragment(node, reference);
+        observeLostFragment(node, reference, *document);
         return parent;
     }
     if (RunObserver* const observer = RunObserver::existing()) {

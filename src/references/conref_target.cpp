@@ -1,10 +1,9 @@
 #include "references/conref_target.h"
 
-#include <string>
-
 #include "application/messengers.h"
 #include "dom/attributes.h"
 #include "dom/element_walker.h"
+#include "dom/nodes.h"
 #include "references/document_kind.h"
 #include "references/node_filters.h"
 #include "support/hrefs.h"
@@ -83,6 +82,20 @@ DOMElement* elementOf(const DOMDocument& document, const HrefParts& parts) {
     }
     const AttrBasedElementNodeFilter withId(u"id", std::u16string(parts.elementId));
     return ElementWalker(container, withId).nextNode();
+}
+
+std::u16string topicIdAround(const DOMDocument& document, std::u16string_view id) {
+    static const TopicNodeFilter topics;
+    const AttrBasedElementNodeFilter withId(u"id", std::u16string(id));
+    ElementWalker walker(document.getDocumentElement(), withId);
+    const DOMElement* element = walker.nextNode();
+    while (element && selects(topics, element)) {
+        element = walker.nextNode();
+    }
+    while (element && !selects(topics, element)) {
+        element = asElement(element->getParentNode());
+    }
+    return element ? attributeOf(*element, u"id") : std::u16string();
 }
 
 }  // namespace marrowpress

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+#include <string_view>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
@@ -22,5 +24,9 @@ xercesc::DOMElement* findConrefTarget(const xercesc::DOMDocument& document, cons
 /// The element that `parts` name in `document`, whatever its tag name; null when there is none.
 /// Nothing is reported.
 xercesc::DOMElement* elementOf(const xercesc::DOMDocument& document, const HrefParts& parts);
+
+/// The id of the topic around the first element that is none itself and has the id `id`; empty
+/// when there is no such element.
+std::u16string topicIdAround(const xercesc::DOMDocument& document, std::u16string_view id);
 
 }  // namespace marrowpress

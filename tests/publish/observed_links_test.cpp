@@ -122,7 +122,7 @@ TEST_F(ObservedLinksTest, AnElementWithoutTheFragmentIsToldInSourceTerms) {
         "204 a.dita:5:1 <xref> /a.dita#a/gone via root.ditamap:3:1 href=a.dita\n"
         "204 a.dita:6:1 <xref> /a.dita#nope via root.ditamap:3:1 href=a.dita\n"
         "204 a.dita:7:1 <xref> /a.dita#a/gone via root.ditamap:3:1 href=a.dita\n"
-        "204 a.dita:8:1 <xref> /b.dita#here via root.ditamap:3:1 href=a.dita";
+        "204 a.dita:8:1 <xref> /b.dita#here detail=b via root.ditamap:3:1 href=a.dita";
     EXPECT_EQ(compositeFaults(kMapOfAAndB), expected);
     EXPECT_EQ(flatBookFaults(kMapOfAAndB), expected);
 }
@@ -141,6 +141,13 @@ TEST_F(ObservedLinksTest, AMapReferenceToAMissingTopicIsTold) {
     EXPECT_EQ(compositeFaults("<topicref href=\"b.dita\"/>\n"
                               "<topicref href=\"b.dita#nope\" audience=\"x\"/>"),
               "");
+}
+
+TEST_F(ObservedLinksTest, AnElementsIdInThePlaceOfATopicsIsToldWithTheTopicAroundIt) {
+    EXPECT_EQ(compositeFaults("<keydef keys=\"k\" href=\"b.dita#here\" type=\"topic\"/>\n"
+                              "<topicref href=\"b.dita\"/><topicref href=\"b.dita#here\"/>"),
+              "204 root.ditamap:4:26 <topicref> /b.dita#here detail=b\n"
+              "204 root.ditamap:3:1 <keydef> /b.dita#here detail=b");
 }
 
 TEST_F(ObservedLinksTest, AFragmentOfAKeyIsToldAtItsDefinitionUsedOrNot) {

@@ -55,8 +55,9 @@ TEST_F(OutsideFragmentsTest, WhatIsNotThereIsAFindingOfItsOwn) {
     const Finding topic = lookedAt("t.dita#none");
     EXPECT_EQ(topic.id, "MP204");
     EXPECT_EQ(topic.severity, Severity::kError);
-    EXPECT_EQ(topic.text, "No element in `t.dita` has the id `none`");
-    EXPECT_EQ(topic.hint, "");
+    EXPECT_EQ(topic.text, "No topic in `t.dita` has the id `none`");
+    EXPECT_NE(topic.hint, "as it was");
+    EXPECT_NE(lookedAt("t.dita#q").hint.find("`#inner/q`"), std::string::npos);
     const Finding element = lookedAt("t.dita#c/q");
     EXPECT_EQ(element.id, "MP204");
     EXPECT_NE(element.text.find("`q`"), std::string::npos) << element.text;

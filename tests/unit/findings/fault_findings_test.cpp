@@ -27,9 +27,10 @@ protected:
         facts.take(met);
     }
 
-    void takeDocument(const char* path, DocumentGrammar grammar) {
+    void takeDocument(const char* path, DocumentGrammar grammar, const char* rootName = "topic") {
         Observation met = observationOf(ObservationKind::kDocumentRead, path);
         met.code = static_cast<std::uint32_t>(grammar);
+        met.element = rootName;
         facts.take(met);
     }
 
@@ -101,6 +102,22 @@ TEST_F(FaultFindingsTest, AnElementThatBearsTheIdIsNamed) {
     EXPECT_EQ(findingOf(fault).text, "No element in the topic `s` of `s.dita` has the id `hot`");
     takeDocument("/w/s.dita", DocumentGrammar::kInvalid);
     EXPECT_NE(findingOf(fault).hint.find("MP202"), std::string::npos) << findingOf(fault).hint;
+}
+
+TEST_F(FaultFindingsTest, AFragmentNamesATopicUnlessItLeadsIntoAMap) {
+    Observation fault = faultOf(FaultCode::kFragmentNotFound, "/w/s.dita#y");
+    EXPECT_EQ(findingOf(fault).text, "No topic in `s.dita` has the id `y`");
+    const std::string usual = findingOf(fault).hint;
+    fault.detail = "s";
+    EXPECT_EQ(findingOf(fault).hint, "an element in the topic `s` has this id: write `#s/y`");
+    takeDocument("/w/s.dita", DocumentGrammar::kInvalid);
+    EXPECT_NE(findingOf(fault).hint.find("MP202"), std::string::npos) << findingOf(fault).hint;
+    fault = faultOf(FaultCode::kFragmentNotFound, "/w/m.ditamap#y");
+    EXPECT_EQ(findingOf(fault).text, "No element in `m.ditamap` has the id `y`");
+    EXPECT_EQ(findingOf(fault).hint, usual);
+    takeDocument("/w/m.xml", DocumentGrammar::kOwn, "bookmap");
+    fault = faultOf(FaultCode::kFragmentNotFound, "/w/m.xml#y");
+    EXPECT_EQ(findingOf(fault).text, "No element in `m.xml` has the id `y`");
 }
 
 TEST_F(FaultFindingsTest, AMissingFileIsHintedAtByOneOfALikeName) {

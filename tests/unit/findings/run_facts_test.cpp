@@ -63,6 +63,8 @@ TEST_F(RunFactsTest, ADocumentIsKnownByItsFirstReading) {
     EXPECT_TRUE(facts.isRead("/a.dita"));
     EXPECT_FALSE(facts.isRead("/c.dita"));
     EXPECT_FALSE(facts.isWithoutDtd("/c.dita"));
+    EXPECT_EQ(facts.document("/b.dita")->grammar, DocumentGrammar::kInvalid);
+    EXPECT_EQ(facts.document("/c.dita"), nullptr);
 }
 
 TEST_F(RunFactsTest, CountsTopicsAndDroppedFaults) {

@@ -190,5 +190,16 @@ TEST_F(FindConrefTargetTest, AnElementIsFoundWhateverItsNameAndNothingIsReported
     EXPECT_EQ(console(), "");
 }
 
+TEST_F(FindConrefTargetTest, TheTopicAroundAnElementIsFoundByTheElementsId) {
+    const ParsedXml document = parse(kTopics);
+    EXPECT_EQ(topicIdAround(document.document(), u"e"), u"t");
+    EXPECT_EQ(topicIdAround(document.document(), u"inner"), u"n");
+    // A topic and an element within it have this id.
+    EXPECT_EQ(topicIdAround(document.document(), u"t"), u"t");
+    EXPECT_EQ(topicIdAround(document.document(), u"u"), u"");
+    EXPECT_EQ(topicIdAround(document.document(), u"none"), u"");
+    EXPECT_EQ(topicIdAround(parse(kMap).document(), u"c"), u"");
+}
+
 }  // namespace
 }  // namespace marrowpress
