@@ -60,6 +60,13 @@ std::string elementNotFoundLine(std::u16string_view tagName, std::u16string_view
                        {tagName, id, domText(target.getDocumentURI())});
 }
 
+/// Whether an empty id is that of a "conrefend" that names no element. Whatever becomes of its
+/// "conref", another line says so.
+bool isEndWithoutId(const xercesc::DOMElement* reference, std::u16string_view id) {
+    return id.empty() && reference && reference->hasAttribute(u"conrefend") &&
+           !splitHref(attributeView(*reference, u"conref")).topicId.empty();
+}
+
 /// Whether `reference` says that it leads out of the publication.
 bool leadsElsewhere(const xercesc::DOMElement& reference) {
     const std::u16string_view scope = nearestAttribute(reference, u"scope");
@@ -167,6 +174,7 @@ void ReportMessenger::reportElementNotFound(std::u16string_view tagName, std::u1
     const std::u16string wanted = observer ? pathWithIds(target, id) : std::u16string();
     fault.target = wanted;
     fault.reason = observer ? observer->bearerOf(target, id) : std::u16string_view();
+    fault.isArtefact = observer && isEndWithoutId(reference, id);
     reportMessage(elementNotFoundLine(tagName, id, target), fault);
 }
 

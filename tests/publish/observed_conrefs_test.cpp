@@ -21,6 +21,26 @@ protected:
     }
 };
 
+TEST_F(ObservedConrefsTest, AnEndThatNamesNoElementIsToldOnce) {
+    writeTopic("b.dita", "<ul><li id=\"1\"/><li id=\"2\"/></ul>");
+    writeTopic("a.dita", "<ul><li conref=\"b.dita#b/1\" conrefend=\"b.dita\"/></ul>");
+    compositeFaults(kMapOfA);
+    EXPECT_EQ(faults(FaultCode::kInvalidConrefEnd),
+              "110 a.dita:3:5 <li> /b.dita detail=/b.dita#b/1" + kViaMap);
+    EXPECT_EQ(faults(FaultCode::kElementNotFound),
+              "artefact 109 a.dita:3:5 <li> /b.dita detail=li" + kViaMap);
+    writeTopic("a.dita", "<ul><li conref=\"b.dita#b/9\" conrefend=\"b.dita\"/></ul>");
+    compositeFaults(kMapOfA);
+    EXPECT_EQ(faults(FaultCode::kElementInTopicNotFound),
+              "108 a.dita:3:5 <li> /b.dita#b/9 detail=li" + kViaMap);
+    EXPECT_EQ(faults(FaultCode::kElementNotFound),
+              "artefact 109 a.dita:3:5 <li> /b.dita detail=li" + kViaMap);
+    // Here the empty id is that of the start as well.
+    writeTopic("a.dita", "<ul><li conref=\"b.dita\" conrefend=\"b.dita\"/></ul>");
+    compositeFaults(kMapOfA);
+    EXPECT_EQ(faults().substr(0, 4), "109 ");
+}
+
 TEST_F(ObservedConrefsTest, AnElementThatRefersToItselfIsALoop) {
     writeTopic("a.dita", "<p id=\"p\" conref=\"#a/p\">lost</p>");
     const std::string expected = "205 a.dita:3:1 <p> /a.dita#a/p ring a.dita:3:1" + kViaMap;
