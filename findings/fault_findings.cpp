@@ -1,11 +1,11 @@
 #include "findings/fault_findings.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <string_view>
 
 #include "findings/catalogue.h"
+#include "findings/document_types.h"
 #include "findings/finding_lines.h"
 #include "findings/nearest.h"
 #include "findings/shown_path.h"
@@ -31,40 +31,6 @@ TargetParts partsOf(const std::string& target) {
     const std::size_t slash = fragment.find('/');
     return {target.substr(0, sign), fragment.substr(0, slash),
             slash == std::string::npos ? std::string() : fragment.substr(slash + 1)};
-}
-
-bool isMap(std::string_view rootName, std::string_view path) {
-    constexpr std::array<std::string_view, 5> kMaps{"map", "bookmap", "subjectScheme",
-                                                    "learningMap", "learningBookmap"};
-    return path.ends_with(".ditamap") ||
-           std::find(kMaps.begin(), kMaps.end(), rootName) != kMaps.end();
-}
-
-/// The public identifiers of the roots of DITA's own document types.
-struct RootType {
-    std::string_view root;
-    std::string_view publicId;
-};
-
-constexpr std::array kRootTypes{
-    RootType{"map", "-//OASIS//DTD DITA Map//EN"},
-    RootType{"bookmap", "-//OASIS//DTD DITA BookMap//EN"},
-    RootType{"topic", "-//OASIS//DTD DITA Topic//EN"},
-    RootType{"concept", "-//OASIS//DTD DITA Concept//EN"},
-    RootType{"task", "-//OASIS//DTD DITA Task//EN"},
-    RootType{"reference", "-//OASIS//DTD DITA Reference//EN"},
-    RootType{"glossentry", "-//OASIS//DTD DITA Glossary Entry//EN"},
-    RootType{"glossgroup", "-//OASIS//DTD DITA Glossary Group//EN"},
-    RootType{"troubleshooting", "-//OASIS//DTD DITA Troubleshooting//EN"},
-    RootType{"dita", "-//OASIS//DTD DITA Composite//EN"},
-    RootType{"subjectScheme", "-//OASIS//DTD DITA Subject Scheme Map//EN"},
-};
-
-const RootType* rootTypeOf(std::string_view rootName) {
-    const auto* const found =
-        std::find_if(kRootTypes.begin(), kRootTypes.end(),
-                     [rootName](const RootType& type) { return type.root == rootName; });
-    return found == kRootTypes.end() ? nullptr : found;
 }
 
 bool isKeySpaceDoc(std::string_view path) {
@@ -94,6 +60,12 @@ FindingStep stepOf(const ObservedStep& step) {
 
 std::string findingId(std::uint32_t code) {
     return "MP" + std::to_string(code);
+}
+
+std::string lostDtdId(const DocumentFact& document) {
+    return findingId(static_cast<std::uint32_t>(document.grammar == DocumentGrammar::kInvalid
+                                                    ? FaultCode::kBreaksDtd
+                                                    : FaultCode::kReadWithoutDtd));
 }
 
 std::optional<Finding> FaultFindings::findingOf(const Observation& fault) {
@@ -379,6 +351,8 @@ void FaultFindings::describeOutside(Finding& finding) const {
         finding.hint = topicExcludedHint(shownProfiles());
     } else if (facts_.isKeyTarget(path)) {
         finding.hint = resourceOnlyHint();
+    } else if (const DocumentFact* const map = facts_.mapWithoutDtd()) {
+        finding.hint = mapLostReferencesHint(shown(map->path), lostDtdId(*map));
     } else {
         finding.hint = notInMapHint();
     }

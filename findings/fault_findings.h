@@ -61,4 +61,7 @@ private:
 /// "MP105"
 std::string findingId(std::uint32_t code);
 
+/// The id of the finding that says why `document` was read without its DTD.
+std::string lostDtdId(const DocumentFact& document);
+
 }  // namespace marrowpress

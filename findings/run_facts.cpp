@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "findings/document_types.h"
+
 namespace marrowpress {
 namespace {
 
@@ -38,11 +40,7 @@ FindingPlace placeOf(const ObservedPlace& place) {
 void RunFacts::take(const Observation& observation) {
     switch (observation.kind) {
         case ObservationKind::kDocumentRead:
-            if (documentIndex_.emplace(observation.target, documents_.size()).second) {
-                documents_.push_back({observation.target, observation.element,
-                                      static_cast<DocumentGrammar>(observation.code),
-                                      firstPlaceOf(observation)});
-            }
+            takeDocument(observation);
             break;
         case ObservationKind::kKeyDefinition:
             takeKey(observation);
@@ -74,6 +72,21 @@ void RunFacts::take(const Observation& observation) {
     }
 }
 
+void RunFacts::takeDocument(const Observation& observation) {
+    const std::size_t index = documents_.size();
+    if (!documentIndex_.emplace(observation.target, index).second) {
+        return;
+    }
+    const auto grammar = static_cast<DocumentGrammar>(observation.code);
+    documents_.push_back(
+        {observation.target, observation.element, grammar, firstPlaceOf(observation)});
+    const bool lostReferences =
+        grammar != DocumentGrammar::kOwn && isMap(observation.element, observation.target);
+    if (lostReferences && !mapWithoutDtd_) {
+        mapWithoutDtd_ = index;
+    }
+}
+
 void RunFacts::takeKey(const Observation& observation) {
     const std::string key = observation.target;
     KeyFact fact{static_cast<KeyState>(observation.code), firstPlaceOf(observation),
@@ -101,6 +114,10 @@ const KeyFact* RunFacts::keyFact(const std::string& key) const {
 const DocumentFact* RunFacts::document(const std::string& path) const {
     const auto known = documentIndex_.find(path);
     return known == documentIndex_.end() ? nullptr : &documents_[known->second];
+}
+
+const DocumentFact* RunFacts::mapWithoutDtd() const {
+    return mapWithoutDtd_ ? &documents_[*mapWithoutDtd_] : nullptr;
 }
 
 bool RunFacts::isWithoutDtd(const std::string& path) const {

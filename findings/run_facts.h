@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -58,6 +59,8 @@ public:
     const DocumentFact* document(const std::string& path) const;
     /// Whether the file was read, and without its DTD.
     bool isWithoutDtd(const std::string& path) const;
+    /// The first map that was read without its DTD, and so lost references; null when none was.
+    const DocumentFact* mapWithoutDtd() const;
     bool isRead(const std::string& path) const { return document(path) != nullptr; }
 
     const std::vector<ComponentFact>& components() const noexcept { return components_; }
@@ -74,10 +77,12 @@ public:
 
 private:
     void takeKey(const Observation& observation);
+    void takeDocument(const Observation& observation);
 
     std::unordered_map<std::string, KeyFact> keyFacts_;
     std::vector<std::string> keys_;
     std::vector<DocumentFact> documents_;
+    std::optional<std::size_t> mapWithoutDtd_;
     std::unordered_map<std::string, std::size_t> documentIndex_;
     std::vector<ComponentFact> components_;
     ConditionValues conditionValues_;

@@ -375,6 +375,13 @@ std::string notInMapHint() {
         "print=\"no\"");
 }
 
+std::string mapLostReferencesHint(std::string_view map, std::string_view id) {
+    return translated(
+        "`{0}` ist ohne seine DTD gelesen und hat so Verweise verloren, wohl auch den auf das "
+        "Thema: Beheben Sie zuerst {1}",
+        {map, id});
+}
+
 std::string topicExcludedHint(std::string_view profile) {
     return translated("Das Profil `{0}` lässt das Thema aus; der Link braucht dieselbe Bedingung",
                       {profile});

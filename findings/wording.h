@@ -139,6 +139,9 @@ std::string unmatchedAttributeText(std::string_view attribute);
 
 std::string topicNotInOutputText(std::string_view file);
 std::string notInMapHint();
+
+/// For a map that was read without its DTD; `id` is that of the finding that says why.
+std::string mapLostReferencesHint(std::string_view map, std::string_view id);
 std::string topicExcludedHint(std::string_view profile);
 std::string resourceOnlyHint();
 

@@ -200,6 +200,10 @@ TEST_F(FaultFindingsTest, ABrokenDtdIsWorseInAMapThanInATopic) {
 TEST_F(FaultFindingsTest, ATopicOutsideTheOutputIsHintedAtByWhyItIs) {
     const Observation fault = faultOf(FaultCode::kTopicNotInOutput, "/w/b.dita#b");
     const std::string notInMap = findingOf(fault).hint;
+    takeDocument("/w/m.ditamap", DocumentGrammar::kInvalid);
+    const std::string lost = findingOf(fault).hint;
+    EXPECT_NE(lost.find("`m.ditamap`"), std::string::npos) << lost;
+    EXPECT_NE(lost.find("MP202"), std::string::npos) << lost;
     takeKey("b", KeyState::kEffective, "/w/b.dita");
     const std::string resource = findingOf(fault).hint;
     facts.take(observationOf(ObservationKind::kExcluded, "/w/b.dita"));
@@ -208,6 +212,12 @@ TEST_F(FaultFindingsTest, ATopicOutsideTheOutputIsHintedAtByWhyItIs) {
     EXPECT_NE(notInMap, resource);
     EXPECT_NE(resource, excluded);
     EXPECT_NE(excluded.find("p.ditaval"), std::string::npos) << excluded;
+}
+
+TEST_F(FaultFindingsTest, ALostDtdIsNamedByTheFindingThatTellsOfIt) {
+    EXPECT_EQ(lostDtdId({"/w/m.ditamap", "map", DocumentGrammar::kInvalid, {}}), "MP202");
+    EXPECT_EQ(lostDtdId({"/w/m.ditamap", "map", DocumentGrammar::kNotFound, {}}), "MP201");
+    EXPECT_EQ(lostDtdId({"/w/m.ditamap", "map", DocumentGrammar::kNoDoctype, {}}), "MP201");
 }
 
 TEST_F(FaultFindingsTest, AnEmptyOutputIsHintedAtByWhyItIs) {

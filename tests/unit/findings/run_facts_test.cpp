@@ -67,6 +67,16 @@ TEST_F(RunFactsTest, ADocumentIsKnownByItsFirstReading) {
     EXPECT_EQ(facts.document("/c.dita"), nullptr);
 }
 
+TEST_F(RunFactsTest, TheFirstMapWithoutItsDtdIsKnown) {
+    takeDocument("/a.dita", DocumentGrammar::kInvalid);
+    takeDocument("/m.ditamap", DocumentGrammar::kOwn);
+    EXPECT_EQ(facts.mapWithoutDtd(), nullptr);
+    takeDocument("/n.ditamap", DocumentGrammar::kNotFound);
+    takeDocument("/o.ditamap", DocumentGrammar::kInvalid);
+    ASSERT_NE(facts.mapWithoutDtd(), nullptr);
+    EXPECT_EQ(facts.mapWithoutDtd()->path, "/n.ditamap");
+}
+
 TEST_F(RunFactsTest, CountsTopicsAndDroppedFaults) {
     facts.take(observationOf(ObservationKind::kTopic, "/a.dita"));
     facts.take(observationOf(ObservationKind::kTopic, "/a.dita"));
