@@ -228,8 +228,9 @@ std::u16string RunObserver::inSourceTerms(std::u16string_view target) const {
 
 void RunObserver::finish(const std::function<bool(const Element&)>& isPublished) {
     for (const PendingFault& fault : faults_) {
-        const bool isArtefact = fault.isArtefact || (fault.element && !fault.outlivesElement &&
-                                                     !isPublished(*fault.element));
+        const bool isArtefact =
+            fault.isArtefact || (fault.element && !fault.outlivesElement &&
+                                 (!isPublished(*fault.element) || isLeftOutOfPrint(fault)));
         send(ObservationKind::kFault, static_cast<std::uint32_t>(fault.code), fault.texts,
              fault.steps, isArtefact ? kArtefact : 0, fault.related);
     }
@@ -238,6 +239,14 @@ void RunObserver::finish(const std::function<bool(const Element&)>& isPublished)
         sendAt(nullptr, ObservationKind::kFaultsDropped, static_cast<std::uint32_t>(droppedFaults_),
                {});
     }
+}
+
+/// Whether a missing file is told at a reference that is not printed. A map that is not printed is
+/// read all the same, and so all other faults count.
+bool RunObserver::isLeftOutOfPrint(const PendingFault& fault) const {
+    const bool isOfMissingFile =
+        fault.code == FaultCode::kReferencedFileNotFound || fault.code == FaultCode::kPathIsCut;
+    return isOfMissingFile && isLeftOutOfPrint_ && isLeftOutOfPrint_(*fault.element);
 }
 
 std::u16string_view RunObserver::bearerOf(const xercesc::DOMDocument& document,

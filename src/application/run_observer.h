@@ -132,6 +132,11 @@ public:
     /// The path of the file that the topic with the id `newId` came from; empty for no topic's id.
     std::u16string_view sourceFileOf(std::u16string_view newId) const;
 
+    /// The run is for print, which leaves out the references of a map that `isLeftOut` says.
+    void noteForPrint(std::function<bool(const Element&)> isLeftOut) {
+        isLeftOutOfPrint_ = std::move(isLeftOut);
+    }
+
     /// The run has made the file at `path` itself; it is no source.
     void noteOwnFile(std::u16string_view path) { ownFiles_.emplace(path); }
     bool isOwnFile(const std::u16string& path) const { return ownFiles_.contains(path); }
@@ -180,7 +185,10 @@ private:
     const char* pathOf(const SourcePlace& place);
     ObservedPlace observed(const SourcePlace& place);
 
+    bool isLeftOutOfPrint(const PendingFault& fault) const;
+
     InterfaceRef<IHostObserver> observer_;
+    std::function<bool(const Element&)> isLeftOutOfPrint_;  ///< empty when the run is not for print
     std::vector<PendingFault> faults_;
     std::size_t droppedFaults_ = 0;
     std::unordered_set<std::u16string> ownFiles_;

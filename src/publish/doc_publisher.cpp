@@ -17,6 +17,7 @@
 #include "references/conref_resolution.h"
 #include "references/exclusion_filter.h"
 #include "references/keyref_resolution.h"
+#include "references/published_content.h"
 #include "references/topic_ids.h"
 #include "support/file_entry.h"
 #include "support/folder_lock.h"
@@ -132,6 +133,9 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
     observePhase("assembly");
     std::unique_ptr<PublishResult> result = assemble(mapPath, keySpace, topicIds, *params);
     if (RunObserver* const observer = RunObserver::existing()) {
+        if (params->getUsePrint()) {
+            observer->noteForPrint(isLeftOutOfPrint);
+        }
         observeOutput(*observer, *result, keySpace, mapPath);
     }
     observePhase("output");

@@ -1,5 +1,6 @@
 #include "references/published_content.h"
 
+#include "dom/attributes.h"
 #include "dom/nodes.h"
 #include "references/document_kind.h"
 #include "references/exclusion_filter.h"
@@ -24,6 +25,19 @@ bool isPublished(const DOMElement& element) {
     }
     // What was taken out ends below the document.
     return node;
+}
+
+bool isLeftOutOfPrint(const DOMElement& element) {
+    if (classifyDocument(element.getOwnerDocument()) != DitaDocKind::DitaDocMap) {
+        return false;
+    }
+    for (const DOMElement* around = &element; around && attributeView(*around, u"keys").empty();
+         around = asElement(around->getParentNode())) {
+        if (attributeView(*around, u"print") == u"no") {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace marrowpress

@@ -9,4 +9,7 @@ namespace marrowpress {
 /// table and in no topic that a map's reference has pulled into the map.
 bool isPublished(const xercesc::DOMElement& element);
 
+/// Whether a run for print leaves out `element` of a map. Definitions of keys count in it, too.
+bool isLeftOutOfPrint(const xercesc::DOMElement& element);
+
 }  // namespace marrowpress

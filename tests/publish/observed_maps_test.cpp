@@ -92,6 +92,22 @@ TEST_F(ObservedMapsTest, AMissingFileThatIsNotPublishedIsNoFault) {
               "root.ditamap:3:26 <topicref> /gone.dita detail=audience");
 }
 
+TEST_F(ObservedMapsTest, AMissingFileThatIsNotPrintedIsNoFaultOfARunForPrint) {
+    constexpr std::string_view kMap =
+        "<topicref href=\"a.dita\"/>\n<topicref href=\"gone.dita\" print=\"no\"/>\n"
+        "<topicref print=\"no\"><topicref href=\"lost.dita\"/></topicref>\n"
+        "<keydef keys=\"k\" href=\"none.png\" format=\"png\" print=\"no\"/>";
+    compositeFaults(kMap);
+    EXPECT_EQ(faults().find("artefact"), std::string::npos) << faults();
+    usePrint = true;
+    const std::string expected =
+        "artefact 111 root.ditamap:4:1 <topicref> /gone.dita\n"
+        "artefact 111 root.ditamap:5:22 <topicref> /lost.dita\n"
+        "111 root.ditamap:6:1 <keydef> /none.png";
+    EXPECT_EQ(compositeFaults(kMap), expected);
+    EXPECT_EQ(flatBookFaults(kMap), expected);
+}
+
 TEST_F(ObservedMapsTest, AFileThatIsNotWellFormedIsToldWhereTheParserStopped) {
     folder.write("bad.dita", "<topic id=\"x\">\n<p></topic>");
     const std::string stop =

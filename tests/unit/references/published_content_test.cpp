@@ -38,6 +38,20 @@ TEST_F(PublishedContentTest, WhatAMapDoesNotPublishIsNot) {
     EXPECT_FALSE(isPublishedIn("<map><topic id='e'/></map>"));
 }
 
+TEST_F(PublishedContentTest, PrintLeavesOutReferencesThatDefineNoKey) {
+    const auto isLeftOut = [](std::string_view xml) {
+        const ParsedXml document(xml);
+        return isLeftOutOfPrint(*document.byId("e"));
+    };
+    EXPECT_TRUE(isLeftOut("<map><topicref id='e' print='no'/></map>"));
+    EXPECT_TRUE(isLeftOut("<map><topicref print='no'><topicref id='e'/></topicref></map>"));
+    EXPECT_FALSE(isLeftOut("<map><topicref id='e' print='yes'/></map>"));
+    EXPECT_FALSE(isLeftOut("<map><topicref id='e'/><topicref print='no'/></map>"));
+    EXPECT_FALSE(isLeftOut("<map><topicref id='e' keys='k' print='no'/></map>"));
+    EXPECT_FALSE(isLeftOut("<map><keydef keys='k' print='no'><x id='e'/></keydef></map>"));
+    EXPECT_FALSE(isLeftOut("<topic><p id='e' print='no'/></topic>"));
+}
+
 TEST_F(PublishedContentTest, WhatWasTakenOutIsNot) {
     const ParsedXml document("<topic><p id='p'><ph id='e'/></p></topic>");
     const xercesc::DOMElement& element = *document.byId("e");
