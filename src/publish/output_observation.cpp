@@ -93,6 +93,7 @@ private:
     void observeInside(const Link& link, const HrefParts& parts);
     void observeOutside(const Link& link, const HrefParts& parts);
     void observeMissing(const Link& link, std::u16string_view path);
+    static std::u16string cutPartOf(const Link& link, std::u16string_view path);
     void observeFragment(const Link& link, std::u16string_view topicIdAround = {});
     void observeKeys();
     static std::u16string topicAroundElement(const HrefParts& parts);
@@ -241,7 +242,7 @@ void OutputObservation::observeOutside(const Link& link, const HrefParts& parts)
 
 void OutputObservation::observeMissing(const Link& link, std::u16string_view path) {
     const DOMElement* const definition = observer_.keyLinkOf(*link.element);
-    const std::u16string cutPart = partThatCutsReferences(link.target);
+    const std::u16string cutPart = cutPartOf(link, path);
     if (observer_.hasToldMissingFile(*link.element, isPublished) ||
         (definition && observer_.hasToldMissingFile(*definition, isPublished))) {
         return;
@@ -252,8 +253,20 @@ void OutputObservation::observeMissing(const Link& link, std::u16string_view pat
         observer_.fault({.code = FaultCode::kPathIsCut,
                          .element = &observer_.writerOf(*link.element, link.attribute),
                          .target = cutPart,
-                         .detail = u"#"});
+                         .detail = cutPart.find(u'#') < cutPart.find(u'\\') ? u"#" : u"\\"});
     }
+}
+
+/// The part that the link is cut at, if it was meant for a name with a sign that ends a path or
+/// parts it; empty otherwise.
+std::u16string OutputObservation::cutPartOf(const Link& link, std::u16string_view path) {
+    std::u16string part = partThatCutsReferences(link.target);
+    for (const std::u16string_view meant : {path, std::u16string_view(link.target)}) {
+        if (part.empty()) {
+            part = partThatHadBackslash(meant);
+        }
+    }
+    return part;
 }
 
 /// Nothing of a fragment that a key definition names: that is told once, of the definition.

@@ -268,6 +268,25 @@ std::u16string partThatCutsReferences(std::u16string_view path) noexcept try {
     return {};
 }
 
+std::u16string partThatHadBackslash(std::u16string_view path) noexcept try {
+    std::u16string several(path);
+    for (std::size_t slash = path.rfind(u'/'); slash != std::u16string_view::npos && slash > 0;
+         slash = path.rfind(u'/', slash - 1)) {
+        std::u16string one(path);
+        one[slash] = u'\\';
+        several[slash] = u'\\';
+        for (const std::u16string& meant : {one, several}) {
+            std::u16string part = partThatCutsReferences(meant);
+            if (!part.empty()) {
+                return part;
+            }
+        }
+    }
+    return {};
+} catch (...) {
+    return {};
+}
+
 std::filesystem::path nativePath(std::u16string_view path) {
     return std::filesystem::path(toUtf8(path));
 }

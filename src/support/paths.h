@@ -83,6 +83,11 @@ std::string unreadableReason(std::u16string_view path);
 /// cut, if there is something at the whole of `path`; else empty. Never throws.
 std::u16string partThatCutsReferences(std::u16string_view path) noexcept;
 
+/// For a path that was made from a reference, and whose backslashes are slashes since then: that
+/// part of the file or folder with a backslash in its name that the reference was meant for. Empty
+/// when there is none.
+std::u16string partThatHadBackslash(std::u16string_view path) noexcept;
+
 /// The path in the form of the standard library, its name in UTF-8.
 std::filesystem::path nativePath(std::u16string_view path);
 

@@ -274,6 +274,24 @@ TEST_F(ObservedLinksTest, ANameWithASignThatCutsReferencesIsToldInsteadOfTheMiss
               "203 a.dita:5:1 <image> /gone via root.ditamap:3:1 href=a.dita");
 }
 
+TEST_F(ObservedLinksTest, ANameWithABackslashIsToldInsteadOfTheMissingFile) {
+    folder.write("x\\1.png", "x");
+    folder.write("c\\d/e.png", "x");
+    folder.write("s/p\\q\\r.dita", "x");
+    folder.write("b\\#.png", "x");
+    folder.write("there/1.png", "x");
+    writeTopic("a.dita", "<image href=\"x\\1.png\"/>\n<image href=\"c\\d/e.png\"/>\n" +
+                             xref("s/p\\q\\r.dita#r") +
+                             "\n<image href=\"b\\#.png\"/>\n<image href=\"gone\\1.png\"/>\n"
+                             "<image href=\"there\\1.png\"/>");
+    EXPECT_EQ(compositeFaults(kMapOfA),
+              "213 a.dita:3:1 <image> /x\\1.png detail=\\ via root.ditamap:3:1 href=a.dita\n"
+              "213 a.dita:4:1 <image> /c\\d detail=\\ via root.ditamap:3:1 href=a.dita\n"
+              "213 a.dita:5:1 <xref> /s/p\\q\\r.dita detail=\\ via root.ditamap:3:1 href=a.dita\n"
+              "213 a.dita:6:1 <image> /b\\#.png detail=\\ via root.ditamap:3:1 href=a.dita\n"
+              "203 a.dita:7:1 <image> /gone/1.png via root.ditamap:3:1 href=a.dita");
+}
+
 TEST_F(ObservedLinksTest, ALinkWithoutTextStaysSo) {
     writeTopic("a.dita",
                "<xref href=\"b.dita\"/>\n<link href=\"b.dita\"> </link>\n"

@@ -544,6 +544,25 @@ TEST(PartThatCutsReferencesTest, EndsWithTheNameThatHoldsTheSign) {
     EXPECT_EQ(partThatCutsReferences(std::u16string(u"#\xD800")), u"");
 }
 
+TEST(PartThatHadBackslashTest, IsFoundWhereSlashesStandNow) {
+    const TemporaryFolder folder;
+    folder.write("e\\f.png", "x");
+    folder.write("s\\t/u.png", "x");
+    folder.write("v/w\\x\\y.png", "x");
+    folder.write("plain/z.png", "x");
+    const auto partOf = [&](const char* name) {
+        const std::string part = toUtf8(partThatHadBackslash(folder.file16(name)));
+        const std::size_t start = folder.path().string().size() + 1;
+        return part.empty() ? part : part.substr(start);
+    };
+    EXPECT_EQ(partOf("e/f.png"), "e\\f.png");
+    EXPECT_EQ(partOf("s/t/u.png"), "s\\t");
+    EXPECT_EQ(partOf("v/w/x/y.png"), "v/w\\x\\y.png");
+    EXPECT_EQ(partOf("plain/none.png"), "");
+    EXPECT_EQ(partThatHadBackslash(u""), u"");
+    EXPECT_EQ(partThatHadBackslash(std::u16string(u"/a/\xD800")), u"");
+}
+
 TEST(NativePathTest, HasItsNameInUtf8) {
     EXPECT_EQ(nativePath(u"/\u00E4\U0001F600").native(), "/\xC3\xA4\xF0\x9F\x98\x80");
     EXPECT_EQ(nativePath(u"").native(), "");
