@@ -134,13 +134,13 @@ std::optional<std::string> Checking::findOutputFault() const {
     if (options_.output.empty()) {
         return std::nullopt;
     }
-    const fs::path folder = isFlatBook(options_) ? paths_.output : paths_.output.parent_path();
-    std::error_code ignored;
-    if (!fs::exists(folder, ignored)) {
-        return std::nullopt;
+    const NamedPath folder = outputFolderOf(options_, paths_);
+    if (std::optional<std::string> fault = findOutputFolderFault(folder.path, folder.shown)) {
+        return fault;
     }
-    if (const std::error_code error = findWriteError(folder)) {
-        return "--output: cannot write to " + options_.output + ": " + error.message();
+    std::error_code ignored;
+    if (!fs::exists(folder.path, ignored)) {
+        return std::nullopt;
     }
     PublishOptions publish;
     static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options_);

@@ -39,6 +39,44 @@ int tryFile(const fs::path& folder) {
     return 0;
 }
 
+/// Why the folders, of which each stands in the one before it, could not be made.
+std::error_code findMakeError(const std::vector<fs::path>& missing) {
+    if (missing.empty()) {
+        return {};
+    }
+    std::error_code error;
+    if (fs::is_symlink(fs::symlink_status(missing.front(), error))) {
+        return std::make_error_code(std::errc::file_exists);  // it leads to nothing
+    }
+    if (error && error != std::errc::no_such_file_or_directory) {
+        return error;
+    }
+    const fs::path above = missing.front().parent_path();
+    if (const std::error_code refusal = findWriteError(above)) {
+        return refusal;
+    }
+    const long longest = pathconf(above.c_str(), _PC_NAME_MAX);
+    const bool isTooLong =
+        longest > 0 && std::any_of(missing.begin(), missing.end(), [&](const fs::path& folder) {
+            return folder.filename().native().size() > static_cast<std::size_t>(longest);
+        });
+    return isTooLong ? std::make_error_code(std::errc::filename_too_long) : std::error_code();
+}
+
+std::string cannotMake(const std::string& shown, const std::error_code& error) {
+    return kArgument + ("cannot make the folder " + shown) + ": " + error.message();
+}
+
+std::optional<std::string> findFaultOfExisting(const fs::path& path, const std::string& shown) {
+    if (!fs::is_directory(path)) {
+        return kArgument + shown + " is no folder";
+    }
+    if (const std::error_code refusal = findWriteError(path)) {
+        return kArgument + ("cannot write to " + shown) + ": " + refusal.message();
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::error_code findWriteError(const fs::path& folder) {
@@ -49,19 +87,22 @@ std::error_code findWriteError(const fs::path& folder) {
     return {isRefused ? error : 0, std::generic_category()};
 }
 
+std::optional<std::string> findOutputFolderFault(const fs::path& path, const std::string& shown) {
+    if (const std::error_code error = findMakeError(missingFolders(path))) {
+        return cannotMake(shown, error);
+    }
+    std::error_code ignored;
+    return fs::exists(path, ignored) ? findFaultOfExisting(path, shown) : std::nullopt;
+}
+
 std::string shownFolderOf(const std::string& given) {
     const std::string folder = fs::path(given).parent_path().string();
     return folder.empty() ? "the current folder" : folder;
 }
 
 OutputFolder::OutputFolder(const fs::path& path, const std::string& shown) {
-    if (const std::error_code error = make(path)) {
-        fault_ = kArgument + ("cannot make the folder " + shown) + ": " + error.message();
-    } else if (!fs::is_directory(path)) {
-        fault_ = kArgument + shown + " is no folder";
-    } else if (const std::error_code refusal = findWriteError(path)) {
-        fault_ = kArgument + ("cannot write to " + shown) + ": " + refusal.message();
-    }
+    const std::error_code error = make(path);
+    fault_ = error ? cannotMake(shown, error) : findFaultOfExisting(path, shown);
 }
 
 OutputFolder::~OutputFolder() {

@@ -103,18 +103,16 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
             return fault;
         }
     }
-    const bool isBook = isFlatBook(options_);
-    folder_ =
-        std::make_unique<OutputFolder>(isBook ? paths_.output : paths_.output.parent_path(),
-                                       isBook ? options_.output : shownFolderOf(options_.output));
+    const NamedPath folder = outputFolderOf(options_, paths_);
+    folder_ = std::make_unique<OutputFolder>(folder.path, folder.shown);
     if (folder_->fault()) {
         return folder_->fault();
     }
     if (std::optional<std::string> fault = findPublishFault(options_, paths_)) {
         return fault;
     }
-    return findReportFault(report.files(),
-                           {sourcesOf(options_, paths_), outputsOf(options_, paths_), isBook});
+    return findReportFault(report.files(), {sourcesOf(options_, paths_),
+                                            outputsOf(options_, paths_), isFlatBook(options_)});
 }
 
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <vector>
 
+#include "cli/output_folder.h"
 #include "cli/public_ids.h"
 #include "cli/written_composite.h"
 #include "host/utf8.h"
@@ -249,6 +250,12 @@ std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& 
         sources.push_back({argument, catalog.string(), catalog});
     }
     return sources;
+}
+
+NamedPath outputFolderOf(const RunOptions& options, const PublishPaths& paths) {
+    return isFlatBook(options)
+               ? NamedPath{"--output", options.output, paths.output}
+               : NamedPath{"--output", shownFolderOf(options.output), paths.output.parent_path()};
 }
 
 std::vector<NamedPath> outputsOf(const RunOptions& options, const PublishPaths& paths) {

@@ -14,7 +14,10 @@ class OutputFolderTest : public testing::Test {
 protected:
     /// The fault of the folder, named as it is below the test's own; "" when there is none.
     std::string faultOf(const std::string& name) const {
-        return OutputFolder(folder.path() / name, name).fault().value_or("");
+        const auto foreseen = findOutputFolderFault(folder.path() / name, name);
+        const std::string fault = OutputFolder(folder.path() / name, name).fault().value_or("");
+        EXPECT_EQ(foreseen.value_or(""), fault);
+        return fault;
     }
 
     TemporaryFolder folder;
@@ -82,6 +85,7 @@ TEST_F(OutputFolderTest, WhatWasMadeBeforeAFaultIsRemoved) {
 
 TEST_F(OutputFolderTest, TheCheckLeavesNothing) {
     EXPECT_FALSE(findWriteError(folder.path()));
+    EXPECT_EQ(findOutputFolderFault(folder.path() / "a/b", "a/b"), std::nullopt);
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
