@@ -86,7 +86,7 @@ std::string scopeHint();
 
 // MP110.
 
-/// Both are the references as they are written.
+/// Both are references with a path that is to be shown.
 std::string conrefEndNotBesideText(std::string_view end, std::string_view start);
 std::string conrefEndHint();
 

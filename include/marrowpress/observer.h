@@ -89,7 +89,7 @@ enum class FaultCode : std::uint32_t {
     kElementInTopicNotFound = 108,
     /// As 108.
     kElementNotFound = 109,
-    /// `target`: the end of the range, `detail`: its start, both as they are written.
+    /// `target`: the end of the range, `detail`: its start; in a map both are as they are written.
     kInvalidConrefEnd = 110,
     kReferencedFileNotFound = 111,
     /// The document was read without its DTD. `detail`: the public identifier; `reason`: the
