@@ -20,10 +20,12 @@ void describe(Finding& finding, const ProfileRemark& remark, const std::string& 
     switch (remark.kind) {
         case ProfileRemark::Kind::kUnknownElement:
             finding.text = unknownProfileElementText(remark.element);
+            finding.hint = profileElementsHint();
             finding.target = remark.element;
             break;
         case ProfileRemark::Kind::kUnknownAttribute:
             finding.text = unknownProfileAttributeText(remark.element, remark.name);
+            finding.hint = profileAttributesHint();
             finding.target = remark.name;
             break;
         case ProfileRemark::Kind::kUnknownAction:
@@ -33,11 +35,13 @@ void describe(Finding& finding, const ProfileRemark& remark, const std::string& 
             break;
         case ProfileRemark::Kind::kRootIsNotVal:
             finding.text = profileRootText(shown, remark.element);
+            finding.hint = profileRootHint();
             finding.target = remark.element;
             break;
         case ProfileRemark::Kind::kUnmatchedRule:
             finding.text = remark.value.empty() ? unmatchedAttributeText(remark.name)
                                                 : unmatchedRuleText(remark.name, remark.value);
+            finding.hint = unmatchedRuleHint();
             finding.target = remark.value.empty() ? remark.name : remark.name + "=" + remark.value;
             break;
         case ProfileRemark::Kind::kNoEffect:
@@ -136,9 +140,15 @@ void ProfileSet::addFindings(FindingCollector& collector) const {
             collector.add(findingOf(remark, folder));
         }
     }
+    const DocumentFact* const lost = collector.facts().documentWithoutDtd();
     for (const ProfileRemark& remark :
          unmatchedRules(rules_, collector.facts().conditionValues())) {
-        collector.add(findingOf(remark, folder));
+        Finding finding = findingOf(remark, folder);
+        if (lost) {
+            // It may have lost references, and values that its DTD gives.
+            finding.hint = ruleNeedsDtdHint(shownPath(lost->path, folder), lostDtdId(*lost));
+        }
+        collector.add(std::move(finding));
     }
 }
 

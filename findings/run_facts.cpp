@@ -80,10 +80,18 @@ void RunFacts::takeDocument(const Observation& observation) {
     const auto grammar = static_cast<DocumentGrammar>(observation.code);
     documents_.push_back(
         {observation.target, observation.element, grammar, firstPlaceOf(observation)});
-    const bool lostReferences =
-        grammar != DocumentGrammar::kOwn && isMap(observation.element, observation.target);
+    if (grammar == DocumentGrammar::kOwn) {
+        return;
+    }
+    const bool lostReferences = isMap(observation.element, observation.target);
+    // Without a doctype it need not be one of DITA's, and a profile needs none.
+    const std::string_view rootName = observation.element;
+    const bool isDita =
+        rootTypeOf(rootName) || (grammar != DocumentGrammar::kNoDoctype && rootName != "val");
     if (lostReferences && !mapWithoutDtd_) {
         mapWithoutDtd_ = index;
+    } else if (!lostReferences && isDita && !topicWithoutDtd_) {
+        topicWithoutDtd_ = index;
     }
 }
 
@@ -118,6 +126,11 @@ const DocumentFact* RunFacts::document(const std::string& path) const {
 
 const DocumentFact* RunFacts::mapWithoutDtd() const {
     return mapWithoutDtd_ ? &documents_[*mapWithoutDtd_] : nullptr;
+}
+
+const DocumentFact* RunFacts::documentWithoutDtd() const {
+    const std::optional<std::size_t> index = mapWithoutDtd_ ? mapWithoutDtd_ : topicWithoutDtd_;
+    return index ? &documents_[*index] : nullptr;
 }
 
 bool RunFacts::isWithoutDtd(const std::string& path) const {

@@ -61,6 +61,9 @@ public:
     bool isWithoutDtd(const std::string& path) const;
     /// The first map that was read without its DTD, and so lost references; null when none was.
     const DocumentFact* mapWithoutDtd() const;
+    /// A document of DITA's that was read without its DTD, a map before all others; null when there
+    /// is none.
+    const DocumentFact* documentWithoutDtd() const;
     bool isRead(const std::string& path) const { return document(path) != nullptr; }
 
     const std::vector<ComponentFact>& components() const noexcept { return components_; }
@@ -83,6 +86,7 @@ private:
     std::vector<std::string> keys_;
     std::vector<DocumentFact> documents_;
     std::optional<std::size_t> mapWithoutDtd_;
+    std::optional<std::size_t> topicWithoutDtd_;
     std::unordered_map<std::string, std::size_t> documentIndex_;
     std::vector<ComponentFact> components_;
     ConditionValues conditionValues_;

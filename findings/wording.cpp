@@ -349,6 +349,16 @@ std::string unknownProfileActionText(std::string_view action) {
     return translated("DITAVAL kennt keine Aktion `{0}`", {action});
 }
 
+std::string profileElementsHint() {
+    return translated(
+        "Elemente sind val, prop, revprop, style-conflict, startflag, endflag und alt-text");
+}
+
+std::string profileAttributesHint() {
+    return translated(
+        "Berichtigen Sie das Attribut: In der Regel für einen Wert sind es att, val und action");
+}
+
 std::string profileActionsHint() {
     return translated("Aktionen sind include, exclude, flag und passthrough");
 }
@@ -357,12 +367,29 @@ std::string profileRootText(std::string_view file, std::string_view root) {
     return translated("`{0}` ist ein `{1}` und kein Profil, dessen Wurzel `val` ist", {file, root});
 }
 
+std::string profileRootHint() {
+    return translated("Nennen Sie mit --filter eine DITAVAL-Datei, oder lassen Sie es weg");
+}
+
 std::string unmatchedRuleText(std::string_view attribute, std::string_view value) {
     return translated("Auf die Regel {0}=\"{1}\" trifft nichts zu", {attribute, value});
 }
 
 std::string unmatchedAttributeText(std::string_view attribute) {
     return translated("Kein Element hat das Attribut `{0}`, für das die Regel gilt", {attribute});
+}
+
+std::string unmatchedRuleHint() {
+    return translated(
+        "Vergleichen Sie Attribut und Wert mit denen in den Themen, oder nehmen Sie die Regel "
+        "heraus");
+}
+
+std::string ruleNeedsDtdHint(std::string_view file, std::string_view id) {
+    return translated(
+        "`{0}` ist ohne seine DTD gelesen, und was nur mit ihr gefunden wird, kann die Regel nicht "
+        "treffen: Beheben Sie zuerst {1}",
+        {file, id});
 }
 
 std::string topicNotInOutputText(std::string_view file) {

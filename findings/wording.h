@@ -130,10 +130,17 @@ std::string noReferenceHint();
 std::string unknownProfileElementText(std::string_view element);
 std::string unknownProfileAttributeText(std::string_view element, std::string_view attribute);
 std::string unknownProfileActionText(std::string_view action);
+std::string profileElementsHint();
+std::string profileAttributesHint();
 std::string profileActionsHint();
 std::string profileRootText(std::string_view file, std::string_view root);
+std::string profileRootHint();
 std::string unmatchedRuleText(std::string_view attribute, std::string_view value);
 std::string unmatchedAttributeText(std::string_view attribute);
+std::string unmatchedRuleHint();
+
+/// For a run that has read `file` without its DTD; `id` is that of the finding that says why.
+std::string ruleNeedsDtdHint(std::string_view file, std::string_view id);
 
 // MP208.
 

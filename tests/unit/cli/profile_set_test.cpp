@@ -125,5 +125,36 @@ TEST_F(ProfileSetTest, SaysWhatDitaDoesNotKnowAndWhatMatchesNothing) {
     EXPECT_FALSE(hasLine("MP207 p.ditaval:2: "));
 }
 
+TEST_F(ProfileSetTest, EachFindingHasAHint) {
+    folder.write("p.ditaval", "<val>\n" + rule("nobody") + "\n" + rule("x", "remove") +
+                                  "\n<rule/>\n<prop attr=\"a\" action=\"include\"/>\n</val>");
+    folder.write("q.ditaval", "<topic/>");
+    for (const char* const name : {"p.ditaval", "q.ditaval"}) {
+        const ProfileSet profiles({filter(name)}, true);
+        FindingCollector collector({folder.path().string(), profiles.names(), {}, true}, {});
+        profiles.addFindings(collector);
+        EXPECT_FALSE(collector.list().findings().empty());
+        for (const Finding& finding : collector.list().findings()) {
+            EXPECT_NE(finding.hint, "") << finding.text;
+        }
+    }
+}
+
+TEST_F(ProfileSetTest, ARuleThatMatchesNothingIsHintedAtByAMapWithoutItsDtd) {
+    folder.write("p.ditaval", "<val>" + rule("nobody") + "</val>");
+    const ProfileSet profiles({filter("p.ditaval")}, false);
+    FindingCollector collector({folder.path().string(), profiles.names(), {}, true}, {});
+    const std::string map = folder.file("m.ditamap");
+    Observation met = observationOf(ObservationKind::kDocumentRead, map.c_str());
+    met.code = static_cast<std::uint32_t>(DocumentGrammar::kInvalid);
+    met.element = "map";
+    collector.observe(met);
+    profiles.addFindings(collector);
+    ASSERT_EQ(collector.list().findings().size(), 1U);
+    const std::string& hint = collector.list().findings()[0].hint;
+    EXPECT_NE(hint.find("`m.ditamap`"), std::string::npos) << hint;
+    EXPECT_NE(hint.find("MP202"), std::string::npos) << hint;
+}
+
 }  // namespace
 }  // namespace marrowpress

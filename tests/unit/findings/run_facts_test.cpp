@@ -19,10 +19,10 @@ protected:
         facts.take(met);
     }
 
-    void takeDocument(const char* path, DocumentGrammar grammar) {
+    void takeDocument(const char* path, DocumentGrammar grammar, const char* rootName = "topic") {
         Observation met = observationOf(ObservationKind::kDocumentRead, path);
         met.code = static_cast<std::uint32_t>(grammar);
-        met.element = "topic";
+        met.element = rootName;
         facts.take(met);
     }
 
@@ -74,7 +74,19 @@ TEST_F(RunFactsTest, TheFirstMapWithoutItsDtdIsKnown) {
     takeDocument("/n.ditamap", DocumentGrammar::kNotFound);
     takeDocument("/o.ditamap", DocumentGrammar::kInvalid);
     ASSERT_NE(facts.mapWithoutDtd(), nullptr);
+    EXPECT_EQ(facts.documentWithoutDtd(), facts.mapWithoutDtd());
     EXPECT_EQ(facts.mapWithoutDtd()->path, "/n.ditamap");
+}
+
+TEST_F(RunFactsTest, ATopicWithoutItsDtdIsKnownAndNoFileThatNeedsNone) {
+    takeDocument("/p.ditaval", DocumentGrammar::kNoDoctype, "val");
+    takeDocument("/q.ditaval", DocumentGrammar::kNotFound, "val");
+    takeDocument("/a.dita", DocumentGrammar::kOwn);
+    EXPECT_EQ(facts.documentWithoutDtd(), nullptr);
+    takeDocument("/b.dita", DocumentGrammar::kNoDoctype);
+    takeDocument("/c.dita", DocumentGrammar::kInvalid);
+    ASSERT_NE(facts.documentWithoutDtd(), nullptr);
+    EXPECT_EQ(facts.documentWithoutDtd()->path, "/b.dita");
 }
 
 TEST_F(RunFactsTest, CountsTopicsAndDroppedFaults) {
