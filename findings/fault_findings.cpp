@@ -268,7 +268,7 @@ void FaultFindings::describeMissing(Finding& finding) {
     } else if (name.starts_with("www.")) {
         finding.hint = webAddressHint(name);
     } else {
-        finding.hint = scopeHint();
+        finding.hint = missingFileHint();
     }
 }
 

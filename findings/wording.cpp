@@ -223,10 +223,10 @@ std::string webAddressHint(std::string_view href) {
     return translated("Eine Web-Adresse beginnt mit http:// oder https://: `https://{0}`", {href});
 }
 
-std::string scopeHint() {
+std::string missingFileHint() {
     return translated(
-        "Führt der Verweis aus der Veröffentlichung hinaus, so braucht er scope=\"external\" oder "
-        "scope=\"peer\"");
+        "Berichtigen Sie den Pfad, oder legen Sie die Datei an; führt der Verweis aus der "
+        "Veröffentlichung hinaus, so braucht er scope=\"external\" oder scope=\"peer\"");
 }
 
 std::string conrefEndNotBesideText(std::string_view end, std::string_view start) {

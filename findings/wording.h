@@ -82,7 +82,7 @@ std::string otherCaseHint(std::string_view file);
 
 /// For an href that looks like a web address: "www.example.org".
 std::string webAddressHint(std::string_view href);
-std::string scopeHint();
+std::string missingFileHint();
 
 // MP110.
 

@@ -69,7 +69,7 @@ const Sentence kSentences[] = {
     {"fileNotFoundText", [] { return fileNotFoundText("argument-1"); }, {"argument-1"}},
     {"otherCaseHint", [] { return otherCaseHint("argument-1"); }, {"argument-1"}},
     {"webAddressHint", [] { return webAddressHint("argument-1"); }, {"argument-1"}},
-    {"scopeHint", [] { return scopeHint(); }, {}},
+    {"missingFileHint", [] { return missingFileHint(); }, {}},
     {"conrefEndNotBesideText",
      [] { return conrefEndNotBesideText("argument-1", "argument-2"); },
      {"argument-1", "argument-2"}},
