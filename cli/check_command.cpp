@@ -152,7 +152,8 @@ void Checking::checkOnce(const ProfileSet& profiles, RunDisplay& display, Total&
     const PublishOptions publish = scratchOptions(options_, scratch.path());
     const PublishPaths paths = resolvePublishPaths(publish);
     FindingContext context{fs::current_path().string(), profiles.names(),
-                           shownCatalogs(options_.catalogs), options_.allowsMissingFilter};
+                           shownCatalogs(options_.catalogs), options_.allowsMissingFilter,
+                           findListedCatalogFault(options_.catalogs)};
     FindingCollector collector(std::move(context), options_.diagnostics.severities);
     ComponentPlaces components({paths.output, options_.output.empty() ? fs::path() : paths_.output,
                                 options_.isAtOneLocation, /*isOnlyLookedAt=*/true});

@@ -1,5 +1,6 @@
 #include "cli/public_ids.h"
 
+#include <cstdlib>
 #include <memory>
 #include <system_error>
 
@@ -32,6 +33,18 @@ std::vector<std::string> shownCatalogs(const std::vector<std::string>& catalogs)
         }
     }
     return shown;
+}
+
+std::string findListedCatalogFault(const std::vector<std::string>& catalogs) {
+    if (!catalogs.empty() || !std::getenv("XML_CATALOG_FILES")) {
+        return {};
+    }
+    for (const std::string& catalog : defaultCatalogs()) {
+        if (std::optional<std::string> fault = findCatalogFault(catalog)) {
+            return *fault;
+        }
+    }
+    return {};
 }
 
 std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs) {

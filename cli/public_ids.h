@@ -15,6 +15,11 @@ std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& 
 /// The catalogs that are asked, in their order, as people name them; one that is not there says so.
 std::vector<std::string> shownCatalogs(const std::vector<std::string>& catalogs);
 
+/// What is wrong with the first catalog of XML_CATALOG_FILES that cannot be used, when none is
+/// named: "c.xml: not well-formed XML". Empty when all can, or the variable is not set: of the
+/// usual catalogs none has to be there.
+std::string findListedCatalogFault(const std::vector<std::string>& catalogs);
+
 /// What is wrong with the first of the named catalogs that cannot be used; empty when all can.
 std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs);
 

@@ -133,7 +133,8 @@ ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
 
 ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsReport& report) {
     FindingContext context{fs::current_path().string(), profiles.names(),
-                           shownCatalogs(options_.catalogs), options_.allowsMissingFilter};
+                           shownCatalogs(options_.catalogs), options_.allowsMissingFilter,
+                           findListedCatalogFault(options_.catalogs)};
     FindingCollector collector(std::move(context), options_.diagnostics.severities);
     ComponentPlaces components(
         {paths_.output, paths_.output, options_.isAtOneLocation, /*isOnlyLookedAt=*/false});

@@ -277,7 +277,11 @@ void FaultFindings::describeLostDtd(Finding& finding, const Observation& fault) 
         finding.severity = Severity::kError;
     }
     if (*fault.detail || *fault.reason) {
-        finding.text = dtdNotFoundText(shown(finding.target), fault.detail, fault.reason);
+        const bool isCatalogAtFault = *fault.detail && !context_.catalogFault.empty();
+        finding.text =
+            isCatalogAtFault
+                ? unusableCatalogText(shown(finding.target), context_.catalogFault, fault.detail)
+                : dtdNotFoundText(shown(finding.target), fault.detail, fault.reason);
         std::string catalogs;
         for (const std::string& catalog : context_.catalogs) {
             catalogs.append(catalogs.empty() ? "" : ", ").append(catalog);

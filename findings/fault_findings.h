@@ -18,6 +18,8 @@ struct FindingContext {
     std::vector<std::string> profiles;  ///< The DITAVAL files of the run, absolute.
     std::vector<std::string> catalogs;  ///< Those that were asked, as they are to be shown.
     bool isFilterOptional = false;      ///< A profile that can't be read is done without.
+    /// What is wrong with the first of the catalogs that can't be used; empty when all can.
+    std::string catalogFault = {};
 };
 
 /// Makes findings of the faults of a run.

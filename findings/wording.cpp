@@ -257,6 +257,14 @@ std::string dtdNotFoundText(std::string_view file, std::string_view publicId,
         {file, publicId, systemId});
 }
 
+std::string unusableCatalogText(std::string_view file, std::string_view fault,
+                                std::string_view publicId) {
+    return translated(
+        "`{0}` wird ohne DTD gelesen: Ein Katalog kann nicht benutzt werden ({1}), und kein "
+        "anderer kennt \"{2}\"",
+        {file, fault, publicId});
+}
+
 std::string doctypeHint(std::string_view root, std::string_view publicId) {
     return translated("Die Datei braucht eine Zeile wie <!DOCTYPE {0} PUBLIC \"{1}\" \"{0}.dtd\">",
                       {root, publicId});

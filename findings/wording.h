@@ -98,6 +98,10 @@ std::string noDoctypeText(std::string_view file);
 std::string dtdNotFoundText(std::string_view file, std::string_view publicId,
                             std::string_view systemId);
 
+/// `fault` says which catalog cannot be used and why: "c.xml: No such file or directory".
+std::string unusableCatalogText(std::string_view file, std::string_view fault,
+                                std::string_view publicId);
+
 /// For a file without a doctype; `publicId` is DITA's for that root element.
 std::string doctypeHint(std::string_view root, std::string_view publicId);
 

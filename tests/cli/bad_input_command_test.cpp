@@ -140,8 +140,15 @@ TEST_F(BadInputCommandTest, CatalogsOfTheEnvironmentThatAreNotThereAreTold) {
     const CommandResult result = run({"check", "docs/real.ditamap"}, setting);
     EXPECT_EQ(result.code, 3);
     EXPECT_TRUE(contains(result.err, "[MP201]")) << result.err;
-    EXPECT_TRUE(contains(result.err, "/none/catalog.xml")) << result.err;
+    EXPECT_TRUE(contains(result.err, "a catalog cannot be used (/none/catalog.xml: No such file"))
+        << result.err;
     EXPECT_TRUE(contains(result.err, "[MP206]")) << result.err;
+    folder_.write("bad.xml", "<catalog>");
+    setting.catalogs = folder_.file("bad.xml");
+    const CommandResult broken = run({"check", "docs/real.ditamap"}, setting);
+    EXPECT_EQ(broken.code, 3);
+    EXPECT_TRUE(contains(broken.err, "bad.xml: not well-formed XML), and no other one knows"))
+        << broken.err;
 }
 
 TEST_F(BadInputCommandTest, AFolderThatMayNotBeWrittenIsRefused) {

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <optional>
 
 #include "host/catalog_resolver.h"
 #include "tests/support/chosen_language.h"
@@ -46,6 +48,26 @@ TEST_F(PublicIdsTest, ACatalogThatIsNotThereIsShownAsSuch) {
     EXPECT_EQ(shownCatalogs({good, none, "file://" + none}),
               (std::vector{good, none + " (which is not there)",
                            "file://" + none + " (which is not there)"}));
+}
+
+TEST_F(PublicIdsTest, ACatalogOfTheEnvironmentThatCannotBeUsedIsToldUnlessOthersAreNamed) {
+    const char* const value = std::getenv("XML_CATALOG_FILES");
+    const std::optional<std::string> saved =
+        value ? std::optional<std::string>(value) : std::nullopt;
+    const std::string good = catalog("good.xml", "a");
+    const std::string bad = folder.write("bad.xml", "<catalog>");
+    unsetenv("XML_CATALOG_FILES");
+    EXPECT_EQ(findListedCatalogFault({}), "");
+    setenv("XML_CATALOG_FILES", good.c_str(), 1);
+    EXPECT_EQ(findListedCatalogFault({}), "");
+    setenv("XML_CATALOG_FILES", (good + " " + bad).c_str(), 1);
+    EXPECT_EQ(findListedCatalogFault({}), bad + ": not well-formed XML");
+    EXPECT_EQ(findListedCatalogFault({good}), "");
+    if (saved) {
+        setenv("XML_CATALOG_FILES", saved->c_str(), 1);
+    } else {
+        unsetenv("XML_CATALOG_FILES");
+    }
 }
 
 TEST_F(PublicIdsTest, TheFirstFaultIsTold) {

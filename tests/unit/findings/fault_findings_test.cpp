@@ -176,6 +176,19 @@ TEST_F(FaultFindingsTest, ALostDtdIsWorseInAMapThanInATopic) {
     EXPECT_NE(findingOf(fault).hint.find("-//OASIS//DTD DITA Topic//EN"), std::string::npos);
 }
 
+TEST_F(FaultFindingsTest, ACatalogThatCannotBeUsedIsTheReasonOfALostDtd) {
+    context.catalogFault = "c.xml: not well-formed XML";
+    Observation fault = faultOf(FaultCode::kReadWithoutDtd, "/w/a.dita");
+    fault.element = "topic";
+    fault.detail = "-//X//Topic//EN";
+    EXPECT_NE(findingOf(fault).text.find("(c.xml: not well-formed XML)"), std::string::npos)
+        << findingOf(fault).text;
+    // No catalog is asked for a system identifier alone.
+    fault.detail = "";
+    fault.reason = "topic.dtd";
+    EXPECT_EQ(findingOf(fault).text.find("c.xml"), std::string::npos) << findingOf(fault).text;
+}
+
 TEST_F(FaultFindingsTest, AFileWithoutADoctypeThatIsNotDitaIsNoFinding) {
     Observation fault = faultOf(FaultCode::kReadWithoutDtd, "/w/a.svg");
     fault.element = "svg";
