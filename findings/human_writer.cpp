@@ -79,7 +79,8 @@ private:
     void writePlaces(const std::vector<FindingPlace>& places) {
         const std::size_t shown = std::min(places.size(), kMostPlaces);
         for (std::size_t index = 0; index < shown; ++index) {
-            out_ << kIndent << placeText(places[index], options_.currentFolder) << '\n';
+            out_ << kIndent << options_.words.also << ' '
+                 << placeText(places[index], options_.currentFolder) << '\n';
         }
         if (shown < places.size()) {
             out_ << kIndent << moreText(places.size() - shown, options_.words) << '\n';

@@ -26,6 +26,7 @@ Words translatedWords() {
     words.note = severityWord(Severity::kNote);
     words.hint = hintWord();
     words.via = viaWord();
+    words.also = alsoWord();
     words.profile = translated("Profil");
     words.artefact = translated("ohne Bedeutung für die Ausgabe");
     words.more = translated("und {0} weitere");

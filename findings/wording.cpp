@@ -76,6 +76,10 @@ std::string viaWord() {
     return translated("über");
 }
 
+std::string alsoWord() {
+    return translated("auch bei");
+}
+
 std::string errorCountText(std::size_t count) {
     return translatedCount("{0} Fehler", "{0} Fehler", count);
 }

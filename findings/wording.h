@@ -22,6 +22,9 @@ std::string hintWord();
 /// In front of a step of the way to the root map.
 std::string viaWord();
 
+/// In front of a further place.
+std::string alsoWord();
+
 std::string errorCountText(std::size_t count);
 std::string warningCountText(std::size_t count);
 std::string noteCountText(std::size_t count);

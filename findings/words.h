@@ -18,6 +18,7 @@ struct Words {
     std::string note = "note";
     std::string hint = "hint";
     std::string via = "via";
+    std::string also = "also at";
     std::string profile = "profile";
     std::string artefact = "artefact";
     std::string more = "and {0} more";  ///< "{0}" is the number.

@@ -78,7 +78,8 @@ TEST_F(HumanWriterTest, NamesThreePlacesAndCountsTheRest) {
         finding_.places.push_back({folder_.file("c.dita"), line, 1});
     }
     const std::string three =
-        "marrowpress: error: text [MP105]\n  c.dita:1:1\n  c.dita:2:1\n  c.dita:3:1\n";
+        "marrowpress: error: text [MP105]\n"
+        "  also at c.dita:1:1\n  also at c.dita:2:1\n  also at c.dita:3:1\n";
     EXPECT_EQ(written(), three);
     finding_.places.push_back({folder_.file("c.dita"), 4, 1});
     EXPECT_EQ(written(), three + "  and 1 more\n");

@@ -23,6 +23,7 @@ TEST(TranslatedWordsTest, InEnglishAreThoseThatFormatsHaveByThemselves) {
     const Words words = translatedWords();
     const Words usual;
     EXPECT_EQ(words.via, usual.via);
+    EXPECT_EQ(words.also, usual.also);
     EXPECT_EQ(words.more, usual.more);
     EXPECT_EQ(words.in, usual.in);
     EXPECT_EQ(words.files.many, usual.files.many);

@@ -19,6 +19,7 @@ struct Sentence {
 const Sentence kSentences[] = {
     {"hintWord", [] { return hintWord(); }, {}},
     {"viaWord", [] { return viaWord(); }, {}},
+    {"alsoWord", [] { return alsoWord(); }, {}},
     {"errorCountText", [] { return errorCountText(42); }, {"42"}},
     {"warningCountText", [] { return warningCountText(42); }, {"42"}},
     {"noteCountText", [] { return noteCountText(42); }, {"42"}},
