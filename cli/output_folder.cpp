@@ -108,7 +108,7 @@ OutputFolder::OutputFolder(const fs::path& path, const std::string& shown) {
 OutputFolder::~OutputFolder() {
     for (auto folder = made_.rbegin(); folder != made_.rend(); ++folder) {
         // What is not empty stays, and so does what it is in.
-        if (rmdir(folder->c_str()) != 0) {
+        if (rmdir(folder->path.c_str()) != 0) {
             return;
         }
     }
@@ -116,9 +116,11 @@ OutputFolder::~OutputFolder() {
 
 std::error_code OutputFolder::make(const fs::path& path) {
     for (const fs::path& folder : missingFolders(path)) {
+        const HeldSignals held;
         std::error_code error;
         if (fs::create_directory(folder, error)) {
-            made_.push_back(folder);
+            made_.push_back({folder, std::make_unique<RemovalOnSignal>(folder.string(),
+                                                                       Removal::kEmptyFolder)});
         } else if (error) {
             return error;
         }

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
 #include <vector>
+
+#include "cli/removal_on_signal.h"
 
 namespace marrowpress {
 
@@ -20,7 +23,7 @@ std::optional<std::string> findOutputFolderFault(const std::filesystem::path& pa
 std::string shownFolderOf(const std::string& given);
 
 /// The folder that a run writes to. It is made when it is not there, and so are those above it;
-/// those that are still empty at the end are removed again.
+/// those that are still empty at the end, or when a signal comes, are removed again.
 class OutputFolder {
 public:
     /// `path` must be absolute and normal; `shown` names it in a fault.
@@ -35,7 +38,13 @@ public:
 private:
     std::error_code make(const std::filesystem::path& path);
 
-    std::vector<std::filesystem::path> made_;
+    /// A folder that was made, and its removal.
+    struct Made {
+        std::filesystem::path path;
+        std::unique_ptr<RemovalOnSignal> removal;
+    };
+
+    std::vector<Made> made_;  ///< The uppermost first.
     std::optional<std::string> fault_;
 };
 

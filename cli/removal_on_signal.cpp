@@ -97,7 +97,8 @@ HeldSignals::~HeldSignals() {
 
 RemovalOnSignal* RemovalOnSignal::last_ = nullptr;
 
-RemovalOnSignal::RemovalOnSignal(std::string path) : path_(std::move(path)) {
+RemovalOnSignal::RemovalOnSignal(std::string path, Removal removal)
+    : path_(std::move(path)), removal_(removal) {
     const HeldSignals held;
     if (!last_) {
         setHandlers(onSignal);
@@ -120,7 +121,11 @@ RemovalOnSignal::~RemovalOnSignal() {
 
 void RemovalOnSignal::onSignal(int number) {
     for (const RemovalOnSignal* removal = last_; removal; removal = removal->earlier_) {
-        remove(AT_FDCWD, removal->path_.c_str());
+        if (removal->removal_ == Removal::kEmptyFolder) {
+            rmdir(removal->path_.c_str());
+        } else {
+            remove(AT_FDCWD, removal->path_.c_str());
+        }
     }
     restoreHandlers();
     // It is held back until this handler returns, and then does what it did before.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <csignal>
+#include <cstdint>
 #include <string>
 
 namespace marrowpress {
@@ -18,15 +19,21 @@ private:
     sigset_t earlier_;
 };
 
-/// While it lives, a file or a folder with all that is in it is removed when SIGHUP, SIGINT,
+/// How much goes when a signal comes.
+enum class Removal : std::uint8_t {
+    kAll,          ///< The file, or the folder with all that is in it.
+    kEmptyFolder,  ///< The folder, if nothing is in it then.
+};
+
+/// While it lives, a file or a folder is removed when SIGHUP, SIGINT,
 /// SIGQUIT or SIGTERM ends the process, which then ends by that signal as it would have without.
 /// A signal that was ignored stays so. Links are removed and not followed.
 ///
-/// Several may live at once; the process has one thread.
+/// Several may live at once, of which the last goes first; the process has one thread.
 class RemovalOnSignal {
 public:
     /// `path` must be absolute, since the current folder may change. Nothing has to be there.
-    explicit RemovalOnSignal(std::string path);
+    explicit RemovalOnSignal(std::string path, Removal removal = Removal::kAll);
     RemovalOnSignal(const RemovalOnSignal&) = delete;
     RemovalOnSignal& operator=(const RemovalOnSignal&) = delete;
     /// Removes nothing.
@@ -38,6 +45,7 @@ private:
     static RemovalOnSignal* last_;
 
     std::string path_;
+    Removal removal_;
     RemovalOnSignal* earlier_;
 };
 

@@ -1,6 +1,8 @@
 #include "cli/output_folder.h"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
@@ -32,6 +34,29 @@ TEST_F(OutputFolderTest, IsMadeWithThoseAboveIt) {
 TEST_F(OutputFolderTest, IsRemovedAgainWhenItStaysEmpty) {
     EXPECT_EQ(faultOf("a/b/c"), "");
     EXPECT_FALSE(folder.exists("a"));
+}
+
+TEST_F(OutputFolderTest, IsRemovedAgainWhenASignalComes) {
+    const auto endBySignal = [this](const std::string& written) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const OutputFolder output(folder.path() / "a/b/c", "a/b/c");
+            const RemovalOnSignal unfinished(folder.write("a/b/c/unfinished", ""));
+            if (!written.empty()) {
+                folder.write(written, "text");
+            }
+            raise(SIGTERM);
+            _exit(0);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status)) << status;
+    };
+    endBySignal("");
+    EXPECT_FALSE(folder.exists("a"));
+    endBySignal("a/b/file");
+    EXPECT_FALSE(folder.exists("a/b/c"));
+    EXPECT_TRUE(folder.exists("a/b/file"));
 }
 
 TEST_F(OutputFolderTest, StaysWithWhatIsInIt) {

@@ -92,6 +92,18 @@ TEST_F(RemovalOnSignalTest, SeveralAreRemovedAndNoneThatHasEnded) {
     EXPECT_TRUE(folder.exists("4"));
 }
 
+TEST_F(RemovalOnSignalTest, AFolderThatIsToBeEmptyGoesOnlyIfItIs) {
+    fs::create_directories(folder.path() / "a/b");
+    folder.write("c/file", "text");
+    statusAfterSignal(SIGTERM, [this] {
+        new RemovalOnSignal(folder.file("a"), Removal::kEmptyFolder);
+        new RemovalOnSignal(folder.file("a/b"), Removal::kEmptyFolder);
+        new RemovalOnSignal(folder.file("c"), Removal::kEmptyFolder);
+    });
+    EXPECT_FALSE(folder.exists("a"));
+    EXPECT_TRUE(folder.exists("c/file"));
+}
+
 TEST_F(RemovalOnSignalTest, AnIgnoredSignalStaysIgnored) {
     folder.write("file", "text");
     const int status = statusAfterSignal(SIGHUP, [this] {
