@@ -4,6 +4,7 @@
 
 #include "tests/support/chosen_language.h"
 #include "tests/support/observations.h"
+#include "tests/support/run_facts_of.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -15,23 +16,6 @@ protected:
         fault.steps = steps;
         fault.stepCount = 1;
         return FaultFindings(facts, context).findingOf(fault).value_or(Finding());
-    }
-
-    void takeKey(const char* key, KeyState state, const char* href = "") {
-        const ObservedStep step{{"/w/keys.ditamap", 5, 3}, "", ""};
-        Observation met = observationOf(ObservationKind::kKeyDefinition, key);
-        met.code = static_cast<std::uint32_t>(state);
-        met.element = "keydef";
-        met.detail = href;
-        met.steps = &step;
-        facts.take(met);
-    }
-
-    void takeDocument(const char* path, DocumentGrammar grammar, const char* rootName = "topic") {
-        Observation met = observationOf(ObservationKind::kDocumentRead, path);
-        met.code = static_cast<std::uint32_t>(grammar);
-        met.element = rootName;
-        facts.take(met);
     }
 
     ChosenLanguage english{Language::kEnglish};
@@ -79,12 +63,12 @@ TEST_F(FaultFindingsTest, AKeyIsHintedAtByWhatIsKnownOfIt) {
         return findingOf(faultOf(FaultCode::kKeyNotFound, key)).hint;
     };
     EXPECT_EQ(hint("Prod-Name"), "no map of this publication defines any key");
-    takeKey("prod-name", KeyState::kEffective);
+    takeKey(facts, "prod-name", KeyState::kEffective);
     EXPECT_EQ(hint("Prod-Name"), "did you mean `prod-name`?");
     EXPECT_EQ(hint("nothing-like-it"),
               "define it by `keys` in a map of the publication, or take the reference out");
-    takeKey("taken", KeyState::kExcluded);
-    takeKey("lost", KeyState::kLost);
+    takeKey(facts, "taken", KeyState::kExcluded);
+    takeKey(facts, "lost", KeyState::kLost);
     context.profiles = {"/w/p.ditaval"};
     EXPECT_NE(hint("taken").find("`p.ditaval`"), std::string::npos) << hint("taken");
     EXPECT_NE(hint("taken").find("keys.ditamap:5:3"), std::string::npos) << hint("taken");
@@ -100,7 +84,7 @@ TEST_F(FaultFindingsTest, AnElementThatBearsTheIdIsNamed) {
     EXPECT_EQ(findingOf(fault).text, "`s.dita#s/hot` is a `p`, a `note` refers to it");
     fault.reason = "";
     EXPECT_EQ(findingOf(fault).text, "No element in the topic `s` of `s.dita` has the id `hot`");
-    takeDocument("/w/s.dita", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/w/s.dita", DocumentGrammar::kInvalid);
     EXPECT_NE(findingOf(fault).hint.find("MP202"), std::string::npos) << findingOf(fault).hint;
 }
 
@@ -110,12 +94,12 @@ TEST_F(FaultFindingsTest, AFragmentNamesATopicUnlessItLeadsIntoAMap) {
     const std::string usual = findingOf(fault).hint;
     fault.detail = "s";
     EXPECT_EQ(findingOf(fault).hint, "an element in the topic `s` has this id: write `#s/y`");
-    takeDocument("/w/s.dita", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/w/s.dita", DocumentGrammar::kInvalid);
     EXPECT_NE(findingOf(fault).hint.find("MP202"), std::string::npos) << findingOf(fault).hint;
     fault = faultOf(FaultCode::kFragmentNotFound, "/w/m.ditamap#y");
     EXPECT_EQ(findingOf(fault).text, "No element in `m.ditamap` has the id `y`");
     EXPECT_EQ(findingOf(fault).hint, usual);
-    takeDocument("/w/m.xml", DocumentGrammar::kOwn, "bookmap");
+    takeDocument(facts, "/w/m.xml", DocumentGrammar::kOwn, "bookmap");
     fault = faultOf(FaultCode::kFragmentNotFound, "/w/m.xml#y");
     EXPECT_EQ(findingOf(fault).text, "No element in `m.xml` has the id `y`");
 }
@@ -214,11 +198,11 @@ TEST_F(FaultFindingsTest, ABrokenDtdIsWorseInAMapThanInATopic) {
 TEST_F(FaultFindingsTest, ATopicOutsideTheOutputIsHintedAtByWhyItIs) {
     const Observation fault = faultOf(FaultCode::kTopicNotInOutput, "/w/b.dita#b");
     const std::string notInMap = findingOf(fault).hint;
-    takeDocument("/w/m.ditamap", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/w/m.ditamap", DocumentGrammar::kInvalid);
     const std::string lost = findingOf(fault).hint;
     EXPECT_NE(lost.find("`m.ditamap`"), std::string::npos) << lost;
     EXPECT_NE(lost.find("MP202"), std::string::npos) << lost;
-    takeKey("b", KeyState::kEffective, "/w/b.dita");
+    takeKey(facts, "b", KeyState::kEffective, "/w/b.dita");
     const std::string resource = findingOf(fault).hint;
     facts.take(observationOf(ObservationKind::kExcluded, "/w/b.dita"));
     context.profiles = {"/w/p.ditaval"};
@@ -239,7 +223,7 @@ TEST_F(FaultFindingsTest, AnEmptyOutputIsHintedAtByWhyItIs) {
     const std::string noReference = findingOf(fault).hint;
     context.profiles = {"/w/p.ditaval"};
     const std::string excluded = findingOf(fault).hint;
-    takeDocument("/w/m.ditamap", DocumentGrammar::kNotFound);
+    takeDocument(facts, "/w/m.ditamap", DocumentGrammar::kNotFound);
     const std::string withoutDtd = findingOf(fault).hint;
     EXPECT_NE(noReference, excluded);
     EXPECT_NE(excluded, withoutDtd);

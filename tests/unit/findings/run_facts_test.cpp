@@ -3,42 +3,26 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/observations.h"
+#include "tests/support/run_facts_of.h"
 
 namespace marrowpress {
 namespace {
 
 class RunFactsTest : public testing::Test {
 protected:
-    void takeKey(const char* key, KeyState state, const char* href, std::uint32_t line) {
-        const ObservedStep step{{"/m.ditamap", line, 1}, "", ""};
-        Observation met = observationOf(ObservationKind::kKeyDefinition, key);
-        met.code = static_cast<std::uint32_t>(state);
-        met.element = "keydef";
-        met.detail = href;
-        met.steps = &step;
-        facts.take(met);
-    }
-
-    void takeDocument(const char* path, DocumentGrammar grammar, const char* rootName = "topic") {
-        Observation met = observationOf(ObservationKind::kDocumentRead, path);
-        met.code = static_cast<std::uint32_t>(grammar);
-        met.element = rootName;
-        facts.take(met);
-    }
-
     RunFacts facts;
 };
 
 TEST_F(RunFactsTest, OfSeveralDefinitionsTheOneThatSaysMostIsKept) {
-    takeKey("k", KeyState::kShadowed, "", 1);
+    takeKey(facts, "k", KeyState::kShadowed, "", 1);
     EXPECT_EQ(facts.keyFact("k")->state, KeyState::kShadowed);
-    takeKey("k", KeyState::kLost, "", 2);
-    takeKey("k", KeyState::kExcluded, "", 3);
+    takeKey(facts, "k", KeyState::kLost, "", 2);
+    takeKey(facts, "k", KeyState::kExcluded, "", 3);
     EXPECT_EQ(facts.keyFact("k")->state, KeyState::kExcluded);
-    EXPECT_EQ(facts.keyFact("k")->place, (FindingPlace{"/m.ditamap", 3, 1}));
+    EXPECT_EQ(facts.keyFact("k")->place, (FindingPlace{"/w/keys.ditamap", 3, 3}));
     EXPECT_TRUE(facts.keys().empty());
-    takeKey("k", KeyState::kEffective, "", 4);
-    takeKey("k", KeyState::kExcluded, "", 5);
+    takeKey(facts, "k", KeyState::kEffective, "", 4);
+    takeKey(facts, "k", KeyState::kExcluded, "", 5);
     EXPECT_EQ(facts.keyFact("k")->place.line, 4U);
     EXPECT_EQ(facts.keyFact("k")->element, "keydef");
     EXPECT_EQ(facts.keys(), std::vector<std::string>{"k"});
@@ -46,16 +30,16 @@ TEST_F(RunFactsTest, OfSeveralDefinitionsTheOneThatSaysMostIsKept) {
 }
 
 TEST_F(RunFactsTest, KeysThatCountStandForTheirFiles) {
-    takeKey("a", KeyState::kEffective, "/a.dita#t/p", 1);
-    takeKey("b", KeyState::kExcluded, "/b.dita", 2);
+    takeKey(facts, "a", KeyState::kEffective, "/a.dita#t/p", 1);
+    takeKey(facts, "b", KeyState::kExcluded, "/b.dita", 2);
     EXPECT_TRUE(facts.isKeyTarget("/a.dita"));
     EXPECT_FALSE(facts.isKeyTarget("/b.dita"));
 }
 
 TEST_F(RunFactsTest, ADocumentIsKnownByItsFirstReading) {
-    takeDocument("/a.dita", DocumentGrammar::kOwn);
-    takeDocument("/b.dita", DocumentGrammar::kInvalid);
-    takeDocument("/a.dita", DocumentGrammar::kNotFound);
+    takeDocument(facts, "/a.dita", DocumentGrammar::kOwn);
+    takeDocument(facts, "/b.dita", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/a.dita", DocumentGrammar::kNotFound);
     ASSERT_EQ(facts.documents().size(), 2U);
     EXPECT_EQ(facts.documents()[0].rootName, "topic");
     EXPECT_FALSE(facts.isWithoutDtd("/a.dita"));
@@ -68,23 +52,23 @@ TEST_F(RunFactsTest, ADocumentIsKnownByItsFirstReading) {
 }
 
 TEST_F(RunFactsTest, TheFirstMapWithoutItsDtdIsKnown) {
-    takeDocument("/a.dita", DocumentGrammar::kInvalid);
-    takeDocument("/m.ditamap", DocumentGrammar::kOwn);
+    takeDocument(facts, "/a.dita", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/m.ditamap", DocumentGrammar::kOwn);
     EXPECT_EQ(facts.mapWithoutDtd(), nullptr);
-    takeDocument("/n.ditamap", DocumentGrammar::kNotFound);
-    takeDocument("/o.ditamap", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/n.ditamap", DocumentGrammar::kNotFound);
+    takeDocument(facts, "/o.ditamap", DocumentGrammar::kInvalid);
     ASSERT_NE(facts.mapWithoutDtd(), nullptr);
     EXPECT_EQ(facts.documentWithoutDtd(), facts.mapWithoutDtd());
     EXPECT_EQ(facts.mapWithoutDtd()->path, "/n.ditamap");
 }
 
 TEST_F(RunFactsTest, ATopicWithoutItsDtdIsKnownAndNoFileThatNeedsNone) {
-    takeDocument("/p.ditaval", DocumentGrammar::kNoDoctype, "val");
-    takeDocument("/q.ditaval", DocumentGrammar::kNotFound, "val");
-    takeDocument("/a.dita", DocumentGrammar::kOwn);
+    takeDocument(facts, "/p.ditaval", DocumentGrammar::kNoDoctype, "val");
+    takeDocument(facts, "/q.ditaval", DocumentGrammar::kNotFound, "val");
+    takeDocument(facts, "/a.dita", DocumentGrammar::kOwn);
     EXPECT_EQ(facts.documentWithoutDtd(), nullptr);
-    takeDocument("/b.dita", DocumentGrammar::kNoDoctype);
-    takeDocument("/c.dita", DocumentGrammar::kInvalid);
+    takeDocument(facts, "/b.dita", DocumentGrammar::kNoDoctype);
+    takeDocument(facts, "/c.dita", DocumentGrammar::kInvalid);
     ASSERT_NE(facts.documentWithoutDtd(), nullptr);
     EXPECT_EQ(facts.documentWithoutDtd()->path, "/b.dita");
 }
