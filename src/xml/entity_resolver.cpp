@@ -1,7 +1,7 @@
 #include "xml/entity_resolver.h"
 
 #include <cstdlib>
-#include <optional>
+#include <utility>
 #include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLNetAccessor.hpp>
@@ -49,6 +49,21 @@ public:
     }
 };
 
+/// A local file under the system id by which the engine would know it: the files that are named in
+/// it, and the grammars that are kept, depend on that.
+class LocalEntitySource final : public xercesc::InputSource {
+public:
+    LocalEntitySource(std::u16string systemId, std::u16string file)
+        : InputSource(systemId.c_str()), file_(std::move(file)) {}
+
+    xercesc::BinInputStream* makeStream() const override {
+        return openLocalFile(file_.c_str(), getMemoryManager());
+    }
+
+private:
+    std::u16string file_;
+};
+
 const XMLCh* systemIdOf(const xercesc::XMLResourceIdentifier& identifier) {
     return identifier.getSystemId() ? identifier.getSystemId() : u"";
 }
@@ -69,29 +84,25 @@ std::u16string percentDecoded(std::u16string_view text) {
     return decoded;
 }
 
-/// The local file that the engine would open for `identifier` by itself; nothing if it would not
-/// be a local file.
-std::optional<std::u16string> engineFile(const xercesc::XMLResourceIdentifier& identifier) {
+/// The local file that the engine would open for `identifier` by itself; null if it would not be a
+/// local file.
+std::unique_ptr<xercesc::InputSource> engineSource(
+    const xercesc::XMLResourceIdentifier& identifier) {
     const XMLCh* const base = identifier.getBaseURI();
     const XMLCh* const systemId = systemIdOf(identifier);
     xercesc::XMLURL url;
     if (!url.setURL(base, systemId, url) || url.isRelative()) {
         xercesc::XMLBuffer path;
         xercesc::XMLUri::normalizeURI(systemId, path);
-        const xercesc::LocalFileInputSource source(base, path.getRawBuffer());
-        return std::u16string(domText(source.getSystemId()));
+        return std::make_unique<MemMapLocalFileInputSource>(base, path.getRawBuffer());
     }
     const bool isLocal = domText(url.getHost()).empty() ||
                          xercesc::XMLString::compareIStringASCII(url.getHost(), u"localhost") == 0;
     if (url.getProtocol() != xercesc::XMLURL::File || !isLocal) {
-        return std::nullopt;
+        return nullptr;
     }
-    return percentDecoded(domText(url.getPath()));
-}
-
-bool isSafeForEngine(const xercesc::XMLResourceIdentifier& identifier) {
-    const std::optional<std::u16string> file = engineFile(identifier);
-    return file && !isIrregularFile(*file);
+    return std::make_unique<LocalEntitySource>(std::u16string(domText(url.getURLText())),
+                                               percentDecoded(domText(url.getPath())));
 }
 
 }  // namespace
@@ -132,7 +143,10 @@ void sendTerminate() noexcept {
 xercesc::InputSource* QSXMLEntityResolver::resolveEntity(
     xercesc::XMLResourceIdentifier* identifier) {
     std::unique_ptr<xercesc::InputSource> source = findSource(*identifier);
-    if (!source && !isSafeForEngine(*identifier)) {
+    if (!source) {
+        source = engineSource(*identifier);
+    }
+    if (!source) {
         source = std::make_unique<RefusedInputSource>(systemIdOf(*identifier));
     }
     return source.release();

@@ -37,8 +37,8 @@ void sendTerminate() noexcept;
 /// engine left to itself would connect to whatever an identifier names.
 class QSXMLEntityResolver final : public xercesc::XMLEntityResolver {
 public:
-    /// A source that the parser will own, or null: then the engine goes on with the system
-    /// identifier by itself. Where that would not be a regular local file, the source is one
+    /// A source that the parser will own, never null: the engine would go on with the system
+    /// identifier by itself, and open what stands there by then. What is no local file is a source
     /// that fails like a server that can't be reached.
     xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* identifier) override;
 

@@ -7,16 +7,40 @@
 
 namespace marrowpress {
 
-/// A local file as input of the parser: read through a memory mapping, or,
-/// when the file can't be mapped, through Xerces' own file stream.
+/// Owner of a handle on a file; may have none.
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int number = -1) noexcept : number_(number) {}
+    FileDescriptor(FileDescriptor&& other) noexcept;
+    FileDescriptor& operator=(FileDescriptor&&) = delete;
+    ~FileDescriptor();
+
+    explicit operator bool() const noexcept { return number_ >= 0; }
+    int get() const noexcept { return number_; }
+    /// Gives the handle away.
+    int release() noexcept;
+
+private:
+    int number_;
+};
+
+/// A stream of the file at `path` that the caller owns, or null when it can't be opened. Files of
+/// up to 16 MB are read through a handle; larger ones through a memory mapping, or, when that can't
+/// be made, through a handle too.
 ///
-/// Only regular files are opened: a pipe would block and a device may never
-/// end, so that these, and directories, count as files that can't be opened.
+/// Only regular files are opened: a pipe would block and a device may never end, so that these, and
+/// directories, count as files that can't be opened. What is looked at is what is opened.
+///
+/// @throws std::system_error when handles or memory are out, or the disk fails: nothing is known of
+///         the file then, and a document must not be read as if it had none.
+xercesc::BinInputStream* openLocalFile(const XMLCh* path, xercesc::MemoryManager* manager);
+
+/// A local file as input of the parser.
 class MemMapLocalFileInputSource final : public xercesc::LocalFileInputSource {
 public:
     using LocalFileInputSource::LocalFileInputSource;
 
-    /// A stream that the caller owns, or null when the file can't be opened. Never throws.
+    /// As `openLocalFile`.
     xercesc::BinInputStream* makeStream() const override;
 };
 
@@ -37,14 +61,20 @@ public:
     XMLFilePos curPos() const override { return 1; }
 
     /// Gives the number of bytes read, 0 at the end of the file.
+    ///
+    /// @throws xercesc::XMLPlatformUtilsException when somebody has shortened the file: the pages
+    ///         behind its end are gone, and a touch of them would end the process.
     XMLSize_t readBytes(XMLByte* toFill, XMLSize_t maxToRead) override;
 
     const XMLCh* getContentType() const override { return nullptr; }
 
 private:
+    bool isWhole() const;
+
     // `mutable` because asking a Boost stream for its device is no constant operation.
     mutable boost::iostreams::stream<boost::iostreams::mapped_file_source> stream_;
     xercesc::MemoryManager* manager_;
+    FileDescriptor descriptor_;
 };
 
 /// Whether a file system entry of the source's system id exists. Every failure counts as no.

@@ -132,31 +132,30 @@ TEST_F(RefusedEntityTest, ADocumentWithTheNameOfAUrlIsAMissingFile) {
 struct IrregularCase {
     const char* name;
     const char* systemId;
-    int dtdTries;
 };
 
 const IrregularCase kIrregularCases[] = {
-    {"Pipe", "a pipe", 2},
-    {"PipeByEscape", "a%20pipe", 3},
-    {"PipeByAbsolutePath", "%FOLDER%/a pipe", 2},
-    {"PipeByFileUrl", "file://%FOLDER%/a%20pipe", 3},
-    {"PipeByFileUrlOfLocalhost", "file://localhost%FOLDER%/a%20pipe", 3},
-    {"PipeByLink", "link", 2},
-    {"PipeByLinkAndFileUrl", "file://%FOLDER%/l%69nk", 3},
-    {"PipeByFileUrlWithEscapedSeparator", "file://%FOLDER%%2Fa%20pipe", 3},
-    {"PipeByFileUrlWithQuery", "file://%FOLDER%/a%20pipe?query", 3},
-    {"PipeByFileUrlWithFragment", "file://%FOLDER%/a%20pipe#fragment", 3},
-    {"PipeByFileUrlThroughItsParent", "file://%FOLDER%/folder/../a%20pipe", 3},
-    {"PipeByFileUrlInCapitals", "FILE://%FOLDER%/a%20pipe", 3},
-    {"PipeByFileUrlWithOneSlash", "file:%FOLDER%/a%20pipe", 3},
-    {"PipeByFileUrlWithRawBlank", "file://%FOLDER%/a pipe", 3},
-    {"PipeByFileUrlBehindABlank", " file://%FOLDER%/a%20pipe", 3},
-    {"PipeByRelativeFileUrl", "file:a%20pipe", 2},
-    {"Device", "/dev/zero", 2},
-    {"DeviceByFileUrl", "file:///dev/zero", 3},
-    {"Folder", "folder", 2},
-    {"FolderByFileUrl", "file://%FOLDER%/folder", 3},
-    {"FolderItself", ".", 2},
+    {"Pipe", "a pipe"},
+    {"PipeByEscape", "a%20pipe"},
+    {"PipeByAbsolutePath", "%FOLDER%/a pipe"},
+    {"PipeByFileUrl", "file://%FOLDER%/a%20pipe"},
+    {"PipeByFileUrlOfLocalhost", "file://localhost%FOLDER%/a%20pipe"},
+    {"PipeByLink", "link"},
+    {"PipeByLinkAndFileUrl", "file://%FOLDER%/l%69nk"},
+    {"PipeByFileUrlWithEscapedSeparator", "file://%FOLDER%%2Fa%20pipe"},
+    {"PipeByFileUrlWithQuery", "file://%FOLDER%/a%20pipe?query"},
+    {"PipeByFileUrlWithFragment", "file://%FOLDER%/a%20pipe#fragment"},
+    {"PipeByFileUrlThroughItsParent", "file://%FOLDER%/folder/../a%20pipe"},
+    {"PipeByFileUrlInCapitals", "FILE://%FOLDER%/a%20pipe"},
+    {"PipeByFileUrlWithOneSlash", "file:%FOLDER%/a%20pipe"},
+    {"PipeByFileUrlWithRawBlank", "file://%FOLDER%/a pipe"},
+    {"PipeByFileUrlBehindABlank", " file://%FOLDER%/a%20pipe"},
+    {"PipeByRelativeFileUrl", "file:a%20pipe"},
+    {"Device", "/dev/zero"},
+    {"DeviceByFileUrl", "file:///dev/zero"},
+    {"Folder", "folder"},
+    {"FolderByFileUrl", "file://%FOLDER%/folder"},
+    {"FolderItself", "."},
 };
 
 class IrregularFileTest : public RefusedEntityTest,
@@ -174,7 +173,7 @@ protected:
 TEST_P(IrregularFileTest, IsNoDtd) {
     folder.write("a.dita", "<!DOCTYPE a SYSTEM '" + systemId() + "'><a/>");
     EXPECT_EQ(load(), "<a/>");
-    EXPECT_EQ(tryCount(), GetParam().dtdTries);
+    EXPECT_EQ(tryCount(), 2) << "as a missing one";
     EXPECT_EQ(host.console(), Texts{});
 }
 

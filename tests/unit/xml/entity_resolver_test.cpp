@@ -102,14 +102,14 @@ TEST_F(QSXMLEntityResolverTest, DoesNotTestWhetherTheAnswerExists) {
     EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"id")), folder.file("größe missing.dtd"));
 }
 
-TEST_F(QSXMLEntityResolverTest, GivesNothingForAnUnknownPublicIdentifier) {
-    EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"id")), "null");
+TEST_F(QSXMLEntityResolverTest, GivesTheMissingFileForAnUnknownPublicIdentifier) {
+    EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"id")), folder.file("missing.dtd"));
     EXPECT_EQ(host.commands(), Texts{questionFor("id")});
 }
 
 TEST_F(QSXMLEntityResolverTest, NeverAsksWithoutPublicIdentifier) {
-    EXPECT_EQ(pathOf(resolve(u"missing.dtd", nullptr)), "null");
-    EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"")), "null");
+    EXPECT_EQ(pathOf(resolve(u"missing.dtd", nullptr)), folder.file("missing.dtd"));
+    EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"")), folder.file("missing.dtd"));
     EXPECT_EQ(host.commands(), Texts{});
 }
 
@@ -120,7 +120,7 @@ TEST_F(QSXMLEntityResolverTest, AsksOnceForEachPublicIdentifier) {
     host.pathsByPublicId["known"] = "/changed.dtd";
     host.pathsByPublicId["unknown"] = "/changed.dtd";
     EXPECT_EQ(pathOf(resolve(u"elsewhere.dtd", u"known", u"/other/b.dita")), "/known.dtd");
-    EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"unknown")), "null");
+    EXPECT_EQ(pathOf(resolve(u"missing.dtd", u"unknown")), folder.file("missing.dtd"));
     EXPECT_EQ(resolver.resolvePublicId("unknown"), "");
     EXPECT_EQ(host.commands(), (Texts{questionFor("known"), questionFor("unknown")}));
 }
@@ -286,21 +286,34 @@ TEST_F(QSXMLEntityResolverTest, TellsThePathInPlaceOfASource) {
     EXPECT_EQ(path(u"http://127.0.0.1/x.dtd", nullptr), "");
 }
 
-TEST_F(QSXMLEntityResolverTest, LeavesRegularFilesOfFileUrlsToTheEngine) {
+TEST_F(QSXMLEntityResolverTest, KnowsFilesOfFileUrlsByTheUrlAsTheEngineDoes) {
     folder.write("größe a/b.dtd", "x");
     const std::u16string root = u"file://" + folder.file16("");
-    EXPECT_EQ(pathOf(resolve((root + u"there.dtd").c_str(), nullptr)), "null");
-    EXPECT_EQ(pathOf(resolve((root + u"gr%C3%B6%C3%9Fe%20a/b.dtd").c_str(), nullptr)), "null");
-    EXPECT_EQ(pathOf(resolve((u"file://localhost" + folder.file16("there.dtd")).c_str(), nullptr)),
-              "null");
-    EXPECT_EQ(pathOf(resolve((root + u"missing.dtd").c_str(), nullptr)), "null");
+    for (const std::u16string& url : {root + u"there.dtd", root + u"gr%C3%B6%C3%9Fe%20a/b.dtd",
+                                      u"file://localhost" + folder.file16("there.dtd")}) {
+        const Source source = resolve(url.c_str(), nullptr);
+        ASSERT_TRUE(source) << toUtf8(url);
+        EXPECT_EQ(std::u16string(source->getSystemId()), url);
+        const std::unique_ptr<xercesc::BinInputStream> stream(source->makeStream());
+        EXPECT_EQ(stream != nullptr, url.find(u'%') == std::u16string::npos) << toUtf8(url);
+    }
+    const Source missing = resolve((root + u"missing.dtd").c_str(), nullptr);
+    ASSERT_TRUE(missing);
+    EXPECT_EQ(missing->makeStream(), nullptr);
+}
+
+TEST_F(QSXMLEntityResolverTest, OpensOfAFileUrlWhatIsNoFileAsLittleAsByItsPath) {
+    for (const char16_t* systemId : {u"file:///dev/zero", u"file:///dev",
+                                     u"file://localhost/dev/zero", u"file:///dev/z%65ro"}) {
+        const Source source = resolve(systemId, nullptr);
+        ASSERT_TRUE(source) << toUtf8(std::u16string_view(systemId));
+        EXPECT_EQ(source->makeStream(), nullptr);
+    }
 }
 
 TEST_F(QSXMLEntityResolverTest, RefusesWhatIsNoLocalFile) {
-    for (const char16_t* systemId :
-         {u"http://127.0.0.1/x.dtd", u"HTTPS://127.0.0.1/x.dtd", u"ftp://127.0.0.1/x.dtd",
-          u"file://otherhost/x.dtd", u"file:///dev/zero", u"file:///dev",
-          u"file://localhost/dev/zero", u"file:///dev/z%65ro"}) {
+    for (const char16_t* systemId : {u"http://127.0.0.1/x.dtd", u"HTTPS://127.0.0.1/x.dtd",
+                                     u"ftp://127.0.0.1/x.dtd", u"file://otherhost/x.dtd"}) {
         const Source source = resolve(systemId, nullptr);
         ASSERT_TRUE(source) << toUtf8(std::u16string_view(systemId));
         EXPECT_EQ(std::u16string(source->getSystemId()), systemId);

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 #include <xercesc/util/BinFileInputStream.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
 
 #include "support/text.h"
 #include "tests/support/file_conditions.h"
@@ -37,13 +40,66 @@ bool isMapped(const Stream& stream) {
     return dynamic_cast<const MemMapFileInputStream*>(stream.get()) != nullptr;
 }
 
-class MemMapLocalFileInputSourceTest : public XmlTest {};
+class MemMapLocalFileInputSourceTest : public XmlTest {
+protected:
+    static constexpr std::size_t kLargestRead = 16 << 20;
+};
 
-TEST_F(MemMapLocalFileInputSourceTest, ReadsAFileThroughAMapping) {
+TEST_F(MemMapLocalFileInputSourceTest, ReadsAFileThroughAHandle) {
     folder.write("a.xml", "<a>text</a>");
     const Stream stream = openFile(folder.file16("a.xml"));
-    ASSERT_TRUE(isMapped(stream));
+    ASSERT_TRUE(stream);
+    EXPECT_FALSE(isMapped(stream));
     EXPECT_EQ(readIn(*stream, 4096), "<a>text</a>");
+}
+
+TEST_F(MemMapLocalFileInputSourceTest, ReadsALargeFileThroughAMapping) {
+    for (const std::size_t size : {kLargestRead, kLargestRead + 1}) {
+        folder.write("a.xml", std::string(size, 'x'));
+        const Stream stream = openFile(folder.file16("a.xml"));
+        ASSERT_TRUE(stream);
+        EXPECT_EQ(isMapped(stream), size > kLargestRead);
+        EXPECT_EQ(readIn(*stream, 1 << 20), std::string(size, 'x'));
+    }
+}
+
+TEST_F(MemMapLocalFileInputSourceTest, AFileThatIsShortenedMeanwhileIsAnError) {
+    const std::string path = folder.write("a.xml", std::string(kLargestRead + 4096, 'x'));
+    const Stream stream = openFile(folder.file16("a.xml"));
+    ASSERT_TRUE(isMapped(stream));
+    XMLByte bytes[16];
+    EXPECT_EQ(stream->readBytes(bytes, 16), 16U);
+    ASSERT_EQ(::truncate(path.c_str(), 100), 0);
+    EXPECT_THROW(stream->readBytes(bytes, 16), xercesc::XMLPlatformUtilsException);
+}
+
+TEST_F(MemMapLocalFileInputSourceTest, ASmallFileThatIsShortenedMeanwhileEnds) {
+    const std::string path = folder.write("a.xml", std::string(1 << 20, 'x'));
+    const Stream stream = openFile(folder.file16("a.xml"));
+    XMLByte bytes[16];
+    EXPECT_EQ(stream->readBytes(bytes, 16), 16U);
+    ASSERT_EQ(::truncate(path.c_str(), 0), 0);
+    EXPECT_LT(readIn(*stream, 4096).size(), 1U << 20);
+}
+
+TEST_F(MemMapLocalFileInputSourceTest, ThrowsWhenThereAreNoMoreHandles) {
+    folder.write("a.xml", "<a/>");
+    const NoFileHandles none;
+    EXPECT_THROW(openFile(folder.file16("a.xml")), std::system_error);
+}
+
+TEST_F(MemMapLocalFileInputSourceTest, DoesNotWaitForAFileThatBlocks) {
+    const Watchdog watchdog(20);
+    // Regular by its mode, and read only by those who may.
+    const Stream stream = openFile(u"/proc/kmsg");
+    if (!stream) {
+        GTEST_SKIP() << "/proc/kmsg can't be opened here";
+    }
+    const auto readAll = [&] {
+        while (!readIn(*stream, 65536).empty()) {
+        }
+    };
+    EXPECT_THROW(readAll(), xercesc::XMLException);
 }
 
 TEST_F(MemMapLocalFileInputSourceTest, ReadsInPiecesOfTheReadersSize) {
@@ -64,7 +120,7 @@ TEST_F(MemMapLocalFileInputSourceTest, GivesAsMuchAtOnceAsItIsAskedFor) {
     folder.write("a.xml", text);
     for (const std::size_t room : {text.size(), text.size() + 100000}) {
         const Stream stream = openFile(folder.file16("a.xml"));
-        ASSERT_TRUE(isMapped(stream));
+        ASSERT_TRUE(stream);
         std::vector<XMLByte> buffer(room);
         EXPECT_EQ(stream->readBytes(buffer.data(), room), text.size());
         EXPECT_EQ(stream->readBytes(buffer.data(), room), 0U);
@@ -107,7 +163,7 @@ TEST_F(MemMapLocalFileInputSourceTest, OpensNamesOutsideAscii) {
     for (const char* name : {"größe.xml", "日本.xml", "a b%20c.xml", "\xf0\x9f\x98\x80.xml"}) {
         folder.write(name, name);
         const Stream stream = openFile(folder.file16(name));
-        ASSERT_TRUE(isMapped(stream)) << name;
+        ASSERT_TRUE(stream) << name;
         EXPECT_EQ(readIn(*stream, 64), name);
     }
 }
@@ -160,13 +216,16 @@ TEST_F(MemMapLocalFileInputSourceTest, NeverOpensWhatIsNoRegularFile) {
 }
 
 TEST_F(MemMapLocalFileInputSourceTest, LetsGoOfTheFileWithTheStream) {
-    const std::string path = folder.write("a.xml", "<a/>");
-    Stream stream = openFile(folder.file16("a.xml"));
-    ASSERT_TRUE(isMapped(stream));
-    EXPECT_TRUE(isMappedByProcess(path));
-    stream.reset();
-    EXPECT_FALSE(isMappedByProcess(path));
-    EXPECT_FALSE(isOpenInProcess(path));
+    for (const std::size_t size : {std::size_t{4}, kLargestRead + 1}) {
+        const std::string path = folder.write("a.xml", std::string(size, 'x'));
+        Stream stream = openFile(folder.file16("a.xml"));
+        ASSERT_TRUE(stream);
+        EXPECT_EQ(isMappedByProcess(path), size > kLargestRead);
+        EXPECT_TRUE(isOpenInProcess(path));
+        stream.reset();
+        EXPECT_FALSE(isMappedByProcess(path));
+        EXPECT_FALSE(isOpenInProcess(path));
+    }
 }
 
 class MemMapFileInputStreamTest : public XmlTest {
