@@ -1,9 +1,15 @@
 #include "dom/nesting_depth.h"
 
-namespace marrowpress {
+#include "dom/nodes.h"
 
-bool isNestedTooDeeply(const xercesc::DOMElement* root) {
-    std::size_t depth = 1;
+namespace marrowpress {
+namespace {
+
+/// Whether elements below `root` nest deeper than the deepest nesting, where it has `depth` itself.
+bool nestsTooDeeplyFrom(std::size_t depth, const xercesc::DOMElement* root) {
+    if (root && depth > kDeepestNesting) {
+        return true;
+    }
     const xercesc::DOMElement* element = root;
     while (element) {
         if (const xercesc::DOMElement* const child = element->getFirstElementChild()) {
@@ -20,6 +26,21 @@ bool isNestedTooDeeply(const xercesc::DOMElement* root) {
         element = element == root ? nullptr : element->getNextElementSibling();
     }
     return false;
+}
+
+}  // namespace
+
+bool isNestedTooDeeply(const xercesc::DOMElement* root) {
+    return nestsTooDeeplyFrom(1, root);
+}
+
+bool wouldNestTooDeeply(const xercesc::DOMNode* parent, const xercesc::DOMElement& element) {
+    std::size_t depth = 1;
+    for (const xercesc::DOMNode* node = asElement(parent); node;
+         node = asElement(node->getParentNode())) {
+        ++depth;
+    }
+    return nestsTooDeeplyFrom(depth, &element);
 }
 
 }  // namespace marrowpress

@@ -55,9 +55,8 @@ std::uint32_t SourcePlaces::fileNumber(std::u16string_view path) {
 }
 
 void SourcePlaces::forget(const xercesc::DOMDocument& document) {
-    boost::unordered::erase_if(entries_, [&](const auto& entry) {
-        return entry.first->getOwnerDocument() == &document;
-    });
+    boost::unordered::erase_if(
+        entries_, [&](const auto& entry) { return entry.first->getOwnerDocument() == &document; });
 }
 
 void SourcePlaces::recordCopy(const DOMNode& original, const DOMNode& copy,

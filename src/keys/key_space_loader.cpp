@@ -8,6 +8,7 @@
 #include "dom/copies.h"
 #include "dom/document_path.h"
 #include "dom/element_walker.h"
+#include "dom/nesting_depth.h"
 #include "keys/map_observation.h"
 #include "keys/pulled_fragments.h"
 #include "marrowpress/output_names.h"
@@ -18,6 +19,7 @@
 #include "references/published_content.h"
 #include "references/reference_paths.h"
 #include "support/hrefs.h"
+#include "support/publish_exception.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -139,6 +141,9 @@ void KeySpaceLoader::addDefinition(const DOMElement& element, std::u16string_vie
     }
     if (isShadowed) {
         return;
+    }
+    if (wouldNestTooDeeply(keySpace.document().getDocumentElement(), element)) {
+        throw PublishException();
     }
     auto* const copy = static_cast<DOMElement*>(importCopy(keySpace.document(), element, {}));
     normalizer_.normalizeSubtree(copy, map, topicIds);

@@ -3,8 +3,10 @@
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "dom/element_walker.h"
+#include "dom/nesting_depth.h"
 #include "dom/nodes.h"
 #include "references/node_filters.h"
+#include "support/publish_exception.h"
 
 namespace marrowpress {
 
@@ -28,10 +30,14 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     if (!element || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
         return;
     }
+    DOMNode* const parent = reference.getParentNode();
+    if (wouldNestTooDeeply(parent, *element)) {
+        throw PublishException();
+    }
     DOMNode* const copy = importCopy(*reference.getOwnerDocument(), *element,
                                      {&reference, u"href", attributeView(reference, u"href")});
     // Throws for a root: a document has room for one element only.
-    reference.getParentNode()->insertBefore(copy, reference.getNextElementSibling());
+    parent->insertBefore(copy, reference.getNextElementSibling());
     copies_.emplace(copy, Copy{fragment, cause});
 }
 

@@ -18,7 +18,7 @@ public:
     /// of it has led to the reference. `reference` itself stays.
     ///
     /// @throws xercesc::DOMException for a reference that is the root: a document has room for one
-    ///         element only.
+    ///         element only. PublishException where the map would nest too deeply with the copy.
     void pull(xercesc::DOMElement& reference, const xercesc::DOMDocument& target,
               std::u16string_view id);
 

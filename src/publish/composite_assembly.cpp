@@ -62,6 +62,10 @@ DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, KeySpac
         // Each further request for a file tries again, and tells again that it can't be read.
         body.document = DocumentStore::instance().getOrLoad(request.outputPath);
     }
+    if (!body.document && body.isWritten) {
+        // A file without what it was to hold, and the last write of it in this run.
+        ReportMessenger::instance().reportCannotWrite(request.outputPath);
+    }
     DOMDocument* const document = body.document;
     if (!document || body.state == Body::State::kOldFileStays) {
         return nullptr;
@@ -86,7 +90,8 @@ CompositeDocAssembler::Body CompositeDocAssembler::createBody(DOMElement* start,
     DOMDocument* const document = DocumentStore::instance().getOrLoad(request.outputPath);
     DOMElement* const root = document ? document->getDocumentElement() : nullptr;
     if (!root) {
-        return {document ? Body::State::kCreated : Body::State::kUnreadable, document};
+        return {document ? Body::State::kCreated : Body::State::kUnreadable, document,
+                created == WriteStatus::kWritten};
     }
     if (!root->hasChildNodes()) {
         addDocumentShell(*root, request.sourcePath);

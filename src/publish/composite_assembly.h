@@ -37,7 +37,8 @@ class CompositeDocAssembler {
 public:
     /// Builds the document at `request.outputPath` from `start`, an element of a map (null: from
     /// nothing), behind what that document holds already if it was built before in this request.
-    /// The result belongs to the `DocumentStore`; null when the file could not be created.
+    /// The result belongs to the `DocumentStore`; null when the file could not be created. One that
+    /// was and can't be read back is message 107, like a write that failed.
     ///
     /// A document that can't be read is message 106 and left out.
     xercesc::DOMDocument* assembleComposite(xercesc::DOMElement* start, KeySpace& keySpace,
@@ -53,6 +54,7 @@ private:
         };
         State state;
         xercesc::DOMDocument* document;
+        bool isWritten = true;  ///< its file was, whether or not it could be read back
     };
 
     Body createBody(xercesc::DOMElement* start, KeySpace& keySpace, CompositeDocRequest& request);

@@ -104,7 +104,9 @@ void ConrefWalk::resolve(DOMElement& element) {
         return;
     }
     DOMElement* const start = findConrefTarget(*document, &reference, element);
-    if (start && (lineage_.isEndless(element, *start) || isNestedTooDeeply(start))) {
+    // The start's content takes the element's place.
+    if (start && (lineage_.isEndless(element, *start) ||
+                  wouldNestTooDeeply(element.getParentNode(), *start))) {
         reportUncopied(element, *start,
                        reference.elementId.empty() ? reference.topicId : reference.elementId);
         removeConref(element);
@@ -209,7 +211,7 @@ void ConrefWalk::insertRange(DOMElement& element, const Target& target) {
         DOMElement* const memberElement = asElement(member);
         if (!memberElement) {
             parent->insertBefore(importCopy(document_, *member, target.cause), before);
-        } else if (isNestedTooDeeply(memberElement)) {
+        } else if (wouldNestTooDeeply(parent, *memberElement)) {
             ReportMessenger::instance().reportElementNotFound(domText(memberElement->getTagName()),
                                                               attributeView(*memberElement, u"id"),
                                                               target.document, &element);

@@ -4,11 +4,13 @@
 #include "application/run_observer.h"
 #include "dom/attributes.h"
 #include "dom/copies.h"
+#include "dom/nesting_depth.h"
 #include "dom/nodes.h"
 #include "references/document_kind.h"
 #include "references/key_space.h"
 #include "references/node_filters.h"
 #include "support/hrefs.h"
+#include "support/publish_exception.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
 #include "xml/dom_parser.h"
@@ -158,6 +160,10 @@ const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definiti
                                  bool declaresHref) {
     const DOMElement* const source = contentSource(element, definition, declaresHref);
     if (source) {
+        // The source's content becomes the element's.
+        if (wouldNestTooDeeply(element.getParentNode(), *source)) {
+            throw PublishException();
+        }
         appendCopies(element, childrenOf(*source),
                      {&element, u"keyref", attributeView(element, u"keyref")});
     }

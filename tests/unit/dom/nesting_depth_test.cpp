@@ -86,5 +86,16 @@ TEST_F(NestingDepthTest, OnlyWhatIsBelowTheRootCounts) {
     EXPECT_FALSE(isNestedTooDeeply(second->getFirstElementChild()));
 }
 
+TEST_F(NestingDepthTest, ACopyAddsToTheDepthOfItsPlace) {
+    const ParsedXml other("<other><e><e/></e></other>");
+    DOMElement* const deepest = appendChain(root(), kDeepestNesting - 4);
+    EXPECT_FALSE(wouldNestTooDeeply(deepest, *other.root()));
+    EXPECT_TRUE(wouldNestTooDeeply(appendChain(deepest, 1), *other.root()));
+    EXPECT_FALSE(wouldNestTooDeeply(&parsed_.document(), *other.root()));
+    DOMElement* const full = appendChain(root(), kDeepestChain);
+    EXPECT_TRUE(wouldNestTooDeeply(full, *other.root()->getFirstElementChild()));
+    EXPECT_FALSE(wouldNestTooDeeply(full->getParentNode(), *full));
+}
+
 }  // namespace
 }  // namespace marrowpress

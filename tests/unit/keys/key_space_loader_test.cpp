@@ -5,6 +5,7 @@
 #include "dom/nodes.h"
 #include "references/exclusion_filter.h"
 #include "support/publish_exception.h"
+#include "support/request_singleton.h"
 #include "support/xerces_ptr.h"
 #include "tests/unit/references/key_samples.h"
 
@@ -64,6 +65,21 @@ protected:
 
     TopicIdMap topicIds;
 };
+
+TEST_F(KeySpaceLoaderTest, ADefinitionThatNestsTooDeeplyInTheKeySpaceEndsTheRun) {
+    for (const auto& [levels, code] : {std::pair{4998U, 0}, {4999U, -42}}) {
+        writePlain("root.ditamap", "<topicref keys='k' class='- map/topicref '>" +
+                                       nestedElements(levels) + "</topicref>");
+        int failure = 0;
+        try {
+            keySpaceOfRoot();
+        } catch (const PublishException& thrown) {
+            failure = thrown.code();
+        }
+        EXPECT_EQ(failure, code) << levels;
+        RequestSingleton<DocumentStore>::destroy();
+    }
+}
 
 TEST_F(KeySpaceLoaderTest, TheKeySpaceIsADocumentWithOneDefinitionForEachKey) {
     KeySpace keySpace =

@@ -1,5 +1,8 @@
 #include "keys/pulled_fragments.h"
 
+#include <xercesc/dom/DOMException.hpp>
+
+#include "support/publish_exception.h"
 #include "tests/support/xml_text.h"
 
 namespace marrowpress {
@@ -51,6 +54,14 @@ TEST_F(PulledFragmentsTest, BesideTheDocumentElementThereIsNoRoom) {
     EXPECT_EQ(printed(map.document()), R"(<map id="r"/>)");
     pull(map, "r", ParsedXml("<map><x id='f'/></map>"), u"g");
     EXPECT_EQ(printed(map.document()), R"(<map id="r"/>)");
+}
+
+TEST_F(PulledFragmentsTest, AMapThatWouldNestTooDeeplyEndsTheRun) {
+    const ParsedXml map("<map>" + nestedElements(3000, "<a id='r'/>") + "</map>");
+    const ParsedXml target("<map><x id='f'>" + nestedElements(3000) + "</x><x id='g'/></map>");
+    EXPECT_THROW(pull(map, "r", target, u"f"), PublishException);
+    pull(map, "r", target, u"g");
+    EXPECT_NE(printed(*map.root()).find(R"(<x id="g"/>)"), std::string::npos);
 }
 
 TEST_F(PulledFragmentsTest, AReferenceInTheFragmentItselfGetsNone) {

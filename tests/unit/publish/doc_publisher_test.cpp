@@ -365,6 +365,15 @@ TEST_F(ForeignFilesTest, AreRemovedEvenWhereTheyCannotBeOverwritten) {
     }
 }
 
+TEST_F(ForeignFilesTest, AnOutputThatCannotBeReadBackIsAFailedWrite) {
+    folder.write("out/book.dita", "old");
+    fs::permissions(folder.path() / "out/book.dita", fs::perms::owner_write);
+    fs::permissions(folder.path() / "out", fs::perms::all);
+    EXPECT_EQ(status(publishAsNobody()), 0);
+    const std::string unread = cannotRead("$F/out/book.dita");
+    EXPECT_EQ(console, unread + unread + cannotWrite("$F/out/book.dita"));
+}
+
 TEST_F(ForeignFilesTest, EndTheRunWhenTheyCannotBeLookedAt) {
     folder.write("closed/a.dita", topic("a"));
     folder.write("root.ditamap", map(topicref("href='closed/a.dita'")));

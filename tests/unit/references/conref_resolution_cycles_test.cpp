@@ -293,6 +293,14 @@ TEST_F(ConrefCopiesTest, AStartThatNestsTooDeeplyIsReportedAndTheElementKeepsIts
     EXPECT_EQ(console(), notFound("p", "deep", "d.dita"));
 }
 
+TEST_F(ConrefCopiesTest, ContentThatNestsTooDeeplyOnlyWhereItIsToStandIsReportedToo) {
+    const std::string around = nestedElements(3000, "<p conref='#t/deep'>own</p>");
+    const std::string deep = "<p id='deep'>" + nestedElements(3000) + "</p>";
+    const std::string result = resolved(around + deep);
+    EXPECT_NE(result.find("<p>own</p>"), std::string::npos);
+    EXPECT_EQ(console(), notFound("p", "deep", "d.dita"));
+}
+
 TEST_F(ConrefCopiesTest, AMemberOfARangeThatNestsTooDeeplyIsReportedAndLeftOut) {
     const std::string result =
         resolved("<p conref='#t/a' conrefend='#t/c'/><p id='a'>A</p><p id='deep'>" +

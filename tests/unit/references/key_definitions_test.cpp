@@ -1,5 +1,6 @@
 #include "references/key_definitions.h"
 
+#include "support/publish_exception.h"
 #include "tests/unit/references/key_samples.h"
 #include "xml/grammar_parser_cache.h"
 
@@ -332,6 +333,17 @@ TEST_F(PullKeyContentTest, AppendsToWhatIsThere) {
     DOMDocument& document = loadSample("a.dita", "<topic><ph id='e'>own </ph></topic>");
     pullKeyContent(byId(document, "e"), *definitionOf(keySpace, u"k"), false);
     EXPECT_EQ(shown(byId(document, "e")), R"(<ph id="e">own N</ph>)");
+}
+
+TEST_F(PullKeyContentTest, ContentThatWouldNestTooDeeplyEndsTheRun) {
+    KeySpace keySpace = keySpaceOf("<keydef keys='k'><topicmeta><navtitle>" + nestedElements(3000) +
+                                   "</navtitle></topicmeta></keydef>");
+    DOMDocument& document =
+        loadSample("a.dita", "<topic>" + nestedElements(3000, "<ph id='e'/>") + "</topic>");
+    EXPECT_THROW(pullKeyContent(byId(document, "e"), *definitionOf(keySpace, u"k"), false),
+                 PublishException);
+    DOMDocument& flat = loadSample("b.dita", "<topic><ph id='e'/></topic>");
+    EXPECT_TRUE(pullKeyContent(byId(flat, "e"), *definitionOf(keySpace, u"k"), false));
 }
 
 TEST_F(PullKeyContentTest, WithoutDtdEveryTypeIsOneWithoutHref) {
