@@ -1,3 +1,5 @@
+set(is_optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+
 # What every target of this project is compiled with; linked privately, so that
 # nothing of it reaches those who use a target.
 add_library(marrowpress_build_flags INTERFACE)
@@ -12,7 +14,20 @@ target_compile_options(
               -Woverloaded-virtual
               -Wconversion
               -Wno-sign-conversion
+              -Wformat=2
               $<$<BOOL:${MARROWPRESS_WERROR}>:-Werror>)
+
+# Documents come from strangers, and the module runs inside somebody else's process.
+# scripts/check-hardening looks for all of it in what was built.
+target_compile_options(marrowpress_build_flags INTERFACE -fstack-protector-strong)
+target_link_options(marrowpress_build_flags INTERFACE LINKER:-z,relro LINKER:-z,now)
+if(NOT MARROWPRESS_SANITIZE)
+    # It needs the optimiser, and would hide calls from the sanitizers.
+    target_compile_options(
+        marrowpress_build_flags
+        INTERFACE "$<${is_optimised}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+
 if(MARROWPRESS_SANITIZE)
     set(sanitize -fsanitize=${MARROWPRESS_SANITIZE} -fno-sanitize-recover=all
                  -fno-omit-frame-pointer)
