@@ -27,7 +27,8 @@ std::vector<std::string> readRequests(const HostOptions& options) {
     std::vector<std::string> texts;
     for (const std::string& request : options.requests) {
         try {
-            texts.push_back(request == "-" ? readStandardInput() : readFile(request));
+            texts.push_back(request == "-" ? readStandardInput(kMostInputBytes)
+                                           : readFile(request, kMostInputBytes));
         } catch (const std::system_error& fault) {
             throw ArgumentFault(std::string("REQUEST: ") + fault.what());
         }

@@ -17,11 +17,14 @@ struct CloseFile {
     throw std::system_error(error, std::generic_category(), what);
 }
 
-/// The rest of `file`; `what` begins the text of the error.
-std::string readAll(std::FILE& file, const std::string& what) {
+/// The rest of `file`, which has `mostBytes` at most; `what` begins the text of the error.
+std::string readAll(std::FILE& file, const std::string& what, std::size_t mostBytes) {
     std::string text;
     std::array<char, 65536> block;
     while (const std::size_t count = std::fread(block.data(), 1, block.size(), &file)) {
+        if (count > mostBytes - text.size()) {
+            throwUnreadable(what, EFBIG);
+        }
         text.append(block.data(), count);
     }
     if (std::ferror(&file) != 0) {
@@ -32,16 +35,16 @@ std::string readAll(std::FILE& file, const std::string& what) {
 
 }  // namespace
 
-std::string readFile(const std::string& path) {
+std::string readFile(const std::string& path, std::size_t mostBytes) {
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rbe"));
     if (!file) {
         throwUnreadable(path, errno);
     }
-    return readAll(*file, path);
+    return readAll(*file, path, mostBytes);
 }
 
-std::string readStandardInput() {
-    return readAll(*stdin, "cannot read standard input");
+std::string readStandardInput(std::size_t mostBytes) {
+    return readAll(*stdin, "cannot read standard input", mostBytes);
 }
 
 }  // namespace marrowpress

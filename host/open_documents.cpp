@@ -110,7 +110,7 @@ std::vector<OpenDocument> parseOpenDocuments(std::string_view json) {
 }
 
 std::vector<OpenDocument> readOpenDocuments(const std::string& path) {
-    const std::string json = readFile(path);
+    const std::string json = readFile(path, kMostInputBytes);
     try {
         return parseOpenDocuments(json);
     } catch (const std::runtime_error& fault) {

@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <thread>
 
 #include "tests/cli/command_fixture.h"
+#include "tests/support/file_conditions.h"
 
 namespace marrowpress {
 namespace {
@@ -348,6 +352,38 @@ TEST_F(CommandTest, HostNeverEmptiesWhatItReads) {
     EXPECT_EQ(run({"host", "1.json", "--no-xml-utilities", "--trace", "catalog.xml"}, setting).code,
               0);
     EXPECT_TRUE(folder_.read("catalog.xml").starts_with("{\"op\""));
+}
+
+TEST_F(CommandTest, HostReadsNoInputWithoutAnEnd) {
+    const std::string help = ": File too large\nRun `marrowpress host --help` for help.\n";
+    CommandSetting setting;
+    setting.inputFile = "/dev/zero";
+    const CommandResult endless = run({"host", "-"}, setting);
+    EXPECT_EQ(endless.code, 2);
+    EXPECT_EQ(endless.err, "marrowpress host: REQUEST: cannot read standard input" + help);
+
+    // Somebody who goes on writing until nobody reads any more.
+    makePipe(folder_.file("pipe"));
+    std::thread writer([this] {
+        sigset_t signals;
+        sigemptyset(&signals);
+        sigaddset(&signals, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        std::ofstream pipe(folder_.path() / "pipe", std::ios::binary);
+        const std::string block(1 << 20, ' ');
+        while (pipe.write(block.data(), static_cast<std::streamsize>(block.size()))) {
+        }
+    });
+    const CommandResult pipe = run({"host", "pipe"});
+    writer.join();
+    EXPECT_EQ(pipe.code, 2);
+    EXPECT_EQ(pipe.err, "marrowpress host: REQUEST: pipe" + help);
+
+    setting.inputFile.reset();
+    setting.input = "{}";
+    const CommandResult documents = run({"host", "-", "--open-documents", "/dev/zero"}, setting);
+    EXPECT_EQ(documents.code, 2);
+    EXPECT_EQ(documents.err, "marrowpress host: --open-documents: /dev/zero" + help);
 }
 
 TEST_F(CommandTest, HostRefusesAStandardInputThatCannotBeRead) {

@@ -84,6 +84,13 @@ TEST_F(HostCommandTest, TheTraceMayBeWrittenOverNoSource) {
     EXPECT_EQ(folder.read("source"), "[]");
 }
 
+TEST_F(HostCommandTest, ARequestWithoutAnEndStartsNothing) {
+    options.requests = {"/dev/zero"};
+    options.trace = folder.file("trace");
+    EXPECT_EQ(faultOf(), "marrowpress host: REQUEST: /dev/zero: File too large");
+    EXPECT_FALSE(folder.exists("trace"));
+}
+
 TEST_F(HostCommandTest, TheTraceMustBeWritable) {
     options.requests = {folder.write("request.json", "{}")};
     options.trace = folder.file("none/trace");

@@ -14,9 +14,9 @@ namespace {
 class ReadFileTest : public testing::Test {
 protected:
     /// What is said about a file that can't be read.
-    std::string faultOf(const std::string& path) const {
+    std::string faultOf(const std::string& path, std::size_t mostBytes = kNoLimit) const {
         try {
-            readFile(path);
+            readFile(path, mostBytes);
             return "(none)";
         } catch (const std::system_error& fault) {
             return fault.what();
@@ -50,6 +50,17 @@ TEST_F(ReadFileTest, NamesThePathAndTheReason) {
     std::filesystem::permissions(closed, std::filesystem::perms::none);
     const WithoutRights nobody;
     EXPECT_EQ(faultOf(closed), closed + ": Permission denied");
+}
+
+TEST_F(ReadFileTest, ReadsNoMoreThanItMay) {
+    for (const std::size_t most : {0U, 1U, 65535U, 65536U, 65537U, 200000U}) {
+        const std::string text(most, 'x');
+        EXPECT_EQ(readFile(folder.write("text", text), most), text) << most;
+        const std::string longer = folder.write("longer", text + "x");
+        EXPECT_EQ(faultOf(longer, most), longer + ": File too large") << most;
+    }
+    const Watchdog watchdog(60);
+    EXPECT_EQ(faultOf("/dev/zero", kMostInputBytes), "/dev/zero: File too large");
 }
 
 TEST_F(ReadFileTest, LeavesNothingOpen) {

@@ -98,6 +98,7 @@ TEST(OpenDocumentsTest, ErrorsNameTheFile) {
     EXPECT_EQ(faultOfFile(folder.path().string()), folder.path().string() + ": Is a directory");
     const std::string object = folder.write("object.json", "{}");
     EXPECT_EQ(faultOfFile(object), object + ": is not a JSON array");
+    EXPECT_EQ(faultOfFile("/dev/zero"), "/dev/zero: File too large");
 }
 
 }  // namespace
