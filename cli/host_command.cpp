@@ -8,7 +8,9 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "cli/file_place.h"
 #include "cli/public_ids.h"
+#include "cli/request_files.h"
 #include "host/client_session.h"
 #include "host/file_text.h"
 #include "host/open_documents.h"
@@ -47,23 +49,23 @@ std::vector<OpenDocument> openDocumentsOf(const HostOptions& options) {
     }
 }
 
+/// Whether the trace's file is there and could not be emptied: a pipe or a device loses nothing.
+bool isIrregular(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored) &&
+           !std::filesystem::is_regular_file(path, ignored);
+}
+
 void rejectTraceOver(const HostOptions& options, const std::string& argument,
                      const std::filesystem::path& source) {
-    std::error_code ignored;
-    // Only a regular file loses something when it is emptied.
-    if (!std::filesystem::is_regular_file(*options.trace, ignored) ||
-        !std::filesystem::equivalent(*options.trace, source, ignored)) {
+    if (!haveOnePlace(*options.trace, source)) {
         return;
     }
     throw ArgumentFault("--trace: " + *options.trace + " is also " + argument +
                         ", and would be emptied; choose another file");
 }
 
-/// The trace's file is emptied when it is opened: nothing that the run reads may be there.
-void rejectTraceOverSources(const HostOptions& options) {
-    if (!options.trace) {
-        return;
-    }
+void rejectTraceOverArguments(const HostOptions& options) {
     for (const std::string& request : options.requests) {
         if (request == "-") {
             rejectTraceOver(options, "what standard input reads", "/dev/stdin");
@@ -80,6 +82,29 @@ void rejectTraceOverSources(const HostOptions& options) {
     for (const std::filesystem::path& catalog : catalogFiles(options.catalogs)) {
         rejectTraceOver(options, options.catalogs.empty() ? "a default catalog" : "a --catalog",
                         catalog);
+    }
+}
+
+/// A run reads its map and its profile, and removes what is in the place of its output.
+void rejectTraceOverFilesOf(const std::string& request, const std::string& text,
+                            const HostOptions& options) {
+    for (const RequestFile& file : filesOfRequest(text)) {
+        if (haveOnePlace(*options.trace, file.path)) {
+            throw ArgumentFault("--trace: " + *options.trace + " is also " + file.name +
+                                " of REQUEST " + request + "; choose another file");
+        }
+    }
+}
+
+/// The trace's file is emptied when it is opened: nothing that the run reads or writes may be
+/// there.
+void rejectTraceOverFiles(const HostOptions& options, const std::vector<std::string>& texts) {
+    if (!options.trace || isIrregular(*options.trace)) {
+        return;
+    }
+    rejectTraceOverArguments(options);
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        rejectTraceOverFilesOf(options.requests[index], texts[index], options);
     }
 }
 
@@ -153,7 +178,7 @@ ExitCode runChecked(const HostOptions& options, const Streams& streams) {
     if (const std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) {
         throw ArgumentFault(*fault);
     }
-    rejectTraceOverSources(options);
+    rejectTraceOverFiles(options, requests);
     StandInHostOptions host = makeHostOptions(options, streams.err);
     TraceFile trace(options.trace);
     host.trace = trace.trace();

@@ -354,6 +354,48 @@ TEST_F(CommandTest, HostNeverEmptiesWhatItReads) {
     EXPECT_TRUE(folder_.read("catalog.xml").starts_with("{\"op\""));
 }
 
+TEST_F(CommandTest, HostNeverTracesOverAFileThatARequestNames) {
+    std::string text = request("out/m.dita");
+    const std::string profile = R"("ditaVal":")";
+    text.insert(text.find(profile) + profile.size(), "p.ditaval");
+    folder_.write("1.json", text);
+    folder_.write("p.ditaval", "<val/>");
+    ASSERT_EQ(publish().code, 0);
+    std::filesystem::create_symlink("docs/m.ditamap", folder_.path() / "link");
+    std::filesystem::create_hard_link(folder_.path() / "docs/m.ditamap", folder_.path() / "hard");
+    std::filesystem::create_symlink("docs", folder_.path() / "other");
+    const std::string output = folder_.read("out/m.dita");
+    const std::string map = folder_.read("docs/m.ditamap");
+    const struct {
+        const char* trace;
+        const char* name;
+    } cases[] = {{"docs/m.ditamap", "\"ditamap\""},
+                 {"out/../docs//m.ditamap", "\"ditamap\""},
+                 {"link", "\"ditamap\""},
+                 {"hard", "\"ditamap\""},
+                 {"other/m.ditamap", "\"ditamap\""},
+                 {"p.ditaval", "\"ditaVal\""},
+                 {"out/m.dita", "\"output\""},
+                 {"out/m.dita_tmp", "a temporary file"},
+                 {"out/KeyspaceDoc.ditamap", "a temporary file"}};
+    for (const auto& expected : cases) {
+        const std::string trace = expected.trace;
+        const CommandResult result =
+            run({"host", "1.json", "--catalog", "catalog.xml", "--trace", trace});
+        EXPECT_EQ(result.code, 2);
+        EXPECT_EQ(result.err, "marrowpress host: --trace: " + trace + " is also " + expected.name +
+                                  " of REQUEST 1.json; choose another file\n"
+                                  "Run `marrowpress host --help` for help.\n");
+    }
+    EXPECT_EQ(folder_.read("docs/m.ditamap"), map);
+    EXPECT_EQ(folder_.read("p.ditaval"), "<val/>");
+    EXPECT_EQ(folder_.read("out/m.dita"), output);
+    EXPECT_FALSE(folder_.exists("out/m.dita_tmp"));
+
+    EXPECT_EQ(run({"host", "1.json", "--catalog", "catalog.xml", "--trace", "out/trace"}).code, 0);
+    EXPECT_TRUE(folder_.read("out/trace").starts_with("{\"op\""));
+}
+
 TEST_F(CommandTest, HostReadsNoInputWithoutAnEnd) {
     const std::string help = ": File too large\nRun `marrowpress host --help` for help.\n";
     CommandSetting setting;

@@ -84,6 +84,25 @@ TEST_F(HostCommandTest, TheTraceMayBeWrittenOverNoSource) {
     EXPECT_EQ(folder.read("source"), "[]");
 }
 
+TEST_F(HostCommandTest, TheTraceMayBeWrittenOverNothingThatARequestNames) {
+    const std::string map = folder.write("m.ditamap", "<map/>");
+    const std::string request =
+        folder.write("request.json", R"({"type":"PublishComp","params":{"ditamap":")" + map +
+                                         R"(","output":")" + folder.file("out.dita") + R"("}})");
+    options.requests = {request};
+    options.trace = map;
+    const std::string end = " of REQUEST " + request + "; choose another file";
+    EXPECT_EQ(faultOf(), "marrowpress host: --trace: " + map + " is also \"ditamap\"" + end);
+    EXPECT_EQ(folder.read("m.ditamap"), "<map/>");
+    options.trace = folder.file("out.dita");
+    EXPECT_EQ(faultOf(),
+              "marrowpress host: --trace: " + *options.trace + " is also \"output\"" + end);
+    EXPECT_FALSE(folder.exists("out.dita"));
+    options.trace = folder.file("KeyspaceDoc.ditamap");
+    EXPECT_EQ(faultOf(),
+              "marrowpress host: --trace: " + *options.trace + " is also a temporary file" + end);
+}
+
 TEST_F(HostCommandTest, ARequestWithoutAnEndStartsNothing) {
     options.requests = {"/dev/zero"};
     options.trace = folder.file("trace");
