@@ -20,8 +20,10 @@ class StandInInterfaces;
 ///         const std::optional<TypedValues> answer = host.send(request);
 ///     }
 ///
-/// What a sink or the resolver throws ends in the interface method that called it, as a failed
-/// call: nothing is thrown through the client.
+/// What a sink throws ends in the interface method that called it, as a failed call. What ends a
+/// run early, though, is thrown into the client, which has to withstand that: that the resolver has
+/// no answer, or that the run was interrupted. Each further operation of the request throws it as
+/// well, but for those with which a client lets something go, or answers.
 class StandInHost {
 public:
     explicit StandInHost(StandInHostOptions options = {});
@@ -51,6 +53,9 @@ public:
     /// handed to `returnTypedValue`, the last if it did so more than once.
     ///
     /// Empty when no answer came: the client hasn't subscribed, or it answered nothing.
+    ///
+    /// @throws what was thrown into the client: `RunInterrupted`, or what the resolver throws. An
+    ///         answer is lost then.
     std::optional<TypedValues> send(const std::string& text);
 
     /// Terminates the client and lets it go. Does nothing when none is attached.

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,12 @@ namespace marrowpress {
 
 class Trace;
 
+/// What a host operation throws because somebody wants the run to end.
+class RunInterrupted : public std::runtime_error {
+public:
+    RunInterrupted() : std::runtime_error("the run was interrupted") {}
+};
+
 /// What a stand-in host has to offer. Every member may be left as it is.
 struct StandInHostOptions {
     using PublicIdResolver = std::function<std::optional<std::string>(std::string_view)>;
@@ -23,7 +30,8 @@ struct StandInHostOptions {
 
     /// The session's open documents, in order.
     std::vector<OpenDocument> openDocuments;
-    /// Answers for the client "XmlUtilities", which does not exist without it.
+    /// Answers for the client "XmlUtilities", which does not exist without it. One that throws has
+    /// no answer, and ends the run.
     PublicIdResolver resolvePublicId;
     /// Takes the text of each progress line.
     LineSink onProgress;
@@ -32,6 +40,8 @@ struct StandInHostOptions {
     ConsoleSink onConsole;
     /// Takes what a run meets. Without it the host has no observer.
     ObservationSink onObservation;
+    /// Asked at each operation of a request, whether its run is to end early.
+    std::function<bool()> isInterrupted;
     /// Gets every host operation; must outlive the host.
     Trace* trace = nullptr;
 };

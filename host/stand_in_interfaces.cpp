@@ -17,6 +17,13 @@ bool isProperty(std::uint32_t number, HostProperty property) {
     return number == static_cast<std::uint32_t>(property);
 }
 
+/// Whether the command to "XmlUtilities" lets something go, as whoever cleans up does.
+bool letsGo(std::string_view command) {
+    const std::optional<XmlUtilitiesCommand> parsed = parseXmlUtilitiesCommand(command);
+    return parsed && (parsed->kind == XmlUtilitiesCommand::Kind::kEnd ||
+                      parsed->kind == XmlUtilitiesCommand::Kind::kTerminate);
+}
+
 /// Runs one interface method; nothing that it throws gets to the client.
 template <class Body>
 ComStatus guarded(const Body& body) noexcept {
@@ -61,12 +68,29 @@ bool StandInInterfaces::isSubscribed(std::uint32_t notification) const {
 
 void StandInInterfaces::beginCall() {
     answer_.reset();
+    failure_ = nullptr;
     isInCall_ = true;
 }
 
 std::optional<TypedValues> StandInInterfaces::endCall() {
     isInCall_ = false;
-    return std::exchange(answer_, std::nullopt);
+    std::optional<TypedValues> answer = std::exchange(answer_, std::nullopt);
+    if (const std::exception_ptr failure = std::exchange(failure_, nullptr)) {
+        std::rethrow_exception(failure);
+    }
+    return answer;
+}
+
+void StandInInterfaces::requireGoingOn() {
+    if (!isInCall_) {
+        return;
+    }
+    if (!failure_ && options_.isInterrupted && options_.isInterrupted()) {
+        failure_ = std::make_exception_ptr(RunInterrupted());
+    }
+    if (failure_) {
+        std::rethrow_exception(failure_);
+    }
 }
 
 ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object) {
@@ -155,6 +179,9 @@ bool StandInInterfaces::hasXmlUtilities(std::string_view client) const {
 
 ComStatus StandInInterfaces::callClient(const char* client, const char* command,
                                         std::int32_t* result, std::int32_t* hostStatus) {
+    if (!letsGo(viewOf(command))) {
+        requireGoingOn();
+    }
     return guarded([&] {
         const bool exists = hasXmlUtilities(viewOf(client));
         const bool isKnown = exists && parseXmlUtilitiesCommand(viewOf(command)).has_value();
@@ -166,21 +193,27 @@ ComStatus StandInInterfaces::callClient(const char* client, const char* command,
     });
 }
 
-std::optional<std::string> StandInInterfaces::resolve(std::string_view command) const {
+std::optional<std::string> StandInInterfaces::resolve(std::string_view command) {
     const std::optional<XmlUtilitiesCommand> parsed = parseXmlUtilitiesCommand(command);
     if (!parsed || parsed->kind != XmlUtilitiesCommand::Kind::kResolveEntity) {
         return std::nullopt;
     }
-    return options_.resolvePublicId(parsed->publicId);
+    try {
+        return options_.resolvePublicId(parsed->publicId);
+    } catch (...) {
+        failure_ = std::current_exception();
+        throw;
+    }
 }
 
 ComStatus StandInInterfaces::callClientTyped(const char* client, const char* command,
                                              HostTypedValueList* reply, std::int32_t* hostStatus) {
+    requireGoingOn();
+    set(reply, HostTypedValueList{0, nullptr});
+    const bool exists = hasXmlUtilities(viewOf(client));
+    set(hostStatus, exists ? kHostOk : kHostRefused);
+    const std::optional<std::string> path = exists ? resolve(viewOf(command)) : std::nullopt;
     return guarded([&] {
-        set(reply, HostTypedValueList{0, nullptr});
-        const bool exists = hasXmlUtilities(viewOf(client));
-        set(hostStatus, exists ? kHostOk : kHostRefused);
-        const std::optional<std::string> path = exists ? resolve(viewOf(command)) : std::nullopt;
         if (options_.trace) {
             TypedValues shown;
             if (path) {
@@ -220,6 +253,7 @@ const OpenDocument* StandInInterfaces::findDocument(std::uint32_t id) const {
 ComStatus StandInInterfaces::getIntProp(std::uint32_t /*context*/, std::uint32_t object,
                                         std::uint32_t property, std::int32_t* value,
                                         std::int32_t* hostStatus) {
+    requireGoingOn();
     return guarded([&] {
         const OpenDocument* const document =
             isProperty(property, HostProperty::kDocumentFlag) ? findDocument(object) : nullptr;
@@ -251,6 +285,7 @@ std::optional<std::uint32_t> StandInInterfaces::idProperty(std::uint32_t object,
 ComStatus StandInInterfaces::getIdProp(std::uint32_t /*context*/, std::uint32_t object,
                                        std::uint32_t property, std::uint32_t* value,
                                        std::int32_t* hostStatus) {
+    requireGoingOn();
     return guarded([&] {
         const std::optional<std::uint32_t> result = idProperty(object, property);
         set(value, result.value_or(0));
@@ -264,6 +299,7 @@ ComStatus StandInInterfaces::getIdProp(std::uint32_t /*context*/, std::uint32_t 
 ComStatus StandInInterfaces::getStringProp(std::uint32_t /*context*/, std::uint32_t object,
                                            std::uint32_t property, char** value,
                                            std::int32_t* hostStatus) {
+    requireGoingOn();
     return guarded([&] {
         set<char*>(value, nullptr);
         const OpenDocument* const document =
@@ -281,6 +317,7 @@ ComStatus StandInInterfaces::getStringProp(std::uint32_t /*context*/, std::uint3
 
 ComStatus StandInInterfaces::reportProgress(std::int32_t kind, const char* text,
                                             std::int32_t number, std::int32_t* hostStatus) {
+    requireGoingOn();
     return guarded([&] {
         set(hostStatus, kHostOk);
         if (options_.trace) {
@@ -293,6 +330,7 @@ ComStatus StandInInterfaces::reportProgress(std::int32_t kind, const char* text,
 }
 
 ComStatus StandInInterfaces::write(const char* text, std::int32_t* hostStatus) {
+    requireGoingOn();
     return guarded([&] {
         set(hostStatus, kHostOk);
         if (options_.trace) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <optional>
 #include <set>
@@ -38,6 +39,7 @@ public:
     bool isSubscribed(std::uint32_t notification) const;
     /// Opens a client call; its answer is what is returned until `endCall`.
     void beginCall();
+    /// @throws what an operation of the call threw to end it.
     std::optional<TypedValues> endCall();
 
     ComStatus queryInterface(const InterfaceId& id, void** object) override;
@@ -73,7 +75,9 @@ private:
     const OpenDocument* findDocument(std::uint32_t id) const;
     std::optional<std::uint32_t> idProperty(std::uint32_t object, std::uint32_t property) const;
     bool hasXmlUtilities(std::string_view client) const;
-    std::optional<std::string> resolve(std::string_view command) const;
+    std::optional<std::string> resolve(std::string_view command);
+    /// Throws when the call that is open is to end early.
+    void requireGoingOn();
 
     StandInHostOptions options_;
     std::uint32_t references_ = 0;
@@ -82,6 +86,7 @@ private:
     std::set<std::uint32_t> notifications_;
     bool isInCall_ = false;
     std::optional<TypedValues> answer_;
+    std::exception_ptr failure_;  ///< Why the call is to end early.
 };
 
 }  // namespace marrowpress

@@ -159,6 +159,25 @@ TEST_F(StandInHostTest, TakesAnEmptyAnswerForAnAnswer) {
     EXPECT_EQ(host->send("x"), TypedValues());
 }
 
+TEST_F(StandInHostTest, TellsWhatItThrewIntoTheClient) {
+    StandInHostOptions options;
+    bool isInterrupted = true;
+    options.isInterrupted = [&] { return isInterrupted; };
+    const auto host = start(options);
+    client_.onNotify = [](IHostClients& clients) {
+        try {
+            clients.callClient("XmlUtilities", "EntityResolver start -basefile \"/m\"", nullptr,
+                               nullptr);
+        } catch (const std::exception&) {
+            // As a client has to withstand it.
+        }
+        clients.returnTypedValue(makeAnswer(), nullptr, nullptr);
+    };
+    EXPECT_THROW(host->send("x"), RunInterrupted);
+    isInterrupted = false;
+    EXPECT_EQ(host->send("x"), kExpectedAnswer);
+}
+
 TEST_F(StandInHostTest, RefusesAnAnswerOutsideOfACall) {
     const auto host = start();
     std::int32_t status = 0;

@@ -18,6 +18,7 @@ protected:
     InterfaceRef<Interface> query() const {
         return InterfaceRef<Interface>::query(&interfaces_->provider());
     }
+    StandInInterfaces& host() { return *interfaces_; }
     void make(StandInHostOptions options) {
         interfaces_ = std::make_shared<StandInInterfaces>(std::move(options));
     }
@@ -198,18 +199,108 @@ TEST_F(StandInInterfacesTest, ShowsLinesAsTheyAre) {
     EXPECT_EQ(lines, (std::vector<std::string>{"50 %s", "%n%n\r\n", unwritten}));
 }
 
-TEST_F(StandInInterfacesTest, ThrowsNothingThroughTheClient) {
+TEST_F(StandInInterfacesTest, ASinkThatThrowsFailsTheCall) {
     StandInHostOptions options;
     options.onConsole = [](std::optional<MessageId>, std::string_view) {
         throw std::runtime_error("full");
     };
-    options.resolvePublicId = [](std::string_view) -> std::optional<std::string> { throw 1; };
     make(options);
     EXPECT_EQ(query<IHostConsole>()->write("x", nullptr), kComFailed);
+}
+
+/// Calls each operation that a run uses, and counts those that throw.
+class EarlyEndTest : public StandInInterfacesTest {
+protected:
+    int countThrowing() {
+        int count = 0;
+        const auto call = [&count](const auto& operation) {
+            try {
+                EXPECT_EQ(operation(), kComOk);
+            } catch (const std::runtime_error&) {
+                ++count;
+            }
+        };
+        const auto properties = query<IHostProperties>();
+        const auto clients = query<IHostClients>();
+        std::int32_t number = 0;
+        std::uint32_t id = 0;
+        char* text = nullptr;
+        HostTypedValueList reply{0, nullptr};
+        call([&] { return properties->getIntProp(0, 7, 131, &number, nullptr); });
+        call([&] { return properties->getIdProp(0, 0, 53, &id, nullptr); });
+        call([&] { return properties->getStringProp(0, 7, 89, &text, nullptr); });
+        call([&] { return query<IHostProgress>()->reportProgress(4, "x", -1, nullptr); });
+        call([&] { return query<IHostConsole>()->write("x", nullptr); });
+        call([&] { return clients->callClient("XmlUtilities", kStart, &number, nullptr); });
+        call([&] { return clients->callClientTyped("XmlUtilities", "x", &reply, nullptr); });
+        std::free(text);
+        releaseTypedValues(reply);
+        return count;
+    }
+
+    static constexpr const char* kStart = "EntityResolver start -basefile \"/m\"";
+    static constexpr int kOperations = 7;
+};
+
+TEST_F(EarlyEndTest, EachOperationOfAnInterruptedRunThrows) {
+    bool isInterrupted = false;
+    StandInHostOptions options;
+    options.isInterrupted = [&] { return isInterrupted; };
+    make(options);
+    host().beginCall();
+    EXPECT_EQ(countThrowing(), 0);
+    isInterrupted = true;
+    EXPECT_EQ(countThrowing(), kOperations);
+    // Whatever was asked for once stays so.
+    isInterrupted = false;
+    EXPECT_EQ(countThrowing(), kOperations);
+    EXPECT_THROW(host().endCall(), RunInterrupted);
+    EXPECT_EQ(countThrowing(), 0);
+    host().beginCall();
+    EXPECT_EQ(countThrowing(), 0);
+    EXPECT_EQ(host().endCall(), std::nullopt);
+}
+
+TEST_F(EarlyEndTest, OutsideOfARequestNothingIsInterrupted) {
+    StandInHostOptions options;
+    options.isInterrupted = [] { return true; };
+    make(options);
+    EXPECT_EQ(countThrowing(), 0);
+}
+
+TEST_F(EarlyEndTest, WhoCleansUpAndWhoAnswersIsNotInterrupted) {
+    StandInHostOptions options;
+    options.isInterrupted = [] { return true; };
+    make(options);
+    host().beginCall();
+    const auto clients = query<IHostClients>();
+    for (const char* const command : {"EntityResolver end", "EntityResolver terminate"}) {
+        EXPECT_EQ(clients->callClient("XmlUtilities", command, nullptr, nullptr), kComOk);
+    }
+    EXPECT_EQ(clients->returnTypedValue({0, nullptr}, nullptr, nullptr), kComOk);
+    EXPECT_EQ(host().endCall(), TypedValues());
+}
+
+TEST_F(EarlyEndTest, AResolverThatThrowsEndsTheRun) {
+    StandInHostOptions options;
+    options.resolvePublicId = [](std::string_view) -> std::optional<std::string> {
+        throw std::runtime_error("no handle");
+    };
+    make(options);
+    host().beginCall();
     HostTypedValueList reply{9, nullptr};
-    EXPECT_EQ(query<IHostClients>()->callClientTyped("XmlUtilities", kResolveMap, &reply, nullptr),
-              kComFailed);
+    std::int32_t status = 0;
+    EXPECT_THROW(
+        query<IHostClients>()->callClientTyped("XmlUtilities", kResolveMap, &reply, &status),
+        std::runtime_error);
     EXPECT_EQ(reply.count, 0U);
+    EXPECT_EQ(countThrowing(), kOperations);
+    try {
+        host().endCall();
+        FAIL();
+    } catch (const std::runtime_error& failure) {
+        EXPECT_STREQ(failure.what(), "no handle");
+    }
 }
 
 }  // namespace
