@@ -39,6 +39,26 @@ std::string toCatalogUri(const std::string& catalog) {
     return toFileUri(catalogPath(catalog).string());
 }
 
+/// Resolvers that are alive.
+int resolverCount = 0;
+
+/// Why libxml2 keeps a catalog as unreadable that may be readable.
+std::error_code keptFailure;
+
+/// Fails when a catalog could not be read now or earlier: it may have known the answer.
+void requireCompleteCatalogs() {
+    const std::error_code failure = takeLibxmlFailure();
+    if (!keptFailure) {
+        keptFailure = failure;
+    }
+    if (keptFailure) {
+        throw std::system_error(keptFailure, "cannot read the catalogs");
+    }
+}
+
+/// Asked for what none has, each catalog is read.
+constexpr const char* kUnknownId = "none";
+
 bool isCatalog(const xmlDoc& document) {
     const xmlNode* const root = xmlDocGetRootElement(&document);
     return root && asText(root->name) == "catalog" && root->ns &&
@@ -51,6 +71,20 @@ void CatalogResolver::FreeCatalog::operator()(void* catalog) const noexcept {
     xmlCatalogFreeLocal(catalog);
 }
 
+CatalogResolver::SharedCatalogs::SharedCatalogs() {
+    ++resolverCount;
+    // What others did with libxml2 has nothing to do with catalogs.
+    static_cast<void>(takeLibxmlFailure());
+}
+
+CatalogResolver::SharedCatalogs::~SharedCatalogs() {
+    --resolverCount;
+    if (resolverCount == 0 && keptFailure) {
+        xmlCatalogCleanup();
+        keptFailure.clear();
+    }
+}
+
 CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs) {
     restrictLibxmlToLocalFiles();
     xmlCatalogSetDefaultPrefer(XML_CATA_PREFER_PUBLIC);
@@ -59,7 +93,9 @@ CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs) {
         // One list for each: within one list, an entry that delegates would keep the catalogs
         // behind it from being asked.
         catalogs_.emplace_back(xmlCatalogAddLocal(nullptr, asXml(uri)));
+        requireCompleteCatalogs();
     }
+    static_cast<void>(ask(kUnknownId));
 }
 
 std::optional<std::string> CatalogResolver::resolvePublic(std::string_view publicId) {
@@ -75,9 +111,11 @@ std::optional<std::string> CatalogResolver::ask(const std::string& publicId) con
     if (publicId.empty()) {
         return std::nullopt;
     }
+    static_cast<void>(takeLibxmlFailure());
     for (const Catalog& catalog : catalogs_) {
         const std::unique_ptr<xmlChar, FreeText> uri(
             xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));
+        requireCompleteCatalogs();
         if (!uri) {
             continue;
         }

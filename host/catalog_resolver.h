@@ -12,16 +12,28 @@ namespace marrowpress {
 
 /// Says which local file a public identifier stands for, from OASIS XML Catalogs.
 ///
-/// Catalogs are asked in order, and the first that knows the identifier answers. Each is read when
-/// it is first asked, and answers are kept, misses too: a later change of a catalog is not seen.
-/// What a catalog refers to is followed on this machine only, never over the network.
+/// Catalogs are asked in order, and the first that knows the identifier answers. All are read at
+/// the start, but for those that one delegates to, which are read when they are first asked.
+/// Answers are kept, misses too: a later change of a catalog is not seen. What a catalog refers to
+/// is followed on this machine only, never over the network.
+///
+/// One that could not be read for want of file descriptors or memory is no miss: from then on every
+/// question to any resolver fails. Once none is left, nothing of that is known any more.
 class CatalogResolver {
 public:
     /// `catalogs` are paths or `file:` URIs. One that cannot be read knows nothing.
+    ///
+    /// @throws std::system_error that says "cannot read the catalogs", and why, for want of
+    ///         descriptors or memory.
     explicit CatalogResolver(const std::vector<std::string>& catalogs);
+    CatalogResolver(const CatalogResolver&) = delete;
+    CatalogResolver& operator=(const CatalogResolver&) = delete;
+    ~CatalogResolver() = default;
 
     /// The file's absolute path; empty when no catalog knows `publicId`, or the one that does
     /// points to something that is no local path. Whether the file exists is not asked.
+    ///
+    /// @throws std::system_error as the constructor does.
     std::optional<std::string> resolvePublic(std::string_view publicId);
 
 private:
@@ -30,8 +42,19 @@ private:
     };
     using Catalog = std::unique_ptr<void, FreeCatalog>;
 
+    /// What libxml2 keeps of catalogs for all resolvers goes with the last of them, when it holds
+    /// a failure.
+    class SharedCatalogs {
+    public:
+        SharedCatalogs();
+        SharedCatalogs(const SharedCatalogs&) = delete;
+        SharedCatalogs& operator=(const SharedCatalogs&) = delete;
+        ~SharedCatalogs();
+    };
+
     std::optional<std::string> ask(const std::string& publicId) const;
 
+    SharedCatalogs shared_;
     std::vector<Catalog> catalogs_;
     std::unordered_map<std::string, std::optional<std::string>> answers_;
 };

@@ -6,9 +6,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 namespace marrowpress {
 namespace {
@@ -61,9 +63,24 @@ std::optional<std::string> localPath(const char* name) {
     return fileUriToPath(name);
 }
 
+/// What `takeLibxmlFailure` gives, as an error of the system; 0 for none.
+int firstFailure = 0;
+
+/// Other errors are faults of the file.
+void noteFailure(int error) {
+    const bool isShortage = error == EMFILE || error == ENFILE || error == ENOMEM;
+    if (isShortage && firstFailure == 0) {
+        firstFailure = error;
+    }
+}
+
 bool isRegularFile(const std::string& path) {
     struct stat status {};
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    if (stat(path.c_str(), &status) != 0) {
+        noteFailure(errno);
+        return false;
+    }
+    return S_ISREG(status.st_mode);
 }
 
 bool isRegularFile(int descriptor) {
@@ -87,10 +104,12 @@ void* openLocalFile(const char* name) {
     }
     const int descriptor = open(path->c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) {
+        noteFailure(errno);
         return nullptr;
     }
     std::unique_ptr<std::FILE, CloseFile> file(fdopen(descriptor, "rb"));
     if (!file) {
+        noteFailure(errno);
         close(descriptor);
         return nullptr;
     }
@@ -101,7 +120,11 @@ void* openLocalFile(const char* name) {
 int readLocalFile(void* context, char* buffer, int length) {
     auto* const file = static_cast<std::FILE*>(context);
     const std::size_t count = std::fread(buffer, 1, static_cast<std::size_t>(length), file);
-    return std::ferror(file) != 0 ? -1 : static_cast<int>(count);
+    if (std::ferror(file) != 0) {
+        noteFailure(errno);
+        return -1;
+    }
+    return static_cast<int>(count);
 }
 
 int closeLocalFile(void* context) {
@@ -111,7 +134,11 @@ int closeLocalFile(void* context) {
 
 void ignoreError(void*, const char*, ...) {}
 
-void ignoreStructuredError(void*, xmlErrorPtr) {}
+void noteStructuredError(void*, xmlErrorPtr error) {
+    if (error && error->code == XML_ERR_NO_MEMORY) {
+        noteFailure(ENOMEM);
+    }
+}
 
 bool installRestrictions() {
     xmlInitParser();
@@ -119,7 +146,7 @@ bool installRestrictions() {
     xmlCleanupInputCallbacks();
     xmlRegisterInputCallbacks(matchesEveryName, openLocalFile, readLocalFile, closeLocalFile);
     xmlSetGenericErrorFunc(nullptr, ignoreError);
-    xmlSetStructuredErrorFunc(nullptr, ignoreStructuredError);
+    xmlSetStructuredErrorFunc(nullptr, noteStructuredError);
     return true;
 }
 
@@ -166,6 +193,10 @@ std::optional<std::string> fileUriToPath(std::string_view uri) {
 void restrictLibxmlToLocalFiles() {
     static const bool installed = installRestrictions();
     static_cast<void>(installed);
+}
+
+std::error_code takeLibxmlFailure() {
+    return {std::exchange(firstFailure, 0), std::generic_category()};
 }
 
 }  // namespace marrowpress

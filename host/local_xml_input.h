@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace marrowpress {
 
@@ -16,5 +17,9 @@ std::optional<std::string> fileUriToPath(std::string_view uri);
 /// Takes libxml2 off the network and off the terminal, once for the process: it opens regular
 /// files on this machine only, whatever a catalog points to, and keeps its diagnostics to itself.
 void restrictLibxmlToLocalFiles();
+
+/// The first failure of libxml2 for want of file descriptors or memory since the last call; empty
+/// when there was none. It tells its callers only that there is nothing, as of a missing file.
+std::error_code takeLibxmlFailure();
 
 }  // namespace marrowpress

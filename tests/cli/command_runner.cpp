@@ -7,6 +7,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <limits>
 #include <stdexcept>
 
 namespace marrowpress {
@@ -56,9 +57,9 @@ void dropRights() {
     }
 }
 
-void limitFileSize(unsigned bytes) {
-    const rlimit limit{bytes, bytes};
-    if (setrlimit(RLIMIT_FSIZE, &limit) != 0) {
+void limit(__rlimit_resource resource, unsigned most) {
+    const rlimit limit{most, most};
+    if (setrlimit(resource, &limit) != 0) {
         _exit(126);
     }
 }
@@ -102,13 +103,18 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
     setEnvironment(setting);
     resetSignals();
     if (setting.largestFile) {
-        limitFileSize(*setting.largestFile);
+        limit(RLIMIT_FSIZE, *setting.largestFile);
     }
     if (chdir((folder.path() / setting.currentFolder).c_str()) != 0) {
         _exit(126);
     }
     if (setting.isWithoutRights) {
         dropRights();
+    }
+    if (setting.mostHandles) {
+        // What whoever started the tests left open would count.
+        close_range(STDERR_FILENO + 1, std::numeric_limits<unsigned>::max(), 0);
+        limit(RLIMIT_NOFILE, *setting.mostHandles);
     }
 
     arguments.insert(arguments.begin(), MARROWPRESS_COMMAND);

@@ -24,6 +24,7 @@ struct CommandSetting {
     std::string currentFolder;            ///< Seen from the test's folder.
     bool isWithoutRights = false;         ///< As a user who may do nothing special.
     std::optional<unsigned> largestFile;  ///< Bytes that the command may write to one file.
+    std::optional<unsigned> mostHandles;  ///< Files that it may have open, streams included.
 };
 
 /// What the command left behind.

@@ -428,6 +428,34 @@ TEST_F(CommandTest, HostReadsNoInputWithoutAnEnd) {
     EXPECT_EQ(documents.err, "marrowpress host: --open-documents: /dev/zero" + help);
 }
 
+TEST_F(CommandTest, CatalogsThatCannotBeReadForWantOfHandlesAreAFailure) {
+    // What a catalog delegates is read when somebody asks for it, with the map still open.
+    folder_.write("delegating.xml",
+                  R"(<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog">)"
+                  R"(<delegatePublic publicIdStartString="-//OASIS" catalog="catalog.xml"/>)"
+                  "</catalog>");
+    folder_.write("1.json", request("out/m.dita"));
+    CommandSetting setting;
+    setting.mostHandles = 4;
+    const Texts commands[] = {{"host", "1.json"},
+                              {"publish", "docs/m.ditamap", "-f", "composite", "-o", "out/m.dita"},
+                              {"check", "docs/m.ditamap"}};
+    for (Texts arguments : commands) {
+        arguments.insert(arguments.end(), {"--catalog", "delegating.xml"});
+        const CommandResult result = run(arguments, setting);
+        EXPECT_EQ(result.code, 1) << arguments.front();
+        EXPECT_EQ(result.out, "");
+        const std::string fault = "marrowpress: cannot read the catalogs: Too many open files\n";
+        EXPECT_EQ(result.err, arguments.front() == "host"
+                                  ? shownProgress({processingKeySpaces()}) + fault
+                                  : fault);
+        EXPECT_FALSE(folder_.exists("out/m.dita"));
+        EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
+        EXPECT_EQ(run(arguments).code, 0) << arguments.front();
+        std::filesystem::remove(folder_.path() / "out/m.dita");
+    }
+}
+
 TEST_F(CommandTest, HostRefusesAStandardInputThatCannotBeRead) {
     const std::string start = "marrowpress host: REQUEST: cannot read standard input: ";
     const std::string help = "\nRun `marrowpress host --help` for help.\n";

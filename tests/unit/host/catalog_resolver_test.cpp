@@ -2,16 +2,22 @@
 
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <libxml/xmlmemory.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 
+#include "host/local_xml_input.h"
+#include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -91,6 +97,109 @@ TEST_F(CatalogResolverTest, KeepsItsAnswer) {
     EXPECT_EQ(resolver.resolvePublic(kMapId), folder_.file("map.dtd"));
     std::filesystem::remove(catalog);
     EXPECT_EQ(resolver.resolvePublic(kMapId), folder_.file("map.dtd"));
+}
+
+constexpr const char* kShortage = "cannot read the catalogs: Too many open files";
+
+/// What is said about a question that fails; the answer of one that does not.
+std::string faultOf(CatalogResolver& resolver, const std::string& publicId) {
+    try {
+        return resolver.resolvePublic(publicId).value_or("(unknown)");
+    } catch (const std::system_error& fault) {
+        return fault.what();
+    }
+}
+
+TEST_F(CatalogResolverTest, ReadsItsCatalogsAtTheStart) {
+    writeCatalog("next.xml", publicEntry("b", "b.dtd"));
+    CatalogResolver resolver({writeCatalog("1.xml", publicEntry("a", "a.dtd")),
+                              writeCatalog("2.xml", "<nextCatalog catalog='next.xml'/>")});
+    const NoFileHandles none;
+    EXPECT_EQ(faultOf(resolver, "a"), folder_.file("a.dtd"));
+    EXPECT_EQ(faultOf(resolver, "b"), folder_.file("b.dtd"));
+    EXPECT_EQ(faultOf(resolver, "c"), "(unknown)");
+}
+
+TEST_F(CatalogResolverTest, TakesACatalogItHasNoHandleForForNoMiss) {
+    const std::string catalog = writeCatalog("c.xml", publicEntry("a", "a.dtd"));
+    {
+        const NoFileHandles none;
+        EXPECT_THROW(CatalogResolver{{catalog}}, std::system_error);
+    }
+    CatalogResolver resolver({catalog});
+    EXPECT_EQ(faultOf(resolver, "a"), folder_.file("a.dtd"));
+}
+
+TEST_F(CatalogResolverTest, KeepsNothingOfAFailedQuestionBeyondItsLife) {
+    writeCatalog("delegate.xml", "<nextCatalog catalog='next.xml'/>");
+    writeCatalog("next.xml", publicEntry(kMapId, "map.dtd"));
+    const std::string catalog = writeCatalog(
+        "c.xml", "<delegatePublic publicIdStartString='-//OASIS' catalog='delegate.xml'/>" +
+                     publicEntry("known", "known.dtd"));
+    {
+        CatalogResolver resolver({catalog});
+        EXPECT_EQ(faultOf(resolver, "known"), folder_.file("known.dtd"));
+        {
+            const NoFileHandles none;
+            EXPECT_EQ(faultOf(resolver, kMapId), kShortage);
+            EXPECT_EQ(faultOf(resolver, "known"), folder_.file("known.dtd"));
+        }
+        EXPECT_EQ(faultOf(resolver, kMapId), kShortage);
+        // What libxml2 kept of the failure is the same for all.
+        EXPECT_THROW(CatalogResolver{{catalog}}, std::system_error);
+    }
+    CatalogResolver resolver({catalog});
+    EXPECT_EQ(faultOf(resolver, kMapId), folder_.file("map.dtd"));
+}
+
+/// Memory ends for libxml2 at one of its allocations.
+long allocationsLeft = 0;
+
+void* takeMemory(std::size_t size) {
+    return allocationsLeft-- > 0 ? std::malloc(size) : nullptr;
+}
+
+void* retakeMemory(void* block, std::size_t size) {
+    return allocationsLeft-- > 0 ? std::realloc(block, size) : nullptr;
+}
+
+char* takeText(const char* text) {
+    return allocationsLeft-- > 0 ? strdup(text) : nullptr;
+}
+
+/// What comes of a question in a process of its own, where only so many allocations succeed: 0 for
+/// the right answer, 1 for a failure, 2 for another answer.
+int outcomeWithin(long allocations, const std::string& catalog, const std::string& answer) {
+    const pid_t child = fork();
+    if (child == 0) {
+        xmlMemSetup(std::free, takeMemory, retakeMemory, takeText);
+        allocationsLeft = allocations;
+        try {
+            CatalogResolver resolver({catalog});
+            _exit(resolver.resolvePublic(kMapId) == answer ? 0 : 2);
+        } catch (const std::exception&) {
+            _exit(1);
+        }
+    }
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 1000 + WTERMSIG(status);
+}
+
+TEST_F(CatalogResolverTest, TakesWantOfMemoryForNoMiss) {
+    restrictLibxmlToLocalFiles();
+    writeCatalog("next.xml", publicEntry(kMapId, "map.dtd"));
+    const std::string catalog =
+        writeCatalog("c.xml", publicEntry("a", "a.dtd") + "<nextCatalog catalog='next.xml'/>");
+    int failures = 0;
+    int outcome = 1;
+    for (long allocations = 0; outcome != 0 && allocations < 10000; ++allocations) {
+        outcome = outcomeWithin(allocations, catalog, folder_.file("map.dtd"));
+        EXPECT_LE(outcome, 1) << allocations;
+        failures += outcome == 1 ? 1 : 0;
+    }
+    EXPECT_EQ(outcome, 0);
+    EXPECT_GT(failures, 50);
 }
 
 TEST_F(CatalogResolverTest, KnowsNothingOfAnEmptyIdentifier) {

@@ -1,6 +1,10 @@
 #include "host/local_xml_input.h"
 
 #include <gtest/gtest.h>
+#include <libxml/parser.h>
+
+#include "tests/support/file_conditions.h"
+#include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
 namespace {
@@ -43,6 +47,29 @@ TEST_P(FileUriCaseTest, BecomesAPath) {
 
 INSTANTIATE_TEST_SUITE_P(, FileUriCaseTest, testing::ValuesIn(kCases),
                          [](const auto& c) { return std::string(c.param.name); });
+
+TEST(LibxmlFailureTest, IsWantOfHandlesAndNotAMissingFile) {
+    restrictLibxmlToLocalFiles();
+    const TemporaryFolder folder;
+    const std::string file = folder.write("a.xml", "<a/>");
+    const auto read = [](const std::string& path) {
+        xmlDoc* const document = xmlReadFile(path.c_str(), nullptr, 0);
+        const bool isRead = document != nullptr;
+        xmlFreeDoc(document);
+        return isRead;
+    };
+    takeLibxmlFailure();
+    EXPECT_FALSE(read(folder.file("none.xml")));
+    EXPECT_FALSE(read(folder.path().string()));
+    EXPECT_TRUE(read(file));
+    EXPECT_FALSE(takeLibxmlFailure());
+    {
+        const NoFileHandles none;
+        EXPECT_FALSE(read(file));
+    }
+    EXPECT_EQ(takeLibxmlFailure(), std::errc::too_many_files_open);
+    EXPECT_FALSE(takeLibxmlFailure());
+}
 
 }  // namespace
 }  // namespace marrowpress
