@@ -4,12 +4,14 @@
 #include <boost/json/serialize.hpp>
 #include <filesystem>
 #include <fstream>
+#include <list>
 #include <ostream>
 #include <stdexcept>
 #include <system_error>
 
 #include "cli/file_place.h"
 #include "cli/public_ids.h"
+#include "cli/removal_on_signal.h"
 #include "cli/request_files.h"
 #include "host/client_session.h"
 #include "host/file_text.h"
@@ -148,6 +150,7 @@ StandInHostOptions makeHostOptions(const HostOptions& options, std::ostream& err
     if (options.hasXmlUtilities) {
         host.resolvePublicId = makePublicIdResolver(options.catalogs);
     }
+    host.isInterrupted = DeferredSignal::hasCome;
     host.onProgress = [&err](std::string_view line) { showProgress(err, line); };
     host.onConsole = [&err](std::optional<MessageId>, std::string_view line) {
         showReport(err, line);
@@ -155,11 +158,28 @@ StandInHostOptions makeHostOptions(const HostOptions& options, std::ostream& err
     return host;
 }
 
+/// Sends one request. When a signal ends the run, what it made and did not finish is removed, and
+/// then the process ends.
+std::optional<TypedValues> sendOne(ClientSession& session, const std::string& request) {
+    std::list<RemovalOnSignal> removals;
+    for (const RequestFile& file : filesOfRequest(request)) {
+        if (file.isMade) {
+            removals.emplace_back(file.path.string(), Removal::kNewFile);
+        }
+    }
+    const DeferredSignal deferred;
+    std::optional<TypedValues> answer = session.send(request);
+    if (isGood(answer)) {
+        removals.clear();
+    }
+    return answer;
+}
+
 ExitCode sendAll(ClientSession& session, const std::vector<std::string>& requests,
                  const Streams& streams) {
     ExitCode code = ExitCode::kSuccess;
     for (const std::string& request : requests) {
-        const std::optional<TypedValues> answer = session.send(request);
+        const std::optional<TypedValues> answer = sendOne(session, request);
         if (!answer) {
             streams.err << "marrowpress host: the client gave no answer\n";
         }

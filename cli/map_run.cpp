@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/public_ids.h"
+#include "cli/removal_on_signal.h"
 #include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
 #include "findings/shown_path.h"
@@ -62,6 +63,9 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             display.observe(observation);
         };
     }
+    host.isInterrupted = DeferredSignal::hasCome;
+    // It comes when the client has cleaned up, but before anybody takes the run for a failed one.
+    const DeferredSignal deferred;
     ClientSession session(std::move(host));
     const std::optional<TypedValues> answer = session.send(setting.request);
     display.end();

@@ -29,7 +29,11 @@ struct RunSetting {
     std::function<void(const Observation&)> watch;
 };
 
-/// Sends one request through the client module.
+/// Sends one request through the client module. A signal ends the process when the run has ended,
+/// which it does early then.
+///
+/// @throws std::runtime_error when the client cannot be started, and std::system_error when the
+///         catalogs cannot be read for want of descriptors or memory.
 RunOutcome runRequest(const RunSetting& setting, RunDisplay& display);
 
 /// The paths of a flat book's components in the client's answer, in its order, each once. Empty

@@ -66,17 +66,25 @@ bool remove(int folder, const char* name) {
     return unlinkat(folder, name, AT_REMOVEDIR) == 0;
 }
 
-void setHandlers(void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_mask = signalSet();
-    for (std::size_t index = 0; index < kSignals.size(); ++index) {
-        sigaction(kSignals[index], nullptr, &earlierActions[index]);
-        if (earlierActions[index].sa_handler != SIG_IGN) {
-            sigaction(kSignals[index], &action, nullptr);
-        }
-    }
+bool areEqual(const timespec& left, const timespec& right) {
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
+
+/// Whether both are of one file that nobody has changed in between.
+bool areSame(const struct stat& before, const struct stat& now) {
+    return before.st_dev == now.st_dev && before.st_ino == now.st_ino &&
+           before.st_size == now.st_size && areEqual(before.st_mtim, now.st_mtim) &&
+           areEqual(before.st_ctim, now.st_ctim);
+}
+
+std::optional<struct stat> statusOf(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 ? std::optional(status) : std::nullopt;
+}
+
+/// What a `DeferredSignal` knows; 0 while no signal has come.
+bool isDeferring = false;
+volatile std::sig_atomic_t deferredSignal = 0;
 
 void restoreHandlers() {
     for (std::size_t index = 0; index < kSignals.size(); ++index) {
@@ -85,6 +93,55 @@ void restoreHandlers() {
 }
 
 }  // namespace
+
+/// The handlers of this process, from the first that needs them to the last.
+class SignalHandlers {
+public:
+    static void add() {
+        if (users_ == 0) {
+            install();
+        }
+        ++users_;
+    }
+
+    static void drop() {
+        --users_;
+        if (users_ == 0) {
+            restoreHandlers();
+        }
+    }
+
+private:
+    static void install() {
+        struct sigaction action {};
+        action.sa_handler = onSignal;
+        action.sa_mask = signalSet();
+        // A run that goes on for a while is not to take a signal for a failure.
+        action.sa_flags = SA_RESTART;
+        for (std::size_t index = 0; index < kSignals.size(); ++index) {
+            sigaction(kSignals[index], nullptr, &earlierActions[index]);
+            if (earlierActions[index].sa_handler != SIG_IGN) {
+                sigaction(kSignals[index], &action, nullptr);
+            }
+        }
+    }
+
+    static void onSignal(int number) {
+        if (isDeferring && deferredSignal == 0 && number != SIGQUIT) {
+            deferredSignal = number;
+            return;
+        }
+        for (const RemovalOnSignal* removal = RemovalOnSignal::last_; removal;
+             removal = removal->earlier_) {
+            removal->removeNow();
+        }
+        restoreHandlers();
+        // It is held back until this handler returns, and then does what it did before.
+        raise(number);
+    }
+
+    static inline int users_ = 0;
+};
 
 HeldSignals::HeldSignals() {
     const sigset_t set = signalSet();
@@ -95,14 +152,36 @@ HeldSignals::~HeldSignals() {
     sigprocmask(SIG_SETMASK, &earlier_, nullptr);
 }
 
+DeferredSignal::DeferredSignal() {
+    const HeldSignals held;
+    SignalHandlers::add();
+    isDeferring = true;
+}
+
+DeferredSignal::~DeferredSignal() {
+    int number = 0;
+    {
+        const HeldSignals held;
+        number = deferredSignal;
+        deferredSignal = 0;
+        isDeferring = false;
+        SignalHandlers::drop();
+    }
+    if (number != 0) {
+        raise(number);
+    }
+}
+
+bool DeferredSignal::hasCome() noexcept {
+    return deferredSignal != 0;
+}
+
 RemovalOnSignal* RemovalOnSignal::last_ = nullptr;
 
 RemovalOnSignal::RemovalOnSignal(std::string path, Removal removal)
-    : path_(std::move(path)), removal_(removal) {
+    : path_(std::move(path)), removal_(removal), earlierFile_(statusOf(path_)) {
     const HeldSignals held;
-    if (!last_) {
-        setHandlers(onSignal);
-    }
+    SignalHandlers::add();
     earlier_ = last_;
     last_ = this;
 }
@@ -114,22 +193,24 @@ RemovalOnSignal::~RemovalOnSignal() {
         link = &(*link)->earlier_;
     }
     *link = earlier_;
-    if (!last_) {
-        restoreHandlers();
-    }
+    SignalHandlers::drop();
 }
 
-void RemovalOnSignal::onSignal(int number) {
-    for (const RemovalOnSignal* removal = last_; removal; removal = removal->earlier_) {
-        if (removal->removal_ == Removal::kEmptyFolder) {
-            rmdir(removal->path_.c_str());
-        } else {
-            remove(AT_FDCWD, removal->path_.c_str());
-        }
+void RemovalOnSignal::removeNow() const {
+    if (removal_ == Removal::kAll) {
+        remove(AT_FDCWD, path_.c_str());
+        return;
     }
-    restoreHandlers();
-    // It is held back until this handler returns, and then does what it did before.
-    raise(number);
+    if (removal_ == Removal::kEmptyFolder) {
+        rmdir(path_.c_str());
+        return;
+    }
+    struct stat status {};
+    const bool isUntouched = removal_ == Removal::kNewFile && earlierFile_ &&
+                             lstat(path_.c_str(), &status) == 0 && areSame(*earlierFile_, status);
+    if (!isUntouched) {
+        unlink(path_.c_str());
+    }
 }
 
 }  // namespace marrowpress

@@ -57,9 +57,9 @@ private:
         }
         RunOptions options;
         options.map = withSlashes(path);
-        files_.push_back({quoted(key), resolvePublishPaths(options).map});
+        files_.push_back({quoted(key), resolvePublishPaths(options).map, false});
         // A profile's path is read as it stands.
-        files_.push_back({quoted(key), fs::absolute(path)});
+        files_.push_back({quoted(key), fs::absolute(path), false});
     }
 
     void addOutputs(std::string_view key, OutputFormat format) {
@@ -73,7 +73,7 @@ private:
         const PublishPaths paths = resolvePublishPaths(options);
         for (const NamedPath& output : outputsOf(options, paths)) {
             const bool isNamed = output.path == paths.output;
-            files_.push_back({isNamed ? quoted(key) : "a temporary file", output.path});
+            files_.push_back({isNamed ? quoted(key) : "a temporary file", output.path, true});
         }
     }
 

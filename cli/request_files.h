@@ -10,6 +10,7 @@ namespace marrowpress {
 struct RequestFile {
     std::string name;            ///< For people: the request's key for it, as `"ditamap"`.
     std::filesystem::path path;  ///< Absolute.
+    bool isMade;                 ///< The run makes it, and does not only read it.
 };
 
 /// The files that the publish request `text` names, and those that its run makes in passing, as the

@@ -11,7 +11,7 @@
 namespace marrowpress {
 
 /// While it lives, what a run has begun to write is removed when a signal ends the process, so that
-/// nothing half written looks like a result.
+/// nothing half written looks like a result. What was there before stays until the run touches it.
 class UnfinishedOutputs {
 public:
     /// @param outputs  What the run is going to write or use in passing, whatever it meets.
@@ -22,7 +22,7 @@ public:
     void observe(const Observation& observation);
 
 private:
-    void add(const std::string& path);
+    void add(const std::string& path, Removal removal);
 
     std::map<std::string, RemovalOnSignal> removals_;  ///< By path.
 };

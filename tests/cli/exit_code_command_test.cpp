@@ -139,6 +139,37 @@ TEST_F(ExitCodeCommandTest, ASignalEndsACompositeWithNothingHalfWritten) {
     }
 }
 
+TEST_F(ExitCodeCommandTest, ASignalEndsARequestWithNothingHalfWritten) {
+    writeLongMap();
+    folder_.write("1.json", request("out/m.dita"));
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
+        RunningCommand command(folder_, {"host", "1.json", "--catalog", "catalog.xml"}, setting);
+        const char* const begun = signal == SIGHUP ? "out/KeyspaceDoc.ditamap" : "out/m.dita";
+        waitFor([&] { return folder_.exists(begun); });
+        command.send(signal);
+        const CommandResult result = command.wait();
+        EXPECT_EQ(result.code, 1000 + signal);
+        EXPECT_EQ(result.out, "");
+        EXPECT_FALSE(folder_.exists("out/m.dita"));
+        EXPECT_FALSE(folder_.exists("out/m.dita_tmp"));
+        EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
+        EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap_tmp"));
+    }
+}
+
+TEST_F(ExitCodeCommandTest, ASignalDuringALaterRequestLeavesWhatIsFinished) {
+    folder_.write("1.json", request("out/1.dita"));
+    folder_.write("2.json", request("out/2.dita"));
+    writeLongMap();
+    RunningCommand command(folder_, {"host", "1.json", "2.json", "--catalog", "catalog.xml"},
+                           setting);
+    waitFor([&] { return folder_.exists("out/2.dita"); });
+    command.send(SIGTERM);
+    EXPECT_EQ(command.wait().code, 1000 + SIGTERM);
+    EXPECT_TRUE(folder_.read("out/1.dita").ends_with("</body></topic></dita>"));
+    EXPECT_FALSE(folder_.exists("out/2.dita"));
+}
+
 TEST_F(ExitCodeCommandTest, ASignalEndsAFlatBookWithNoComponentHalfWritten) {
     writeLongMap();
     RunningCommand command(folder_,

@@ -138,6 +138,108 @@ TEST_F(RemovalOnSignalTest, LeavesTheHandlersAsTheyWere) {
     EXPECT_EQ(after.sa_handler, before.sa_handler);
 }
 
+TEST_F(RemovalOnSignalTest, AFolderStaysWhereAFileIsMeant) {
+    folder.write("folder/file", "text");
+    folder.write("file", "text");
+    statusAfterSignal(SIGTERM, [this] {
+        for (const Removal removal : {Removal::kFile, Removal::kNewFile}) {
+            new RemovalOnSignal(folder.file("folder"), removal);
+            new RemovalOnSignal(folder.file("none"), removal);
+        }
+        new RemovalOnSignal(folder.file("file"), Removal::kFile);
+        folder.write("folder/other", "text");
+        fs::create_directory(folder.path() / "none");
+    });
+    EXPECT_TRUE(folder.exists("folder/file"));
+    EXPECT_TRUE(folder.exists("none"));
+    EXPECT_FALSE(folder.exists("file"));
+}
+
+TEST_F(RemovalOnSignalTest, AnEarlierFileStaysUntilItIsTouched) {
+    for (const char* const name : {"untouched", "written", "replaced"}) {
+        folder.write(name, "text");
+    }
+    statusAfterSignal(SIGTERM, [this] {
+        for (const char* const name : {"untouched", "written", "replaced", "new"}) {
+            new RemovalOnSignal(folder.file(name), Removal::kNewFile);
+        }
+        folder.write("written", "");
+        fs::remove(folder.path() / "replaced");
+        folder.write("replaced", "other text");
+        folder.write("new", "text");
+    });
+    EXPECT_TRUE(folder.exists("untouched"));
+    EXPECT_FALSE(folder.exists("written"));
+    EXPECT_FALSE(folder.exists("replaced"));
+    EXPECT_FALSE(folder.exists("new"));
+}
+
+TEST(DeferredSignalTest, ComesAtTheEnd) {
+    const TemporaryFolder folder;
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        folder.write("removed", "text");
+        const int status = statusAfterSignal(SIGKILL, [&] {
+            new RemovalOnSignal(folder.file("removed"));
+            const DeferredSignal deferred;
+            const bool hasComeTooEarly = DeferredSignal::hasCome();
+            raise(number);
+            if (!hasComeTooEarly && DeferredSignal::hasCome() && folder.exists("removed")) {
+                folder.write("done" + std::to_string(number), "");
+            }
+        });
+        EXPECT_TRUE(isEndedBy(number, status)) << status;
+        EXPECT_TRUE(folder.exists("done" + std::to_string(number)));
+        EXPECT_FALSE(folder.exists("removed"));
+    }
+}
+
+TEST(DeferredSignalTest, ASecondOneEndsTheProcessAtOnce) {
+    const TemporaryFolder folder;
+    for (const int second : {SIGINT, SIGHUP, SIGTERM}) {
+        folder.write("removed", "text");
+        const int status = statusAfterSignal(SIGKILL, [&] {
+            const RemovalOnSignal removal(folder.file("removed"));
+            const DeferredSignal deferred;
+            raise(SIGINT);
+            raise(second);
+            folder.write("reached", "");
+        });
+        EXPECT_TRUE(isEndedBy(second, status)) << status;
+        EXPECT_FALSE(folder.exists("removed"));
+        EXPECT_FALSE(folder.exists("reached"));
+    }
+}
+
+TEST(DeferredSignalTest, SigquitWaitsForNobody) {
+    const int status = statusAfterSignal(SIGQUIT, [] { new DeferredSignal(); });
+    EXPECT_TRUE(isEndedBy(SIGQUIT, status)) << status;
+}
+
+TEST(DeferredSignalTest, AnIgnoredOneStaysIgnored) {
+    const int status = statusAfterSignal(SIGHUP, [] {
+        std::signal(SIGHUP, SIG_IGN);
+        const DeferredSignal deferred;
+        raise(SIGHUP);
+        if (DeferredSignal::hasCome()) {
+            _exit(9);
+        }
+    });
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
+TEST(DeferredSignalTest, LeavesTheHandlersAsTheyWere) {
+    struct sigaction before {};
+    struct sigaction after {};
+    sigaction(SIGTERM, nullptr, &before);
+    {
+        const DeferredSignal deferred;
+        const RemovalOnSignal removal("/none");
+    }
+    sigaction(SIGTERM, nullptr, &after);
+    EXPECT_EQ(after.sa_handler, before.sa_handler);
+    EXPECT_FALSE(DeferredSignal::hasCome());
+}
+
 TEST(HeldSignalsTest, ComeWhenNobodyHoldsThemAnyMore) {
     const int status = statusAfterSignal(SIGUSR1, [] {
         std::signal(SIGUSR1, SIG_IGN);

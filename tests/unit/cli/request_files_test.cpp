@@ -45,6 +45,14 @@ TEST(RequestFilesTest, RelativePathsAreSeenFromTheCurrentFolder) {
     EXPECT_EQ(filesOf(R"({"params":{"ditamap":"m"}})").front(), "\"ditamap\" " + folder.file("m"));
 }
 
+TEST(RequestFilesTest, SourcesAreNotMade) {
+    for (const RequestFile& file : filesOfRequest(
+             R"({"params":{"ditamap":"/m","ditaVal":"/v","output":"/o/c","outputDir":"/d"}})")) {
+        const bool isSource = file.path == "/m" || file.path == "/v";
+        EXPECT_EQ(file.isMade, !isSource) << file.path;
+    }
+}
+
 TEST(RequestFilesTest, ATextIsReadUpToItsFirstNul) {
     const std::string text = R"({"params":{"ditamap":"/m"}})";
     EXPECT_EQ(filesOf(text + '\0' + "x"), filesOf(text));

@@ -52,15 +52,23 @@ private:
 };
 
 TEST_F(UnfinishedOutputsTest, AreRemovedByASignal) {
-    endBySignal([this] { new UnfinishedOutputs({output("m.dita"), output("m.dita_tmp")}); });
+    endBySignal([this] {
+        new UnfinishedOutputs({output("m.dita"), output("m.dita_tmp"), output("a.qs")});
+        folder.write("m.dita", "<dita/>");
+        folder.write("m.dita_tmp", "<dita/>");
+    });
     EXPECT_FALSE(folder.exists("m.dita"));
     EXPECT_FALSE(folder.exists("m.dita_tmp"));
+    // What the run hasn't come to is still that of an earlier one.
     EXPECT_TRUE(folder.exists("a.qs"));
+    EXPECT_TRUE(folder.exists("b.qs"));
 }
 
 TEST_F(UnfinishedOutputsTest, StayWhenTheyWereWritten) {
     endBySignal([this] {
         auto* const outputs = new UnfinishedOutputs({output("m.dita"), output("m.dita_tmp")});
+        folder.write("m.dita", "<dita/>");
+        folder.write("m.dita_tmp", "<dita/>");
         outputs->observe(observation(ObservationKind::kOutputWritten, "m.dita"));
     });
     EXPECT_TRUE(folder.exists("m.dita"));
@@ -80,7 +88,10 @@ TEST_F(UnfinishedOutputsTest, MayBeComponentsThatHaveBegun) {
 }
 
 TEST_F(UnfinishedOutputsTest, StayWhenTheRunIsOver) {
-    endBySignal([this] { const UnfinishedOutputs outputs({output("m.dita")}); });
+    endBySignal([this] {
+        const UnfinishedOutputs outputs({output("m.dita")});
+        folder.write("m.dita", "<dita/>");
+    });
     EXPECT_TRUE(folder.exists("m.dita"));
 }
 
