@@ -118,8 +118,12 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
     RunDisplay display(options_.diagnostics, streams_.err);
     const UnfinishedOutputs unfinished(outputsOf(options_, paths_));
-    const RunOutcome outcome = runRequest(
-        {buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}}, display);
+    const RunOutcome outcome = runRequest({buildRequest(options_, paths_, profiles.file()),
+                                           options_.catalogs,
+                                           nullptr,
+                                           {},
+                                           outputFolderOf(options_, paths_).path},
+                                          display);
     if (const auto fault = findRunFault(outcome)) {
         streams_.err << failureLine(*fault);
         return ExitCode::kRunFailed;
@@ -145,7 +149,8 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
                     [&](const Observation& observation) {
                         components.observe(observation);
                         unfinished->observe(observation);
-                    }},
+                    },
+                    outputFolderOf(options_, paths_).path},
                    display);
     unfinished.reset();
 

@@ -25,9 +25,11 @@ bool mustBeEscaped(std::int32_t codePoint) {
     }
 }
 
-std::string escape(const char* format, std::int32_t value) {
+/// A backslash, the letter, and the value as so many hexadecimal digits.
+std::string escape(char letter, int digits, std::int32_t value) {
     std::array<char, 16> text;
-    std::snprintf(text.data(), text.size(), format, static_cast<unsigned>(value));
+    std::snprintf(text.data(), text.size(), "\\%c%0*X", letter, digits,
+                  static_cast<unsigned>(value));
     return text.data();
 }
 
@@ -43,9 +45,9 @@ std::string escaped(std::int32_t codePoint) {
             break;
     }
     if (codePoint < 0x80) {
-        return escape("\\x%02X", codePoint);
+        return escape('x', 2, codePoint);
     }
-    return escape(codePoint < 0x10000 ? "\\u%04X" : "\\U%08X", codePoint);
+    return codePoint < 0x10000 ? escape('u', 4, codePoint) : escape('U', 8, codePoint);
 }
 
 }  // namespace
@@ -65,7 +67,7 @@ std::size_t utf16Length(const Character& character) {
 
 std::string shownCharacter(const Character& character) {
     if (character.codePoint < 0) {
-        return escape("\\x%02X", static_cast<unsigned char>(character.bytes.front()));
+        return escape('x', 2, static_cast<unsigned char>(character.bytes.front()));
     }
     return mustBeEscaped(character.codePoint) ? escaped(character.codePoint)
                                               : std::string(character.bytes);

@@ -3,9 +3,11 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <memory>
 #include <thread>
 
 #include "tests/cli/command_fixture.h"
+#include "tests/support/file_conditions.h"
 
 namespace marrowpress {
 namespace {
@@ -70,6 +72,28 @@ TEST_F(ExitCodeCommandTest, IsThreeForFindingsAtTheLevelThatWasAskedFor) {
     expectBoth(0, {"--severity", "MP105=warning"});
     expectBoth(3, {"--severity", "MP105=warning", "--fail-on", "warning"});
     EXPECT_NE(bodiesOf("out/m.dita").find("Text of b"), std::string::npos);
+}
+
+TEST_F(ExitCodeCommandTest, IsZeroAfterAnotherRunIntoTheFolder) {
+    auto other = std::make_unique<HeldFolder>(folder_.file("out"));
+    std::thread end([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        other.reset();
+    });
+    EXPECT_EQ(publish({}, setting).code, 0);
+    end.join();
+    EXPECT_NE(bodiesOf("out/m.dita").find("Text of b"), std::string::npos);
+}
+
+TEST_F(ExitCodeCommandTest, IsOneWhenAnotherRunDoesNotEnd) {
+    folder_.write("out/m.dita", "");
+    const HeldFolder other(folder_.file("out"));
+    const CommandResult result = publish({}, setting);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_NE(result.err.find("another run writes into the same folder"), std::string::npos)
+        << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(folder_.read("out/m.dita"), "");
 }
 
 TEST_F(ExitCodeCommandTest, IsOneForAMapThatIsNotWellFormed) {

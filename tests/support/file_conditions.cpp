@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -52,6 +53,15 @@ NoFileHandles::NoFileHandles() : earlierLimit_(setLimit(RLIMIT_NOFILE, 0)) {}
 
 NoFileHandles::~NoFileHandles() {
     setLimit(RLIMIT_NOFILE, earlierLimit_);
+}
+
+HeldFolder::HeldFolder(const std::string& folder)
+    : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    EXPECT_EQ(::flock(descriptor_, LOCK_EX | LOCK_NB), 0);
+}
+
+HeldFolder::~HeldFolder() {
+    ::close(descriptor_);
 }
 
 WithoutRights::WithoutRights() {

@@ -42,6 +42,18 @@ private:
     std::size_t earlierLimit_;
 };
 
+/// Holds a folder as a run does that writes into it.
+class HeldFolder {
+public:
+    explicit HeldFolder(const std::string& folder);
+    HeldFolder(const HeldFolder&) = delete;
+    HeldFolder& operator=(const HeldFolder&) = delete;
+    ~HeldFolder();
+
+private:
+    int descriptor_;
+};
+
 /// A user without rights, where the tests run as root; files of others are out of reach for it. It
 /// changes nothing for any other user.
 class WithoutRights {
