@@ -1,12 +1,10 @@
 #include "cli/map_run.h"
 
 #include <algorithm>
-#include <chrono>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 
-#include "cli/folder_wait.h"
 #include "cli/public_ids.h"
 #include "cli/removal_on_signal.h"
 #include "cli/unwritten_file.h"
@@ -47,15 +45,14 @@ bool isFailureTold(const std::vector<Finding>& findings) {
 
 RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
     RunOutcome outcome;
-    bool hasBegun = false;
     StandInHostOptions host;
     host.resolvePublicId = makePublicIdResolver(setting.catalogs);
     host.onProgress = [&](std::string_view line) {
-        hasBegun = true;
+        outcome.hasBegun = true;
         display.showProgressLine(line);
     };
     host.onConsole = [&](std::optional<MessageId> message, std::string_view line) {
-        hasBegun = true;
+        outcome.hasBegun = true;
         outcome.hasUnwrittenDocument |= message == MessageId::kCannotWrite;
         if (!setting.collector) {
             display.showReportLine(line);
@@ -74,18 +71,7 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
     // It comes when the client has cleaned up, but before anybody takes the run for a failed one.
     const DeferredSignal deferred;
     ClientSession session(std::move(host));
-    const auto end = std::chrono::steady_clock::now() + kLongestFolderWait;
-    std::optional<TypedValues> answer;
-    // A third run may come between the wait and the request, which fails then before it begins.
-    do {
-        outcome.isFolderTaken = !waitForFolder(setting.folder, end);
-        if (outcome.isFolderTaken) {
-            display.end();
-            return outcome;
-        }
-        answer = session.send(setting.request);
-    } while (answer && statusOf(*answer) == kRunFailed && !hasBegun && !DeferredSignal::hasCome() &&
-             !waitForFolder(setting.folder, {}));
+    const std::optional<TypedValues> answer = session.send(setting.request);
     display.end();
     if (!answer) {
         return outcome;

@@ -17,6 +17,7 @@ struct RunOutcome {
     std::optional<std::int32_t> status;  ///< Empty when the client gave no answer.
     bool hasUnwrittenDocument = false;
     std::optional<std::vector<std::string>> components;  ///< A flat book's, once it was published.
+    bool hasBegun = false;                               ///< It has told something of its work.
     bool isFolderTaken = false;  ///< Another run wrote into the folder all the while.
 };
 
@@ -28,8 +29,6 @@ struct RunSetting {
     FindingCollector* collector = nullptr;
     /// As `collector`, and before it.
     std::function<void(const Observation&)> watch = {};
-    /// What the run writes into; while another run does, it is waited for. Empty: nobody else does.
-    std::string folder = {};
 };
 
 /// Sends one request through the client module. A signal ends the process when the run has ended,

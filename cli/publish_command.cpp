@@ -2,6 +2,7 @@
 
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
+#include <chrono>
 #include <memory>
 #include <ostream>
 #include <system_error>
@@ -9,6 +10,7 @@
 
 #include "cli/component_places.h"
 #include "cli/findings_report.h"
+#include "cli/folder_wait.h"
 #include "cli/input_faults.h"
 #include "cli/map_run.h"
 #include "cli/output_folder.h"
@@ -19,6 +21,7 @@
 #include "findings/catalogue.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
+#include "marrowpress/publish_status.h"
 
 namespace marrowpress {
 namespace {
@@ -61,6 +64,7 @@ private:
     std::optional<std::string> findFault(const ProfileSet& profiles, const FindingsReport& report);
     ExitCode runObserved(const ProfileSet& profiles, const FindingsReport& report);
     ExitCode runUnobserved(const ProfileSet& profiles);
+    RunOutcome runInTurn(const RunSetting& setting, RunDisplay& display);
     std::optional<std::string> findRunFault(const RunOutcome& outcome) const;
     std::vector<std::string> wantedFiles(const RunOutcome& outcome) const;
     void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
@@ -73,6 +77,7 @@ private:
     PublishPaths paths_;
     std::unique_ptr<StandardOutputComposite> standardOutput_;
     std::unique_ptr<OutputFolder> folder_;
+    std::unique_ptr<UnfinishedOutputs> unfinished_;
 };
 
 ExitCode Publishing::run() {
@@ -117,13 +122,8 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
 
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
     RunDisplay display(options_.diagnostics, streams_.err);
-    const UnfinishedOutputs unfinished(outputsOf(options_, paths_));
-    const RunOutcome outcome = runRequest({buildRequest(options_, paths_, profiles.file()),
-                                           options_.catalogs,
-                                           nullptr,
-                                           {},
-                                           outputFolderOf(options_, paths_).path},
-                                          display);
+    const RunOutcome outcome = runInTurn(
+        {buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}}, display);
     if (const auto fault = findRunFault(outcome)) {
         streams_.err << failureLine(*fault);
         return ExitCode::kRunFailed;
@@ -143,16 +143,13 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     ComponentPlaces components(
         {paths_.output, paths_.output, options_.isAtOneLocation, /*isOnlyLookedAt=*/false});
     RunDisplay display(options_.diagnostics, streams_.err);
-    auto unfinished = std::make_unique<UnfinishedOutputs>(outputsOf(options_, paths_));
     const RunOutcome outcome =
-        runRequest({buildRequest(options_, paths_, profiles.file()), options_.catalogs, &collector,
-                    [&](const Observation& observation) {
-                        components.observe(observation);
-                        unfinished->observe(observation);
-                    },
-                    outputFolderOf(options_, paths_).path},
-                   display);
-    unfinished.reset();
+        runInTurn({buildRequest(options_, paths_, profiles.file()), options_.catalogs, &collector,
+                   [&](const Observation& observation) {
+                       components.observe(observation);
+                       unfinished_->observe(observation);
+                   }},
+                  display);
 
     collector.finish();
     components.addFindings(collector);
@@ -171,6 +168,25 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     return report.write(collector.list(), collector.facts().droppedFaults(),
                         collector.facts().topicCount(),
                         failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed, streams_.err);
+}
+
+/// Runs the request when no other run writes into the folder. What a run leaves unfinished goes
+/// with a signal only while it works: before, all that stands there is somebody else's.
+RunOutcome Publishing::runInTurn(const RunSetting& setting, RunDisplay& display) {
+    const std::string folder = outputFolderOf(options_, paths_).path.string();
+    const auto end = std::chrono::steady_clock::now() + kLongestFolderWait;
+    RunOutcome outcome;
+    do {
+        if (!waitForFolder(folder, end)) {
+            outcome.isFolderTaken = true;
+            return outcome;
+        }
+        unfinished_ = std::make_unique<UnfinishedOutputs>(outputsOf(options_, paths_));
+        outcome = runRequest(setting, display);
+        unfinished_.reset();
+        // A third run may have come between the wait and the request, which fails then at once.
+    } while (outcome.status == kRunFailed && !outcome.hasBegun && !waitForFolder(folder, {}));
+    return outcome;
 }
 
 /// The sentence about a run that came to nothing; empty when all of its output was written.

@@ -14,8 +14,8 @@ inline constexpr std::size_t kDeepestNesting = 5000;
 bool isNestedTooDeeply(const xercesc::DOMElement* root);
 
 /// Whether a tree would nest deeper than that with a copy of `element` as a child of `parent`, an
-/// element, a document or null. Each place that puts copies into a tree asks, for copies of copies add
-/// up.
+/// element, a document or null. Each place that puts copies into a tree asks, for copies of copies
+/// add up.
 bool wouldNestTooDeeply(const xercesc::DOMNode* parent, const xercesc::DOMElement& element);
 
 }  // namespace marrowpress
