@@ -23,12 +23,11 @@ import os
 import subprocess
 import sys
 
-from harness import (KINDS, Harness, Place, Point, Runner, Undisturbed, Unusable, differences,
-                     faults_of_the_end, faults_of_the_next, faults_of_the_others, tree)
+from harness import (KINDS, PADDING, Harness, Place, Point, Runner, Undisturbed, Unusable,
+                     differences, faults_of_the_end, faults_of_the_next, faults_of_the_others, tree)
 
 SIZES = range(0, 257)
 PAGE = 4  # KB
-PADDING = 150 * 1024  # bytes: the room that a run needs is well below the largest size
 FILLER = "filler"  # takes the one page that a file system has at least
 INSIDE = "MARROWPRESS_MOUNT_NAME_SPACE"
 UNSHARE = ["unshare", "--map-root-user", "--mount"]

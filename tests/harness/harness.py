@@ -32,6 +32,8 @@ CANNOT_READ = "Lesen nicht möglich: "
 CANNOT_WRITE = "Speichern nicht möglich: "
 KINDS = ("composite", "flatbook")
 OLD_MODE = 0o640
+# In bytes: an output takes several writes then, and still fits on the largest disk.
+PADDING = 150 * 1024
 
 MAP = """<?xml version="1.0" encoding="UTF-8"?>
 <!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd">

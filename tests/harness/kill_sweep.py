@@ -15,8 +15,8 @@ import collections
 import re
 import signal
 
-from harness import (KINDS, Harness, Place, Point, Runner, Strace, Undisturbed, Unusable, call_of,
-                     faults_of_the_next, faults_of_the_others)
+from harness import (KINDS, PADDING, Harness, Place, Point, Runner, Strace, Undisturbed, Unusable,
+                     call_of, faults_of_the_next, faults_of_the_others)
 
 OPENS = ("open", "openat", "creat")
 OTHERS = ("write", "writev", "pwrite64", "copy_file_range", "sendfile", "fallocate", "truncate",
@@ -54,7 +54,7 @@ class KillSweep:
         self.harness = harness
         self.runner = Runner(harness.options.command)
         self.strace = Strace(self.runner, scratch)
-        self.places = [Place(scratch / str(number) / "place")
+        self.places = [Place(scratch / str(number) / "place", PADDING)
                        for number in range(harness.options.jobs)]
         self.undisturbed = {
             (place, kind, age): Undisturbed(self.runner, place, kind, has_old_outputs)
