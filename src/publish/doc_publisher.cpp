@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -83,9 +84,10 @@ std::vector<std::optional<FileEntry>> entriesWrittenFor(const std::u16string& pa
 void requireSeparateFiles(const std::vector<std::u16string>& outputs,
                           const std::vector<std::u16string>& inputs) {
     std::vector<std::optional<FileEntry>> entries;
-    for (const std::u16string& input : inputs) {
-        entries.push_back(input.empty() ? std::nullopt : readEntry(input));
-    }
+    std::transform(inputs.begin(), inputs.end(), std::back_inserter(entries),
+                   [](const std::u16string& input) {
+                       return input.empty() ? std::nullopt : readEntry(input);
+                   });
     for (const std::u16string& output : outputs) {
         for (std::optional<FileEntry>& written : entriesWrittenFor(output)) {
             for (const std::optional<FileEntry>& other : entries) {

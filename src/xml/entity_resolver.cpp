@@ -53,8 +53,8 @@ public:
 /// it, and the grammars that are kept, depend on that.
 class LocalEntitySource final : public xercesc::InputSource {
 public:
-    LocalEntitySource(std::u16string systemId, std::u16string file)
-        : InputSource(systemId.c_str()), file_(std::move(file)) {}
+    LocalEntitySource(const XMLCh* systemId, std::u16string file)
+        : InputSource(systemId), file_(std::move(file)) {}
 
     xercesc::BinInputStream* makeStream() const override {
         return openLocalFile(file_.c_str(), getMemoryManager());
@@ -101,7 +101,7 @@ std::unique_ptr<xercesc::InputSource> engineSource(
     if (url.getProtocol() != xercesc::XMLURL::File || !isLocal) {
         return nullptr;
     }
-    return std::make_unique<LocalEntitySource>(std::u16string(domText(url.getURLText())),
+    return std::make_unique<LocalEntitySource>(url.getURLText(),
                                                percentDecoded(domText(url.getPath())));
 }
 
