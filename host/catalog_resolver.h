@@ -17,8 +17,9 @@ namespace marrowpress {
 /// Answers are kept, misses too: a later change of a catalog is not seen. What a catalog refers to
 /// is followed on this machine only, never over the network.
 ///
-/// One that could not be read for want of file descriptors or memory is no miss: from then on every
-/// question to any resolver fails. Once none is left, nothing of that is known any more.
+/// One that could not be read for want of file descriptors or memory, or because the disk failed,
+/// is no miss: from then on every question to any resolver fails. Once none is left, nothing of
+/// that is known any more.
 class CatalogResolver {
 public:
     /// `catalogs` are paths or `file:` URIs. One that cannot be read knows nothing.

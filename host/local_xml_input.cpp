@@ -68,8 +68,9 @@ int firstFailure = 0;
 
 /// Other errors are faults of the file.
 void noteFailure(int error) {
-    const bool isShortage = error == EMFILE || error == ENFILE || error == ENOMEM;
-    if (isShortage && firstFailure == 0) {
+    const bool isOfSystem =
+        error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EINTR;
+    if (isOfSystem && firstFailure == 0) {
         firstFailure = error;
     }
 }

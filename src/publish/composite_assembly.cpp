@@ -62,8 +62,8 @@ DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, KeySpac
         // Each further request for a file tries again, and tells again that it can't be read.
         body.document = DocumentStore::instance().getOrLoad(request.outputPath);
     }
-    if (!body.document && body.isWritten) {
-        // A file without what it was to hold, and the last write of it in this run.
+    if (body.state == Body::State::kUnreadable && body.isWritten) {
+        // The file stays without what it was to hold, though it may be there to be read by now.
         ReportMessenger::instance().reportCannotWrite(request.outputPath);
     }
     DOMDocument* const document = body.document;

@@ -393,6 +393,9 @@ std::size_t residentBytes() {
 }
 
 TEST_F(RequestEndTest, ABrokenFileThatManyReferencesNameTakesItsMemoryOnce) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer holds back what was freed";
+#endif
     std::string content;
     while (content.size() < 300000) {
         content += "<p>some text</p>";
