@@ -86,7 +86,11 @@ bool isRegularFile(const std::string& path) {
 
 bool isRegularFile(int descriptor) {
     struct stat status {};
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    if (fstat(descriptor, &status) != 0) {
+        noteFailure(errno);
+        return false;
+    }
+    return S_ISREG(status.st_mode);
 }
 
 struct CloseFile {
