@@ -128,7 +128,8 @@ void addFailure(const RunOutcome& outcome, const std::string& map, const std::st
     if (!fault || (reason.empty() && isFailureTold(collector.list().findings()))) {
         return;
     }
-    if (outcome.status == kRequestRefused || reason.starts_with(kFileSystemError)) {
+    if (outcome.isFolderTaken || outcome.status == kRequestRefused ||
+        reason.starts_with(kFileSystemError)) {
         addUnwritten(output, reason.empty() ? *fault : systemReason(reason), collector);
         return;
     }
