@@ -24,32 +24,43 @@ std::unique_ptr<PublishResult> runRequest(const char* text) {
     return publisher.publish(std::move(params));
 }
 
-/// Puts the failure of a run in the place of whatever its result would have been.
-void failed(std::unique_ptr<PublishResult>& result, std::int32_t code, const char* reason) {
-    if (result->kind != PublisherId::kNone) {
-        result = std::make_unique<PublishResult>(PublisherId::kNone);
-    }
-    result->status = code;
-    if (RunObserver* const observer = RunObserver::existing()) {
-        observer->runFailed(reason);
+/// Calls `tell` with the observer, if there is one. Whatever becomes of that, the run has its
+/// outcome.
+template <class Tell>
+void tellObserver(Tell&& tell) noexcept {
+    try {
+        if (RunObserver* const observer = RunObserver::existing()) {
+            tell(*observer);
+        }
+    } catch (...) {
+        // There was no memory for it.
     }
 }
 
-/// Puts the result of the request into `result`, or the status of its failure.
-void serveRequest(const char* text, std::unique_ptr<PublishResult>& result) {
+/// Allocates nothing: it may be memory that the run failed for.
+void fail(PublishResult& fallback, std::int32_t code, const char* reason) noexcept {
+    fallback.status = code;
+    tellObserver([&](RunObserver& observer) { observer.runFailed(reason); });
+}
+
+/// The result of the request; null when it fails, with the status of that in `fallback`.
+std::unique_ptr<PublishResult> serveRequest(const char* text, PublishResult& fallback) noexcept {
+    std::unique_ptr<PublishResult> result;
     try {
         result = runRequest(text);
         requireWorkingHost();
     } catch (const PublishException& failure) {
-        failed(result, failure.code(), "");
+        fail(fallback, failure.code(), "");
+        result.reset();
     } catch (const std::exception& failure) {
-        failed(result, PublishException().code(), failure.what());
+        fail(fallback, PublishException().code(), failure.what());
+        result.reset();
     } catch (...) {
-        failed(result, PublishException().code(), "");
+        fail(fallback, PublishException().code(), "");
+        result.reset();
     }
-    if (RunObserver* const observer = RunObserver::existing()) {
-        observer->finish(isPublished);
-    }
+    tellObserver([](RunObserver& observer) { observer.finish(isPublished); });
+    return result;
 }
 
 /// The answer of a run that failed.
@@ -100,11 +111,12 @@ void onNotify(std::uint32_t notification, std::uint32_t /*objectId*/, const char
     }
     const ScopeExit endServing([] { isServing = false; });
     forgetHostExceptions();
-    // What goes back when the run yields no result of its own. It outlives the session.
-    auto result = std::make_unique<PublishResult>(PublisherId::kNone);
+    // What goes back when the run yields no result of its own. Both outlive the session.
+    PublishResult fallback(PublisherId::kNone);
+    std::unique_ptr<PublishResult> result;
     const XmlSession session;
-    serveRequest(text, result);
-    answer(*result, std::move(refusal));
+    result = serveRequest(text, fallback);
+    answer(result ? *result : fallback, std::move(refusal));
 }
 
 }  // namespace marrowpress
