@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "application/host_operations.h"
@@ -13,9 +14,12 @@
 #include "publish/publish_result.h"
 #include "references/published_content.h"
 #include "support/scope_exit.h"
+#include "xml/request_memory.h"
 
 namespace marrowpress {
 namespace {
+
+constexpr const char* kOutOfMemory = "there is not enough memory";
 
 std::unique_ptr<PublishResult> runRequest(const char* text) {
     const OutputFormats& formats = OutputFormats::instance();
@@ -49,14 +53,18 @@ std::unique_ptr<PublishResult> serveRequest(const char* text, PublishResult& fal
     try {
         result = runRequest(text);
         requireWorkingHost();
+        requireMemory();
     } catch (const PublishException& failure) {
-        fail(fallback, failure.code(), "");
+        fail(fallback, failure.code(), isMemoryExhausted() ? kOutOfMemory : "");
+        result.reset();
+    } catch (const std::bad_alloc&) {
+        fail(fallback, PublishException().code(), kOutOfMemory);
         result.reset();
     } catch (const std::exception& failure) {
         fail(fallback, PublishException().code(), failure.what());
         result.reset();
     } catch (...) {
-        fail(fallback, PublishException().code(), "");
+        fail(fallback, PublishException().code(), isMemoryExhausted() ? kOutOfMemory : "");
         result.reset();
     }
     tellObserver([](RunObserver& observer) { observer.finish(isPublished); });

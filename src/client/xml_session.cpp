@@ -1,8 +1,15 @@
 #include "client/xml_session.h"
 
+#include <unicode/ucnv.h>
+
+#include <memory>
 #include <stdexcept>
+#include <utility>
 #include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/Transcoders/ICU/ICUTransService.hpp>
+#include <xercesc/util/XMLInitializer.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 #include "application/messengers.h"
 #include "application/run_observer.h"
@@ -25,33 +32,74 @@ public:
     }
 };
 
-/// Whether an initialisation has failed. Xerces then takes itself for initialised while it is only
-/// in part, and can neither be used nor be terminated any more.
-bool isPlatformBroken = false;
+struct CloseConverter {
+    void operator()(UConverter* converter) const noexcept { ucnv_close(converter); }
+};
+using Converter = std::unique_ptr<UConverter, CloseConverter>;
 
-void initializePlatform() {
-    static ThrowingPanicHandler panicHandler;
-    if (isPlatformBroken) {
-        throw std::runtime_error("the XML platform could not be initialised before");
+/// A converter of the encoding that the system's texts have.
+Converter openConverter() {
+    UErrorCode error = U_ZERO_ERROR;
+    Converter converter(ucnv_open(nullptr, &error));
+    if (!converter) {
+        throw std::runtime_error(u_errorName(error));
     }
-    isPlatformBroken = true;
-    xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                          &panicHandler);
-    isPlatformBroken = false;
+    return converter;
 }
+
+using SetTranscoder = void (*)(xercesc::XMLLCPTranscoder*, xercesc::MemoryManager*);
+
+SetTranscoder transcoderSetter();
+
+/// The engine keeps its transcoder to itself; access is not checked where a template is
+/// instantiated by name.
+template <SetTranscoder set>
+struct TranscoderAccess {
+    friend SetTranscoder transcoderSetter() { return set; }
+};
+template struct TranscoderAccess<&xercesc::XMLString::initString>;
+
+/// The engine, started and ended as a whole.
+///
+/// After a start that breaks off it takes itself for started while it is only in part: it can't be
+/// used, and to end it would crash. What it opens for itself is one converter; all else is memory,
+/// which is never refused meanwhile. So it starts with a converter to spare, with which a start
+/// that broke off is brought to its end and undone.
+class Engine : private xercesc::XMLInitializer {
+public:
+    static void start(RequestMemory& memory) {
+        static ThrowingPanicHandler panicHandler;
+        Converter spare = openConverter();
+        memory.setUnlimited(true);
+        try {
+            xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
+                                                  &panicHandler, &memory);
+        } catch (...) {
+            finishStart(std::move(spare), memory);
+            xercesc::XMLPlatformUtils::Terminate();
+            throw;
+        }
+        memory.setUnlimited(false);
+    }
+
+    static void end() { xercesc::XMLPlatformUtils::Terminate(); }
+
+private:
+    static void finishStart(Converter converter, RequestMemory& memory) {
+        transcoderSetter()(new (&memory) xercesc::ICULCPTranscoder(converter.release()), &memory);
+        initializeStaticData();
+    }
+};
 
 }  // namespace
 
 XmlSession::XmlSession() {
-    initializePlatform();
-    isPlatformInitialized_ = true;
+    Engine::start(memory_);
     RunObserver::begin();
 }
 
 XmlSession::~XmlSession() {
-    if (!isPlatformInitialized_) {
-        return;
-    }
+    memory_.setUnlimited(true);
     RequestSingleton<DocumentStore>::destroy();
     RequestSingleton<GrammarParserCache>::destroy();
     RequestSingleton<ReplacedFiles>::destroy();
@@ -62,8 +110,7 @@ XmlSession::~XmlSession() {
     RequestSingleton<ExclusionFilterHolder>::destroy();
     RequestSingleton<ConditionRenamer>::destroy();
     RunObserver::end();
-    xercesc::XMLPlatformUtils::Terminate();
-    isPlatformInitialized_ = false;
+    Engine::end();
 }
 
 }  // namespace marrowpress

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xml/request_memory.h"
+
 namespace marrowpress {
 
 /// The scope of a request: the XML platform is ready in it, and everything that
@@ -11,15 +13,17 @@ namespace marrowpress {
 /// seen by the next.
 class XmlSession {
 public:
-    /// @throws std::runtime_error, or what else comes out of Xerces, when the platform can't be
-    ///         initialised.
+    /// @throws std::bad_alloc when there is no memory, std::runtime_error when the platform can't
+    /// be
+    ///         initialised for another reason. The next session starts anew.
     XmlSession();
     XmlSession(const XmlSession&) = delete;
     XmlSession& operator=(const XmlSession&) = delete;
     ~XmlSession();
 
 private:
-    bool isPlatformInitialized_ = false;
+    // What the engine has taken is given back after everything else.
+    RequestMemory memory_;
 };
 
 }  // namespace marrowpress

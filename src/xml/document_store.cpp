@@ -1,7 +1,9 @@
 #include "xml/document_store.h"
 
 #include <algorithm>
+#include <new>
 #include <unordered_set>
+#include <xercesc/util/OutOfMemoryException.hpp>
 
 #include "application/host_operations.h"
 #include "application/messengers.h"
@@ -13,6 +15,7 @@
 #include "support/publish_exception.h"
 #include "support/request_singleton.h"
 #include "support/xerces_ptr.h"
+#include "xml/request_memory.h"
 
 namespace marrowpress {
 namespace {
@@ -131,14 +134,16 @@ DocumentStore& DocumentStore::instance() {
 xercesc::DOMDocument* DocumentStore::getOrLoad(const std::u16string& path,
                                                const xercesc::DOMElement* reference) {
     requireWorkingHost();
+    requireMemory();
     const auto known = documents_.find(path);
     if (known != documents_.end()) {
         return known->second;
     }
     recordIfOpen(path);
     xercesc::DOMDocument* const document = load(path);
-    // What could not be read for want of an answer is no fault of the file.
+    // What could not be read for want of an answer, or of memory, is no fault of the file.
     requireWorkingHost();
+    requireMemory();
     RunObserver* const observer = RunObserver::existing();
     if (document && observer) {
         observeRead(*observer, path, *document, loader_.history(), reference);
@@ -175,6 +180,12 @@ xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
         failures_.erase(path);
         removeFiltered(document);
         return document;
+    } catch (const std::bad_alloc&) {
+        // No fault of the file, and nothing that the run can go on from.
+        throw;
+    } catch (const xercesc::OutOfMemoryException&) {
+        failures_[path] = {u"it takes too much memory", {}, 0, 0, false};
+        return nullptr;
     } catch (...) {
         // The caller reports that the file can't be read; why is kept beside.
         if (const std::optional<ParseFailure>& failure = loader_.parser().failure()) {

@@ -64,7 +64,8 @@ public:
     /// worked on counts as one that can't be read. `reference` is the element that leads to the
     /// file, null where none does.
     ///
-    /// @throws PublishException when the host has thrown something: the run is to end.
+    /// @throws PublishException when the host has thrown something or memory is out, and
+    ///         std::bad_alloc: the run is to end.
     xercesc::DOMDocument* getOrLoad(const std::u16string& path,
                                     const xercesc::DOMElement* reference = nullptr);
 

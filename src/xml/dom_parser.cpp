@@ -1,6 +1,7 @@
 #include "xml/dom_parser.h"
 
 #include <utility>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
 #include "support/scope_exit.h"
@@ -8,6 +9,7 @@
 #include "support/xerces_ptr.h"
 #include "xml/mapped_input.h"
 #include "xml/place_recording_parser.h"
+#include "xml/request_memory.h"
 
 namespace marrowpress {
 namespace {
@@ -99,17 +101,27 @@ xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
     const ScopeExit endSession([] { sendEnd(); });
     const MemMapLocalFileInputSource source(path.c_str(),
                                             xercesc::XMLPlatformUtils::fgMemoryManager);
+    const TryLimits limits(path);
     try {
         parser_->beginFile(path);
         parser_->parse(source);
         parser_->endFile();
         return parser_->getDocument();
+    } catch (const xercesc::OutOfMemoryException&) {
+        dropDocument();
+        replaceParser();
+        throw;
     } catch (...) {
         // The parser would keep the half of a tree until it ends, that of each try beside the
         // others.
         dropDocument();
         throw;
     }
+}
+
+void ParserBundle::replaceParser() {
+    brokenParsers_.push_back(std::exchange(parser_, makeParser()));
+    applySettings(*parser_, errorHandler_.get(), entityResolver_.get());
 }
 
 void ParserBundle::dropDocument() noexcept {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/sax/HandlerBase.hpp>
 
@@ -19,6 +20,9 @@ struct ParseHistory {
 };
 
 /// What a parse context consists of: a parser, its handlers and its settings.
+///
+/// A parser for which memory ran out may be broken and is never used again. It is kept, for its
+/// documents live on, and the next one scans DTDs anew.
 ///
 /// Documents and cached grammars belong to the parser and end with it. Every
 /// destruction, that of a moved-from bundle too, sends one
@@ -43,8 +47,9 @@ public:
     /// A failed parse is tried again, once with grammars neither reused nor kept, and once without
     /// validation and without external DTD, as far as `retryMask` allows it; a DTD that can't be
     /// opened skips the former. So a well-formed document loads whatever its DTD is like, at the
-    /// last try without the defaults of the DTD. Each try is a session of its own with
-    /// "XmlUtilities". The parser's settings are as before when this returns or throws.
+    /// last try without the defaults of the DTD. Where memory ran out there is no further try. Each
+    /// try is a session of its own with "XmlUtilities". The parser's settings are as before when
+    /// this returns or throws.
     ///
     /// @throws what the last try threw.
     xercesc::DOMDocument* parseFile(const std::u16string& path, unsigned retryMask);
@@ -61,10 +66,12 @@ public:
 private:
     xercesc::DOMDocument* parseWithRetries(const std::u16string& path, unsigned retryMask);
     xercesc::DOMDocument* parseOnce(const std::u16string& path);
+    void replaceParser();
     xercesc::DOMDocument* retryWithoutValidation(const std::u16string& path, unsigned retryMask);
     xercesc::DOMDocument* retryWithoutGrammarCache(const std::u16string& path, unsigned retryMask);
 
     // Destroyed from the last to the first.
+    std::vector<std::unique_ptr<QSXercesDOMParser>> brokenParsers_;
     std::unique_ptr<QSXercesDOMParser> parser_;
     std::unique_ptr<xercesc::HandlerBase> errorHandler_;
     std::unique_ptr<QSXMLEntityResolver> entityResolver_;

@@ -10,6 +10,7 @@
 #include "support/scope_exit.h"
 #include "support/xerces_ptr.h"
 #include "xml/mapped_input.h"
+#include "xml/request_memory.h"
 
 namespace marrowpress {
 namespace {
@@ -18,6 +19,7 @@ namespace {
 void loadDtd(QSXercesDOMParser& parser, const xercesc::InputSource& dtd,
              const std::u16string& path) {
     constexpr bool kToCache = false;
+    const TryLimits limits(path);
     try {
         parser.loadGrammar(dtd, xercesc::Grammar::DTDGrammarType, kToCache);
     } catch (...) {

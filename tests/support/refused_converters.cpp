@@ -7,6 +7,7 @@
 namespace {
 
 bool areConvertersRefused = false;
+int allowedConverters = 0;
 
 }  // namespace
 
@@ -15,7 +16,7 @@ U_CAPI UConverter* U_EXPORT2 ucnv_open(const char* name, UErrorCode* error) {
     using Open = UConverter* (*)(const char*, UErrorCode*);
     static const auto open =
         reinterpret_cast<Open>(::dlsym(RTLD_NEXT, "ucnv_open_" U_ICU_VERSION_SHORT));
-    if (areConvertersRefused) {
+    if (areConvertersRefused && allowedConverters-- <= 0) {
         *error = U_FILE_ACCESS_ERROR;
         return nullptr;
     }
@@ -24,7 +25,8 @@ U_CAPI UConverter* U_EXPORT2 ucnv_open(const char* name, UErrorCode* error) {
 
 namespace marrowpress {
 
-RefusedConverters::RefusedConverters() {
+RefusedConverters::RefusedConverters(int allowed) {
+    allowedConverters = allowed;
     areConvertersRefused = true;
 }
 

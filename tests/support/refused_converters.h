@@ -2,10 +2,10 @@
 
 namespace marrowpress {
 
-/// While it lasts, ICU opens no converter, so that Xerces can't start.
+/// While it lasts, ICU opens no more converters than `allowed`, so that Xerces can't start.
 class RefusedConverters {
 public:
-    RefusedConverters();
+    explicit RefusedConverters(int allowed = 0);
     RefusedConverters(const RefusedConverters&) = delete;
     RefusedConverters& operator=(const RefusedConverters&) = delete;
     ~RefusedConverters();

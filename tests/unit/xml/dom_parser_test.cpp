@@ -10,6 +10,7 @@
 #include "tests/support/file_conditions.h"
 #include "tests/support/scripted_interfaces.h"
 #include "tests/unit/xml/sample_documents.h"
+#include "xml/request_memory.h"
 
 namespace marrowpress {
 namespace {
@@ -490,6 +491,87 @@ TEST_F(ParserBundleTest, EndsAnEntityBomb) {
         EXPECT_NE(failureOf(name), kNothingThrown);
         EXPECT_EQ(host.commands(), tries(3, folder.file(name)));
     }
+}
+
+/// A parameter entity that stands for a comment 10^9 times, in a DTD.
+std::string commentBomb() {
+    std::string dtd = "<!ENTITY % p0 '<!-- -->'>";
+    for (int level = 1; level <= 9; ++level) {
+        dtd += "<!ENTITY % p" + std::to_string(level) + " '";
+        for (int copy = 0; copy < 10; ++copy) {
+            dtd += "&#37;p" + std::to_string(level - 1) + ";";
+        }
+        dtd += "'>";
+    }
+    return dtd + "%p9;";
+}
+
+/// A content model with so many states that they take gigabytes.
+std::string ambiguousModel() {
+    std::string model = "<!ELEMENT a ANY><!ELEMENT b EMPTY><!ELEMENT c EMPTY><!ELEMENT d ((b|c)*,b";
+    for (int particle = 0; particle < 24; ++particle) {
+        model += ",(b|c)";
+    }
+    return model + ")>";
+}
+
+std::string repeated(std::string_view text, int count) {
+    std::string all;
+    for (int copy = 0; copy < count; ++copy) {
+        all += text;
+    }
+    return all;
+}
+
+/// The first one ends at any internal subset.
+constexpr int kTriesOfASubset = 2;
+
+/// The engine's own limit sees none of them.
+class MemoryBombTest : public ParserBundleTest {
+protected:
+    /// The try that meets the bomb is the last one.
+    void expectGivenUp(const char* name, int tries) {
+        const Watchdog watchdog(300);
+        parse("before.dita", "<before/>");
+        host.forget();
+        EXPECT_THROW(failureOf(name), xercesc::OutOfMemoryException) << name;
+        EXPECT_EQ(std::count(host.commands().begin(), host.commands().end(), kEnd), tries) << name;
+        // What was read before lives on, and what is read then is whole.
+        const xercesc::DOMDocument& after = parse("after.dita", topicText("topic.dtd"));
+        EXPECT_EQ(parsedClass(after), "- topic/p ") << name;
+        EXPECT_FALSE(RequestMemory::current()->isExhausted()) << name;
+    }
+};
+
+TEST_F(MemoryBombTest, OfParameterEntitiesIsGivenUp) {
+    folder.write("bomb.dtd", commentBomb());
+    folder.write("bomb.dita", "<!DOCTYPE a SYSTEM 'bomb.dtd'><a/>");
+    expectGivenUp("bomb.dita", 1);
+}
+
+TEST_F(MemoryBombTest, OfAnEntityThatIsLongIsGivenUp) {
+    folder.write("bomb.dita", "<!DOCTYPE a [<!ELEMENT a ANY><!ENTITY e '" +
+                                  std::string(100000, 'x') + "'>]><a>" + repeated("&e;", 10000) +
+                                  "</a>");
+    expectGivenUp("bomb.dita", kTriesOfASubset);
+}
+
+TEST_F(MemoryBombTest, OfAnAmbiguousContentModelIsGivenUp) {
+    folder.write("bomb.dita", "<!DOCTYPE a [" + ambiguousModel() + "]><a><d><b/>" +
+                                  repeated("<c/>", 24) + "</d></a>");
+    expectGivenUp("bomb.dita", kTriesOfASubset);
+}
+
+TEST_F(ParserBundleTest, DocumentsOfAParserThatIsReplacedLiveOn) {
+    const xercesc::DOMDocument& earlier = parse("earlier.dita", topicText("topic.dtd"));
+    const std::string text = printed(*earlier.getDocumentElement());
+    QSXercesDOMParser* const broken = &parser();
+    folder.write("bomb.dita", "<!DOCTYPE a [" + ambiguousModel() + "]><a><d><b/>" +
+                                  repeated("<c/>", 24) + "</d></a>");
+    EXPECT_THROW(failureOf("bomb.dita"), xercesc::OutOfMemoryException);
+    EXPECT_NE(&parser(), broken);
+    expectUsualSettings();
+    EXPECT_EQ(printed(*earlier.getDocumentElement()), text);
 }
 
 TEST_F(ParserBundleTest, EndsAnEntityThatHoldsItself) {
