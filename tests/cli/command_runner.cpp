@@ -22,19 +22,9 @@ void redirect(int stream, const std::string& path, int flags) {
     close(descriptor);
 }
 
-/// All but what LeakSanitizer leaves out, for it is asked of whatever is run.
-void clearEnvironment() {
-    const char* const found = getenv("LSAN_OPTIONS");
-    const std::string suppressions = found ? found : "";
-    clearenv();
-    if (!suppressions.empty()) {
-        setenv("LSAN_OPTIONS", suppressions.c_str(), 1);
-    }
-}
-
 void setEnvironment(const CommandSetting& setting) {
     if (setting.hasNoEnvironment) {
-        clearEnvironment();
+        clearenv();
         return;
     }
     // What a test finds is not to depend on where it runs.
