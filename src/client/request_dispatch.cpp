@@ -12,7 +12,9 @@
 #include "client/xml_session.h"
 #include "publish/output_formats.h"
 #include "publish/publish_result.h"
+#include "references/copied_references.h"
 #include "references/published_content.h"
+#include "support/request_singleton.h"
 #include "support/scope_exit.h"
 #include "xml/request_memory.h"
 
@@ -20,6 +22,16 @@ namespace marrowpress {
 namespace {
 
 constexpr const char* kOutOfMemory = "there is not enough memory";
+constexpr const char* kEndlessCopies = "references in copied content multiply beyond all bounds";
+
+/// Why a run that says nothing itself has failed; empty where that has been told.
+const char* reasonOfFailure() noexcept {
+    if (isMemoryExhausted()) {
+        return kOutOfMemory;
+    }
+    const CopiedReferences* const copied = RequestSingleton<CopiedReferences>::existing();
+    return copied && copied->isSpent() ? kEndlessCopies : "";
+}
 
 std::unique_ptr<PublishResult> runRequest(const char* text) {
     const OutputFormats& formats = OutputFormats::instance();
@@ -55,7 +67,7 @@ std::unique_ptr<PublishResult> serveRequest(const char* text, PublishResult& fal
         requireWorkingHost();
         requireMemory();
     } catch (const PublishException& failure) {
-        fail(fallback, failure.code(), isMemoryExhausted() ? kOutOfMemory : "");
+        fail(fallback, failure.code(), reasonOfFailure());
         result.reset();
     } catch (const std::bad_alloc&) {
         fail(fallback, PublishException().code(), kOutOfMemory);
@@ -64,7 +76,7 @@ std::unique_ptr<PublishResult> serveRequest(const char* text, PublishResult& fal
         fail(fallback, PublishException().code(), failure.what());
         result.reset();
     } catch (...) {
-        fail(fallback, PublishException().code(), isMemoryExhausted() ? kOutOfMemory : "");
+        fail(fallback, PublishException().code(), reasonOfFailure());
         result.reset();
     }
     tellObserver([](RunObserver& observer) { observer.finish(isPublished); });

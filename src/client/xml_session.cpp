@@ -14,6 +14,7 @@
 #include "application/messengers.h"
 #include "application/run_observer.h"
 #include "profiling/condition_merge.h"
+#include "references/copied_references.h"
 #include "references/exclusion_filter.h"
 #include "references/topic_ids.h"
 #include "support/request_singleton.h"
@@ -103,6 +104,7 @@ XmlSession::~XmlSession() {
     RequestSingleton<DocumentStore>::destroy();
     RequestSingleton<GrammarParserCache>::destroy();
     RequestSingleton<ReplacedFiles>::destroy();
+    RequestSingleton<CopiedReferences>::destroy();
     RequestSingleton<TopicIdGenerator>::destroy();
     RequestSingleton<OpenDocumentTable>::destroy();
     RequestSingleton<ProgressMessenger>::destroy();

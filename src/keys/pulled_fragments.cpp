@@ -5,6 +5,7 @@
 #include "dom/element_walker.h"
 #include "dom/nesting_depth.h"
 #include "dom/nodes.h"
+#include "references/copied_references.h"
 #include "references/node_filters.h"
 #include "support/publish_exception.h"
 
@@ -29,6 +30,9 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     const Copy* const cause = innermostCopy(reference);
     if (!element || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
         return;
+    }
+    if (cause) {
+        CopiedReferences::instance().follow();
     }
     DOMNode* const parent = reference.getParentNode();
     if (wouldNestTooDeeply(parent, *element)) {

@@ -11,6 +11,7 @@
 #include "dom/nodes.h"
 #include "profiling/conditional_pis.h"
 #include "references/conref_target.h"
+#include "references/copied_references.h"
 #include "references/dita_reference.h"
 #include "references/document_kind.h"
 #include "references/reference_paths.h"
@@ -230,6 +231,9 @@ void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node,
         toAbsolutePath(reference.path, *node.getOwnerDocument()), &node);
     if (!map || isOpen(*map)) {
         return;
+    }
+    if (openMaps_.size() > 1) {
+        CopiedReferences::instance().follow();
     }
     observeDroppedChildren(node, documentPath(*map));
     DOMElement* const root = map->getDocumentElement();

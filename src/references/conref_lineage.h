@@ -24,6 +24,9 @@ class ConrefLineage {
 public:
     using Element = xercesc::DOMElement;
 
+    /// Whether `reference` was copied.
+    bool isCopy(const Element& reference) const { return originOf(reference).followed != kNone; }
+
     /// Whether following `reference` to `start` would never end.
     bool isEndless(const Element& reference, const Element& start) const;
 

@@ -15,6 +15,7 @@
 #include "references/conref_attributes.h"
 #include "references/conref_lineage.h"
 #include "references/conref_target.h"
+#include "references/copied_references.h"
 #include "references/reference_paths.h"
 #include "support/hrefs.h"
 #include "xml/document_store.h"
@@ -79,6 +80,8 @@ private:
     void observeFollowed(const DOMElement& element, const DOMElement& start,
                          const HrefParts& reference) const;
     std::vector<SourcePlace> ringOf(const DOMElement& element, const DOMElement& start) const;
+    DOMElement* targetOf(const DOMDocument& document, const HrefParts* parts,
+                         const DOMElement& element);
     DOMDocument* targetDocument(const HrefParts& reference, const DOMElement& element) const;
     void replace(DOMElement& element, const Target& target);
     void insertRange(DOMElement& element, const Target& target);
@@ -92,6 +95,7 @@ private:
     KeySpace& keySpace_;
     TopicIdMap& topicIds_;
     ConrefLineage lineage_;
+    ConrefTargets targets_;
 };
 
 void ConrefWalk::resolve(DOMElement& element) {
@@ -103,7 +107,10 @@ void ConrefWalk::resolve(DOMElement& element) {
     if (!document) {
         return;
     }
-    DOMElement* const start = findConrefTarget(*document, &reference, element);
+    if (lineage_.isCopy(element)) {
+        CopiedReferences::instance().follow();
+    }
+    DOMElement* const start = targetOf(*document, &reference, element);
     // The start's content takes the element's place.
     if (start && (lineage_.isEndless(element, *start) ||
                   wouldNestTooDeeply(element.getParentNode(), *start))) {
@@ -113,7 +120,7 @@ void ConrefWalk::resolve(DOMElement& element) {
         return;
     }
     const DOMElement* const end =
-        findConrefTarget(*document, conrefend.empty() ? nullptr : &rangeEnd, element);
+        targetOf(*document, conrefend.empty() ? nullptr : &rangeEnd, element);
     if (!start) {
         removeConref(element);
         return;
@@ -130,6 +137,16 @@ void ConrefWalk::resolve(DOMElement& element) {
     observeFollowed(element, *start, reference);
     replace(element,
             {*document, *start, stop, !reference.path.empty(), {&element, u"conref", conref}});
+}
+
+DOMElement* ConrefWalk::targetOf(const DOMDocument& document, const HrefParts* parts,
+                                 const DOMElement& element) {
+    DOMElement* const target = targets_.find(document, parts, element);
+    const std::size_t searched = targets_.takeSearched();
+    if (lineage_.isCopy(element)) {
+        CopiedReferences::instance().search(searched);
+    }
+    return target;
 }
 
 /// Message 109 for a target that must not be copied, though it is there.
@@ -187,6 +204,7 @@ DOMDocument* ConrefWalk::targetDocument(const HrefParts& reference,
 
 void ConrefWalk::replace(DOMElement& element, const Target& target) {
     lineage_.follow(element);
+    targets_.noteChange(element);
     removeChildren(element);
     removeConref(element);
     insertRange(element, target);
@@ -252,6 +270,7 @@ void ConrefWalk::adopt(DOMElement& copy, const Target& target) {
         lineage_.recordPulledContent(copy);
         processor_.updater_.rewriteReferences(&copy, topicIds_);
     }
+    targets_.noteChange(copy);
 }
 
 void ConrefProcessor::resolveConrefs(DOMElement* root, KeySpace& keySpace,

@@ -1,7 +1,11 @@
 #include "references/conref_target.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "application/messengers.h"
 #include "dom/attributes.h"
+#include "dom/copies.h"
 #include "dom/element_walker.h"
 #include "dom/nodes.h"
 #include "references/document_kind.h"
@@ -38,21 +42,10 @@ DOMElement* findContainer(const DOMDocument& document, std::u16string_view topic
     return document.getElementById(id.c_str());
 }
 
-DOMElement* findInside(DOMElement& container, std::u16string_view elementId,
-                       std::u16string_view tagName) {
-    const AttrBasedElementNodeFilter withId(u"id", std::u16string(elementId));
-    ElementWalker walker(&container, withId);
-    DOMElement* element = walker.nextNode();
-    while (element && domText(element->getTagName()) != tagName) {
-        element = walker.nextNode();
-    }
-    return element;
-}
-
 }  // namespace
 
-DOMElement* findConrefTarget(const DOMDocument& document, const HrefParts* parts,
-                             const DOMElement& reference) {
+DOMElement* ConrefTargets::find(const DOMDocument& document, const HrefParts* parts,
+                                const DOMElement& reference) {
     if (!parts) {
         return nullptr;
     }
@@ -73,6 +66,62 @@ DOMElement* findConrefTarget(const DOMDocument& document, const HrefParts* parts
             tagName, parts->elementId, parts->topicId, document, &reference);
     }
     return element;
+}
+
+DOMElement* ConrefTargets::findInside(DOMElement& container, std::u16string_view id,
+                                      std::u16string_view tagName) {
+    const auto [known, isFirstSearch] = known_.try_emplace(&container);
+    const std::u16string elementId(id);
+    if (isFirstSearch || changed_.contains(elementId)) {
+        return search(container, elementId, tagName);
+    }
+    if (known->second.empty()) {
+        known->second = idsIn(container);
+    }
+    const auto elements = known->second.find(elementId);
+    if (elements == known->second.end()) {
+        return nullptr;
+    }
+    const auto found = std::find_if(
+        elements->second.begin(), elements->second.end(),
+        [&](const DOMElement* element) { return domText(element->getTagName()) == tagName; });
+    return found == elements->second.end() ? nullptr : *found;
+}
+
+DOMElement* ConrefTargets::search(DOMElement& container, std::u16string_view elementId,
+                                  std::u16string_view tagName) {
+    DOMElement* element = &container;
+    for (; element; element = nextInSubtree(element, container)) {
+        ++searched_;
+        if (attributeView(*element, u"id") == elementId &&
+            domText(element->getTagName()) == tagName) {
+            break;
+        }
+    }
+    return element;
+}
+
+ConrefTargets::Ids ConrefTargets::idsIn(DOMElement& container) {
+    Ids ids;
+    for (DOMElement* element = &container; element; element = nextInSubtree(element, container)) {
+        ++searched_;
+        if (std::u16string id = attributeOf(*element, u"id"); !id.empty()) {
+            ids[std::move(id)].push_back(element);
+        }
+    }
+    return ids;
+}
+
+void ConrefTargets::noteChange(DOMElement& root) {
+    for (DOMElement* element = &root; element; element = nextInSubtree(element, root)) {
+        if (std::u16string id = attributeOf(*element, u"id"); !id.empty()) {
+            changed_.insert(std::move(id));
+        }
+    }
+}
+
+std::size_t ConrefTargets::takeSearched() noexcept {
+    return std::exchange(searched_, 0);
 }
 
 DOMElement* elementOf(const DOMDocument& document, const HrefParts& parts) {

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
@@ -9,17 +13,44 @@ namespace marrowpress {
 
 struct HrefParts;
 
-/// The element that a content reference of `reference` names in `document`. `parts` may be null:
-/// then there is none, and nothing is reported.
+/// Finds what content references name, for one walk over them.
 ///
-/// The topic id "." stands for the first topic with an id; in a map any element of the id will do.
-/// With an element id, the target is the first element of that id and tag name in there. Its tag
-/// name has to be that of `reference`; nothing else is compared.
-///
-/// Null after message 109 when the topic id leads nowhere or to an element of another name, after
-/// message 108 when the topic has no such element.
-xercesc::DOMElement* findConrefTarget(const xercesc::DOMDocument& document, const HrefParts* parts,
-                                      const xercesc::DOMElement& reference);
+/// In a topic that is searched again, the ids are known by then, but those of elements that have
+/// changed meanwhile: these are looked for each time.
+class ConrefTargets {
+public:
+    /// The element that a content reference of `reference` names in `document`. `parts` may be
+    /// null: then there is none, and nothing is reported.
+    ///
+    /// The topic id "." stands for the first topic with an id; in a map any element of the id will
+    /// do. With an element id, the target is the first element of that id and tag name in there.
+    /// Its tag name has to be that of `reference`; nothing else is compared.
+    ///
+    /// Null after message 109 when the topic id leads nowhere or to an element of another name,
+    /// after message 108 when the topic has no such element.
+    xercesc::DOMElement* find(const xercesc::DOMDocument& document, const HrefParts* parts,
+                              const xercesc::DOMElement& reference);
+
+    /// The subtree of `root` is about to go, or has come or got other ids.
+    void noteChange(xercesc::DOMElement& root);
+
+    /// How many elements were looked at since this was asked last.
+    std::size_t takeSearched() noexcept;
+
+private:
+    using Ids = std::unordered_map<std::u16string, std::vector<xercesc::DOMElement*>>;
+
+    xercesc::DOMElement* findInside(xercesc::DOMElement& container, std::u16string_view id,
+                                    std::u16string_view tagName);
+    xercesc::DOMElement* search(xercesc::DOMElement& container, std::u16string_view elementId,
+                                std::u16string_view tagName);
+    Ids idsIn(xercesc::DOMElement& container);
+
+    /// By topic, in document order; none for a topic that was searched once.
+    std::unordered_map<const xercesc::DOMElement*, Ids> known_;
+    std::unordered_set<std::u16string> changed_;
+    std::size_t searched_ = 0;
+};
 
 /// The element that `parts` name in `document`, whatever its tag name; null when there is none.
 /// Nothing is reported.

@@ -5,6 +5,7 @@
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "dom/element_walker.h"
+#include "references/copied_references.h"
 #include "references/key_definitions.h"
 
 namespace marrowpress {
@@ -18,6 +19,16 @@ constexpr const XMLCh* kPulledFrom = u"marrowpress-pulled-from";
 
 const DOMElement* pulledFrom(const DOMNode& node) {
     return static_cast<const DOMElement*>(node.getUserData(kPulledFrom));
+}
+
+/// Whether `element` came with content that was pulled.
+bool isPulled(const DOMElement& element) {
+    for (const DOMNode* node = element.getParentNode(); node; node = node->getParentNode()) {
+        if (pulledFrom(*node)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 /// Lets the children of `target` remember what those of `source`, whose copies they are, do: the
@@ -97,6 +108,9 @@ void KeyChainPass::apply(DOMElement& element, DOMElement* definition) {
     const DOMElement* const source = applyKeyDefinition(
         element, definition, dtd_, isEndless ? KeyContent::kLeave : KeyContent::kPull);
     if (source) {
+        if (isPulled(element)) {
+            CopiedReferences::instance().follow();
+        }
         element.setUserData(kPulledFrom, definition, nullptr);
         copyMemory(*source, element);
     }

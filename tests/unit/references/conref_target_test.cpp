@@ -89,7 +89,7 @@ constexpr TargetCase kTargetCases[] = {
     {"NoTopicHasAnId", "<dita><topic/><p id='p'/></dita>", ".", "topic", "", "109 ."},
 };
 
-class FindConrefTargetTest : public ConrefTest {
+class ConrefTargetsTest : public ConrefTest {
 protected:
     /// An element of this name, as it refers.
     const DOMElement& referrer(std::u16string_view tagName) const {
@@ -100,8 +100,7 @@ private:
     const ParsedXml referrers_{"<topic/>"};
 };
 
-class ConrefTargetTest : public FindConrefTargetTest,
-                         public testing::WithParamInterface<TargetCase> {
+class ConrefTargetTest : public ConrefTargetsTest, public testing::WithParamInterface<TargetCase> {
 protected:
     static std::string messageText(std::string_view tagName, const std::string& message) {
         if (message.empty()) {
@@ -121,7 +120,7 @@ TEST_P(ConrefTargetTest, FindsOrReports) {
     const ParsedXml document = parse(GetParam().xml);
     const std::u16string reference = u"#" + toUtf16(std::string_view(GetParam().reference));
     const HrefParts parts = splitHref(reference);
-    const DOMElement* const target = findConrefTarget(
+    const DOMElement* const target = ConrefTargets().find(
         document.document(), &parts, referrer(toUtf16(std::string_view(GetParam().tagName))));
     EXPECT_EQ(target ? attribute(*target, "mark") : "", GetParam().found);
     EXPECT_EQ(target == nullptr, std::string_view(GetParam().found).empty());
@@ -131,40 +130,108 @@ TEST_P(ConrefTargetTest, FindsOrReports) {
 INSTANTIATE_TEST_SUITE_P(, ConrefTargetTest, testing::ValuesIn(kTargetCases),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
-TEST_F(FindConrefTargetTest, FindsNothingAndReportsNothingWithoutParts) {
+TEST_F(ConrefTargetsTest, FindsNothingAndReportsNothingWithoutParts) {
     const ParsedXml document = parse(kTopics);
-    EXPECT_EQ(findConrefTarget(document.document(), nullptr, referrer(u"topic")), nullptr);
+    EXPECT_EQ(ConrefTargets().find(document.document(), nullptr, referrer(u"topic")), nullptr);
     EXPECT_EQ(console(), "");
 }
 
-TEST_F(FindConrefTargetTest, ReportsForADocumentWithoutElements) {
+/// The mark of what `targets` finds for "#t/ID".
+std::string markOf(ConrefTargets& targets, const ParsedXml& document, const DOMElement& reference,
+                   std::u16string_view id) {
+    const HrefParts parts{{}, u"t", id};
+    const DOMElement* const found = targets.find(document.document(), &parts, reference);
+    return found ? attribute(*found, "mark") : "";
+}
+
+TEST_F(ConrefTargetsTest, FindsTheSameHoweverOftenItIsAsked) {
+    const ParsedXml document = parse(topicOf(
+        "<q id='a' mark='q'/><p id='a' mark='1'/><p id='a' mark='2'/><p id='b' mark='3'/>"));
+    ConrefTargets targets;
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(markOf(targets, document, referrer(u"p"), u"a"), "1");
+        EXPECT_EQ(markOf(targets, document, referrer(u"p"), u"b"), "3");
+        EXPECT_EQ(markOf(targets, document, referrer(u"q"), u"a"), "q");
+    }
+    EXPECT_EQ(console(), "");
+    EXPECT_EQ(markOf(targets, document, referrer(u"q"), u"b"), "");
+    EXPECT_EQ(markOf(targets, document, referrer(u"q"), u"c"), "");
+    EXPECT_EQ(console(),
+              notFoundInTopic("q", "b", "t", "d.dita") + notFoundInTopic("q", "c", "t", "d.dita"));
+}
+
+TEST_F(ConrefTargetsTest, LooksAtATopicOnceOrTwiceHoweverOftenItIsAsked) {
+    std::string many;
+    for (int index = 0; index < 1000; ++index) {
+        many += "<p id='p" + std::to_string(index) + "' mark='" + std::to_string(index) + "'/>";
+    }
+    const ParsedXml document = parse(topicOf(many));
+    ConrefTargets targets;
+    for (int time = 0; time < 100; ++time) {
+        EXPECT_EQ(markOf(targets, document, referrer(u"p"), u"p999"), "999");
+    }
+    const std::size_t searched = targets.takeSearched();
+    EXPECT_GT(searched, 2000U);
+    EXPECT_LT(searched, 2010U);
+    EXPECT_EQ(targets.takeSearched(), 0U);
+}
+
+TEST_F(ConrefTargetsTest, SeesWhatHasComeGoneOrChangedMeanwhile) {
+    const ParsedXml document =
+        parse(topicOf("<p id='here' mark='0'/><p id='a' mark='1'/><p id='b' mark='2'/>"));
+    DOMElement& root = *document.root();
+    ConrefTargets targets;
+    const auto marks = [&] {
+        return markOf(targets, document, referrer(u"p"), u"a") + " " +
+               markOf(targets, document, referrer(u"p"), u"b");
+    };
+    EXPECT_EQ(marks() + marks(), "1 21 2");
+    DOMElement& copy = *document.document().createElement(u"p");
+    copy.setAttribute(u"id", u"a");
+    copy.setAttribute(u"mark", u"new");
+    document.byId("here")->appendChild(&copy);
+    targets.noteChange(copy);
+    EXPECT_EQ(marks(), "new 2");
+    DOMElement& b = *document.byId("b");
+    targets.noteChange(b);
+    b.setAttribute(u"id", u"a");
+    targets.noteChange(b);
+    EXPECT_EQ(marks(), "new ");
+    targets.noteChange(*document.byId("here"));
+    document.byId("here")->removeChild(&copy);
+    EXPECT_EQ(marks(), "1 ");
+    EXPECT_EQ(attribute(root, "id"), "t");
+}
+
+TEST_F(ConrefTargetsTest, ReportsForADocumentWithoutElements) {
     const XercesPtr<xercesc::DOMDocument> empty(
         xercesc::DOMImplementation::getImplementation()->createDocument());
     empty->setDocumentURI((u"file://" + folder.file16("empty.dita")).c_str());
     for (const std::u16string_view topicId : {u".", u"t"}) {
         const HrefParts parts{{}, topicId, {}};
-        EXPECT_EQ(findConrefTarget(*empty, &parts, referrer(u"p")), nullptr);
+        EXPECT_EQ(ConrefTargets().find(*empty, &parts, referrer(u"p")), nullptr);
     }
     EXPECT_EQ(console(), notFound("p", ".", "empty.dita") + notFound("p", "t", "empty.dita"));
 }
 
-TEST_F(FindConrefTargetTest, ReportsNamesInUtf8AndAsTheyAre) {
+TEST_F(ConrefTargetsTest, ReportsNamesInUtf8AndAsTheyAre) {
     const ParsedXml document = parse(topicOf(""));
     const HrefParts missingTopic{{}, u"ü%s", {}};
     const HrefParts missingElement{{}, u"t", u"\U0001F600%d"};
-    EXPECT_EQ(findConrefTarget(document.document(), &missingTopic, referrer(u"ä")), nullptr);
-    EXPECT_EQ(findConrefTarget(document.document(), &missingElement, referrer(u"ä")), nullptr);
+    EXPECT_EQ(ConrefTargets().find(document.document(), &missingTopic, referrer(u"ä")), nullptr);
+    EXPECT_EQ(ConrefTargets().find(document.document(), &missingElement, referrer(u"ä")), nullptr);
     EXPECT_EQ(console(),
               notFound("ä", "ü%s", "d.dita") + notFoundInTopic("ä", "😀%d", "t", "d.dita"));
 }
 
-TEST_F(FindConrefTargetTest, MissesATopicWhoseIdIsNotDeclaredAsOne) {
+TEST_F(ConrefTargetsTest, MissesATopicWhoseIdIsNotDeclaredAsOne) {
     const ParsedXml document("<topic id='t'/>", u"file://" + folder.file16("d.dita"));
     const HrefParts byId{{}, u"t", {}};
     const HrefParts first{{}, u".", {}};
-    EXPECT_EQ(findConrefTarget(document.document(), &byId, referrer(u"topic")), nullptr);
+    EXPECT_EQ(ConrefTargets().find(document.document(), &byId, referrer(u"topic")), nullptr);
     EXPECT_EQ(console(), notFound("topic", "t", "d.dita"));
-    EXPECT_EQ(findConrefTarget(document.document(), &first, referrer(u"topic")), document.root());
+    EXPECT_EQ(ConrefTargets().find(document.document(), &first, referrer(u"topic")),
+              document.root());
 }
 
 struct ElementCase {
@@ -173,7 +240,7 @@ struct ElementCase {
     const char* found;      // the value of "mark"; empty for none
 };
 
-TEST_F(FindConrefTargetTest, AnElementIsFoundWhateverItsNameAndNothingIsReported) {
+TEST_F(ConrefTargetsTest, AnElementIsFoundWhateverItsNameAndNothingIsReported) {
     for (const auto& [xml, reference, found] :
          {ElementCase{kTopics, "t", "t"}, ElementCase{kTopics, "t/e", "p"},
           ElementCase{kTopics, "t/inner", "inner"}, ElementCase{kTopics, ".", "t"},
@@ -190,7 +257,7 @@ TEST_F(FindConrefTargetTest, AnElementIsFoundWhateverItsNameAndNothingIsReported
     EXPECT_EQ(console(), "");
 }
 
-TEST_F(FindConrefTargetTest, TheTopicAroundAnElementIsFoundByTheElementsId) {
+TEST_F(ConrefTargetsTest, TheTopicAroundAnElementIsFoundByTheElementsId) {
     const ParsedXml document = parse(kTopics);
     EXPECT_EQ(topicIdAround(document.document(), u"e"), u"t");
     EXPECT_EQ(topicIdAround(document.document(), u"inner"), u"n");
