@@ -78,7 +78,7 @@ fs::path resolved(const fs::path& path) {
     return error ? path.lexically_normal() : canonical;
 }
 
-bool isSameFile(const fs::path& left, const fs::path& right) {
+bool resolveToSame(const fs::path& left, const fs::path& right) {
     std::error_code ignored;
     return fs::equivalent(left, right, ignored) || resolved(left) == resolved(right);
 }
@@ -87,7 +87,7 @@ bool isSameFile(const fs::path& left, const fs::path& right) {
 const NamedPath* findSame(const NamedPath& report, const std::vector<NamedPath>& others) {
     const auto found = std::find_if(
         others.begin(), others.end(),
-        [&report](const NamedPath& other) { return isSameFile(report.path, other.path); });
+        [&report](const NamedPath& other) { return resolveToSame(report.path, other.path); });
     return found == others.end() ? nullptr : &*found;
 }
 

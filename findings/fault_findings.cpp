@@ -48,7 +48,7 @@ std::size_t numberIn(std::string_view text) {
     return number;
 }
 
-FindingStep stepOf(const ObservedStep& step) {
+FindingStep findingStepOf(const ObservedStep& step) {
     std::string what = step.attribute;
     if (*step.target) {
         what.append(" ").append(step.target);
@@ -89,7 +89,7 @@ std::optional<Finding> FaultFindings::findingOf(const Observation& fault) {
         if (index == 0) {
             finding.place = placeOf(fault.steps[0].place);
         } else {
-            finding.via.push_back(stepOf(fault.steps[index]));
+            finding.via.push_back(findingStepOf(fault.steps[index]));
         }
     }
     for (std::uint32_t index = 0; index < fault.relatedCount; ++index) {

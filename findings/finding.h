@@ -44,6 +44,9 @@ struct Finding {
     std::optional<std::string> hostText;  ///< The line of the application's console, as it came.
 };
 
+/// A run that ends with it hasn't done what it was asked for.
+inline constexpr int kExitOfFailedRun = 1;
+
 /// What a run came to.
 struct FindingSummary {
     std::size_t errors = 0;

@@ -11,7 +11,6 @@
 namespace marrowpress {
 namespace {
 
-constexpr int kRunFailed = 1;
 constexpr int kDecimals = 3;
 constexpr const char* kSuite = "marrowpress";
 
@@ -76,7 +75,7 @@ public:
 
     void write(const TestCases& cases, const FindingSummary& summary) {
         const std::size_t failures = failuresOf(cases);
-        hasFailedSilently_ = summary.exit == kRunFailed && failures == 0;
+        hasFailedSilently_ = summary.exit == kExitOfFailedRun && failures == 0;
         xml_.startElement("testsuites");
         xml_.startElement("testsuite");
         xml_.attribute("name", kSuite);
@@ -141,7 +140,7 @@ void writeJunit(std::ostream& out, const std::vector<Finding>& findings,
             cases.add(finding);
         }
     }
-    if (cases.all().empty() || (summary.exit == kRunFailed && failuresOf(cases) == 0)) {
+    if (cases.all().empty() || (summary.exit == kExitOfFailedRun && failuresOf(cases) == 0)) {
         cases.caseOf(options.map);
     }
     JunitWriter(out, options).write(cases, summary);

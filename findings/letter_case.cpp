@@ -8,7 +8,7 @@
 namespace marrowpress {
 namespace {
 
-struct FreeText {
+struct FreeFolded {
     void operator()(utf8proc_uint8_t* text) const noexcept { std::free(text); }
 };
 
@@ -19,7 +19,7 @@ std::string foldedCase(const std::string& text) {
     const utf8proc_ssize_t size =
         utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
                      static_cast<utf8proc_ssize_t>(text.size()), &folded, UTF8PROC_CASEFOLD);
-    const std::unique_ptr<utf8proc_uint8_t, FreeText> owner(folded);
+    const std::unique_ptr<utf8proc_uint8_t, FreeFolded> owner(folded);
     if (size < 0) {
         return text;
     }

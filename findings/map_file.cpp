@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "findings/regular_file.h"
+#include "findings/xml_characters.h"
 #include "host/local_xml_input.h"
 
 namespace marrowpress {
@@ -31,14 +32,6 @@ struct FreeReader {
         xmlFreeDoc(document);
     }
 };
-
-struct FreeText {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-
-std::string asText(const xmlChar* text) {
-    return text ? reinterpret_cast<const char*>(text) : "";
-}
 
 /// In whatever letter case.
 bool namesMap(const std::string& name) {
@@ -94,7 +87,7 @@ bool mayBeMap(const DocumentStart& start) {
 }
 
 /// Keeps the first error that ended the parse.
-void onError(void* kept, xmlError* error) {
+void keepError(void* kept, xmlError* error) {
     auto& file = *static_cast<MapFile*>(kept);
     if (error->level != XML_ERR_FATAL || file.kind == MapFile::Kind::kNotWellFormed) {
         return;
@@ -116,7 +109,7 @@ DocumentStart readStart(xmlTextReader& reader) {
         if (xmlTextReaderNodeType(&reader) != XML_READER_TYPE_ELEMENT) {
             continue;
         }
-        const std::unique_ptr<xmlChar, FreeText> rootClass(
+        const std::unique_ptr<xmlChar, FreeXmlText> rootClass(
             xmlTextReaderGetAttribute(&reader, reinterpret_cast<const xmlChar*>("class")));
         DocumentStart start{
             asText(xmlTextReaderConstName(&reader)), asText(rootClass.get()), {}, {}};
@@ -139,7 +132,7 @@ MapFile inspect(const RegularFile& file, const std::string& path) {
     }
     MapFile found;
     found.place.file = path;
-    xmlTextReaderSetStructuredErrorHandler(reader.get(), onError, &found);
+    xmlTextReaderSetStructuredErrorHandler(reader.get(), keepError, &found);
     const DocumentStart start = readStart(*reader);
     found.rootName = start.rootName;
     if (found.kind == MapFile::Kind::kNotWellFormed) {

@@ -13,6 +13,7 @@
 
 #include "findings/regular_file.h"
 #include "findings/text_position.h"
+#include "findings/xml_characters.h"
 #include "findings/xml_elements.h"
 #include "host/local_xml_input.h"
 
@@ -29,14 +30,6 @@ struct FreeContext {
 struct FreeBuffer {
     void operator()(xmlBuffer* buffer) const noexcept { xmlBufferFree(buffer); }
 };
-
-struct FreeText {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-
-std::string asText(const xmlChar* text) {
-    return text ? reinterpret_cast<const char*>(text) : "";
-}
 
 std::string nameOf(const xmlChar* name, const xmlNs* space) {
     return space && space->prefix ? asText(space->prefix) + ":" + asText(name) : asText(name);
@@ -220,7 +213,7 @@ XmlText toUtf8(std::string bytes) {
 ProfileElement describe(const xmlNode& element, const ParseRecord& record) {
     ProfileElement described{record.placeOf(&element), tagNameOf(element), {}};
     for (const xmlAttr* attribute = element.properties; attribute; attribute = attribute->next) {
-        const std::unique_ptr<xmlChar, FreeText> value(
+        const std::unique_ptr<xmlChar, FreeXmlText> value(
             xmlNodeListGetString(element.doc, attribute->children, 1));
         described.attributes.emplace_back(nameOf(attribute->name, attribute->ns),
                                           asText(value.get()));

@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "findings/xml_characters.h"
 #include "findings/xml_elements.h"
 
 namespace marrowpress {
@@ -16,17 +17,9 @@ struct FreeDocument {
     void operator()(xmlDoc* document) const noexcept { xmlFreeDoc(document); }
 };
 
-struct FreeText {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-
 using Document = std::unique_ptr<xmlDoc, FreeDocument>;
 /// An attribute and a value, each empty where a rule has none.
 using Pair = std::pair<std::string, std::string>;
-
-const xmlChar* asXml(const char* text) {
-    return reinterpret_cast<const xmlChar*>(text);
-}
 
 template <class Made>
 Made* made(Made* what) {
@@ -66,7 +59,7 @@ public:
         xmlChar* buffer = nullptr;
         int size = 0;
         xmlDocDumpFormatMemoryEnc(document_.get(), &buffer, &size, "UTF-8", 1);
-        const std::unique_ptr<xmlChar, FreeText> text(made(buffer));
+        const std::unique_ptr<xmlChar, FreeXmlText> text(made(buffer));
         return {std::string(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(size)),
                 std::move(rules_)};
     }

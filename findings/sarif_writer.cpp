@@ -22,15 +22,13 @@ namespace json = boost::json;
 constexpr std::string_view kSchema =
     "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json";
 constexpr const char* kRoot = "SRCROOT";
-/// A run that ends with it hasn't done what it was asked for.
-constexpr int kRunFailed = 1;
 
-json::string text(std::string_view raw) {
+json::string sarifText(std::string_view raw) {
     return json::string(toValidUtf8(raw));
 }
 
 json::object message(std::string_view raw) {
-    return {{"text", text(raw)}};
+    return {{"text", sarifText(raw)}};
 }
 
 /// The index of each id in the list of rules, which has those that are used.
@@ -90,15 +88,16 @@ private:
         json::array descriptions;
         for (const auto& [id, index] : rules) {
             descriptions.push_back(
-                {{"id", text(id)}, {"shortDescription", message(options_.titleOf(id))}});
+                {{"id", sarifText(id)}, {"shortDescription", message(options_.titleOf(id))}});
         }
         return {{"name", "Marrowpress"},
-                {"version", text(options_.version)},
+                {"version", sarifText(options_.version)},
                 {"rules", std::move(descriptions)}};
     }
 
     static json::object invocation(const FindingSummary& summary) {
-        return {{"executionSuccessful", summary.exit != kRunFailed}, {"exitCode", summary.exit}};
+        return {{"executionSuccessful", summary.exit != kExitOfFailedRun},
+                {"exitCode", summary.exit}};
     }
 
     json::object baseIds() const {
@@ -110,7 +109,7 @@ private:
     }
 
     json::object result(const Finding& finding, const Rules& rules) const {
-        json::object result{{"ruleId", text(finding.id)},
+        json::object result{{"ruleId", sarifText(finding.id)},
                             {"ruleIndex", rules.at(finding.id)},
                             {"level", severityName(finding.severity)},
                             {"message", message(textWithHint(finding))}};

@@ -7,15 +7,12 @@
 #include <string>
 
 #include "findings/characters.h"
+#include "findings/xml_characters.h"
 
 namespace marrowpress {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
-
-const xmlChar* asXml(const char* text) {
-    return reinterpret_cast<const xmlChar*>(text);
-}
 
 int writeTo(void* stream, const char* bytes, int count) {
     static_cast<std::ostream*>(stream)->write(bytes, count);

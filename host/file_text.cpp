@@ -6,12 +6,10 @@
 #include <memory>
 #include <system_error>
 
+#include "host/close_file.h"
+
 namespace marrowpress {
 namespace {
-
-struct CloseFile {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
 
 [[noreturn]] void throwUnreadable(const std::string& what, int error) {
     throw std::system_error(error, std::generic_category(), what);

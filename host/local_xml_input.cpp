@@ -12,6 +12,8 @@
 #include <memory>
 #include <utility>
 
+#include "host/close_file.h"
+
 namespace marrowpress {
 namespace {
 
@@ -92,10 +94,6 @@ bool isRegularFile(int descriptor) {
     }
     return S_ISREG(status.st_mode);
 }
-
-struct CloseFile {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
-};
 
 int matchesEveryName(const char*) {
     return 1;

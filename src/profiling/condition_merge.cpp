@@ -19,7 +19,6 @@ using xercesc::DOMElement;
 using xercesc::DOMNode;
 
 constexpr std::u16string_view kReplacementPrefix = u"QS_REPLACE_CONDITION_";
-constexpr std::size_t kConditionTokens = 6;
 
 std::u16string quoted(std::u16string_view name) {
     return std::u16string(u"\"").append(name).append(u"\"");

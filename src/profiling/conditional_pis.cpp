@@ -15,7 +15,6 @@ using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
 using xercesc::DOMProcessingInstruction;
 
-constexpr std::size_t kConditionTokens = 6;
 constexpr std::size_t kShowAllTokens = 2;
 constexpr std::size_t kExpressionTokens = 4;
 constexpr std::size_t kTagTokens = 2;

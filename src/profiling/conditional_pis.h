@@ -23,6 +23,8 @@
 namespace marrowpress {
 
 inline constexpr const char16_t* kConditionTarget = u"Qs";
+/// How many tokens a "Condition" has at least.
+inline constexpr std::size_t kConditionTokens = 6;
 
 /// Whether the name is one of the application's own conditions. These are recorded and written
 /// like any other, but take no part in expressions and are never renamed.

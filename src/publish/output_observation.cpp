@@ -62,7 +62,7 @@ bool hasContent(const DOMElement& element) {
 
 /// Whether the nearest "scope" of a link and the lists around it says that it leads out of the
 /// publication.
-bool leadsElsewhere(const DOMElement& link) {
+bool linkLeadsElsewhere(const DOMElement& link) {
     const std::u16string_view scope = nearestAttribute(link, u"scope");
     return scope == u"peer" || scope == u"external";
 }
@@ -199,7 +199,7 @@ void OutputObservation::gatherMedia(const DOMElement& element, std::u16string_vi
 
 void OutputObservation::observeLink(const Link& link) {
     const DOMElement* const definition = observer_.keyLinkOf(*link.element);
-    if (leadsElsewhere(*link.element) || (definition && leadsElsewhere(*definition)) ||
+    if (linkLeadsElsewhere(*link.element) || (definition && linkLeadsElsewhere(*definition)) ||
         isExternalUri(link.target)) {
         return;
     }
@@ -285,7 +285,8 @@ void OutputObservation::observeKeys() {
     for (const DOMElement* definition = root.getFirstElementChild(); definition;
          definition = definition->getNextElementSibling()) {
         const std::u16string href = attributeOf(*definition, u"href");
-        const bool isOwnLink = !observer_.keyLinkOf(*definition) && !leadsElsewhere(*definition);
+        const bool isOwnLink =
+            !observer_.keyLinkOf(*definition) && !linkLeadsElsewhere(*definition);
         const HrefParts parts = splitHref(href);
         if (isOwnLink && isFragmentMissing(parts)) {
             const std::u16string around = topicAroundElement(parts);

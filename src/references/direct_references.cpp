@@ -57,10 +57,10 @@ public:
     XtrfAttrHandler() : NamedRefAttrHandler(8, u"xtrf") {}
 };
 
-using Handlers = std::vector<std::unique_ptr<DirectRefAttrHandler>>;
+using AttributeHandlers = std::vector<std::unique_ptr<DirectRefAttrHandler>>;
 
-Handlers makeHandlers() {
-    Handlers handlers;
+AttributeHandlers makeAttributeHandlers() {
+    AttributeHandlers handlers;
     handlers.push_back(std::make_unique<HrefAttrHandler>());
     handlers.push_back(std::make_unique<ConrefAttrHandler>());
     handlers.push_back(std::make_unique<ConrefendAttrHandler>());
@@ -103,7 +103,7 @@ std::u16string rewritten(std::u16string_view value, const TopicIdMap& topicIds) 
 }  // namespace
 
 const DirectRefAttrHandler& directRefAttrHandler(std::uint32_t type) {
-    static const Handlers handlers = makeHandlers();
+    static const AttributeHandlers handlers = makeAttributeHandlers();
     const auto found = std::find_if(handlers.begin(), handlers.end(),
                                     [&](const auto& handler) { return handler->type() == type; });
     assert(found != handlers.end());

@@ -56,10 +56,10 @@ public:
     }
 };
 
-using Handlers = std::vector<std::unique_ptr<MultimediaNodeHandler>>;
+using MultimediaHandlers = std::vector<std::unique_ptr<MultimediaNodeHandler>>;
 
-Handlers makeHandlers() {
-    Handlers handlers;
+MultimediaHandlers makeMultimediaHandlers() {
+    MultimediaHandlers handlers;
     handlers.push_back(std::make_unique<MultimediaObjectNodeHandler>());
     handlers.push_back(std::make_unique<MultimediaParamNodeHandler>());
     return handlers;
@@ -68,7 +68,7 @@ Handlers makeHandlers() {
 }  // namespace
 
 const MultimediaNodeHandler& multimediaNodeHandler(MultimediaNodeType type) {
-    static const Handlers handlers = makeHandlers();
+    static const MultimediaHandlers handlers = makeMultimediaHandlers();
     const auto found = std::find_if(handlers.begin(), handlers.end(),
                                     [&](const auto& handler) { return handler->type() == type; });
     assert(found != handlers.end());

@@ -1,3 +1,4 @@
+#include "tests/publish/sample_maps.h"
 #include "tests/support/observed_run.h"
 
 /// What is told of content references: loops (205), those that stay (216), and those whose target
@@ -5,10 +6,7 @@
 namespace marrowpress {
 namespace {
 
-constexpr std::string_view kMapOfA = "<topicref href=\"a.dita\"/>";
 constexpr std::string_view kMapOfAAndB = "<topicref href=\"a.dita\"/>\n<topicref href=\"b.dita\"/>";
-constexpr std::string_view kMapOfNested = "<mapref href=\"sub/n.ditamap\" format=\"ditamap\"/>";
-const std::string kViaMap = " via root.ditamap:3:1 href=a.dita";
 
 class ObservedConrefsTest : public ObservedRunTest {
 protected:

@@ -1,13 +1,10 @@
+#include "tests/publish/sample_maps.h"
 #include "tests/support/observed_run.h"
 
 /// What is told of keys: references to those that are not defined (105), links that are dropped
 /// (217), definitions that are lost (218), and all definitions.
 namespace marrowpress {
 namespace {
-
-constexpr std::string_view kMapOfA = "<topicref href=\"a.dita\"/>";
-constexpr std::string_view kMapOfNested = "<mapref href=\"sub/n.ditamap\" format=\"ditamap\"/>";
-const std::string kViaMap = " via root.ditamap:3:1 href=a.dita";
 
 class ObservedKeysTest : public ObservedRunTest {
 protected:

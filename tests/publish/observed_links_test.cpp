@@ -1,3 +1,4 @@
+#include "tests/publish/sample_maps.h"
 #include "tests/support/observed_run.h"
 
 /// What is told of links and images: files that are not there (203), fragments that no element has
@@ -5,9 +6,8 @@
 namespace marrowpress {
 namespace {
 
-constexpr std::string_view kMapOfA = "<topicref href=\"a.dita\"/>";
-constexpr std::string_view kMapOfAAndB = "<topicref href=\"a.dita\"/><topicref href=\"b.dita\"/>";
-constexpr std::string_view kMapOfNested = "<mapref href=\"sub/n.ditamap\" format=\"ditamap\"/>";
+constexpr std::string_view kMapOfAAndBInALine =
+    "<topicref href=\"a.dita\"/><topicref href=\"b.dita\"/>";
 
 class ObservedLinksTest : public ObservedRunTest {
 protected:
@@ -86,8 +86,8 @@ TEST_F(ObservedLinksTest, WhatIsThereOrLeadsElsewhereIsNoFault) {
           xref("b.dita#b"), xref("b.dita#b/here"), xref("#a"), xref("#./p"), xref("#a/p"),
           xref("a.dita#a/p"), xref("sub/../here.html")}) {
         writeTopic("a.dita", "<p id=\"p\">" + content + "</p>");
-        EXPECT_EQ(compositeFaults(kMapOfAAndB), "") << content;
-        EXPECT_EQ(flatBookFaults(kMapOfAAndB), "") << content;
+        EXPECT_EQ(compositeFaults(kMapOfAAndBInALine), "") << content;
+        EXPECT_EQ(flatBookFaults(kMapOfAAndBInALine), "") << content;
     }
 }
 
@@ -123,8 +123,8 @@ TEST_F(ObservedLinksTest, AnElementWithoutTheFragmentIsToldInSourceTerms) {
         "204 a.dita:6:1 <xref> /a.dita#nope via root.ditamap:3:1 href=a.dita\n"
         "204 a.dita:7:1 <xref> /a.dita#a/gone via root.ditamap:3:1 href=a.dita\n"
         "204 a.dita:8:1 <xref> /b.dita#here detail=b via root.ditamap:3:1 href=a.dita";
-    EXPECT_EQ(compositeFaults(kMapOfAAndB), expected);
-    EXPECT_EQ(flatBookFaults(kMapOfAAndB), expected);
+    EXPECT_EQ(compositeFaults(kMapOfAAndBInALine), expected);
+    EXPECT_EQ(flatBookFaults(kMapOfAAndBInALine), expected);
 }
 
 TEST_F(ObservedLinksTest, AMapReferenceToAMissingTopicIsTold) {
@@ -159,23 +159,24 @@ TEST_F(ObservedLinksTest, AFragmentOfAKeyIsToldAtItsDefinitionUsedOrNot) {
         "204 root.ditamap:3:1 <keydef> /b.dita#nope\n"
         "204 root.ditamap:4:1 <keydef> /b.dita#b/nope";
     writeTopic("a.dita", "<p>x</p>");
-    EXPECT_EQ(compositeFaults(std::string(kKeys).append(kMapOfAAndB)), expected);
+    EXPECT_EQ(compositeFaults(std::string(kKeys).append(kMapOfAAndBInALine)), expected);
     writeTopic("a.dita",
                "<xref keyref=\"t\">x</xref><xref keyref=\"e\">x</xref>"
                "<xref keyref=\"leads-on\">x</xref>");
-    EXPECT_EQ(compositeFaults(std::string(kKeys).append(kMapOfAAndB)), expected);
-    EXPECT_EQ(flatBookFaults(std::string(kKeys).append(kMapOfAAndB)), expected);
+    EXPECT_EQ(compositeFaults(std::string(kKeys).append(kMapOfAAndBInALine)), expected);
+    EXPECT_EQ(flatBookFaults(std::string(kKeys).append(kMapOfAAndBInALine)), expected);
     EXPECT_EQ(compositeFaults("<keydef keys=\"t\" href=\"b.dita#b\"/>"
                               "<keydef keys=\"e\" href=\"b.dita#b/here\"/>"
                               "<keydef keys=\"leads-on\" href=\"no.html#x\" scope=\"external\"/>" +
-                              std::string(kMapOfAAndB)),
+                              std::string(kMapOfAAndBInALine)),
               "artefact 111 root.ditamap:3:74 <keydef> /no.html");
 }
 
 TEST_F(ObservedLinksTest, AnElementPartBehindAKeyIsToldAtItsUse) {
     writeTopic("a.dita", "<xref keyref=\"k/gone\">x</xref><xref keyref=\"k/here\">x</xref>");
-    EXPECT_EQ(compositeFaults("<keydef keys=\"k\" href=\"b.dita\"/>\n" + std::string(kMapOfAAndB)),
-              "204 a.dita:3:1 <xref> /b.dita#b/gone via root.ditamap:4:1 href=a.dita");
+    EXPECT_EQ(
+        compositeFaults("<keydef keys=\"k\" href=\"b.dita\"/>\n" + std::string(kMapOfAAndBInALine)),
+        "204 a.dita:3:1 <xref> /b.dita#b/gone via root.ditamap:4:1 href=a.dita");
 }
 
 TEST_F(ObservedLinksTest, ATopicOutsideTheMapIsNotInTheOutput) {
@@ -298,7 +299,7 @@ TEST_F(ObservedLinksTest, ALinkWithoutTextStaysSo) {
                "<xref href=\"b.dita\">x</xref><link href=\"b.dita\"><ph/></link>"
                "<image href=\"here.png\"/>");
     folder.write("here.png", "x");
-    EXPECT_EQ(compositeFaults(kMapOfAAndB),
+    EXPECT_EQ(compositeFaults(kMapOfAAndBInALine),
               "215 a.dita:3:1 <xref> link-text via root.ditamap:3:1 href=a.dita\n"
               "215 a.dita:4:1 <link> link-text via root.ditamap:3:1 href=a.dita");
 }

@@ -8,8 +8,8 @@
 namespace marrowpress {
 namespace {
 
-constexpr std::string_view kMapOfNested = "<mapref href=\"n.ditamap\" format=\"ditamap\"/>";
-const std::string kViaMap = " via root.ditamap:3:1 href=n.ditamap";
+constexpr std::string_view kMapOfNestedBeside = "<mapref href=\"n.ditamap\" format=\"ditamap\"/>";
+const std::string kViaNestedMap = " via root.ditamap:3:1 href=n.ditamap";
 constexpr std::string_view kTopicDoctype =
     "<!DOCTYPE topic PUBLIC \"-//OASIS//DTD DITA Topic//EN\" \"topic.dtd\">\n";
 
@@ -60,8 +60,8 @@ TEST_F(ObservedMapsTest, AMissingFileIsToldAtItsReference) {
               "111 root.ditamap:4:1 <topicref> /gone.dita\n"
               "111 root.ditamap:4:1 <topicref> /gone.dita");
     writeMap("n.ditamap", "<topicref href=\"a.dita\"/><keydef keys=\"k\" href=\"gone.pdf\"/>");
-    const std::string inNested = "111 n.ditamap:3:26 <keydef> /gone.pdf" + kViaMap;
-    EXPECT_EQ(compositeFaults(kMapOfNested), inNested);
+    const std::string inNested = "111 n.ditamap:3:26 <keydef> /gone.pdf" + kViaNestedMap;
+    EXPECT_EQ(compositeFaults(kMapOfNestedBeside), inNested);
     EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>\n"
                               "<mapref href=\"gone.ditamap\" format=\"ditamap\"/>")
                   .substr(0, 42),
@@ -120,7 +120,8 @@ TEST_F(ObservedMapsTest, AFileThatIsNotWellFormedIsToldWhereTheParserStopped) {
     EXPECT_EQ(observed(ObservationKind::kDocumentUnread),
               "root.ditamap:4:1 <topicref> /bad.dita reason=expected end of tag 'p'");
     writeMap("n.ditamap", "<topicref href=\"a.dita\"/><topicref href=\"bad.dita\"/>");
-    EXPECT_EQ(compositeFaults(kMapOfNested), stop + "n.ditamap:3:26 href=bad.dita" + kViaMap);
+    EXPECT_EQ(compositeFaults(kMapOfNestedBeside),
+              stop + "n.ditamap:3:26 href=bad.dita" + kViaNestedMap);
     excludeX();
     EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>"
                               "<topicref href=\"bad.dita\" audience=\"x\"/>"),
@@ -135,8 +136,9 @@ TEST_F(ObservedMapsTest, ATopicThatCannotBeOpenedHasTheSystemsReason) {
 
 TEST_F(ObservedMapsTest, AMapThatIsNotWellFormedEndsTheRun) {
     folder.write("n.ditamap", "<map>\n<p></map>");
-    EXPECT_EQ(compositeFaults(kMapOfNested),
-              "106 n.ditamap:2:6 <mapref> /n.ditamap reason=expected end of tag 'p'" + kViaMap);
+    EXPECT_EQ(
+        compositeFaults(kMapOfNestedBeside),
+        "106 n.ditamap:2:6 <mapref> /n.ditamap reason=expected end of tag 'p'" + kViaNestedMap);
     EXPECT_EQ(lastStatus, -42);
     EXPECT_EQ(observed(ObservationKind::kRunFailed), "?:0:0");
     compositeFaults("<topicref href=\"a.dita\"/>");
@@ -194,7 +196,8 @@ TEST_F(ObservedMapsTest, AFileWithoutDoctypeIsToldAtItsRoot) {
     folder.write("n.ditamap",
                  "<map class=\"- map/map \">\n"
                  "<topicref class=\"- map/topicref \" href=\"a.dita\"/></map>");
-    EXPECT_EQ(compositeFaults(kMapOfNested), "201 n.ditamap:1:1 <map> /n.ditamap" + kViaMap);
+    EXPECT_EQ(compositeFaults(kMapOfNestedBeside),
+              "201 n.ditamap:1:1 <map> /n.ditamap" + kViaNestedMap);
     writeTopic("d.dita", "<p conref=\"c.dita#c/p\"/>");
     EXPECT_EQ(compositeFaults("<topicref href=\"d.dita\"/>"),
               "201 c.dita:2:2 <topic> /c.dita via d.dita:3:1 conref=/c.dita#c/p"
@@ -240,7 +243,7 @@ TEST_F(ObservedMapsTest, AFileThatBreaksItsDtdIsToldWhereTheParserSaysSo) {
     EXPECT_EQ(observed(ObservationKind::kDocumentRead),
               "0 ?:0:0 <map> /root.ditamap\n3 root.ditamap:3:1 <topic> /c.dita");
     writeMap("n.ditamap", "<bogus/>");
-    EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>" + std::string(kMapOfNested)),
+    EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>" + std::string(kMapOfNestedBeside)),
               "202 n.ditamap:3:7 <map> /n.ditamap reason=no declaration found for element 'bogus'"
               " via root.ditamap:3:26 href=n.ditamap");
     excludeX();
@@ -260,7 +263,7 @@ TEST_F(ObservedMapsTest, AnOutputWithoutTopicIsToldOfTheRootMap) {
         EXPECT_EQ(flatBookFaults(content), expected) << content;
     }
     writeMap("n.ditamap", "");
-    EXPECT_EQ(compositeFaults(kMapOfNested), expected);
+    EXPECT_EQ(compositeFaults(kMapOfNestedBeside), expected);
 }
 
 TEST_F(ObservedMapsTest, ATopicThatTheProfileTakesOutIsNoneInTheOutput) {
@@ -311,7 +314,7 @@ TEST_F(ObservedMapsTest, KeyScopesAreNone) {
                               "<topicref href=\"b.dita\" keyscope=\"s2 s3\"/>"),
               "210 root.ditamap:3:1 <topicref> s1\n210 root.ditamap:4:1 <topicref> s2 s3");
     writeMap("n.ditamap", "<topicref href=\"a.dita\" keyscope=\"s\"/>");
-    EXPECT_EQ(flatBookFaults(kMapOfNested), "210 n.ditamap:3:1 <topicref> s" + kViaMap);
+    EXPECT_EQ(flatBookFaults(kMapOfNestedBeside), "210 n.ditamap:3:1 <topicref> s" + kViaNestedMap);
     excludeX();
     EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>"
                               "<topicref href=\"b.dita\" keyscope=\"s\" audience=\"x\"/>"),
@@ -323,7 +326,7 @@ TEST_F(ObservedMapsTest, ANameWithANumberSignIsToldAtEachReference) {
     const std::string told = " <topicref> /c#d detail=#";
     EXPECT_EQ(compositeFaults("<topicref href=\"c%23d/e.dita\"/>"), "213 root.ditamap:3:1" + told);
     writeMap("n.ditamap", "<topicref href=\"c%23d/e.dita\"/>");
-    EXPECT_EQ(compositeFaults(kMapOfNested), "213 n.ditamap:3:1" + told + kViaMap);
+    EXPECT_EQ(compositeFaults(kMapOfNestedBeside), "213 n.ditamap:3:1" + told + kViaNestedMap);
     EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>\n<topicref href=\"c#d/e.dita\"/>"),
               "213 root.ditamap:4:1" + told + "\n213 root.ditamap:4:1" + told);
     EXPECT_NE(console, "");
@@ -348,7 +351,8 @@ TEST_F(ObservedMapsTest, WhatHasNoEffectInAMapIsTold) {
               "215 root.ditamap:3:1 <topicref> copy-to\n215 root.ditamap:3:1 <topicref> chunk\n"
               "215 root.ditamap:4:1 <ditavalref> ditavalref");
     writeMap("n.ditamap", "<topicref href=\"a.dita\"/>\n<reltable/>");
-    EXPECT_EQ(compositeFaults(kMapOfNested), "215 n.ditamap:4:1 <reltable> reltable" + kViaMap);
+    EXPECT_EQ(compositeFaults(kMapOfNestedBeside),
+              "215 n.ditamap:4:1 <reltable> reltable" + kViaNestedMap);
     EXPECT_EQ(compositeFaults("<topicref href=\"a.dita\"/>"), "");
 }
 

@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kCases = MARROWPRESS_PUBLISH_CASES;
+const fs::path kCasesFolder = MARROWPRESS_PUBLISH_CASES;
 const fs::path kOwnCatalog = MARROWPRESS_TEST_CATALOG;
 const fs::path kModule = MARROWPRESS_CLIENT_MODULE;
 
@@ -73,11 +73,11 @@ std::string answerText(const std::optional<TypedValues>& answer) {
 
 }  // namespace
 
-PublicationCase::PublicationCase(const std::string& name) : folder_(kCases / name) {}
+PublicationCase::PublicationCase(const std::string& name) : folder_(kCasesFolder / name) {}
 
 Publication PublicationCase::publish(StandInHostOptions::ObservationSink onObservation) const {
     const TemporaryFolder work;
-    for (const fs::path& input : {kCases / "input", folder_ / "input"}) {
+    for (const fs::path& input : {kCasesFolder / "input", folder_ / "input"}) {
         if (fs::exists(input)) {
             fs::copy(input, work.path(), fs::copy_options::recursive);
         }
@@ -161,7 +161,7 @@ Publication PublicationCase::golden(const Publication& actual) const {
 
 std::vector<std::string> publicationCases() {
     std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(kCases)) {
+    for (const fs::directory_entry& entry : fs::directory_iterator(kCasesFolder)) {
         if (fs::exists(entry.path() / "request.json")) {
             names.push_back(entry.path().filename().string());
         }

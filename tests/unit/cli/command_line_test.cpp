@@ -90,14 +90,14 @@ TEST(CommandLineTest, HelpTakesTheWidthThatItGets) {
     EXPECT_GT(helpOf(60).size(), helpOf(80).size());
 }
 
-struct BadCase {
+struct BadLineCase {
     Texts arguments;
     const char* command;
     const char* fault;
 };
 
 TEST(CommandLineTest, WrongUsageNamesTheArgumentAndPointsToHelp) {
-    const BadCase cases[] = {
+    const BadLineCase cases[] = {
         {{}, "", "a command is missing; known: publish, check, explain, host, help, version"},
         {{"pubish", "m"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"Check"}, "", "unknown command `Check`; did you mean `check`?"},
@@ -114,7 +114,7 @@ TEST(CommandLineTest, WrongUsageNamesTheArgumentAndPointsToHelp) {
         {{"version", "now"}, "version", "there is no place for the argument `now`"},
         {{"version", "--all"}, "version", "unknown option `--all`"},
     };
-    for (const BadCase& c : cases) {
+    for (const BadLineCase& c : cases) {
         EXPECT_EQ(faultOf(c.command, c.arguments), c.fault);
     }
 }

@@ -133,14 +133,14 @@ TEST(ExplainArgumentsTest, TakesAnIdOrNone) {
     EXPECT_EQ(one.language, Language::kGerman);
 }
 
-struct BadCase {
+struct BadArgumentsCase {
     Texts arguments;
     const char* fault;
 };
 
 /// The command is the first argument.
-void expectFaults(const std::vector<BadCase>& cases) {
-    for (const BadCase& c : cases) {
+void expectFaults(const std::vector<BadArgumentsCase>& cases) {
+    for (const BadArgumentsCase& c : cases) {
         EXPECT_EQ(faultOf(c.arguments.front(), c.arguments), c.fault);
     }
 }

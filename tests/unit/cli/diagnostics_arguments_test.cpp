@@ -89,13 +89,13 @@ TEST(DiagnosticsArgumentsTest, TakeTheLastLevelOfAnId) {
               Severity::kWarning);
 }
 
-struct BadCase {
+struct BadDiagnosticsCase {
     Texts arguments;
     const char* fault;
 };
 
 TEST(DiagnosticsArgumentsTest, RefuseWhatMakesNoSense) {
-    const BadCase cases[] = {
+    const BadDiagnosticsCase cases[] = {
         {{"--diagnostics", "jsn"}, "--diagnostics: unknown format `jsn`; did you mean `json`?"},
         {{"--diagnostics", "xml"},
          "--diagnostics: unknown format `xml`; known: human, short, json, none"},
@@ -120,7 +120,7 @@ TEST(DiagnosticsArgumentsTest, RefuseWhatMakesNoSense) {
         {{"--all=yes"}, "--all: takes no value"},
         {{"--verbos"}, "unknown option `--verbos`; did you mean `--verbose`?"},
     };
-    for (const BadCase& c : cases) {
+    for (const BadDiagnosticsCase& c : cases) {
         EXPECT_EQ(faultOf("check", checkWith(c.arguments)), c.fault);
     }
 }

@@ -6,16 +6,12 @@
 #include <cstdlib>
 
 #include "tests/support/temporary_folder.h"
+#include "tests/unit/cli/composite_doctype.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// What stands in front of the root in everything that the module writes as a composite.
-const std::string kDoctype =
-    R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)"
-    R"(<!DOCTYPE dita PUBLIC "-//OASIS//DTD DITA Composite//EN" "ditabase.dtd">)";
 
 constexpr const char* kInTheWay =
     ": a folder, or a symbolic link to nothing, is in the way of what the run writes for a while; "
@@ -57,7 +53,7 @@ TEST_F(PublishPathsTest, AreAbsoluteAndNormal) {
 TEST_F(PublishPathsTest, GoodOnesHaveNoFault) {
     options_.filters = {folder_.file("docs/f.ditaval")};
     EXPECT_EQ(fault(), "");
-    folder_.write("out/m.dita", kDoctype + "<dita/>");
+    folder_.write("out/m.dita", kCompositeDoctype + "<dita/>");
     EXPECT_EQ(fault(), "");
 }
 
@@ -239,7 +235,7 @@ TEST_F(PublishPathsTest, TextsMustBeUtf8) {
 }
 
 TEST_F(PublishPathsTest, OnlyACompositeOfAnEarlierRunIsReplaced) {
-    folder_.write("out/m.dita", kDoctype + "<dita><!-- no topic --></dita>");
+    folder_.write("out/m.dita", kCompositeDoctype + "<dita><!-- no topic --></dita>");
     EXPECT_EQ(fault(), "--output: " + options_.output +
                            " is there already, and no composite of an earlier run: the run would "
                            "delete it; choose another output");

@@ -20,13 +20,13 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kVariables[] = {"TERM", "NO_COLOR", "COLUMNS"};
+constexpr const char* kTerminalVariables[] = {"TERM", "NO_COLOR", "COLUMNS"};
 
 /// A pseudo terminal, and an environment without what says something of terminals.
 class TerminalTest : public testing::Test {
 protected:
     TerminalTest() {
-        for (const char* const name : kVariables) {
+        for (const char* const name : kTerminalVariables) {
             const char* const value = getenv(name);
             before_[name] = value ? std::optional<std::string>(value) : std::nullopt;
             unsetenv(name);

@@ -87,12 +87,12 @@ struct Received {
 Received received;
 QuillstoneNotificationsC* current = nullptr;
 
-void takeInitCode(std::uint32_t initCode) {
+void receiveInitCode(std::uint32_t initCode) {
     received.initCodes.push_back(initCode);
 }
 
-void takeNotification(std::uint32_t notification, std::uint32_t objectId, const char* text,
-                      std::int32_t number) {
+void receiveNotification(std::uint32_t notification, std::uint32_t objectId, const char* text,
+                         std::int32_t number) {
     received.notification = notification;
     received.objectId = objectId;
     received.text = text;
@@ -125,7 +125,7 @@ protected:
     }
 
     ScriptedHost host;
-    InterfaceRef<QuillstoneNotificationsC> client = make({&takeInitCode, &takeNotification});
+    InterfaceRef<QuillstoneNotificationsC> client = make({&receiveInitCode, &receiveNotification});
 };
 
 TEST_F(QuillstoneNotificationsCTest, ConnectsTheHostOperationsWhileItLives) {

@@ -28,6 +28,7 @@
 #include "tests/support/scripted_host.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/texts.h"
+#include "tests/unit/client/xml_platform.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
 
@@ -35,10 +36,6 @@ namespace marrowpress {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-bool isPlatformUp() {
-    return xercesc::XMLPlatformUtils::fgMemoryManager != nullptr;
-}
 
 bool hasRequestObjects() {
     return RequestSingleton<DocumentStore>::existing() ||
@@ -65,7 +62,7 @@ class RequestDispatchTest : public testing::Test {
 protected:
     RequestDispatchTest() { interfaces_.connect(); }
     ~RequestDispatchTest() override {
-        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(isXmlPlatformUp());
         EXPECT_FALSE(hasRequestObjects());
         HostLastError = 0;
         HostFinishMessageLoop = false;
@@ -128,18 +125,18 @@ TEST_F(OnNotifyTest, OtherNotificationsAreIgnored) {
         onNotify(notification, 0, "{}", 0);
         onNotify(notification, 0, nullptr, 0);
         EXPECT_EQ(host.calls, Lines{}) << notification;
-        EXPECT_FALSE(isPlatformUp()) << notification;
+        EXPECT_FALSE(isXmlPlatformUp()) << notification;
         EXPECT_FALSE(hasRequestObjects()) << notification;
     }
 }
 
 TEST_F(OnNotifyTest, AnEmptyTextIsAnsweredWithinASession) {
     bool isUpAtAnswer = false;
-    host.onCall = [&](const std::string&) { isUpAtAnswer = isPlatformUp(); };
+    host.onCall = [&](const std::string&) { isUpAtAnswer = isXmlPlatformUp(); };
     onNotify(13, 0, "", 0);
     EXPECT_EQ(host.calls, Lines{"returnTypedValue"});
     EXPECT_TRUE(isUpAtAnswer);
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
     EXPECT_EQ(host.answers, Lines{answer(-43)});
 }
 
@@ -170,7 +167,7 @@ TEST_F(OnNotifyTest, BadRequestsAreRefused) {
         host.answers.clear();
         onNotify(13, 0, text, 0);
         EXPECT_EQ(host.answers, Lines{answer(-43)}) << (text ? text : "(null)");
-        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(isXmlPlatformUp());
     }
 }
 
@@ -182,11 +179,11 @@ TEST_F(OnNotifyTest, TheObjectAndTheNumberDoNotCount) {
 TEST_F(OnNotifyTest, AHostThatTakesNoAnswerChangesNothing) {
     host.hostStatus = 17;
     onNotify(13, 0, "", 0);
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
     host.hostStatus = 0;
     host.comStatus = kComServerBusy;
     onNotify(13, 0, "", 0);
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
     EXPECT_EQ(host.answers.size(), 2U);
 }
 
@@ -196,7 +193,7 @@ TEST_F(OnNotifyTest, WithoutTheInterfaceForAnswersTheSessionIsClosed) {
     interfaces.connect();
     onNotify(13, 0, "", 0);
     EXPECT_EQ(HostLastError, -1);
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
 }
 
 /// Whether a request passes a failure on, and nobody has heard of it.
@@ -346,7 +343,7 @@ TEST_F(ServedRequestTest, WhateverIsThrownInARunIsAFailureOfIt) {
             }
         };
         EXPECT_EQ(serve(), answer(-42));
-        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(isXmlPlatformUp());
         EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap"));
     }
     host.onCall = nullptr;
@@ -406,7 +403,7 @@ protected:
         onNotify(13, 0, boost::json::serialize(request).c_str(), 0);
         host.onCall = nullptr;
         EXPECT_TRUE(hasHappened) << number;
-        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(isXmlPlatformUp());
         EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap"));
         const Lines answers = host.answers;
         isWhole_ = folder.exists("out.xml") && folder.read("out.xml") == undisturbed_;

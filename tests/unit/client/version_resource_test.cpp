@@ -13,7 +13,7 @@ struct Key {
     std::size_t field;
 };
 
-constexpr Key kKeys[] = {
+constexpr Key kResourceKeys[] = {
     {"ClientName", 2},      {"ClientType", 3},       {"FileDescription", 4}, {"ClientProducts", 5},
     {"ClientFacet", 6},     {"ClientFormatId", 7},   {"ClientVendor", 8},    {"ClientSuffix", 9},
     {"ClientInFormat", 10}, {"ClientOutFormat", 11},
@@ -21,7 +21,7 @@ constexpr Key kKeys[] = {
 
 TEST(VersionResourceTest, EachKeyFillsItsField) {
     const ClientRegistration registration = registrationFromVersionResource();
-    for (const Key& key : kKeys) {
+    for (const Key& key : kResourceKeys) {
         const char* const text = versionResource(key.name);
         EXPECT_STREQ(registration.fields[key.field], text ? text : "") << key.name;
     }

@@ -17,6 +17,7 @@
 #include "support/xerces_ptr.h"
 #include "tests/support/scripted_host.h"
 #include "tests/support/texts.h"
+#include "tests/unit/client/xml_platform.h"
 #include "xml/document_store.h"
 #include "xml/grammar_parser_cache.h"
 
@@ -24,10 +25,6 @@ namespace marrowpress {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-bool isPlatformUp() {
-    return xercesc::XMLPlatformUtils::fgMemoryManager != nullptr;
-}
 
 void createAllSingletons() {
     ConditionRenamer::instance();
@@ -67,7 +64,7 @@ public:
         : existingAtEnd_(existingAtEnd), isPlatformUpAtEnd_(isPlatformUpAtEnd) {}
     ~LastFilter() override {
         existingAtEnd_ = existingSingletons();
-        isPlatformUpAtEnd_ = isPlatformUp();
+        isPlatformUpAtEnd_ = isXmlPlatformUp();
     }
     FilterAction acceptNode(const xercesc::DOMNode*) const override { return FILTER_SKIP; }
 
@@ -77,12 +74,12 @@ private:
 };
 
 TEST(XmlSessionTest, ThePlatformIsUpWhileItLives) {
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
     {
         const XmlSession session;
-        EXPECT_TRUE(isPlatformUp());
+        EXPECT_TRUE(isXmlPlatformUp());
     }
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
 }
 
 TEST(XmlSessionTest, CreatesNothingOfARequest) {
@@ -124,7 +121,7 @@ TEST(XmlSessionTest, EndsTheStoreFirstAndTheGrammarsNext) {
         host.calls.clear();
         host.onCall = [&](const std::string& call) {
             EXPECT_EQ(call, "callClient XmlUtilities: EntityResolver terminate");
-            EXPECT_TRUE(isPlatformUp());
+            EXPECT_TRUE(isXmlPlatformUp());
             existingAtTerminate.push_back(existingSingletons());
         };
     }
@@ -143,7 +140,7 @@ TEST(XmlSessionTest, EndsTheExclusionFilterBehindTheMessengersWithThePlatformSti
     }
     EXPECT_EQ(existingAtEnd, "renamer");
     EXPECT_TRUE(isPlatformUpAtEnd);
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
 }
 
 TEST(XmlSessionTest, TopicIdsStartAnewWithEachSession) {

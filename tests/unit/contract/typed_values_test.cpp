@@ -10,7 +10,7 @@
 namespace marrowpress {
 namespace {
 
-std::string printed(const HostTypedValues& values) {
+std::string printedValues(const HostTypedValues& values) {
     return boost::json::serialize(toJson(copyTypedValues(values.list())));
 }
 
@@ -61,12 +61,12 @@ TEST(HostTypedValuesTest, MovesLeaveTheSourceEmpty) {
     HostTypedValues second(std::move(first));
     // NOLINTNEXTLINE(bugprone-use-after-move): what is left behind is what is asked about.
     EXPECT_EQ(first.list().count, 0U);
-    EXPECT_EQ(printed(second), R"([{"type":3,"value":"x"}])");
+    EXPECT_EQ(printedValues(second), R"([{"type":3,"value":"x"}])");
     HostTypedValues third(makeStringReply("old"));
     third = std::move(second);
     // NOLINTNEXTLINE(bugprone-use-after-move): as above.
     EXPECT_EQ(second.list().values, nullptr);
-    EXPECT_EQ(printed(third), R"([{"type":3,"value":"x"}])");
+    EXPECT_EQ(printedValues(third), R"([{"type":3,"value":"x"}])");
 }
 
 TEST(HostTypedValuesTest, ReleasedBlocksBelongToTheReceiver) {

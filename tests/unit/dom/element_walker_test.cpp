@@ -52,7 +52,7 @@ struct WalkCase {
     const char* asked;
 };
 
-constexpr WalkCase kCases[] = {
+constexpr WalkCase kWalkCases[] = {
     {"DocumentOrder", "<p id='r'><p id='a'><p id='a1'/></p><p id='b'/></p>", "r a a1 b",
      "r a a1 b"},
     {"RootAlone", "<p id='r'/>", "r", "r"},
@@ -96,7 +96,7 @@ TEST_P(ElementWalkTest, CollectsTheSame) {
     EXPECT_EQ(idsOf(collectElements(parsed.root(), ScriptedFilter())), GetParam().given);
 }
 
-INSTANTIATE_TEST_SUITE_P(, ElementWalkTest, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, ElementWalkTest, testing::ValuesIn(kWalkCases),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 class ElementWalkerTest : public XmlTest {

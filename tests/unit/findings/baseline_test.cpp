@@ -11,7 +11,7 @@
 namespace marrowpress {
 namespace {
 
-Finding finding(const std::string& file, std::vector<std::uint32_t> lines) {
+Finding findingOn(const std::string& file, std::vector<std::uint32_t> lines) {
     Finding result;
     result.id = "MP105";
     result.element = "keyword";
@@ -37,27 +37,27 @@ NewFindings newOf(const std::vector<Finding>& recorded, std::vector<Finding> fin
 
 TEST(BaselineTest, WhatWasThereBeforeIsKnown) {
     const NewFindings result =
-        newOf({finding("/guide/a.dita", {1, 2})}, {finding("/guide/a.dita", {1, 2})});
+        newOf({findingOn("/guide/a.dita", {1, 2})}, {findingOn("/guide/a.dita", {1, 2})});
     EXPECT_TRUE(result.findings.empty());
     EXPECT_EQ(result.knownPlaces, 2U);
 }
 
 TEST(BaselineTest, LinesMayHaveMoved) {
     const NewFindings result =
-        newOf({finding("/guide/a.dita", {1, 2})}, {finding("/guide/a.dita", {70, 80})});
+        newOf({findingOn("/guide/a.dita", {1, 2})}, {findingOn("/guide/a.dita", {70, 80})});
     EXPECT_TRUE(result.findings.empty());
 }
 
 TEST(BaselineTest, TextAndSeverityMayHaveChanged) {
-    Finding now = finding("/guide/a.dita", {1});
+    Finding now = findingOn("/guide/a.dita", {1});
     now.severity = Severity::kNote;
     now.text = "text";
-    EXPECT_TRUE(newOf({finding("/guide/a.dita", {1})}, {now}).findings.empty());
+    EXPECT_TRUE(newOf({findingOn("/guide/a.dita", {1})}, {now}).findings.empty());
 }
 
 TEST(BaselineTest, PlacesAreCounted) {
     const NewFindings result =
-        newOf({finding("/guide/a.dita", {1, 2})}, {finding("/guide/a.dita", {1, 2, 3})});
+        newOf({findingOn("/guide/a.dita", {1, 2})}, {findingOn("/guide/a.dita", {1, 2, 3})});
     ASSERT_EQ(result.findings.size(), 1U);
     EXPECT_EQ(result.findings[0].place.line, 3U);
     EXPECT_TRUE(result.findings[0].places.empty());
@@ -65,10 +65,10 @@ TEST(BaselineTest, PlacesAreCounted) {
 }
 
 TEST(BaselineTest, EachFileCountsForItself) {
-    Finding now = finding("/guide/a.dita", {1, 2});
+    Finding now = findingOn("/guide/a.dita", {1, 2});
     now.places.push_back({"/guide/b.dita", 5, 1});
     now.places.push_back({"/guide/b.dita", 6, 1});
-    const NewFindings result = newOf({finding("/guide/a.dita", {1, 2, 3})}, {now});
+    const NewFindings result = newOf({findingOn("/guide/a.dita", {1, 2, 3})}, {now});
     ASSERT_EQ(result.findings.size(), 1U);
     EXPECT_EQ(result.findings[0].place, (FindingPlace{"/guide/b.dita", 5, 1}));
     EXPECT_EQ(result.findings[0].places, (std::vector<FindingPlace>{{"/guide/b.dita", 6, 1}}));
@@ -76,7 +76,7 @@ TEST(BaselineTest, EachFileCountsForItself) {
 }
 
 TEST(BaselineTest, AnotherIdElementOrTargetIsNew) {
-    const Finding old = finding("/guide/a.dita", {1});
+    const Finding old = findingOn("/guide/a.dita", {1});
     Finding id = old;
     id.id = "MP106";
     Finding element = old;
@@ -89,40 +89,40 @@ TEST(BaselineTest, AnotherIdElementOrTargetIsNew) {
 }
 
 TEST(BaselineTest, FindingsOfOneIdentityShareTheCount) {
-    Finding warning = finding("/guide/a.dita", {5});
+    Finding warning = findingOn("/guide/a.dita", {5});
     warning.severity = Severity::kWarning;
     const NewFindings result =
-        newOf({finding("/guide/a.dita", {1})}, {finding("/guide/a.dita", {1}), warning});
+        newOf({findingOn("/guide/a.dita", {1})}, {findingOn("/guide/a.dita", {1}), warning});
     ASSERT_EQ(result.findings.size(), 1U);
     EXPECT_EQ(result.findings[0].severity, Severity::kWarning);
 }
 
 TEST(BaselineTest, TheWayStaysWithThePlaceThatItLeadsTo) {
-    Finding now = finding("/guide/a.dita", {1, 2});
+    Finding now = findingOn("/guide/a.dita", {1, 2});
     now.via = {{{"/guide/root.ditamap", 1, 1}, "href a.dita"}};
     EXPECT_EQ(newOf({}, {now}).findings[0].via, now.via);
-    EXPECT_TRUE(newOf({finding("/guide/a.dita", {1})}, {now}).findings[0].via.empty());
+    EXPECT_TRUE(newOf({findingOn("/guide/a.dita", {1})}, {now}).findings[0].via.empty());
 }
 
 TEST(BaselineTest, ACopyOfTheSourcesElsewhereHasTheSame) {
-    const Baseline baseline = baselineOf({finding("/builds/7/a.dita", {1})}, "/builds/7");
-    EXPECT_TRUE(baseline.newOf({finding("/guide/a.dita", {1})}, "/guide").findings.empty());
-    EXPECT_EQ(baseline.newOf({finding("/guide/a.dita", {1})}, "/").findings.size(), 1U);
+    const Baseline baseline = baselineOf({findingOn("/builds/7/a.dita", {1})}, "/builds/7");
+    EXPECT_TRUE(baseline.newOf({findingOn("/guide/a.dita", {1})}, "/guide").findings.empty());
+    EXPECT_EQ(baseline.newOf({findingOn("/guide/a.dita", {1})}, "/").findings.size(), 1U);
 }
 
 TEST(BaselineTest, ArtefactsAreNeitherKnownNorRecorded) {
-    Finding artefact = finding("/guide/a.dita", {1});
+    Finding artefact = findingOn("/guide/a.dita", {1});
     artefact.isArtefact = true;
-    EXPECT_EQ(newOf({artefact}, {finding("/guide/a.dita", {1})}).findings.size(), 1U);
-    const NewFindings result = newOf({finding("/guide/a.dita", {1})}, {artefact});
+    EXPECT_EQ(newOf({artefact}, {findingOn("/guide/a.dita", {1})}).findings.size(), 1U);
+    const NewFindings result = newOf({findingOn("/guide/a.dita", {1})}, {artefact});
     EXPECT_EQ(result.findings.size(), 1U);
     EXPECT_EQ(result.knownPlaces, 0U);
 }
 
 TEST(BaselineTest, ComparesOftenWithTheSameCounts) {
-    const Baseline baseline = baselineOf({finding("/guide/a.dita", {1})}, "/guide");
+    const Baseline baseline = baselineOf({findingOn("/guide/a.dita", {1})}, "/guide");
     for (int run = 0; run < 2; ++run) {
-        EXPECT_TRUE(baseline.newOf({finding("/guide/a.dita", {1})}, "/guide").findings.empty());
+        EXPECT_TRUE(baseline.newOf({findingOn("/guide/a.dita", {1})}, "/guide").findings.empty());
     }
 }
 

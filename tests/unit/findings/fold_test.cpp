@@ -9,7 +9,7 @@
 namespace marrowpress {
 namespace {
 
-Finding finding(std::string target, FindingPlace place) {
+Finding findingAbout(std::string target, FindingPlace place) {
     Finding result;
     result.id = "MP105";
     result.text = "The key is not defined";
@@ -29,7 +29,7 @@ protected:
 
 TEST_F(FindingListTest, KeepsTheOrder) {
     for (const char* const target : {"c", "a", "b", "a"}) {
-        list_.add(finding(target, at(1)));
+        list_.add(findingAbout(target, at(1)));
     }
     ASSERT_EQ(list_.findings().size(), 3U);
     EXPECT_EQ(list_.findings()[0].target, "c");
@@ -38,23 +38,23 @@ TEST_F(FindingListTest, KeepsTheOrder) {
 }
 
 TEST_F(FindingListTest, FoldsTheSameIdSeverityAndTarget) {
-    list_.add(finding("k", at(1)));
-    list_.add(finding("k", at(2)));
+    list_.add(findingAbout("k", at(1)));
+    list_.add(findingAbout("k", at(2)));
     ASSERT_EQ(list_.findings().size(), 1U);
     EXPECT_EQ(list_.findings()[0].place, at(1));
     EXPECT_EQ(list_.findings()[0].places, std::vector{at(2)});
 }
 
 TEST_F(FindingListTest, FoldsNothingElse) {
-    list_.add(finding("k", at(1)));
-    list_.add(finding("l", at(1)));
-    Finding other = finding("k", at(1));
+    list_.add(findingAbout("k", at(1)));
+    list_.add(findingAbout("l", at(1)));
+    Finding other = findingAbout("k", at(1));
     other.id = "MP106";
     list_.add(other);
-    other = finding("k", at(1));
+    other = findingAbout("k", at(1));
     other.severity = Severity::kWarning;
     list_.add(other);
-    other = finding("k", at(1));
+    other = findingAbout("k", at(1));
     other.isArtefact = true;
     list_.add(other);
     EXPECT_EQ(list_.findings().size(), 5U);
@@ -64,32 +64,32 @@ TEST_F(FindingListTest, FoldsNothingElse) {
 
 TEST_F(FindingListTest, TellsAPlaceOnce) {
     for (const std::uint32_t line : {1U, 2U, 1U, 3U, 2U, 3U}) {
-        list_.add(finding("k", at(line)));
+        list_.add(findingAbout("k", at(line)));
     }
     EXPECT_EQ(list_.findings()[0].place, at(1));
     EXPECT_EQ(list_.findings()[0].places, (std::vector{at(2), at(3)}));
-    list_.add(finding("l", at(2)));
+    list_.add(findingAbout("l", at(2)));
     EXPECT_EQ(list_.findings()[1].places.size(), 0U);
 }
 
 TEST_F(FindingListTest, TakesInThePlacesThatCameWithAFinding) {
-    Finding first = finding("k", at(1));
+    Finding first = findingAbout("k", at(1));
     first.places = {at(2), at(1), at(2)};
     list_.add(first);
-    Finding second = finding("k", at(2));
+    Finding second = findingAbout("k", at(2));
     second.places = {at(3), at(1)};
     list_.add(second);
     EXPECT_EQ(list_.findings()[0].places, (std::vector{at(2), at(3)}));
 }
 
 TEST_F(FindingListTest, APlaceThatIsNotKnownIsNoFurtherOne) {
-    list_.add(finding("k", at(1)));
-    list_.add(finding("k", {}));
+    list_.add(findingAbout("k", at(1)));
+    list_.add(findingAbout("k", {}));
     EXPECT_TRUE(list_.findings()[0].places.empty());
 }
 
 TEST_F(FindingListTest, AddsProfilesOnce) {
-    Finding some = finding("k", at(1));
+    Finding some = findingAbout("k", at(1));
     some.profiles = {"b"};
     list_.add(some);
     some.profiles = {"a", "b"};
@@ -98,9 +98,9 @@ TEST_F(FindingListTest, AddsProfilesOnce) {
 }
 
 TEST_F(FindingListTest, KeepsTheFirstViaHintAndHostTextThatThereIs) {
-    list_.add(finding("k", at(1)));
+    list_.add(findingAbout("k", at(1)));
     for (const char* const text : {"first", "second"}) {
-        Finding some = finding("k", at(2));
+        Finding some = findingAbout("k", at(2));
         some.hint = text;
         some.hostText = text;
         some.via = {{at(9), text}};
@@ -117,7 +117,7 @@ TEST_F(FindingListTest, KeepsTheFirstViaHintAndHostTextThatThereIs) {
 TEST_F(FindingListTest, CountsWhatAnotherCouldNotKeep) {
     FindingList full;
     for (std::size_t i = 0; i <= FindingList::kMostFindings; ++i) {
-        full.add(finding(std::to_string(i), at(1)));
+        full.add(findingAbout(std::to_string(i), at(1)));
     }
     list_.addDropped(full);
     list_.addDropped(FindingList());
@@ -129,11 +129,11 @@ TEST_F(FindingListTest, CountsWhatAnotherCouldNotKeep) {
 
 TEST_F(FindingListTest, CountsFindingsThatItCannotKeep) {
     for (std::size_t i = 0; i < FindingList::kMostFindings; ++i) {
-        list_.add(finding(std::to_string(i), at(1)));
+        list_.add(findingAbout(std::to_string(i), at(1)));
     }
     EXPECT_EQ(list_.dropped(), 0U);
     EXPECT_FALSE(list_.worstDropped());
-    Finding further = finding("one more", at(1));
+    Finding further = findingAbout("one more", at(1));
     further.severity = Severity::kWarning;
     list_.add(further);
     EXPECT_EQ(list_.worstDropped(), Severity::kWarning);
@@ -144,20 +144,20 @@ TEST_F(FindingListTest, CountsFindingsThatItCannotKeep) {
     EXPECT_EQ(list_.findings().size(), FindingList::kMostFindings);
     EXPECT_EQ(list_.dropped(), 3U);
     EXPECT_EQ(list_.worstDropped(), Severity::kError);
-    list_.add(finding("5", at(2)));
+    list_.add(findingAbout("5", at(2)));
     EXPECT_EQ(list_.findings()[5].places, std::vector{at(2)});
     EXPECT_EQ(list_.dropped(), 3U);
 }
 
 TEST_F(FindingListTest, CountsPlacesThatItCannotKeep) {
     for (std::uint32_t line = 0; line <= FindingList::kMostPlaces; ++line) {
-        list_.add(finding(line % 2 == 0 ? "k" : "l", at(line + 10)));
+        list_.add(findingAbout(line % 2 == 0 ? "k" : "l", at(line + 10)));
     }
     EXPECT_EQ(list_.dropped(), 0U);
-    list_.add(finding("l", at(1)));
+    list_.add(findingAbout("l", at(1)));
     EXPECT_EQ(list_.dropped(), 0U);
-    list_.add(finding("l", at(2)));
-    list_.add(finding("k", at(11)));
+    list_.add(findingAbout("l", at(2)));
+    list_.add(findingAbout("k", at(11)));
     EXPECT_EQ(list_.dropped(), 2U);
     const std::size_t kept = list_.findings()[0].places.size() + list_.findings()[1].places.size();
     EXPECT_EQ(kept, FindingList::kMostPlaces);
@@ -165,16 +165,16 @@ TEST_F(FindingListTest, CountsPlacesThatItCannotKeep) {
 
 TEST_F(FindingListTest, ArtefactsLeaveRoomForWhatCounts) {
     for (std::size_t i = 0; i < FindingList::kMostFindings; ++i) {
-        Finding artefact = finding(std::to_string(i), at(1));
+        Finding artefact = findingAbout(std::to_string(i), at(1));
         artefact.isArtefact = true;
         list_.add(artefact);
     }
     EXPECT_EQ(list_.findings().size(), FindingList::kMostFindings / 2);
-    list_.add(finding("k", at(1)));
+    list_.add(findingAbout("k", at(1)));
     EXPECT_EQ(list_.findings().size(), FindingList::kMostFindings / 2 + 1);
     EXPECT_EQ(list_.dropped(), 0U);
     for (std::uint32_t line = 0; line < FindingList::kMostPlaces; ++line) {
-        Finding artefact = finding("0", at(line + 2));
+        Finding artefact = findingAbout("0", at(line + 2));
         artefact.isArtefact = true;
         list_.add(artefact);
     }
@@ -183,18 +183,18 @@ TEST_F(FindingListTest, ArtefactsLeaveRoomForWhatCounts) {
 }
 
 TEST_F(FindingListTest, GivesItsFindingsAway) {
-    list_.add(finding("k", at(1)));
+    list_.add(findingAbout("k", at(1)));
     EXPECT_EQ(list_.take().size(), 1U);
     EXPECT_TRUE(list_.findings().empty());
-    list_.add(finding("k", at(2)));
+    list_.add(findingAbout("k", at(2)));
     EXPECT_EQ(list_.findings()[0].place, at(2));
 }
 
 Finding typicalFinding(std::uint32_t number) {
     const std::string folder = "/home/writer/documents/guide-of-a-product/topics/";
     const std::string name = std::to_string(number) + ".dita";
-    Finding result = finding(folder + "missing-" + name + "#topic/paragraph",
-                             {folder + "installing-and-removing-" + name, number, 14});
+    Finding result = findingAbout(folder + "missing-" + name + "#topic/paragraph",
+                                  {folder + "installing-and-removing-" + name, number, 14});
     result.text = "The file `" + result.target + "` does not exist";
     result.element = "xref";
     result.hint = "there is `" + name + "`, which differs in letter case only";
@@ -227,13 +227,13 @@ TEST(SummarizeTest, CountsFindingsBySeverityAndTheirFiles) {
     const Severity severities[] = {Severity::kError, Severity::kError, Severity::kWarning,
                                    Severity::kNote};
     for (const Severity severity : severities) {
-        findings.push_back(finding("k", at(1)));
+        findings.push_back(findingAbout("k", at(1)));
         findings.back().severity = severity;
     }
-    findings.push_back(finding("k", {"/guide/b.dita", 0, 0}));
+    findings.push_back(findingAbout("k", {"/guide/b.dita", 0, 0}));
     findings.back().places = {{"/guide/c.dita", 1, 1}};
-    findings.push_back(finding("k", {}));
-    findings.push_back(finding("k", {"/guide/d.dita", 1, 1}));
+    findings.push_back(findingAbout("k", {}));
+    findings.push_back(findingAbout("k", {"/guide/d.dita", 1, 1}));
     findings.back().isArtefact = true;
     const FindingSummary summary = summarize(findings);
     EXPECT_EQ(summary.errors, 4U);

@@ -17,7 +17,7 @@ struct Recorded {
     std::optional<FindingSummary> summary;
 };
 
-Recorded read(const std::string& text) {
+Recorded readRecorded(const std::string& text) {
     std::istringstream in(text);
     Recorded recorded;
     recorded.summary = readJson(
@@ -25,9 +25,9 @@ Recorded read(const std::string& text) {
     return recorded;
 }
 
-std::string faultOf(const std::string& text) {
+std::string jsonFaultOf(const std::string& text) {
     try {
-        read(text);
+        readRecorded(text);
         return "(none)";
     } catch (const std::runtime_error& fault) {
         return fault.what();
@@ -38,7 +38,7 @@ TEST(JsonReaderTest, GivesBackWhatWasWritten) {
     std::ostringstream first;
     writeJson(first, sampleFindings(), sampleSummary());
     const std::string text = first.str();
-    const Recorded recorded = read(text);
+    const Recorded recorded = readRecorded(text);
     ASSERT_TRUE(recorded.summary);
     std::ostringstream second;
     writeJson(second, recorded.findings, *recorded.summary);
@@ -46,14 +46,14 @@ TEST(JsonReaderTest, GivesBackWhatWasWritten) {
 }
 
 TEST(JsonReaderTest, TakesAllMembers) {
-    const Recorded recorded =
-        read(R"({"id":"MP105","severity":"note","text":"t","file":"/a","line":1,"column":2,)"
-             R"("element":"e","target":"k","hint":"h","via":[{"file":"/b","line":3,"column":4,)"
-             R"("what":"w"}],"places":[{"file":"/c","line":5,"column":null}],"profile":["/d"],)"
-             R"("artefact":true,"hostText":""})"
-             "\n"
-             R"({"summary":{"errors":1,"warnings":2,"notes":3,"topics":4,"files":5,"seconds":6.5,)"
-             R"("exit":7,"dropped":8}})");
+    const Recorded recorded = readRecorded(
+        R"({"id":"MP105","severity":"note","text":"t","file":"/a","line":1,"column":2,)"
+        R"("element":"e","target":"k","hint":"h","via":[{"file":"/b","line":3,"column":4,)"
+        R"("what":"w"}],"places":[{"file":"/c","line":5,"column":null}],"profile":["/d"],)"
+        R"("artefact":true,"hostText":""})"
+        "\n"
+        R"({"summary":{"errors":1,"warnings":2,"notes":3,"topics":4,"files":5,"seconds":6.5,)"
+        R"("exit":7,"dropped":8}})");
     ASSERT_EQ(recorded.findings.size(), 1U);
     const Finding& finding = recorded.findings[0];
     EXPECT_EQ(finding.id, "MP105");
@@ -81,7 +81,7 @@ TEST(JsonReaderTest, TakesAllMembers) {
 }
 
 TEST(JsonReaderTest, PassesOverWhatItDoesNotKnow) {
-    const Recorded recorded = read(
+    const Recorded recorded = readRecorded(
         "\r\n  \n"
         R"({"id":"MP300","severity":"error","colour":{"deep":[1,2]},"line":null})"
         "\r\n"
@@ -92,14 +92,14 @@ TEST(JsonReaderTest, PassesOverWhatItDoesNotKnow) {
 }
 
 TEST(JsonReaderTest, AnEmptyFileHasNoFindings) {
-    EXPECT_TRUE(read("").findings.empty());
-    EXPECT_FALSE(read("\n").summary);
+    EXPECT_TRUE(readRecorded("").findings.empty());
+    EXPECT_FALSE(readRecorded("\n").summary);
 }
 
 TEST(JsonReaderTest, NamesTheLineThatIsWrong) {
     const std::string good = R"({"id":"MP105","severity":"error"})"
                              "\n\n";
-    EXPECT_EQ(faultOf(good + "{\"id\":"), "line 3: this is no JSON");
+    EXPECT_EQ(jsonFaultOf(good + "{\"id\":"), "line 3: this is no JSON");
     struct Case {
         const char* line;
         const char* fault;
@@ -130,12 +130,12 @@ TEST(JsonReaderTest, NamesTheLineThatIsWrong) {
         {R"({"summary":{"errors":-1}})", "\"errors\" is no such number"},
     };
     for (const Case& sample : cases) {
-        EXPECT_EQ(faultOf(good + sample.line), std::string("line 3: ") + sample.fault);
+        EXPECT_EQ(jsonFaultOf(good + sample.line), std::string("line 3: ") + sample.fault);
     }
 }
 
 TEST(JsonReaderTest, DeepNestingIsAFaultAndNoCrash) {
-    EXPECT_EQ(faultOf(std::string(1'000'000, '[')), "line 1: this is no JSON");
+    EXPECT_EQ(jsonFaultOf(std::string(1'000'000, '[')), "line 1: this is no JSON");
 }
 
 }  // namespace

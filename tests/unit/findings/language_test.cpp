@@ -10,13 +10,13 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kVariables[] = {"LC_ALL", "LC_MESSAGES", "LANG", "LANGUAGE"};
+constexpr const char* kLanguageVariables[] = {"LC_ALL", "LC_MESSAGES", "LANG", "LANGUAGE"};
 
 /// Gives the process its environment and the language German back.
 class LanguageTest : public testing::Test {
 protected:
     LanguageTest() {
-        for (const char* const name : kVariables) {
+        for (const char* const name : kLanguageVariables) {
             const char* const value = getenv(name);
             before_[name] = value ? std::optional<std::string>(value) : std::nullopt;
             unsetenv(name);

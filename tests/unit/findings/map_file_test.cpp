@@ -8,7 +8,7 @@
 namespace marrowpress {
 namespace {
 
-using Kind = MapFile::Kind;
+using MapKind = MapFile::Kind;
 
 class MapFileTest : public testing::Test {
 protected:
@@ -36,20 +36,20 @@ TEST_F(MapFileTest, AMapIsOne) {
           withPublicId("handbook", "-//OASIS//DTD DITA BookMap//EN"),
           std::string("<!DOCTYPE handbook SYSTEM 'ourmap.dtd'><handbook/>")}) {
         const MapFile found = inspect(text);
-        EXPECT_EQ(found.kind, Kind::kMap) << text << found.reason;
+        EXPECT_EQ(found.kind, MapKind::kMap) << text << found.reason;
     }
 }
 
 TEST_F(MapFileTest, WhatADtdMayMakeAMapMayBeOne) {
-    EXPECT_EQ(inspect(withPublicId("handbook", "-//ACME//DTD Handbook//EN")).kind, Kind::kMap);
-    EXPECT_EQ(inspect("<!DOCTYPE handbook SYSTEM 'h.dtd'><handbook/>").kind, Kind::kMap);
+    EXPECT_EQ(inspect(withPublicId("handbook", "-//ACME//DTD Handbook//EN")).kind, MapKind::kMap);
+    EXPECT_EQ(inspect("<!DOCTYPE handbook SYSTEM 'h.dtd'><handbook/>").kind, MapKind::kMap);
 }
 
 TEST_F(MapFileTest, TheInternalSubsetMaySayTheClass) {
     EXPECT_EQ(inspect("<!DOCTYPE book [<!ELEMENT book EMPTY>"
                       "<!ATTLIST book class CDATA '- map/map '>]><book/>")
                   .kind,
-              Kind::kMap);
+              MapKind::kMap);
 }
 
 TEST_F(MapFileTest, WhatIsSurelyNoneIsNone) {
@@ -63,7 +63,7 @@ TEST_F(MapFileTest, WhatIsSurelyNoneIsNone) {
           withPublicId("howto", "-//OASIS//DTD DITA Topic//EN"),
           withPublicId("html", "-//W3C//DTD XHTML 1.0 Strict//EN"),
           std::string("<!DOCTYPE foo><foo/>")}) {
-        EXPECT_EQ(inspect(text).kind, Kind::kNoMap) << text;
+        EXPECT_EQ(inspect(text).kind, MapKind::kNoMap) << text;
     }
 }
 
@@ -74,21 +74,21 @@ TEST_F(MapFileTest, TheRootIsNamed) {
 }
 
 TEST_F(MapFileTest, ALongStartIsReadToTheRoot) {
-    EXPECT_EQ(inspect("<!--" + std::string(200000, 'x') + "--><reference/>").kind, Kind::kNoMap);
+    EXPECT_EQ(inspect("<!--" + std::string(200000, 'x') + "--><reference/>").kind, MapKind::kNoMap);
 }
 
 TEST_F(MapFileTest, WhatStandsFarBehindTheRootIsNotLookedAt) {
-    EXPECT_EQ(inspect("<map>" + std::string(200000, ' ') + "</wrong>").kind, Kind::kMap);
+    EXPECT_EQ(inspect("<map>" + std::string(200000, ' ') + "</wrong>").kind, MapKind::kMap);
 }
 
 TEST_F(MapFileTest, WhatIsNotWellFormedIsToldWhereItBreaks) {
     const MapFile found = inspect("<?xml version='1.0'?>\n <map a=b/>");
-    EXPECT_EQ(found.kind, Kind::kNotWellFormed);
+    EXPECT_EQ(found.kind, MapKind::kNotWellFormed);
     EXPECT_EQ(found.place, (FindingPlace{folder.file("m.ditamap"), 2, 9}));
     EXPECT_EQ(found.reason, "AttValue: \" or ' expected");
     for (const char* const text : {"", "plain text", "<!-- alone -->", "<map", "\xE4<map/>"}) {
         const MapFile broken = inspect(text);
-        EXPECT_EQ(broken.kind, Kind::kNotWellFormed) << text;
+        EXPECT_EQ(broken.kind, MapKind::kNotWellFormed) << text;
         EXPECT_NE(broken.reason, "") << text;
         EXPECT_EQ(broken.reason.find('\n'), std::string::npos) << text;
     }
@@ -97,12 +97,12 @@ TEST_F(MapFileTest, WhatIsNotWellFormedIsToldWhereItBreaks) {
 TEST_F(MapFileTest, WhatCannotBeReadIsToldWithTheReason) {
     const Watchdog watchdog(10);
     const MapFile missing = inspectMapFile(folder.file("none.ditamap"));
-    EXPECT_EQ(missing.kind, Kind::kUnreadable);
+    EXPECT_EQ(missing.kind, MapKind::kUnreadable);
     EXPECT_EQ(missing.reason, "No such file or directory");
     EXPECT_EQ(missing.place, (FindingPlace{folder.file("none.ditamap")}));
     makePipe(folder.file("pipe"));
     for (const std::string& path : {folder.file("pipe"), folder.path().string()}) {
-        EXPECT_EQ(inspectMapFile(path).kind, Kind::kUnreadable) << path;
+        EXPECT_EQ(inspectMapFile(path).kind, MapKind::kUnreadable) << path;
         EXPECT_EQ(inspectMapFile(path).reason, "not a regular file") << path;
     }
 }
@@ -116,7 +116,7 @@ TEST_F(MapFileTest, NoOtherFileIsReadForIt) {
                       "<!ENTITY % n SYSTEM 'http://" +
                       server.authority() + "/x'> %n;]><foo/>")
                   .kind,
-              Kind::kNoMap);
+              MapKind::kNoMap);
     EXPECT_FALSE(server.wasAsked());
 }
 

@@ -12,7 +12,7 @@
 namespace marrowpress {
 namespace {
 
-using Kind = ProfileRemark::Kind;
+using RemarkKind = ProfileRemark::Kind;
 
 Profile profileOf(const std::string& text) {
     const TemporaryFolder folder;

@@ -18,7 +18,7 @@ std::string titleOf(std::string_view id) {
     return "Title of " + std::string(id);
 }
 
-std::string written(const std::vector<Finding>& findings, const FindingSummary& summary) {
+std::string writtenSarif(const std::vector<Finding>& findings, const FindingSummary& summary) {
     std::ostringstream out;
     writeSarif(out, findings, summary, {"0.1.0", std::string(kSampleFolder), titleOf});
     return out.str();
@@ -32,7 +32,7 @@ std::string valueAt(const std::string& log, const std::string& pointer) {
     return value == nullptr ? "(none)" : boost::json::serialize(*value);
 }
 
-Finding finding(FindingPlace place) {
+Finding findingAt(FindingPlace place) {
     Finding result;
     result.id = "MP105";
     result.text = "text";
@@ -41,13 +41,13 @@ Finding finding(FindingPlace place) {
 }
 
 TEST(SarifWriterTest, WritesAllFormsOfFindings) {
-    const std::string log = written(sampleFindings(), sampleSummary());
+    const std::string log = writtenSarif(sampleFindings(), sampleSummary());
     EXPECT_EQ(log, goldenText("findings.sarif", log));
     EXPECT_TRUE(isValidUtf8(log));
 }
 
 TEST(SarifWriterTest, ARunWithoutFindingsIsALogToo) {
-    const std::string log = written({}, {});
+    const std::string log = writtenSarif({}, {});
     EXPECT_EQ(valueAt(log, "/results"), "[]");
     EXPECT_EQ(valueAt(log, "/tool/driver"),
               R"({"name":"Marrowpress","version":"0.1.0","rules":[]})");
@@ -59,19 +59,19 @@ TEST(SarifWriterTest, OnlyAFailedRunIsUnsuccessful) {
     FindingSummary summary;
     for (const int exit : {0, 1, 3}) {
         summary.exit = exit;
-        EXPECT_EQ(valueAt(written({}, summary), "/invocations/0"),
+        EXPECT_EQ(valueAt(writtenSarif({}, summary), "/invocations/0"),
                   R"({"executionSuccessful":)" + std::string(exit == 1 ? "false" : "true") +
                       R"(,"exitCode":)" + std::to_string(exit) + '}');
     }
 }
 
 TEST(SarifWriterTest, RulesAreTheIdsThatAreUsed) {
-    Finding other = finding({});
+    Finding other = findingAt({});
     other.id = "MP201";
-    Finding artefact = finding({});
+    Finding artefact = findingAt({});
     artefact.id = "MP106";
     artefact.isArtefact = true;
-    const std::string log = written({other, artefact, finding({}), other}, {});
+    const std::string log = writtenSarif({other, artefact, findingAt({}), other}, {});
     EXPECT_EQ(valueAt(log, "/tool/driver/rules"),
               R"([{"id":"MP105","shortDescription":{"text":"Title of MP105"}},)"
               R"({"id":"MP201","shortDescription":{"text":"Title of MP201"}}])");
@@ -82,8 +82,8 @@ TEST(SarifWriterTest, RulesAreTheIdsThatAreUsed) {
 }
 
 TEST(SarifWriterTest, AFileBelowTheCurrentFolderIsRelative) {
-    const std::string log =
-        written({finding({"/guide/a b/c:d.dita", 9, 3}), finding({"/guide2/a b.dita", 9, 3})}, {});
+    const std::string log = writtenSarif(
+        {findingAt({"/guide/a b/c:d.dita", 9, 3}), findingAt({"/guide2/a b.dita", 9, 3})}, {});
     const std::string at = "/locations/0/physicalLocation/artifactLocation";
     EXPECT_EQ(valueAt(log, "/results/0" + at),
               R"({"uri":"a%20b/c%3Ad.dita","uriBaseId":"SRCROOT"})");
@@ -91,8 +91,9 @@ TEST(SarifWriterTest, AFileBelowTheCurrentFolderIsRelative) {
 }
 
 TEST(SarifWriterTest, LeavesOutWhatIsNotKnown) {
-    const std::string log = written(
-        {finding({"/guide/a.dita", 9, 0}), finding({"/guide/a.dita", 0, 0}), finding({})}, {});
+    const std::string log = writtenSarif(
+        {findingAt({"/guide/a.dita", 9, 0}), findingAt({"/guide/a.dita", 0, 0}), findingAt({})},
+        {});
     EXPECT_EQ(valueAt(log, "/results/0/locations/0/physicalLocation/region"), R"({"startLine":9})");
     EXPECT_EQ(valueAt(log, "/results/1/locations/0/physicalLocation/region"), "(none)");
     EXPECT_EQ(valueAt(log, "/results/2/locations"), "(none)");
@@ -100,10 +101,10 @@ TEST(SarifWriterTest, LeavesOutWhatIsNotKnown) {
 }
 
 TEST(SarifWriterTest, TheWayAndFurtherPlacesAreRelated) {
-    Finding some = finding({"/guide/a.dita", 9, 3});
+    Finding some = findingAt({"/guide/a.dita", 9, 3});
     some.via = {{{"/guide/root.ditamap", 7, 20}, "href a.dita"}, {{}, "nowhere"}};
     some.places = {{"/guide/b.dita", 1, 2}};
-    const std::string log = written({some}, {});
+    const std::string log = writtenSarif({some}, {});
     EXPECT_EQ(valueAt(log, "/results/0/relatedLocations"),
               R"([{"physicalLocation":{"artifactLocation":{"uri":"root.ditamap",)"
               R"("uriBaseId":"SRCROOT"},"region":{"startLine":7,"startColumn":20}},)"
@@ -114,24 +115,24 @@ TEST(SarifWriterTest, TheWayAndFurtherPlacesAreRelated) {
 
 TEST(SarifWriterTest, AFingerprintOutlivesAMoveOfTheLine) {
     const std::string log =
-        written({finding({"/guide/a.dita", 9, 3}), finding({"/guide/a.dita", 10, 1})}, {});
+        writtenSarif({findingAt({"/guide/a.dita", 9, 3}), findingAt({"/guide/a.dita", 10, 1})}, {});
     const std::string at = "/partialFingerprints/marrowpress~1v1";
     EXPECT_NE(valueAt(log, "/results/0" + at), "(none)");
     EXPECT_EQ(valueAt(log, "/results/0" + at), valueAt(log, "/results/1" + at));
 }
 
 TEST(SarifWriterTest, TheMessageHasTheHint) {
-    Finding some = finding({});
+    Finding some = findingAt({});
     some.hint = "did you mean `x`?";
-    EXPECT_EQ(valueAt(written({some}, {}), "/results/0/message/text"),
+    EXPECT_EQ(valueAt(writtenSarif({some}, {}), "/results/0/message/text"),
               "\"text (did you mean `x`?)\"");
 }
 
 TEST(SarifWriterTest, SaysWhenNotAllWereKept) {
     FindingSummary summary;
     summary.dropped = 12;
-    EXPECT_EQ(valueAt(written({}, summary), "/properties/dropped"), "12");
-    EXPECT_EQ(valueAt(written({}, {}), "/properties"), "(none)");
+    EXPECT_EQ(valueAt(writtenSarif({}, summary), "/properties/dropped"), "12");
+    EXPECT_EQ(valueAt(writtenSarif({}, {}), "/properties"), "(none)");
 }
 
 }  // namespace

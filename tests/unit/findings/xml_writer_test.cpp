@@ -12,7 +12,7 @@
 namespace marrowpress {
 namespace {
 
-std::string written(const std::function<void(XmlWriter&)>& write) {
+std::string writtenXml(const std::function<void(XmlWriter&)>& write) {
     std::ostringstream out;
     {
         XmlWriter xml(out);
@@ -23,7 +23,7 @@ std::string written(const std::function<void(XmlWriter&)>& write) {
 }
 
 TEST(XmlWriterTest, EndsWhatIsOpen) {
-    const std::string document = written([](XmlWriter& xml) {
+    const std::string document = writtenXml([](XmlWriter& xml) {
         xml.startElement("a");
         xml.attribute("b", "c");
         xml.startElement("d");
@@ -36,7 +36,7 @@ TEST(XmlWriterTest, EndsWhatIsOpen) {
 
 TEST(XmlWriterTest, TextsAreReadBackAsTheyWere) {
     const std::string text = "<a> & \"b\" 'c' ]]> \t\n \xC3\xBC \xF0\x9F\x94\xA7";
-    const std::string document = written([&text](XmlWriter& xml) {
+    const std::string document = writtenXml([&text](XmlWriter& xml) {
         xml.startElement("a");
         xml.attribute("b", text);
         xml.text(text);
@@ -55,7 +55,7 @@ TEST(XmlWriterTest, TextsAreReadBackAsTheyWere) {
 }
 
 TEST(XmlWriterTest, WhatXmlCannotHoldIsReplaced) {
-    const std::string document = written([](XmlWriter& xml) {
+    const std::string document = writtenXml([](XmlWriter& xml) {
         xml.startElement("a");
         xml.text(std::string("\x1B\xFC\xEF\xBF\xBE\0", 6) + "b");
     });

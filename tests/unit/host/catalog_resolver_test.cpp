@@ -102,7 +102,7 @@ TEST_F(CatalogResolverTest, KeepsItsAnswer) {
 constexpr const char* kShortage = "cannot read the catalogs: Too many open files";
 
 /// What is said about a question that fails; the answer of one that does not.
-std::string faultOf(CatalogResolver& resolver, const std::string& publicId) {
+std::string catalogFaultOf(CatalogResolver& resolver, const std::string& publicId) {
     try {
         return resolver.resolvePublic(publicId).value_or("(unknown)");
     } catch (const std::system_error& fault) {
@@ -115,9 +115,9 @@ TEST_F(CatalogResolverTest, ReadsItsCatalogsAtTheStart) {
     CatalogResolver resolver({writeCatalog("1.xml", publicEntry("a", "a.dtd")),
                               writeCatalog("2.xml", "<nextCatalog catalog='next.xml'/>")});
     const NoFileHandles none;
-    EXPECT_EQ(faultOf(resolver, "a"), folder_.file("a.dtd"));
-    EXPECT_EQ(faultOf(resolver, "b"), folder_.file("b.dtd"));
-    EXPECT_EQ(faultOf(resolver, "c"), "(unknown)");
+    EXPECT_EQ(catalogFaultOf(resolver, "a"), folder_.file("a.dtd"));
+    EXPECT_EQ(catalogFaultOf(resolver, "b"), folder_.file("b.dtd"));
+    EXPECT_EQ(catalogFaultOf(resolver, "c"), "(unknown)");
 }
 
 TEST_F(CatalogResolverTest, TakesACatalogItHasNoHandleForForNoMiss) {
@@ -127,7 +127,7 @@ TEST_F(CatalogResolverTest, TakesACatalogItHasNoHandleForForNoMiss) {
         EXPECT_THROW(CatalogResolver{{catalog}}, std::system_error);
     }
     CatalogResolver resolver({catalog});
-    EXPECT_EQ(faultOf(resolver, "a"), folder_.file("a.dtd"));
+    EXPECT_EQ(catalogFaultOf(resolver, "a"), folder_.file("a.dtd"));
 }
 
 TEST_F(CatalogResolverTest, KeepsNothingOfAFailedQuestionBeyondItsLife) {
@@ -138,18 +138,18 @@ TEST_F(CatalogResolverTest, KeepsNothingOfAFailedQuestionBeyondItsLife) {
                      publicEntry("known", "known.dtd"));
     {
         CatalogResolver resolver({catalog});
-        EXPECT_EQ(faultOf(resolver, "known"), folder_.file("known.dtd"));
+        EXPECT_EQ(catalogFaultOf(resolver, "known"), folder_.file("known.dtd"));
         {
             const NoFileHandles none;
-            EXPECT_EQ(faultOf(resolver, kMapId), kShortage);
-            EXPECT_EQ(faultOf(resolver, "known"), folder_.file("known.dtd"));
+            EXPECT_EQ(catalogFaultOf(resolver, kMapId), kShortage);
+            EXPECT_EQ(catalogFaultOf(resolver, "known"), folder_.file("known.dtd"));
         }
-        EXPECT_EQ(faultOf(resolver, kMapId), kShortage);
+        EXPECT_EQ(catalogFaultOf(resolver, kMapId), kShortage);
         // What libxml2 kept of the failure is the same for all.
         EXPECT_THROW(CatalogResolver{{catalog}}, std::system_error);
     }
     CatalogResolver resolver({catalog});
-    EXPECT_EQ(faultOf(resolver, kMapId), folder_.file("map.dtd"));
+    EXPECT_EQ(catalogFaultOf(resolver, kMapId), folder_.file("map.dtd"));
 }
 
 /// Memory ends for libxml2 at one of its allocations.

@@ -13,7 +13,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// Why there is no module at `path`.
-std::string faultOf(const fs::path& path) {
+std::string moduleFaultOf(const fs::path& path) {
     try {
         const ClientModule module(path);
         return "(none)";
@@ -32,12 +32,12 @@ TEST(ClientModuleTest, HasTheEntryFunction) {
 TEST(ClientModuleTest, WhatCannotBeLoadedIsNone) {
     const TemporaryFolder folder;
     const std::string start = "cannot load the client module: ";
-    EXPECT_TRUE(faultOf(folder.file("none.so")).starts_with(start + folder.file("none.so")));
-    EXPECT_TRUE(faultOf(folder.write("text.so", "no code")).starts_with(start));
+    EXPECT_TRUE(moduleFaultOf(folder.file("none.so")).starts_with(start + folder.file("none.so")));
+    EXPECT_TRUE(moduleFaultOf(folder.write("text.so", "no code")).starts_with(start));
 }
 
 TEST(ClientModuleTest, ALibraryWithoutTheEntryFunctionIsNone) {
-    const std::string fault = faultOf("libc.so.6");
+    const std::string fault = moduleFaultOf("libc.so.6");
     EXPECT_TRUE(fault.starts_with("libc.so.6 is no client module: ")) << fault;
     EXPECT_NE(fault.find(kClientEntryName), std::string::npos) << fault;
 }

@@ -20,7 +20,7 @@ struct UriCase {
     const char* path;  // null: no local path
 };
 
-constexpr UriCase kCases[] = {
+constexpr UriCase kFileUriCases[] = {
     {"ThreeSlashes", "file:///dtd/map.dtd", "/dtd/map.dtd"},
     {"OneSlash", "file:/dtd/map.dtd", "/dtd/map.dtd"},
     {"Localhost", "file://localhost/dtd/map.dtd", "/dtd/map.dtd"},
@@ -45,7 +45,7 @@ TEST_P(FileUriCaseTest, BecomesAPath) {
               expected ? std::optional<std::string>(expected) : std::nullopt);
 }
 
-INSTANTIATE_TEST_SUITE_P(, FileUriCaseTest, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, FileUriCaseTest, testing::ValuesIn(kFileUriCases),
                          [](const auto& c) { return std::string(c.param.name); });
 
 TEST(LibxmlFailureTest, IsWantOfHandlesAndNotAMissingFile) {

@@ -10,7 +10,7 @@ namespace marrowpress {
 namespace {
 
 /// What the reader says about `json`; "" when it takes it.
-std::string faultOf(std::string_view json) {
+std::string listFaultOf(std::string_view json) {
     try {
         parseOpenDocuments(json);
         return "";
@@ -30,13 +30,13 @@ TEST(OpenDocumentsTest, MayBeEmpty) {
     EXPECT_TRUE(parseOpenDocuments("[]").empty());
 }
 
-struct BadCase {
+struct BadListCase {
     const char* name;
     std::string_view json;
     std::string_view fault;  // how the error text begins
 };
 
-constexpr BadCase kBadCases[] = {
+constexpr BadListCase kBadListCases[] = {
     {"Nothing", "", "is not JSON: "},
     {"TrailingComma", "[1,]", "is not JSON: "},
     {"InvalidUtf8", "[\"\xFC\"]", "is not JSON: "},
@@ -71,14 +71,14 @@ constexpr BadCase kBadCases[] = {
      "entry 1: \"id\" 7 is there twice"},
 };
 
-class BadOpenDocumentsTest : public testing::TestWithParam<BadCase> {};
+class BadOpenDocumentsTest : public testing::TestWithParam<BadListCase> {};
 
 TEST_P(BadOpenDocumentsTest, IsRefused) {
-    const std::string fault = faultOf(GetParam().json);
+    const std::string fault = listFaultOf(GetParam().json);
     EXPECT_EQ(fault.substr(0, GetParam().fault.size()), GetParam().fault);
 }
 
-INSTANTIATE_TEST_SUITE_P(, BadOpenDocumentsTest, testing::ValuesIn(kBadCases),
+INSTANTIATE_TEST_SUITE_P(, BadOpenDocumentsTest, testing::ValuesIn(kBadListCases),
                          [](const auto& c) { return std::string(c.param.name); });
 
 /// What the reader says about the file at `path`; "" when it takes it.

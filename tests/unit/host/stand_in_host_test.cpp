@@ -238,7 +238,7 @@ TEST_F(StandInHostTest, OutlivesItsOwnerWhileAReferenceIsOut) {
     EXPECT_EQ(id, 0U);
 }
 
-constexpr const char* kResolveMap = "EntityResolver resolveentity -publicid \"map\"";
+constexpr const char* kMapQuestion = "EntityResolver resolveentity -publicid \"map\"";
 
 TEST_F(StandInHostTest, TracesTheOperationsInOrder) {
     std::ostringstream out;
@@ -249,7 +249,7 @@ TEST_F(StandInHostTest, TracesTheOperationsInOrder) {
     const auto host = start(options);
     client_.onNotify = [](IHostClients& clients) {
         HostTypedValueList reply{};
-        clients.callClientTyped("XmlUtilities", kResolveMap, &reply, nullptr);
+        clients.callClientTyped("XmlUtilities", kMapQuestion, &reply, nullptr);
         releaseTypedValues(reply);
         clients.returnTypedValue({0, nullptr}, nullptr, nullptr);
     };

@@ -13,7 +13,7 @@ struct Utf8Case {
 
 using namespace std::string_view_literals;
 
-constexpr Utf8Case kCases[] = {
+constexpr Utf8Case kUtf8Cases[] = {
     {"Empty", "", ""},
     {"Ascii", "a b\t\r\n", "a b\t\r\n"},
     {"KeepsNul", "a\0b"sv, "a\0b"sv},
@@ -47,7 +47,7 @@ TEST_P(Utf8Test, TellsGoodFromBad) {
     EXPECT_EQ(isValidUtf8(GetParam().text), GetParam().text == GetParam().valid);
 }
 
-INSTANTIATE_TEST_SUITE_P(, Utf8Test, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, Utf8Test, testing::ValuesIn(kUtf8Cases),
                          [](const auto& c) { return std::string(c.param.name); });
 
 }  // namespace

@@ -5,7 +5,7 @@
 namespace marrowpress {
 namespace {
 
-using Kind = XmlUtilitiesCommand::Kind;
+using CommandKind = XmlUtilitiesCommand::Kind;
 
 struct GoodCase {
     const char* name;
@@ -16,22 +16,24 @@ struct GoodCase {
 const GoodCase kGoodCases[] = {
     {"Start",
      R"(EntityResolver start -basefile "/my docs/m.ditamap")",
-     {Kind::kStart, "/my docs/m.ditamap", "", ""}},
-    {"StartWithEmptyPath", R"(EntityResolver start -basefile "")", {Kind::kStart, "", "", ""}},
-    {"End", "EntityResolver end", {Kind::kEnd, "", "", ""}},
-    {"Terminate", "EntityResolver terminate", {Kind::kTerminate, "", "", ""}},
+     {CommandKind::kStart, "/my docs/m.ditamap", "", ""}},
+    {"StartWithEmptyPath",
+     R"(EntityResolver start -basefile "")",
+     {CommandKind::kStart, "", "", ""}},
+    {"End", "EntityResolver end", {CommandKind::kEnd, "", "", ""}},
+    {"Terminate", "EntityResolver terminate", {CommandKind::kTerminate, "", "", ""}},
     {"Resolve",
      R"(EntityResolver resolveentity -publicid "-//OASIS//DTD DITA Map//EN")",
-     {Kind::kResolveEntity, "", "", "-//OASIS//DTD DITA Map//EN"}},
+     {CommandKind::kResolveEntity, "", "", "-//OASIS//DTD DITA Map//EN"}},
     {"ResolveWithBaseUri",
      R"(EntityResolver resolveentity -baseuri "/p/"-publicid "x y")",
-     {Kind::kResolveEntity, "", "/p/", "x y"}},
+     {CommandKind::kResolveEntity, "", "/p/", "x y"}},
     {"ResolveWithBaseUriAndBlank",
      R"(EntityResolver resolveentity -baseuri "/p/" -publicid "x")",
-     {Kind::kResolveEntity, "", "/p/", "x"}},
+     {CommandKind::kResolveEntity, "", "/p/", "x"}},
     {"ResolveNothing",
      R"(EntityResolver resolveentity -publicid "")",
-     {Kind::kResolveEntity, "", "", ""}},
+     {CommandKind::kResolveEntity, "", "", ""}},
 };
 
 class XmlUtilitiesCommandTest : public testing::TestWithParam<GoodCase> {};
@@ -43,12 +45,12 @@ TEST_P(XmlUtilitiesCommandTest, IsRead) {
 INSTANTIATE_TEST_SUITE_P(, XmlUtilitiesCommandTest, testing::ValuesIn(kGoodCases),
                          [](const auto& c) { return std::string(c.param.name); });
 
-struct BadCase {
+struct BadCommandCase {
     const char* name;
     std::string_view text;
 };
 
-constexpr BadCase kBadCases[] = {
+constexpr BadCommandCase kBadCommandCases[] = {
     {"Empty", ""},
     {"ServiceAlone", "EntityResolver"},
     {"ServiceAndBlank", "EntityResolver "},
@@ -67,13 +69,13 @@ constexpr BadCase kBadCases[] = {
     {"ResolveSystemId", R"(EntityResolver resolveentity -systemid "map.dtd")"},
 };
 
-class BadXmlUtilitiesCommandTest : public testing::TestWithParam<BadCase> {};
+class BadXmlUtilitiesCommandTest : public testing::TestWithParam<BadCommandCase> {};
 
 TEST_P(BadXmlUtilitiesCommandTest, IsUnknown) {
     EXPECT_EQ(parseXmlUtilitiesCommand(GetParam().text), std::nullopt);
 }
 
-INSTANTIATE_TEST_SUITE_P(, BadXmlUtilitiesCommandTest, testing::ValuesIn(kBadCases),
+INSTANTIATE_TEST_SUITE_P(, BadXmlUtilitiesCommandTest, testing::ValuesIn(kBadCommandCases),
                          [](const auto& c) { return std::string(c.param.name); });
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace {
 
 using xercesc::DOMElement;
 
-constexpr std::string_view kDoctype =
+constexpr std::string_view kKeySpaceDoctype =
     R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "keys.dtd">)";
 
 /// The root map is "root.ditamap", the key space document "out/Keys.ditamap".
@@ -85,7 +85,7 @@ TEST_F(KeySpaceLoaderTest, TheKeySpaceIsADocumentWithOneDefinitionForEachKey) {
     KeySpace keySpace =
         keySpaceOfMap("<title/><keydef keys='a b' href='t.dita'/><topicref keys='c'/>");
     EXPECT_EQ(shown(keySpace.document()),
-              std::string(kDoctype) +
+              std::string(kKeySpaceDoctype) +
                   R"(<map><keydef href="$F/t.dita" keys="a"/>)"
                   R"(<keydef href="$F/t.dita" keys="b"/><topicref keys="c"/></map>)");
     EXPECT_EQ(toUtf8(domText(keySpace.document().getDocumentURI())),
@@ -104,8 +104,8 @@ TEST_F(KeySpaceLoaderTest, TheKeySpaceIsADocumentWithOneDefinitionForEachKey) {
 TEST_F(KeySpaceLoaderTest, TheFileHoldsTheEmptyDocument) {
     keySpaceOfMap("<keydef keys='a'/>");
     EXPECT_EQ(folder.read("out/Keys.ditamap"),
-              R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)" + std::string(kDoctype) +
-                  "<map/>");
+              R"(<?xml version="1.0" encoding="UTF-8" standalone="no" ?>)" +
+                  std::string(kKeySpaceDoctype) + "<map/>");
 }
 
 TEST_F(KeySpaceLoaderTest, TheDtdIsWrittenInUtf8) {

@@ -4,16 +4,13 @@
 
 #include "support/text.h"
 #include "tests/support/xml_text.h"
+#include "tests/unit/references/filter_answers.h"
 
 namespace marrowpress {
 namespace {
 
 using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
-
-constexpr DOMNodeFilter::FilterAction kAccept = DOMNodeFilter::FILTER_ACCEPT;
-constexpr DOMNodeFilter::FilterAction kReject = DOMNodeFilter::FILTER_REJECT;
-constexpr DOMNodeFilter::FilterAction kSkip = DOMNodeFilter::FILTER_SKIP;
 
 using CondPIFilterTest = XmlTest;
 

@@ -9,10 +9,6 @@
 namespace marrowpress {
 namespace {
 
-constexpr auto kAccept = xercesc::DOMNodeFilter::FILTER_ACCEPT;
-constexpr auto kReject = xercesc::DOMNodeFilter::FILTER_REJECT;
-constexpr auto kSkip = xercesc::DOMNodeFilter::FILTER_SKIP;
-
 using CompositeDocNodeFilterTest = XmlTest;
 
 TEST_F(CompositeDocNodeFilterTest, TheFirstRuleThatAppliesDecides) {

@@ -7,7 +7,7 @@
 namespace marrowpress {
 namespace {
 
-struct WalkCase {
+struct ConrefCase {
     const char* name;
     const char* content;   // of the topic "t" that is walked
     const char* resolved;  // what it becomes
@@ -15,12 +15,12 @@ struct WalkCase {
 };
 
 // NOLINTNEXTLINE(readability-identifier-naming): GoogleTest asks for this name.
-void PrintTo(const WalkCase& example, std::ostream* stream) {
+void PrintTo(const ConrefCase& example, std::ostream* stream) {
     *stream << example.content;
 }
 
 /// References within one document. No file is read.
-const WalkCase kCasesInOneDocument[] = {
+const ConrefCase kCasesInOneDocument[] = {
     {"TakesTheContent", "<p conref='#t/s'>own<b/></p><p id='s'>1<ph>2</ph><!--3--><?four 4?></p>",
      "<p>1<ph>2</ph><!--3--><?four 4?></p><p id='s'>1<ph>2</ph><!--3--><?four 4?></p>", ""},
     {"TakesNothingFromAnEmptyTarget", "<p conref='#t/s'>own</p><p id='s'/>", "<p/><p id='s'/>", ""},
@@ -64,7 +64,7 @@ const WalkCase kCasesInOneDocument[] = {
 };
 
 /// Ranges within one document.
-const WalkCase kRangeCases[] = {
+const ConrefCase kRangeCases[] = {
     {"ThreeElementsWithWhatIsBetween",
      "<x><p conref='#t/a' conrefend='#t/c'/>behind</x>"
      "0<p id='a'>A</p>1<!--2--><?three 3?><ul id='b'>B</ul><![CDATA[4]]><p id='c'>C</p>5",
@@ -153,7 +153,7 @@ const WalkCase kRangeCases[] = {
 };
 
 /// References that look back on themselves and come to an end nevertheless.
-const WalkCase kFiniteCases[] = {
+const ConrefCase kFiniteCases[] = {
     {"ToItself", "<p id='a' audience='e' conref='#t/a'>own</p>", "<p audience='e' id='a'/>", ""},
     {"ToItselfAsARange", "<p id='a' conref='#t/a' conrefend='#t/a'>own</p>", "<p id='a'/>", ""},
     // The children are copied one by one: the second one already holds a copy of the first.
@@ -211,7 +211,7 @@ const WalkCase kFiniteCases[] = {
 
 /// References that would copy themselves without end. Each is cut once: it loses its attributes,
 /// keeps its content, and is reported.
-const WalkCase kEndlessCases[] = {
+const ConrefCase kEndlessCases[] = {
     // The rule goes by elements: that a copy would take over the id of the start doesn't count.
     {"StartThatTheContentCameFromThoughItsIdMoves",
      "<ph conref='#t/q'/><ph id='a'><ph conref='#t/z'/><ph conref='#t/q'/></ph>"
@@ -275,7 +275,7 @@ const WalkCase kEndlessCases[] = {
      notFound("q", "q", "d.dita") + notFound("q", "q", "d.dita")},
 };
 
-class ConrefWalkTest : public ConrefTest, public testing::WithParamInterface<WalkCase> {};
+class ConrefWalkTest : public ConrefTest, public testing::WithParamInterface<ConrefCase> {};
 
 TEST_P(ConrefWalkTest, ResolvesAndReports) {
     EXPECT_EQ(resolved(GetParam().content), GetParam().resolved);

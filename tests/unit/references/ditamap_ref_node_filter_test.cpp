@@ -13,7 +13,7 @@ struct MapReferenceCase {
     std::size_t messages = 0;
 };
 
-constexpr MapReferenceCase kCases[] = {
+constexpr MapReferenceCase kMapReferenceCases[] = {
     {"Map", "<x href='m.ditamap'/>", "accept"},
     {"MapWithFragment", "<x href='m.ditamap#id'/>", "accept"},
     {"MapBeyondTheNetwork", "<x href='https://h/m.ditamap'/>", "accept"},
@@ -50,7 +50,7 @@ TEST_P(DitamapRefNodeFilterCaseTest, AnswersWithoutAContext) {
     EXPECT_EQ(host.console().size(), GetParam().messages);
 }
 
-INSTANTIATE_TEST_SUITE_P(, DitamapRefNodeFilterCaseTest, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, DitamapRefNodeFilterCaseTest, testing::ValuesIn(kMapReferenceCases),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST_F(DitamapRefNodeFilterTest, ResolvesKeyedReferencesInItsContext) {

@@ -12,6 +12,10 @@
 /// What filters answer, in words that a failing test can show.
 namespace marrowpress {
 
+inline constexpr auto kAccept = xercesc::DOMNodeFilter::FILTER_ACCEPT;
+inline constexpr auto kReject = xercesc::DOMNodeFilter::FILTER_REJECT;
+inline constexpr auto kSkip = xercesc::DOMNodeFilter::FILTER_SKIP;
+
 using FilterMaker = std::unique_ptr<xercesc::DOMNodeFilter> (*)();
 
 template <class Filter>

@@ -15,7 +15,7 @@ struct MultimediaCase {
     MultimediaNodeType keyrefType;
 };
 
-constexpr MultimediaCase kCases[] = {
+constexpr MultimediaCase kMultimediaCases[] = {
     {"ObjectWithData", "<object data='a'/>", MultimediaNodeObject, MultimediaNodeNone},
     {"ObjectWithDatakeyref", "<object datakeyref='k'/>", MultimediaNodeNone, MultimediaNodeObject},
     {"ObjectWithBoth", "<object data='a' datakeyref='k'/>", MultimediaNodeObject,
@@ -93,7 +93,7 @@ TEST_P(MultimediaNodeFilterTest, TellsTheTypeByTheKey) {
     EXPECT_EQ(answerAbout(filter, parsed.root()), expectedAnswer(GetParam().keyrefType));
 }
 
-INSTANTIATE_TEST_SUITE_P(, MultimediaNodeFilterTest, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, MultimediaNodeFilterTest, testing::ValuesIn(kMultimediaCases),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 using MultimediaNodeTypeTest = XmlTest;

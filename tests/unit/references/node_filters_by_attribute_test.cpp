@@ -23,7 +23,7 @@ std::unique_ptr<xercesc::DOMNodeFilter> makeEmptyValueFilter() {
     return std::make_unique<AttrBasedElementNodeFilter>(u"print", u"");
 }
 
-constexpr AnswerCase kCases[] = {
+constexpr AnswerCase kAnswerCases[] = {
     {"TagEqual", makeTagFilter, "<fn/>", "accept"},
     {"TagEqualWithForeignClass", makeTagFilter, "<fn class='- topic/ph '/>", "accept"},
     {"TagOther", makeTagFilter, "<ph/>", "skip"},
@@ -92,7 +92,7 @@ TEST_P(AttributeAndTagNodeFilterTest, Answers) {
     EXPECT_EQ(answerAbout(*GetParam().make(), GetParam().xml), GetParam().answer);
 }
 
-INSTANTIATE_TEST_SUITE_P(, AttributeAndTagNodeFilterTest, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, AttributeAndTagNodeFilterTest, testing::ValuesIn(kAnswerCases),
                          [](const auto& instance) { return std::string(instance.param.name); });
 
 using KeyrefAttrContainingNodeFilterTest = XmlTest;

@@ -10,13 +10,13 @@
 namespace marrowpress {
 namespace {
 
-struct PathCase {
+struct ReferencePathCase {
     std::u16string_view text;
     std::u16string_view path;
 };
 
 /// Against the document /p/q/a.dita.
-constexpr PathCase kAbsoluteCases[] = {
+constexpr ReferencePathCase kReferencePathCases[] = {
     // Relative paths.
     {u"b.dita", u"/p/q/b.dita"},
     {u"./b.dita", u"/p/q/b.dita"},
@@ -83,7 +83,7 @@ using ToAbsolutePathTest = XmlTest;
 
 TEST_F(ToAbsolutePathTest, TakesAPathAgainstTheFileOfTheDocument) {
     const ParsedXml parsed("<topic/>", u"file:///p/q/a.dita");
-    for (const PathCase& example : kAbsoluteCases) {
+    for (const ReferencePathCase& example : kReferencePathCases) {
         EXPECT_EQ(toAbsolutePath(example.text, parsed.document()), example.path)
             << toUtf8(example.text);
     }

@@ -234,12 +234,12 @@ TEST(UrlFormToNativePathTest, TakesAnyTwoCharactersForDigits) {
     }
 }
 
-struct PathCase {
+struct UriPathCase {
     std::u16string_view text;
     std::u16string_view path;
 };
 
-constexpr PathCase kUriCases[] = {
+constexpr UriPathCase kUriCases[] = {
     {u"file:///p/a.dita", u"/p/a.dita"},
     {u"file:///", u"/"},
     {u"file:///p/../q//./a.dita", u"/q/a.dita"},
@@ -257,7 +257,7 @@ constexpr PathCase kUriCases[] = {
 };
 
 TEST(UriToPathTest, CutsTheSchemeOfLocalFilesAndNormalisesThese) {
-    for (const PathCase& example : kUriCases) {
+    for (const UriPathCase& example : kUriCases) {
         EXPECT_EQ(uriToPath(example.text), example.path) << toUtf8(example.text);
     }
 }

@@ -9,7 +9,7 @@ namespace {
 
 /// The code of what `throwIt` throws, asked through the base.
 template <class Throw>
-std::int32_t codeOf(Throw throwIt) {
+std::int32_t codeThrownBy(Throw throwIt) {
     try {
         throwIt();
     } catch (const PublishException& failure) {
@@ -20,9 +20,9 @@ std::int32_t codeOf(Throw throwIt) {
 }
 
 TEST(PublishExceptionTest, EachKindHasItsCode) {
-    EXPECT_EQ(codeOf([] { throw PublishException(); }), -42);
-    EXPECT_EQ(codeOf([] { throw UnsupportedPublishParamsException(); }), -43);
-    EXPECT_EQ(codeOf([] { throw OutputFileRemoveOperationFailedException(); }), -43);
+    EXPECT_EQ(codeThrownBy([] { throw PublishException(); }), -42);
+    EXPECT_EQ(codeThrownBy([] { throw UnsupportedPublishParamsException(); }), -43);
+    EXPECT_EQ(codeThrownBy([] { throw OutputFileRemoveOperationFailedException(); }), -43);
 }
 
 TEST(PublishExceptionTest, IsAStandardException) {
