@@ -17,6 +17,12 @@ target_compile_options(
               -Wformat=2
               $<$<BOOL:${MARROWPRESS_WERROR}>:-Werror>)
 
+# A source is compiled together with others then; these two judge the names of one by itself, as they
+# do in the presets without it.
+if(CMAKE_UNITY_BUILD)
+    target_compile_options(marrowpress_build_flags INTERFACE -Wno-shadow -Wno-subobject-linkage)
+endif()
+
 # Documents come from strangers, and the module runs inside somebody else's process.
 # scripts/check-hardening looks for all of it in what was built.
 target_compile_options(marrowpress_build_flags INTERFACE -fstack-protector-strong)
