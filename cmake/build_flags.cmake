@@ -15,6 +15,7 @@ target_compile_options(
               -Wconversion
               -Wno-sign-conversion
               -Wformat=2
+              -Wunused-const-variable
               $<$<BOOL:${MARROWPRESS_WERROR}>:-Werror>)
 
 # A source is compiled together with others then; these two judge the names of one by itself, as they
