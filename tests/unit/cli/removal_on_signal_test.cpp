@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 int statusAfterSignal(int number, const std::function<void()>& action) {
     const pid_t child = fork();
     if (child == 0) {
-        alarm(10);
+        alarm(60);
         constexpr rlimit kNoCore{};
         setrlimit(RLIMIT_CORE, &kNoCore);
         action();

@@ -122,7 +122,7 @@ TEST_F(ReportFilesTest, MayNotBeOneAnother) {
 }
 
 TEST_F(ReportFilesTest, PipesAreNotWaitedFor) {
-    const Watchdog watchdog(10);
+    const Watchdog watchdog(60);
     makePipe(folder.file("pipe"));
     EXPECT_EQ(fault({"pipe"}), "");
     EXPECT_EQ(fault({"pipe", "pipe"}), "--r1: pipe is also the file of --r0; choose another file");

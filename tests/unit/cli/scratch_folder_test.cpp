@@ -113,7 +113,7 @@ TEST_F(ScratchFolderTest, IsGoneAfterASignalFromOutside) {
         ASSERT_EQ(pipe(ready), 0);
         const pid_t child = fork();
         if (child == 0) {
-            alarm(10);
+            alarm(60);
             const ScratchFolder scratch;
             fs::create_directories(scratch.path() / "a/b");
             std::ofstream(scratch.path() / "a/b/file") << "text";

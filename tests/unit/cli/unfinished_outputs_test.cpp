@@ -35,7 +35,7 @@ protected:
     void endBySignal(const std::function<void()>& action) const {
         const pid_t child = fork();
         if (child == 0) {
-            alarm(10);
+            alarm(60);
             action();
             raise(SIGTERM);
             _exit(0);

@@ -95,7 +95,7 @@ TEST_F(MapFileTest, WhatIsNotWellFormedIsToldWhereItBreaks) {
 }
 
 TEST_F(MapFileTest, WhatCannotBeReadIsToldWithTheReason) {
-    const Watchdog watchdog(10);
+    const Watchdog watchdog(60);
     const MapFile missing = inspectMapFile(folder.file("none.ditamap"));
     EXPECT_EQ(missing.kind, MapKind::kUnreadable);
     EXPECT_EQ(missing.reason, "No such file or directory");

@@ -32,7 +32,7 @@ TEST(RegularFileTest, SaysWhyItIsNotOpen) {
 }
 
 TEST(RegularFileTest, IsNothingElseThatHasAName) {
-    const Watchdog watchdog(10);
+    const Watchdog watchdog(60);
     const TemporaryFolder folder;
     makePipe(folder.file("pipe"));
     for (const std::string& path :

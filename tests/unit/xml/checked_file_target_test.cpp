@@ -110,7 +110,7 @@ TEST_F(CheckedFileFormatTargetTest, LeavesAFileThatMustNotBeWritten) {
 }
 
 TEST_F(CheckedFileFormatTargetTest, ThrowsWhereNoRegularFileCanBeOpened) {
-    const Watchdog watchdog(20);
+    const Watchdog watchdog(60);
     makePipe(folder.file("pipe"));
     makePipe(folder.file("read"));
     const int reader = ::open(folder.file("read").c_str(), O_RDONLY | O_NONBLOCK);

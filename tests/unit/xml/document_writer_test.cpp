@@ -132,7 +132,7 @@ TEST_F(DocumentWriterTest, HasTheStatusesOfItsCallers) {
 }
 
 TEST_F(DocumentWriterTest, ReportsWhereItCannotWrite) {
-    const Watchdog watchdog(30);
+    const Watchdog watchdog(60);
     makePipe(folder.file("pipe"));
     for (const std::string& path :
          {folder.file("missing/größe.xml"), folder.file(""), folder.file("pipe"), std::string(),
@@ -145,7 +145,7 @@ TEST_F(DocumentWriterTest, ReportsWhereItCannotWrite) {
 }
 
 TEST_F(DocumentWriterTest, PutsNothingIntoAPipeThatSomebodyReads) {
-    const Watchdog watchdog(30);
+    const Watchdog watchdog(60);
     makePipe(folder.file("pipe"));
     const int reader = ::open(folder.file("pipe").c_str(), O_RDONLY | O_NONBLOCK);
     ASSERT_GE(reader, 0);
@@ -442,7 +442,7 @@ TEST_F(DocumentWriterTest, PutsALinkBackWhenTheWriteFails) {
 }
 
 TEST_F(DocumentWriterTest, SavesAFileInPlaceOfAPipe) {
-    const Watchdog watchdog(30);
+    const Watchdog watchdog(60);
     makePipe(folder.file("a.dita"));
     const ParsedXml document("<a/>", u"file://" + folder.file16("a.dita"));
     EXPECT_EQ(saveDocumentInPlace(&document.document()), WriteStatus::kWritten);

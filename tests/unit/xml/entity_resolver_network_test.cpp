@@ -31,7 +31,7 @@ protected:
 
     /// How the document "a.dita" loads: its root element as text, or "null".
     std::string load() {
-        const Watchdog watchdog(30);
+        const Watchdog watchdog(60);
         const auto start = std::chrono::steady_clock::now();
         const xercesc::DOMDocument* const document =
             DocumentStore::instance().getOrLoad(folder.file16("a.dita"));
@@ -121,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(, NetworkTest, testing::ValuesIn(kNetworkCases),
 
 TEST_F(RefusedEntityTest, ADocumentWithTheNameOfAUrlIsAMissingFile) {
     const std::string url = filled("http://%SERVER%/a.dita");
-    const Watchdog watchdog(30);
+    const Watchdog watchdog(60);
     EXPECT_EQ(DocumentStore::instance().getOrLoad(toUtf16(url)), nullptr);
     EXPECT_EQ(host.commands(), tries(3, url));
     EXPECT_EQ(host.console(), Texts{cannotRead(url)});
@@ -207,7 +207,7 @@ INSTANTIATE_TEST_SUITE_P(, IrregularFileTest, testing::ValuesIn(kIrregularCases)
 TEST_F(RefusedEntityTest, AnIrregularFileIsNoDocument) {
     makePipe(folder.file("a pipe"));
     fs::create_symlink("a pipe", folder.path() / "link");
-    const Watchdog watchdog(30);
+    const Watchdog watchdog(60);
     for (const std::string& path : {folder.file("a pipe"), folder.file("link"), folder.file(""),
                                     std::string("/dev/zero"), std::string("/dev/null")}) {
         host.forget();

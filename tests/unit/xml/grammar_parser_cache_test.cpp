@@ -193,7 +193,7 @@ TEST_F(GrammarParserCacheTest, LetsAFailureToLoadTheDtdPass) {
 }
 
 TEST_F(GrammarParserCacheTest, NeverOpensWhatIsNoRegularFile) {
-    const Watchdog watchdog(30);
+    const Watchdog watchdog(60);
     makePipe(folder.file("pipe"));
     const std::u16string uri = u"file://" + folder.file16("größe a.dita");
     for (const std::string& systemId :

@@ -89,7 +89,7 @@ TEST_F(MemMapLocalFileInputSourceTest, ThrowsWhenThereAreNoMoreHandles) {
 }
 
 TEST_F(MemMapLocalFileInputSourceTest, DoesNotWaitForAFileThatBlocks) {
-    const Watchdog watchdog(20);
+    const Watchdog watchdog(60);
     // Regular by its mode, and read only by those who may.
     const Stream stream = openFile(u"/proc/kmsg");
     if (!stream) {
@@ -204,7 +204,7 @@ TEST_F(MemMapLocalFileInputSourceTest, HasNoStreamForAFileOutOfReach) {
 }
 
 TEST_F(MemMapLocalFileInputSourceTest, NeverOpensWhatIsNoRegularFile) {
-    const Watchdog watchdog(20);
+    const Watchdog watchdog(60);
     makePipe(folder.file("pipe"));
     fs::create_directory(folder.path() / "folder");
     fs::create_symlink("pipe", folder.path() / "link");
