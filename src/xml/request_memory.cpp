@@ -82,9 +82,7 @@ void* RequestMemory::allocate(XMLSize_t size) {
     if (void* const memory = fromSystem(size)) {
         return memory;
     }
-    if (!std::exchange(isExhausted_, true) && mayRefuse) {
-        refuse();
-    }
+    isExhausted_ = true;
     return fromReserve(size);
 }
 
@@ -148,6 +146,12 @@ void* RequestMemory::fromSystem(std::size_t size) noexcept {
 /// Nothing of it is given back: it lasts for what has to be ended, and for no more.
 void* RequestMemory::fromReserve(std::size_t size) {
     constexpr std::size_t kAlignment = alignof(std::max_align_t);
+    constexpr std::size_t kForDestructors = kReserve / 2;
+    const bool isShort =
+        size > kReserve - kForDestructors || reserveUsed_ > kReserve - kForDestructors - size;
+    if (isShort && !isUnlimited_ && !std::exchange(isReserveRefused_, true)) {
+        refuse();
+    }
     if (size > kReserve - reserveUsed_) {
         throw xercesc::OutOfMemoryException();
     }

@@ -13,9 +13,12 @@ namespace marrowpress {
 /// used often and ambiguous content models pass it by, and take time and memory without end. Here
 /// each block is counted: all of a request, and those of one try to read a document.
 ///
-/// What meets a limit, or finds no memory left, gets one `OutOfMemoryException`. Destructors of the
-/// engine allocate, and an exception out of one ends the process: so from then on, until a try
-/// begins or ends, nothing is refused. When the system has no more, a reserve serves.
+/// What meets a limit, or has used up half of the reserve, gets one `OutOfMemoryException`.
+/// Destructors of the engine allocate, and an exception out of one ends the process: so from then
+/// on, until a try begins or ends, nothing is refused.
+///
+/// Where the system has no more, a reserve serves, the first half of it without any exception: not
+/// all of the engine stands one. A run is to ask `isMemoryExhausted` and end.
 ///
 /// Blocks that the engine has lost go when this does.
 class RequestMemory final : public xercesc::MemoryManager {
@@ -82,6 +85,7 @@ private:
     bool isUnlimited_ = false;
     bool hasRefused_ = false;
     bool isExhausted_ = false;
+    bool isReserveRefused_ = false;
     std::unique_ptr<std::byte[]> reserve_;
     std::size_t reserveUsed_ = 0;
 };

@@ -1,8 +1,10 @@
 #include "xml/request_memory.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 #include <xercesc/util/OutOfMemoryException.hpp>
 
@@ -170,6 +172,42 @@ TEST(RequestMemoryTest, RefusesNothingWhileTheEngineStartsOrEnds) {
     EXPECT_NO_THROW(memory.allocate(20 << 20));
     memory.setUnlimited(false);
     EXPECT_THROW(memory.allocate(20 << 20), OutOfMemoryException);
+}
+
+/// From here on, for good, the system has no large block for the process.
+void takeAddressSpace() {
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_AS, &none);
+}
+
+TEST(RequestMemoryDeathTest, HalfOfTheReserveServesWithoutAnExceptionTheOtherHalfAfterOne) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer ends the process for it";
+#endif
+    EXPECT_EXIT(
+        {
+            constexpr std::size_t kBlock = 3 << 20;
+            RequestMemory memory;
+            takeAddressSpace();
+            const bool isServed = takenUntilRefused(memory, kBlock) == 1 && isMemoryExhausted();
+            const bool isServedAfter = takenUntilRefused(memory, kBlock) == 1;
+            std::_Exit(isServed && isServedAfter ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(RequestMemoryDeathTest, TheReserveRefusesNothingWhileTheEngineStartsOrEnds) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "AddressSanitizer ends the process for it";
+#endif
+    EXPECT_EXIT(
+        {
+            RequestMemory memory;
+            memory.setUnlimited(true);
+            takeAddressSpace();
+            std::_Exit(takenUntilRefused(memory, 3 << 20) == 2 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 // Beyond what any system has.
