@@ -48,17 +48,36 @@ Converter openConverter() {
     return converter;
 }
 
-using SetTranscoder = void (*)(xercesc::XMLLCPTranscoder*, xercesc::MemoryManager*);
-
-SetTranscoder transcoderSetter();
-
-/// The engine keeps its transcoder to itself; access is not checked where a template is
-/// instantiated by name.
-template <SetTranscoder set>
-struct TranscoderAccess {
-    friend SetTranscoder transcoderSetter() { return set; }
+struct SetTranscoder {
+    using Function = void (*)(xercesc::XMLLCPTranscoder*, xercesc::MemoryManager*);
 };
-template struct TranscoderAccess<&xercesc::XMLString::initString>;
+struct StartDomRegistry {
+    using Function = void (*)();
+};
+struct StartDom {
+    using Function = void (*)();
+};
+struct StartDoctypes {
+    using Function = void (*)();
+};
+
+SetTranscoder::Function engineFunction(SetTranscoder);
+StartDomRegistry::Function engineFunction(StartDomRegistry);
+StartDom::Function engineFunction(StartDom);
+StartDoctypes::Function engineFunction(StartDoctypes);
+
+/// The engine keeps these functions to itself; access is not checked where a template is
+/// instantiated by name.
+template <class Name, typename Name::Function function>
+struct EngineAccess {
+    friend typename Name::Function engineFunction(Name /*name*/) { return function; }
+};
+template struct EngineAccess<SetTranscoder, &xercesc::XMLString::initString>;
+template struct EngineAccess<StartDomRegistry,
+                             &xercesc::XMLInitializer::initializeDOMImplementationRegistry>;
+template struct EngineAccess<StartDom, &xercesc::XMLInitializer::initializeDOMImplementationImpl>;
+template struct EngineAccess<StartDoctypes,
+                             &xercesc::XMLInitializer::initializeDOMDocumentTypeImpl>;
 
 /// The engine, started and ended as a whole.
 ///
@@ -87,8 +106,21 @@ public:
 
 private:
     static void finishStart(Converter converter, RequestMemory& memory) {
-        transcoderSetter()(new (&memory) xercesc::ICULCPTranscoder(converter.release()), &memory);
-        initializeStaticData();
+        engineFunction(SetTranscoder())(
+            new (&memory) xercesc::ICULCPTranscoder(converter.release()), &memory);
+        try {
+            initializeStaticData();
+        } catch (...) {
+            startWhatItsEndNeeds();
+        }
+    }
+
+    /// Some of what the engine starts with isn't taken from its memory, and there may be none. All
+    /// that is missing it doesn't end, but for the document that doctypes without one belong to.
+    static void startWhatItsEndNeeds() {
+        engineFunction(StartDomRegistry())();
+        engineFunction(StartDom())();
+        engineFunction(StartDoctypes())();
     }
 };
 
