@@ -119,7 +119,8 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
     }
     refuseUnsafePlaces(*params);
     IDocPublisherJanitor& janitor = *this;
-    const ScopeExit cleanUpAtEnd([&] { janitor.cleanUp(*params); });
+    const std::filesystem::path keySpaceDoc = nativePath(keySpaceDocPath);
+    const ScopeExit cleanUpAtEnd([&] { janitor.cleanUp(keySpaceDoc); });
     prepare(*params);
     setUpProfiling(*params);
 
@@ -147,11 +148,13 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
     return result;
 }
 
-void DocPublisher::cleanUp(const PublishParams& params) noexcept {
-    try {
-        removeOldFile(getKeySpaceDocPath(params));
-    } catch (...) {
-        // What can't be removed, or was never named, stays: the run has its outcome already.
+void DocPublisher::cleanUp(const std::filesystem::path& keySpaceDoc) noexcept {
+    // What can't be removed stays: the run has its outcome already.
+    std::error_code ignored;
+    const std::filesystem::file_status status =
+        std::filesystem::symlink_status(keySpaceDoc, ignored);
+    if (std::filesystem::is_regular_file(status) || std::filesystem::is_symlink(status)) {
+        std::filesystem::remove(keySpaceDoc, ignored);
     }
 }
 

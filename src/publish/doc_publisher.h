@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -14,8 +15,8 @@ class TopicIdMap;
 /// What has to be cleaned up after a run, however it ended.
 class IDocPublisherJanitor {
 public:
-    /// Never throws.
-    virtual void cleanUp(const PublishParams& params) noexcept = 0;
+    /// Neither throws nor allocates: it may be memory that the run failed for.
+    virtual void cleanUp(const std::filesystem::path& keySpaceDoc) noexcept = 0;
 
 protected:
     ~IDocPublisherJanitor() = default;
@@ -46,7 +47,7 @@ public:
     std::unique_ptr<PublishResult> publish(std::unique_ptr<PublishParams> params);
 
 protected:
-    void cleanUp(const PublishParams& params) noexcept override;
+    void cleanUp(const std::filesystem::path& keySpaceDoc) noexcept override;
 
     /// Removes what an earlier run left behind.
     virtual void prepare(const PublishParams& params);
