@@ -56,29 +56,61 @@ void serialize(xercesc::DOMImplementation& implementation, const xercesc::DOMDoc
 }
 
 /// Moves a file over another one, by a copy where the two are on different volumes.
-void moveFile(const std::u16string& from, const std::u16string& to) {
+void moveFile(const fs::path& from, const fs::path& to) {
     std::error_code error;
-    fs::rename(nativePath(from), nativePath(to), error);
+    fs::rename(from, to, error);
     if (error == std::errc::cross_device_link) {
         error.clear();
-        fs::copy_file(nativePath(from), nativePath(to), fs::copy_options::overwrite_existing,
-                      error);
+        fs::copy_file(from, to, fs::copy_options::overwrite_existing, error);
         if (!error) {
-            fs::remove(nativePath(from), error);
+            fs::remove(from, error);
         }
     }
     if (error) {
-        throw fs::filesystem_error("rename", nativePath(from), nativePath(to), error);
+        throw fs::filesystem_error("rename", from, to, error);
     }
 }
 
-void removeFile(const std::u16string& path) {
+void removeFile(const fs::path& path) {
     std::error_code error;
-    fs::remove(nativePath(path), error);
+    fs::remove(path, error);
     if (error) {
-        throw fs::filesystem_error("remove", nativePath(path), error);
+        throw fs::filesystem_error("remove", path, error);
     }
 }
+
+/// A file that stands aside while its successor is written. It comes back unless it is removed, and
+/// takes no memory for that.
+class FileAside {
+public:
+    /// Moves `file` to `aside`.
+    FileAside(const std::u16string& file, const std::u16string& aside)
+        : file_(nativePath(file)), aside_(nativePath(aside)) {
+        moveFile(file_, aside_);
+    }
+    FileAside(const FileAside&) = delete;
+    FileAside& operator=(const FileAside&) = delete;
+    ~FileAside() {
+        if (isAside_) {
+            std::error_code ignored;
+            fs::rename(aside_, file_, ignored);
+        }
+    }
+
+    void remove() {
+        isAside_ = false;
+        removeFile(aside_);
+    }
+    void moveBack() {
+        isAside_ = false;
+        moveFile(aside_, file_);
+    }
+
+private:
+    fs::path file_;
+    fs::path aside_;
+    bool isAside_ = true;
+};
 
 WriteStatus reportFailure(const std::u16string& path, std::string_view reason) {
     ReportMessenger::instance().reportCannotWrite(path, reason);
@@ -121,12 +153,12 @@ WriteStatus saveDocumentInPlace(const xercesc::DOMDocument* document) {
         return reportFailure(target, "a source stands in the place of the copy");
     }
     ReplacedFiles::instance().note(target);
-    moveFile(target, temporary);
+    FileAside old(target, temporary);
     const WriteStatus status = writeDocument(document, target);
     if (status == WriteStatus::kWritten) {
-        removeFile(temporary);
+        old.remove();
     } else {
-        moveFile(temporary, target);
+        old.moveBack();
     }
     return status;
 }
