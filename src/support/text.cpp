@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 namespace marrowpress {
 namespace {
@@ -20,6 +21,9 @@ using Converter = std::unique_ptr<UConverter, CloseConverter>;
 Converter openUtf8Converter() {
     UErrorCode error = U_ZERO_ERROR;
     Converter opened(ucnv_open("UTF-8", &error));
+    if (error == U_MEMORY_ALLOCATION_ERROR) {
+        throw std::bad_alloc();
+    }
     if (U_FAILURE(error)) {
         return nullptr;
     }

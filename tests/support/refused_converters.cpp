@@ -8,6 +8,7 @@ namespace {
 
 bool areConvertersRefused = false;
 int allowedConverters = 0;
+UErrorCode refusal = U_FILE_ACCESS_ERROR;
 
 }  // namespace
 
@@ -17,7 +18,7 @@ U_CAPI UConverter* U_EXPORT2 ucnv_open(const char* name, UErrorCode* error) {
     static const auto open =
         reinterpret_cast<Open>(::dlsym(RTLD_NEXT, "ucnv_open_" U_ICU_VERSION_SHORT));
     if (areConvertersRefused && allowedConverters-- <= 0) {
-        *error = U_FILE_ACCESS_ERROR;
+        *error = refusal;
         return nullptr;
     }
     return open(name, error);
@@ -25,7 +26,8 @@ U_CAPI UConverter* U_EXPORT2 ucnv_open(const char* name, UErrorCode* error) {
 
 namespace marrowpress {
 
-RefusedConverters::RefusedConverters(int allowed) {
+RefusedConverters::RefusedConverters(int allowed, UErrorCode error) {
+    refusal = error;
     allowedConverters = allowed;
     areConvertersRefused = true;
 }

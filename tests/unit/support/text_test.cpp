@@ -1,9 +1,12 @@
 #include "support/text.h"
-#include "tests/support/refused_converters.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <iterator>
+#include <new>
+
+#include "tests/support/refused_converters.h"
 
 namespace marrowpress {
 namespace {
@@ -241,6 +244,21 @@ TEST(ConverterStartDeathTest, WithoutAConverterTheRunsBetweenControlCharactersAr
             }
             const bool isTriedAgain = toUtf16(std::string_view("a\tb")) == u"a\tb";
             std::_Exit(isAsTold && isTriedAgain ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(ConverterStartDeathTest, WithoutMemoryForAConverterNoTextIsLost) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(
+        {
+            const RefusedConverters refused(0, U_MEMORY_ALLOCATION_ERROR);
+            try {
+                toUtf16(std::string_view("a"));
+            } catch (const std::bad_alloc&) {
+                std::_Exit(0);
+            }
+            std::_Exit(1);
         },
         testing::ExitedWithCode(0), "");
 }
