@@ -1,12 +1,9 @@
-#include <dlfcn.h>
-
 #include <cstddef>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -15,9 +12,8 @@
 #include "host/client_module.h"
 #include "host/file_text.h"
 #include "host/stand_in_host.h"
-#include "host/stand_in_host_options.h"
 #include "host/typed_record.h"
-#include "marrowpress/client_entry.h"
+#include "tests/harness/loaded_module.h"
 
 // Loads the module, sends it a request and unloads it, again and again, and prints after each time
 // what the process holds: load_module REQUEST DTDS TIMES. DTDS is a folder with "map.dtd" and
@@ -59,28 +55,14 @@ std::size_t countMappings(const fs::path& file) {
     return count;
 }
 
-StandInHostOptions hostOptions(const fs::path& dtds) {
-    StandInHostOptions options;
-    options.resolvePublicId = [dtds](std::string_view publicId) -> std::optional<std::string> {
-        const bool isMap = publicId.find("Map") != std::string_view::npos;
-        return (dtds / (isMap ? "map.dtd" : "topic.dtd")).string();
-    };
-    return options;
-}
-
-struct Unload {
-    void operator()(void* module) const noexcept { dlclose(module); }
-};
-
-/// Sends the request to a module that is loaded for it alone. `ClientModule` would keep it.
+/// Sends the request to a module that is loaded for it alone.
 void sendOnce(const fs::path& path, const std::string& request, const fs::path& dtds) {
-    const std::unique_ptr<void, Unload> module(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));
-    if (!module || countMappings(path) == 0) {
-        throw std::runtime_error("the module can't be loaded under its path");
+    const LoadedModule module(path);
+    if (countMappings(path) == 0) {
+        throw std::runtime_error("the module isn't loaded under its path");
     }
-    StandInHost host(hostOptions(dtds));
-    const auto entry = reinterpret_cast<ClientEntry>(dlsym(module.get(), kClientEntryName));
-    if (!entry || !host.attach(entry, module.get()) || !host.initialize()) {
+    StandInHost host(hostWithDtds(dtds));
+    if (!host.attach(module.entry(), module.handle()) || !host.initialize()) {
         throw std::runtime_error("the module can't be started");
     }
     const std::optional<TypedValues> answer = host.send(request);
