@@ -68,9 +68,9 @@ StartDoctypes::Function engineFunction(StartDoctypes);
 
 /// The engine keeps these functions to itself; access is not checked where a template is
 /// instantiated by name.
-template <class Name, typename Name::Function function>
+template <class Name, typename Name::Function Granted>
 struct EngineAccess {
-    friend typename Name::Function engineFunction(Name /*name*/) { return function; }
+    friend typename Name::Function engineFunction(Name /*name*/) { return Granted; }
 };
 template struct EngineAccess<SetTranscoder, &xercesc::XMLString::initString>;
 template struct EngineAccess<StartDomRegistry,

@@ -50,7 +50,7 @@ public:
     MemoryManager* getExceptionMemoryManager() override { return this; }
     /// @throws xercesc::OutOfMemoryException as described above.
     void* allocate(XMLSize_t size) override;
-    void deallocate(void* block) override;
+    void deallocate(void* memory) override;
 
     /// A try to read a document of `fileBytes` begins; its limits hold until `endTry`.
     void beginTry(std::size_t fileBytes) noexcept;
@@ -72,7 +72,7 @@ private:
     [[noreturn]] void refuse();
     void* fromSystem(std::size_t size) noexcept;
     void* fromReserve(std::size_t size);
-    bool isOfReserve(const void* block) const noexcept;
+    bool isOfReserve(const void* memory) const noexcept;
 
     Limits limits_;
     RequestMemory* const earlier_;

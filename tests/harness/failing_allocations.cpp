@@ -3,15 +3,16 @@
 #include <cerrno>
 #include <utility>
 
-// What the C library's own allocator is called beside the names that are taken here. Its `free`
-// stays in use. NOLINTBEGIN(bugprone-reserved-identifier): the C library's names
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the C library's names
+
+/// What the C library's own allocator is called beside the names that are taken here. Its `free`
+/// stays in use.
 extern "C" {
 void* __libc_malloc(std::size_t size) noexcept;
 void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
 void* __libc_realloc(void* block, std::size_t size) noexcept;
 void* __libc_memalign(std::size_t alignment, std::size_t size) noexcept;
 }
-// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -67,6 +68,8 @@ int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexce
     return 0;
 }
 }
+
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 namespace marrowpress {
 
