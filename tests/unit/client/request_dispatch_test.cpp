@@ -215,11 +215,11 @@ TEST(EngineStartTest, AFailureIsPassedOnAndTheNextRequestIsServed) {
         const RefusedConverters refused(allowed);
         EXPECT_TRUE(endsUnanswered(host));
         EXPECT_TRUE(endsUnanswered(host));
-        EXPECT_FALSE(isPlatformUp());
+        EXPECT_FALSE(isXmlPlatformUp());
     }
     onNotify(13, 0, "", 0);
     EXPECT_EQ(host.answers.size(), 1U);
-    EXPECT_FALSE(isPlatformUp());
+    EXPECT_FALSE(isXmlPlatformUp());
 }
 
 /// Requests for a map with one topic.
