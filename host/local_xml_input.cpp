@@ -70,8 +70,8 @@ int firstFailure = 0;
 
 /// Other errors are faults of the file.
 void noteFailure(int error) {
-    const bool isOfSystem =
-        error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EINTR;
+    const bool isOfSystem = error == EMFILE || error == ENFILE || error == ENOMEM ||
+                            error == ENOSPC || error == EIO || error == EINTR;
     if (isOfSystem && firstFailure == 0) {
         firstFailure = error;
     }

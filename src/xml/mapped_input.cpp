@@ -25,7 +25,7 @@ constexpr off_t kLargestRead = 16 << 20;
 
 /// Whether opening failed for want of what the machine has, and not for the file.
 bool isExhaustion(int error) {
-    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO;
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == ENOSPC || error == EIO;
 }
 
 /// A handle on the file at `path`; none for what isn't there or is no regular file.
