@@ -7,7 +7,8 @@ There are two points. `requests` sends 10,000 requests to one process, composite
 in turn; each answer has to be 0, and the last outputs are the undisturbed ones. `loads` loads
 the module 1,000 times, sends it a request and unloads it, which has to take its code out of the
 process. In both the count of descriptors stays what it is after the first tenth, and from there
-on resident memory grows by no more than the limits below. What was measured is printed.
+on resident memory grows by no more than the limits below. What was measured is printed. While
+requests are running they hold descriptors, hence the least count of each tenth is taken.
 """
 
 import os
@@ -43,10 +44,9 @@ class Sample:
         self.descriptors = descriptors
 
     @classmethod
-    def of_process(cls, count, process):
-        folder = Path("/proc") / str(process)
+    def of_process(cls, count, folder, descriptors):
         resident = RESIDENT.search((folder / "status").read_text(encoding="utf-8"))
-        return cls(count, int(resident.group(1)), len(os.listdir(folder / "fd")))
+        return cls(count, int(resident.group(1)), descriptors)
 
 
 def faults_of_growth(samples, most_bytes):
@@ -110,12 +110,18 @@ class Soak:
     @staticmethod
     def _read_answers(process, count):
         samples, answers = [], []
+        folder = Path("/proc") / str(process.pid)
+        descriptors = []
         for line in process.stdout:
             answers.append(line)
-            # The last but one, while the process is sure to be there.
+            # One ahead, while the process is sure to be there.
             number = len(answers) + 1
+            if number > count:
+                continue
+            descriptors.append(len(os.listdir(folder / "fd")))
             if number % (count // SAMPLES) == 0:
-                samples.append(Sample.of_process(number, process.pid))
+                samples.append(Sample.of_process(number, folder, min(descriptors)))
+                descriptors = []
         return samples, answers
 
     def load(self, place):
