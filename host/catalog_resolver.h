@@ -17,15 +17,15 @@ namespace marrowpress {
 /// Answers are kept, misses too: a later change of a catalog is not seen. What a catalog refers to
 /// is followed on this machine only, never over the network.
 ///
-/// One that could not be read for want of file descriptors or memory, or because the disk failed,
-/// is no miss: from then on every question to any resolver fails. Once none is left, nothing of
-/// that is known any more.
+/// One that could not be read for want of file descriptors, memory or rights, or because the disk
+/// failed, is no miss: from then on every question to any resolver fails. Once none is left,
+/// nothing of that is known any more.
 class CatalogResolver {
 public:
-    /// `catalogs` are paths or `file:` URIs. One that cannot be read knows nothing.
+    /// `catalogs` are paths or `file:` URIs. One that isn't there, or is no catalog, knows nothing.
     ///
-    /// @throws std::system_error that says "cannot read the catalogs", and why, for want of
-    ///         descriptors or memory.
+    /// @throws std::system_error that says "cannot read the catalogs", and why, when one could not
+    ///         be read.
     explicit CatalogResolver(const std::vector<std::string>& catalogs);
     CatalogResolver(const CatalogResolver&) = delete;
     CatalogResolver& operator=(const CatalogResolver&) = delete;

@@ -68,11 +68,11 @@ std::optional<std::string> localPath(const char* name) {
 /// What `takeLibxmlFailure` gives, as an error of the system; 0 for none.
 int firstFailure = 0;
 
-/// Other errors are faults of the file.
+/// Notes why nothing is known of a file; one that isn't there is known.
 void noteFailure(int error) {
-    const bool isOfSystem = error == EMFILE || error == ENFILE || error == ENOMEM ||
-                            error == ENOSPC || error == EIO || error == EINTR;
-    if (isOfSystem && firstFailure == 0) {
+    const bool isUnknown = error == EMFILE || error == ENFILE || error == ENOMEM ||
+                           error == ENOSPC || error == EIO || error == EINTR || error == EACCES;
+    if (isUnknown && firstFailure == 0) {
         firstFailure = error;
     }
 }

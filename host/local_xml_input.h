@@ -18,9 +18,9 @@ std::optional<std::string> fileUriToPath(std::string_view uri);
 /// files on this machine only, whatever a catalog points to, and keeps its diagnostics to itself.
 void restrictLibxmlToLocalFiles();
 
-/// The first failure of libxml2 for want of file descriptors or memory, or by the disk, since the
-/// last call; empty when there was none. It tells its callers only that there is nothing, as of a
-/// missing file.
+/// The first failure of libxml2 for want of file descriptors, memory or rights, or by the disk,
+/// since the last call; empty when there was none. It tells its callers only that there is nothing,
+/// as of a missing file.
 std::error_code takeLibxmlFailure();
 
 }  // namespace marrowpress

@@ -87,14 +87,6 @@ class Fault:
         return self.call in (*REMOVALS, *STATS) and any(self.is_on(file) for file in files)
 
 
-def errors_of(call, file):
-    """What a call may fail with; a catalog that may not be looked at is as good as none."""
-    errors = ERRORS[call]
-    if file.endswith("catalog.xml"):
-        return [error for error in errors if error != "EACCES"]
-    return errors
-
-
 def argument_of(file, place):
     """A file as the command names it: doctypes have bare names."""
     return str(place.folder / file) if "/" in file else file
@@ -150,7 +142,7 @@ class Files:
         for file, calls in self.calls.items():
             for call, count in sorted(calls.items()):
                 for number in range(1, count + 1):
-                    for error in errors_of(call, file):
+                    for error in ERRORS[call]:
                         yield Fault(kind, file, call, str(number), error)
                         if error != "EINTR":
                             yield Fault(kind, file, call, f"{number}+", error)

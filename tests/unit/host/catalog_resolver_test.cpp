@@ -1,6 +1,7 @@
 #include "host/catalog_resolver.h"
 
 #include <arpa/inet.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <libxml/xmlmemory.h>
 #include <netinet/in.h>
@@ -128,6 +129,18 @@ TEST_F(CatalogResolverTest, TakesACatalogItHasNoHandleForForNoMiss) {
     }
     CatalogResolver resolver({catalog});
     EXPECT_EQ(catalogFaultOf(resolver, "a"), folder_.file("a.dtd"));
+}
+
+TEST_F(CatalogResolverTest, TakesACatalogThatMayNotBeReadForNoMiss) {
+    const std::string next = writeCatalog("next.xml", publicEntry("a", "a.dtd"));
+    const std::string catalog = writeCatalog("c.xml", "<nextCatalog catalog='next.xml'/>");
+    std::filesystem::permissions(next, std::filesystem::perms::none);
+    const WithoutRights nobody;
+    for (const std::string& file : {catalog, next}) {
+        EXPECT_THAT([&file] { CatalogResolver{{file}}; },
+                    testing::ThrowsMessage<std::system_error>(
+                        "cannot read the catalogs: Permission denied"));
+    }
 }
 
 TEST_F(CatalogResolverTest, KeepsNothingOfAFailedQuestionBeyondItsLife) {
