@@ -9,8 +9,8 @@
 /// stays in use.
 extern "C" {
 void* __libc_malloc(std::size_t size) noexcept;
-void* __libc_calloc(std::size_t count, std::size_t size) noexcept;
-void* __libc_realloc(void* block, std::size_t size) noexcept;
+void* __libc_calloc(std::size_t nmemb, std::size_t size) noexcept;
+void* __libc_realloc(void* ptr, std::size_t size) noexcept;
 void* __libc_memalign(std::size_t alignment, std::size_t size) noexcept;
 }
 
@@ -43,12 +43,12 @@ void* malloc(std::size_t size) noexcept {
     return fails() ? nullptr : __libc_malloc(size);
 }
 
-void* calloc(std::size_t count, std::size_t size) noexcept {
-    return fails() ? nullptr : __libc_calloc(count, size);
+void* calloc(std::size_t nmemb, std::size_t size) noexcept {
+    return fails() ? nullptr : __libc_calloc(nmemb, size);
 }
 
-void* realloc(void* block, std::size_t size) noexcept {
-    return fails() ? nullptr : __libc_realloc(block, size);
+void* realloc(void* ptr, std::size_t size) noexcept {
+    return fails() ? nullptr : __libc_realloc(ptr, size);
 }
 
 void* memalign(std::size_t alignment, std::size_t size) noexcept {
@@ -59,12 +59,12 @@ void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
     return memalign(alignment, size);
 }
 
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+int posix_memalign(void** memptr, std::size_t alignment, std::size_t size) noexcept {
     void* const found = memalign(alignment, size);
     if (!found) {
         return ENOMEM;
     }
-    *block = found;
+    *memptr = found;
     return 0;
 }
 }

@@ -12,7 +12,9 @@ bool areVolumesSeparate = false;
 
 }  // namespace
 
-// Stands in front of the system's own for the whole program, the standard library included.
+// Stands in front of the system's own for the whole program, the standard library included. Its
+// parameters are called by reserved names there.
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int rename(const char* from, const char* to) noexcept {
     if (areVolumesSeparate) {
         errno = EXDEV;
