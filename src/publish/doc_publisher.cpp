@@ -118,9 +118,9 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
         throw PublishException();
     }
     refuseUnsafePlaces(*params);
+    params->setKeySpaceDoc(nativePath(keySpaceDocPath));
     IDocPublisherJanitor& janitor = *this;
-    const std::filesystem::path keySpaceDoc = nativePath(keySpaceDocPath);
-    const ScopeExit cleanUpAtEnd([&] { janitor.cleanUp(keySpaceDoc); });
+    const ScopeExit cleanUpAtEnd([&] { janitor.cleanUp(*params); });
     prepare(*params);
     setUpProfiling(*params);
 
@@ -148,13 +148,13 @@ std::unique_ptr<PublishResult> DocPublisher::publish(std::unique_ptr<PublishPara
     return result;
 }
 
-void DocPublisher::cleanUp(const std::filesystem::path& keySpaceDoc) noexcept {
+void DocPublisher::cleanUp(const PublishParams& params) noexcept {
     // What can't be removed stays: the run has its outcome already.
     std::error_code ignored;
     const std::filesystem::file_status status =
-        std::filesystem::symlink_status(keySpaceDoc, ignored);
+        std::filesystem::symlink_status(params.keySpaceDoc(), ignored);
     if (std::filesystem::is_regular_file(status) || std::filesystem::is_symlink(status)) {
-        std::filesystem::remove(keySpaceDoc, ignored);
+        std::filesystem::remove(params.keySpaceDoc(), ignored);
     }
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -16,7 +15,7 @@ class TopicIdMap;
 class IDocPublisherJanitor {
 public:
     /// Neither throws nor allocates: it may be memory that the run failed for.
-    virtual void cleanUp(const std::filesystem::path& keySpaceDoc) noexcept = 0;
+    virtual void cleanUp(const PublishParams& params) noexcept = 0;
 
 protected:
     ~IDocPublisherJanitor() = default;
@@ -47,7 +46,7 @@ public:
     std::unique_ptr<PublishResult> publish(std::unique_ptr<PublishParams> params);
 
 protected:
-    void cleanUp(const std::filesystem::path& keySpaceDoc) noexcept override;
+    void cleanUp(const PublishParams& params) noexcept override;
 
     /// Removes what an earlier run left behind.
     virtual void prepare(const PublishParams& params);

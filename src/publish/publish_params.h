@@ -1,9 +1,11 @@
 #pragma once
 
 #include <boost/json/value.hpp>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "publish/publisher_id.h"
@@ -35,6 +37,11 @@ public:
     std::u16string getCompositeDocDtd() const { return readString("compositeDocDtd"); }
     bool getUsePrint() const { return readBool("usePrint"); }
 
+    /// The key space document's file, once the run has named it: to remove it must take no memory,
+    /// which may be what the run fails for.
+    const std::filesystem::path& keySpaceDoc() const noexcept { return keySpaceDoc_; }
+    void setKeySpaceDoc(std::filesystem::path file) noexcept { keySpaceDoc_ = std::move(file); }
+
 protected:
     /// Keeps a deep copy of `params`.
     PublishParams(PublisherId publisherId, const boost::json::value& params)
@@ -45,6 +52,7 @@ protected:
 
 private:
     boost::json::value params_;
+    std::filesystem::path keySpaceDoc_;
     PublisherId publisherId_;
 };
 

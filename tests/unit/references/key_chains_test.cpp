@@ -4,6 +4,8 @@
 
 #include <functional>
 
+#include "references/copied_references.h"
+#include "support/publish_exception.h"
 #include "tests/unit/references/key_samples.h"
 #include "xml/grammar_parser_cache.h"
 
@@ -247,6 +249,19 @@ TEST_F(KeyChainPassTest, AReferenceInsideContentPulledFromElsewhereGetsItsConten
     EXPECT_EQ(definition(keySpace, "x"),
               R"(<keydef keys="x"><topicmeta/><topicref href="/y"><topicmeta>Y</topicmeta>)"
               R"(</topicref></keydef>)");
+}
+
+TEST_F(KeyChainPassTest, AReferenceInPulledContentIsOneInACopy) {
+    constexpr std::size_t kMostFollowed = 1'000'000;
+    CopiedReferences& copies = CopiedReferences::instance();
+    for (std::size_t count = 1; count < kMostFollowed; ++count) {
+        copies.follow();
+    }
+    EXPECT_NO_THROW(
+        resolved("<keydef keys='x' keyref='a'/>"
+                 "<keydef keys='a'><topicmeta/><topicref keyref='y'/></keydef>"
+                 "<keydef keys='y' href='/y'><topicmeta>Y</topicmeta></keydef>"));
+    EXPECT_THROW(copies.follow(), PublishException);
 }
 
 TEST_F(KeyChainPassTest, AReferenceInsideItsOwnDefinitionGetsNoContent) {
