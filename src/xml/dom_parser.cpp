@@ -96,7 +96,7 @@ xercesc::DOMDocument* ParserBundle::parseWithRetries(const std::u16string& path,
 }
 
 xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
-    parser_->forgetFailure();
+    parser_->beginTry();
     sendStart(path);
     const ScopeExit endSession([] { sendEnd(); });
     const MemMapLocalFileInputSource source(path.c_str(),

@@ -70,8 +70,8 @@ void PlaceRecordingDOMParser::startElement(const xercesc::XMLElementDecl& declar
                                            XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
     openElements_.push_back(lastEnd_);
     noteEventEnd();
-    XercesDOMParser::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
-                                  isRoot);
+    QSXercesDOMParser::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
+                                    isRoot);
 }
 
 void PlaceRecordingDOMParser::endElement(const xercesc::XMLElementDecl& declaration,

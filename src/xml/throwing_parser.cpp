@@ -1,13 +1,43 @@
 #include "xml/throwing_parser.h"
 
+#include <vector>
 #include <xercesc/framework/XMLValidator.hpp>
 #include <xercesc/internal/IGXMLScanner.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
+#include <xercesc/validators/common/ContentSpecNode.hpp>
 
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
+namespace {
+
+constexpr XMLSize_t kMostAttributes = 10000;
+/// DITA's largest sets of DTDs come to some 2,000,000.
+constexpr double kMostContentModelCosts = 1e10;
+
+/// The members of a content model.
+double memberCount(const xercesc::ContentSpecNode* model) {
+    double count = 0;
+    std::vector<const xercesc::ContentSpecNode*> open{model};
+    while (!open.empty()) {
+        const xercesc::ContentSpecNode* const node = open.back();
+        open.pop_back();
+        if (!node) {
+            continue;
+        }
+        if (node->getType() == xercesc::ContentSpecNode::Leaf) {
+            ++count;
+        } else {
+            open.push_back(node->getFirst());
+            open.push_back(node->getSecond());
+        }
+    }
+    return count;
+}
+
+}  // namespace
 
 QSXercesParseException::QSXercesParseException(unsigned int code, const XMLCh* text,
                                                const char* sourceName, XMLFileLoc line,
@@ -18,6 +48,11 @@ QSXercesParseException::QSXercesParseException(unsigned int code, const XMLCh* t
 
 QSXercesDOMParser::QSXercesDOMParser()
     : XercesDOMParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, nullptr) {}
+
+void QSXercesDOMParser::beginTry() noexcept {
+    failure_.reset();
+    contentModelCosts_ = 0;
+}
 
 void QSXercesDOMParser::beginFile(const std::u16string& /*path*/) {}
 
@@ -34,6 +69,26 @@ void QSXercesDOMParser::error(unsigned int code, const XMLCh* domain,
     // The source is named by its public identifier: the file's name varies from place to place.
     const std::string sourceName = toUtf8(publicId).value_or(std::string());
     throw QSXercesParseException(code, text, sourceName.c_str(), line, column);
+}
+
+void QSXercesDOMParser::elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) {
+    const double members = memberCount(declaration.getContentSpec());
+    contentModelCosts_ += members * members * members;
+    if (contentModelCosts_ > kMostContentModelCosts) {
+        throw xercesc::OutOfMemoryException();
+    }
+    XercesDOMParser::elementDecl(declaration, isIgnored);
+}
+
+void QSXercesDOMParser::startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId,
+                                     const XMLCh* prefix,
+                                     const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                                     XMLSize_t attributeCount, bool isEmpty, bool isRoot) {
+    if (attributeCount > kMostAttributes) {
+        throw xercesc::OutOfMemoryException();
+    }
+    XercesDOMParser::startElement(declaration, uriId, prefix, attributes, attributeCount, isEmpty,
+                                  isRoot);
 }
 
 bool QSXercesDOMParser::declaresAttribute(const XMLCh* element, const XMLCh* attribute) const {

@@ -33,9 +33,16 @@ struct ParseFailure {
 
 /// A parser for plain Xerces trees that throws each diagnostic, warnings and
 /// validity errors included, as a `QSXercesParseException`.
+///
+/// It ends a try, as if memory had run out, where the engine would take no end of time: for more
+/// than 10,000 attributes of an element, time grows with the square of their count, and for content
+/// models of more than some 2,000 members, alone or together, with its cube.
 class QSXercesDOMParser : public xercesc::XercesDOMParser {
 public:
     QSXercesDOMParser();
+
+    /// A try to read a file begins.
+    void beginTry() noexcept;
 
     /// A parse of the file at `path` begins, and has come to its end, in this order; the latter is
     /// left out when it fails.
@@ -46,17 +53,23 @@ public:
                const XMLCh* text, const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
                XMLFileLoc column) override;
 
-    /// The first diagnostic since the last `forgetFailure`. The engine takes one that is thrown for
+    /// @throws xercesc::OutOfMemoryException as said above.
+    void elementDecl(const xercesc::DTDElementDecl& declaration, bool isIgnored) override;
+    void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId,
+                      const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
+                      XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
+
+    /// The first diagnostic since the last `beginTry`. The engine takes one that is thrown for
     /// an accident of its own and reports that as well: the first is the one that says what is
     /// wrong.
     const std::optional<ParseFailure>& failure() const noexcept { return failure_; }
-    void forgetFailure() noexcept { failure_.reset(); }
 
     /// Whether the grammar that was loaded last is a DTD that declares `attribute` for `element`.
     bool declaresAttribute(const XMLCh* element, const XMLCh* attribute) const;
 
 private:
     std::optional<ParseFailure> failure_;
+    double contentModelCosts_ = 0;
 };
 
 }  // namespace marrowpress

@@ -567,6 +567,54 @@ TEST_F(MemoryBombTest, OfAnAmbiguousContentModelIsGivenUp) {
     expectGivenUp("bomb.dita", kTriesOfASubset);
 }
 
+/// A document whose root may hold so many other elements, in this order.
+std::string documentWithModel(int members) {
+    std::string model;
+    for (int member = 0; member < members; ++member) {
+        model += (member == 0 ? "e" : "?,e") + std::to_string(member);
+    }
+    return "<!DOCTYPE a [<!ELEMENT a (" + model + ")><!ELEMENT e0 EMPTY>]><a><e0/></a>";
+}
+
+TEST_F(MemoryBombTest, OfALargeContentModelIsGivenUp) {
+    folder.write("bomb.dita", documentWithModel(2200));
+    expectGivenUp("bomb.dita", kTriesOfASubset);
+}
+
+TEST_F(MemoryBombTest, OfManyContentModelsIsGivenUp) {
+    std::string models;
+    for (int element = 0; element < 100; ++element) {
+        models += "<!ELEMENT a" + std::to_string(element) + " (e" + repeated(",e", 499) + ")>";
+    }
+    folder.write("bomb.dita", "<!DOCTYPE a [" + models + "]><a/>");
+    expectGivenUp("bomb.dita", kTriesOfASubset);
+}
+
+std::string elementWithAttributes(int count) {
+    std::string text = "<a";
+    for (int attribute = 0; attribute < count; ++attribute) {
+        text += " a" + std::to_string(attribute) + "=''";
+    }
+    return text + "/>";
+}
+
+TEST_F(MemoryBombTest, OfAttributesIsGivenUp) {
+    folder.write("bomb.dita", elementWithAttributes(10001));
+    expectGivenUp("bomb.dita", 1);
+}
+
+TEST_F(ParserBundleTest, LoadsWhatIsLargerThanAnyHonestDocument) {
+    const Watchdog watchdog(300);
+    EXPECT_EQ(parse("attributes.dita", elementWithAttributes(10000))
+                  .getDocumentElement()
+                  ->getAttributes()
+                  ->getLength(),
+              10000U);
+    for (const char* const name : {"model.dita", "again.dita"}) {
+        EXPECT_TRUE(parse(name, documentWithModel(700)).getDocumentElement()->hasChildNodes());
+    }
+}
+
 TEST_F(ParserBundleTest, DocumentsOfAParserThatIsReplacedLiveOn) {
     const xercesc::DOMDocument& earlier = parse("earlier.dita", topicText("topic.dtd"));
     const std::string text = printed(*earlier.getDocumentElement());
