@@ -549,6 +549,9 @@ protected:
 };
 
 TEST_F(MemoryBombTest, OfParameterEntitiesIsGivenUp) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer maps and unmaps memory for each of the entities";
+#endif
     folder.write("bomb.dtd", commentBomb());
     folder.write("bomb.dita", "<!DOCTYPE a SYSTEM 'bomb.dtd'><a/>");
     expectGivenUp("bomb.dita", 1);
@@ -619,8 +622,7 @@ TEST_F(ParserBundleTest, DocumentsOfAParserThatIsReplacedLiveOn) {
     const xercesc::DOMDocument& earlier = parse("earlier.dita", topicText("topic.dtd"));
     const std::string text = printed(*earlier.getDocumentElement());
     QSXercesDOMParser* const broken = &parser();
-    folder.write("bomb.dita", "<!DOCTYPE a [" + ambiguousModel() + "]><a><d><b/>" +
-                                  repeated("<c/>", 24) + "</d></a>");
+    folder.write("bomb.dita", elementWithAttributes(10001));
     EXPECT_THROW(failureOf("bomb.dita"), xercesc::OutOfMemoryException);
     EXPECT_NE(&parser(), broken);
     expectUsualSettings();
