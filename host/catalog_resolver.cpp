@@ -8,7 +8,9 @@
 #include <sstream>
 #include <system_error>
 
+#include "host/fatal_catalog.h"
 #include "host/file_text.h"
+#include "host/libxml_handles.h"
 #include "host/local_xml_input.h"
 
 namespace marrowpress {
@@ -20,18 +22,6 @@ constexpr const char* kDitaCatalog = "/usr/share/dita-ot/catalog-dita.xml";
 const xmlChar* asXml(const std::string& text) {
     return reinterpret_cast<const xmlChar*>(text.c_str());
 }
-
-std::string_view asText(const xmlChar* text) {
-    return text ? reinterpret_cast<const char*>(text) : std::string_view();
-}
-
-struct FreeText {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-
-struct FreeDocument {
-    void operator()(xmlDoc* document) const noexcept { xmlFreeDoc(document); }
-};
 
 /// A catalog is named by URI: its entries are resolved against its name, and a path with a blank
 /// or a percent sign would be none to resolve against.
@@ -113,8 +103,7 @@ std::optional<std::string> CatalogResolver::ask(const std::string& publicId) con
     }
     static_cast<void>(takeLibxmlFailure());
     for (const Catalog& catalog : catalogs_) {
-        const std::unique_ptr<xmlChar, FreeText> uri(
-            xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));
+        const LibxmlText uri(xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));
         requireCompleteCatalogs();
         if (!uri) {
             continue;
@@ -161,7 +150,7 @@ std::optional<std::string> findCatalogFault(const std::string& catalog) {
     if (text.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         return path + ": too large";
     }
-    const std::unique_ptr<xmlDoc, FreeDocument> document(
+    const LibxmlDocument document(
         xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
                       XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (!document) {
@@ -169,6 +158,9 @@ std::optional<std::string> findCatalogFault(const std::string& catalog) {
     }
     if (!isCatalog(*document)) {
         return path + ": not an XML catalog";
+    }
+    if (isFatalCatalog(*document)) {
+        return path + ": a nextCatalog names no catalog";
     }
     return std::nullopt;
 }

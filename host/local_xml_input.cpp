@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "host/close_file.h"
+#include "host/fatal_catalog.h"
 
 namespace marrowpress {
 namespace {
@@ -116,8 +117,11 @@ void* openLocalFile(const char* name) {
         close(descriptor);
         return nullptr;
     }
+    if (!isRegularFile(descriptor) || isFatalCatalog(descriptor)) {
+        return nullptr;
+    }
     // From here on it is libxml2's, which hands it back to be closed.
-    return isRegularFile(descriptor) ? file.release() : nullptr;
+    return file.release();
 }
 
 int readLocalFile(void* context, char* buffer, int length) {

@@ -236,6 +236,18 @@ TEST_F(CatalogResolverTest, PassesOverCatalogsThatCannotBeRead) {
     EXPECT_EQ(resolver.resolvePublic(kMapId), folder_.file("map.dtd"));
 }
 
+TEST_F(CatalogResolverTest, PassesOverACatalogThatLibxmlCouldNotBear) {
+    const std::string bad =
+        writeCatalog("bad.xml", "<nextCatalog catalog='none.xml'/><nextCatalog/>" +
+                                    publicEntry(kMapId, "none.dtd"));
+    EXPECT_EQ(findCatalogFault(bad), bad + ": a nextCatalog names no catalog");
+    CatalogResolver named({bad, writeCatalog("good.xml", publicEntry(kMapId, "map.dtd"))});
+    EXPECT_EQ(named.resolvePublic(kMapId), folder_.file("map.dtd"));
+    CatalogResolver nested({writeCatalog(
+        "outer.xml", "<nextCatalog catalog='bad.xml'/><nextCatalog catalog='good.xml'/>")});
+    EXPECT_EQ(nested.resolvePublic(kMapId), folder_.file("map.dtd"));
+}
+
 TEST_F(CatalogResolverTest, NeverOpensAFifo) {
     // Nobody writes to it: opened in the usual way, it would hold the test up for good.
     ASSERT_EQ(mkfifo(folder_.file("fifo").c_str(), 0600), 0);

@@ -1,0 +1,16 @@
+#pragma once
+
+struct _xmlDoc;
+
+namespace marrowpress {
+
+/// Whether libxml2 would end the process as it reads `document` as a catalog: it compares the
+/// target of each "nextCatalog" with those of earlier ones, and does so too where there is none
+/// because the attribute is missing or no URI.
+bool isFatalCatalog(const _xmlDoc& document);
+
+/// The same of the file behind an open descriptor, which is read from its beginning and set back
+/// there. What is no XML is no catalog either, and does no harm.
+bool isFatalCatalog(int descriptor);
+
+}  // namespace marrowpress
