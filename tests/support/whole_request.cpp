@@ -105,11 +105,15 @@ TypedValues WholeRequestTest::publishComposite(const boost::json::object& params
 }
 
 TypedValues WholeRequestTest::send(std::string_view type, const boost::json::object& params) {
+    const boost::json::object request{{"type", type}, {"params", params}};
+    return sendText(boost::json::serialize(request));
+}
+
+TypedValues WholeRequestTest::sendText(const std::string& text) {
     console.clear();
     progress.clear();
     operations.str(std::string());
-    const boost::json::object request{{"type", type}, {"params", params}};
-    const std::optional<TypedValues> answer = host_.send(boost::json::serialize(request));
+    const std::optional<TypedValues> answer = host_.send(text);
     EXPECT_TRUE(answer) << "no answer came";
     return answer.value_or(TypedValues());
 }

@@ -40,6 +40,9 @@ protected:
     TypedValues publishFlatBook(const boost::json::object& params);
     TypedValues publishComposite(const boost::json::object& params);
 
+    /// The answer to a request that is `text` as it stands.
+    TypedValues sendText(const std::string& text);
+
     /// `text` with the folder as "$F" and generated ids as "id-1", "id-2", in their order.
     std::string neutral(std::string_view text) const;
     /// The text of a file, neutral and without XML declaration and doctype.
