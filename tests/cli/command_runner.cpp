@@ -95,6 +95,9 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
     if (setting.largestFile) {
         limit(RLIMIT_FSIZE, *setting.largestFile);
     }
+    if (setting.stack) {
+        limit(RLIMIT_STACK, *setting.stack);
+    }
     if (chdir((folder.path() / setting.currentFolder).c_str()) != 0) {
         _exit(126);
     }

@@ -25,6 +25,7 @@ struct CommandSetting {
     bool isWithoutRights = false;         ///< As a user who may do nothing special.
     std::optional<unsigned> largestFile;  ///< Bytes that the command may write to one file.
     std::optional<unsigned> mostHandles;  ///< Files that it may have open, streams included.
+    std::optional<unsigned> stack;        ///< Bytes of its stack.
 };
 
 /// What the command left behind.
