@@ -249,10 +249,14 @@ class Runner:
 
     def start(self, place, requests, before=(), stdin=subprocess.DEVNULL):
         """A process that is on its way; it leads a group of its own."""
+        return self.start_command(
+            place.folder, [*map(str, before), *self.arguments(place, requests)], stdin)
+
+    def start_command(self, folder, command, stdin=subprocess.DEVNULL):
+        """The same of any command, with `folder` as its current one."""
         return subprocess.Popen(
-            [*map(str, before), *self.arguments(place, requests)], cwd=place.folder,
-            env=self.environment(), stdin=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-            encoding="utf-8", errors="replace", start_new_session=True)
+            command, cwd=folder, env=self.environment(), stdin=stdin, stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE, encoding="utf-8", errors="replace", start_new_session=True)
 
     def run(self, place, requests, before=()):
         return self.finish(self.start(place, requests, before))
@@ -440,9 +444,13 @@ class Strace:
 
     def run(self, place, requests, options):
         """A traced run, and the lines of the trace."""
-        log = self.scratch / f"{place.folder.parent.name}.trace"
-        before = [self.TOOL, "-f", "-q", "-o", log, *options]
-        run = self.runner.run(place, requests, before)
+        return self.run_command(place.folder, self.runner.arguments(place, requests), options)
+
+    def run_command(self, folder, command, options):
+        """The same of any command, with `folder` as its current one."""
+        log = self.scratch / f"{folder.parent.name}.trace"
+        before = [self.TOOL, "-f", "-q", "-o", str(log), *options]
+        run = self.runner.finish(self.runner.start_command(folder, [*before, *command]))
         return run, log.read_text(encoding="utf-8", errors="replace").splitlines()
 
 
