@@ -112,7 +112,7 @@ OpenDocumentTable::OpenDocumentTable() {
         HostGetIdProp(kContext, kSessionObject, HostProperty::kFirstDocument);
     std::unordered_set<std::uint32_t> seen;
     // A list whose end leads back into it ends there.
-    while (documentId != 0 && seen.insert(documentId).second) {
+    while (documentId != 0 && seen.size() < kMostOpenDocuments && seen.insert(documentId).second) {
         const HostText path = HostGetStringProp(kContext, documentId, HostProperty::kDocumentPath);
         const OpenDocumentRecord record = readRecord(documentId);
         if (path) {

@@ -30,6 +30,10 @@ struct OpenDocumentRecord {
 /// answers.
 using OpenDocumentRecords = std::map<std::u16string, OpenDocumentRecord>;
 
+/// The most documents of the host's list that are looked at: more than anybody opens. A list may
+/// have no end.
+inline constexpr std::size_t kMostOpenDocuments = 100'000;
+
 /// The documents that are open in the host, as they were when the request
 /// first looked.
 class OpenDocumentTable {

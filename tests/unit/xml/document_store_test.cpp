@@ -429,6 +429,33 @@ TEST(OpenDocumentTableTest, AListThatLeadsBackIntoItselfEnds) {
     EXPECT_EQ(OpenDocumentTable().size(), 2U);
 }
 
+/// A host in which each open document is followed by another one.
+class EndlessHost final : public ScriptedHost {
+public:
+    ComStatus getIdProp(std::uint32_t, std::uint32_t object, std::uint32_t, std::uint32_t* value,
+                        std::int32_t* status) override {
+        *value = object + 1;
+        *status = 0;
+        return kComOk;
+    }
+    ComStatus getStringProp(std::uint32_t context, std::uint32_t object, std::uint32_t property,
+                            char** value, std::int32_t* status) override {
+        calls.clear();
+        texts[{object, property}] = "/" + std::to_string(object) + ".dita";
+        return ScriptedHost::getStringProp(context, object, property, value, status);
+    }
+};
+
+TEST(OpenDocumentTableTest, AListWithoutAnEndIsCut) {
+    const Watchdog watchdog(300);
+    EndlessHost host;
+    QsApiInterfacesC interfaces(host.provider());
+    interfaces.connect();
+    const OpenDocumentTable table;
+    EXPECT_EQ(table.size(), kMostOpenDocuments);
+    EXPECT_NE(table.find(u"/1.dita"), nullptr);
+}
+
 TEST_F(RequestEndTest, LeavesNothingForTheNextRequest) {
     folder.write("dtd/topic.dtd", kTopicDtd);
     host.pathsByPublicId[kTopicId] = folder.file("dtd/topic.dtd");
