@@ -1,4 +1,5 @@
 set(is_optimised $<CONFIG:Release,RelWithDebInfo,MinSizeRel>)
+set(is_gcc $<CXX_COMPILER_ID:GNU>)
 
 # What every target of this project is compiled with; linked privately, so that
 # nothing of it reaches those who use a target.
@@ -21,7 +22,8 @@ target_compile_options(
 # A source is compiled together with others then; these two judge the names of one by itself, as they
 # do in the presets without it.
 if(CMAKE_UNITY_BUILD)
-    target_compile_options(marrowpress_build_flags INTERFACE -Wno-shadow -Wno-subobject-linkage)
+    target_compile_options(marrowpress_build_flags INTERFACE -Wno-shadow
+                                                             $<${is_gcc}:-Wno-subobject-linkage>)
 endif()
 
 # Documents come from strangers, and the module runs inside somebody else's process.
@@ -39,7 +41,12 @@ if(MARROWPRESS_SANITIZE)
     set(sanitize -fsanitize=${MARROWPRESS_SANITIZE} -fno-sanitize-recover=all
                  -fno-omit-frame-pointer)
     # The instrumentation hides from the compiler what is initialised.
-    target_compile_options(marrowpress_build_flags INTERFACE ${sanitize}
-                                                             -Wno-maybe-uninitialized)
+    target_compile_options(marrowpress_build_flags
+                           INTERFACE ${sanitize} $<${is_gcc}:-Wno-maybe-uninitialized>)
     target_link_options(marrowpress_build_flags INTERFACE ${sanitize})
+endif()
+
+if(MARROWPRESS_FUZZ)
+    # The fuzzers see which branches an input takes.
+    target_compile_options(marrowpress_build_flags INTERFACE -fsanitize=fuzzer-no-link)
 endif()
