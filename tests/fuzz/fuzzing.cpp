@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <xercesc/framework/MemoryManager.hpp>
-#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 
 #include "application/host_operations.h"
@@ -13,38 +12,12 @@
 namespace marrowpress {
 namespace {
 
-/// Takes each block from the memory of the session that is open, and from the system while none is.
-class MemoryOfSessions final : public xercesc::MemoryManager {
+/// The memory of the session that is open.
+class MemoryOfSession final : public xercesc::MemoryManager {
 public:
     MemoryManager* getExceptionMemoryManager() override { return this; }
-
-    void* allocate(XMLSize_t size) override {
-        MemoryManager* const owner = RequestMemory::current();
-        void* const memory =
-            owner ? owner->allocate(sizeof(Block) + size) : std::malloc(sizeof(Block) + size);
-        if (!memory) {
-            throw xercesc::OutOfMemoryException();
-        }
-        return new (memory) Block{owner} + 1;
-    }
-
-    void deallocate(void* memory) override {
-        if (!memory) {
-            return;
-        }
-        Block* const block = static_cast<Block*>(memory) - 1;
-        if (block->owner) {
-            block->owner->deallocate(block);
-        } else {
-            std::free(block);
-        }
-    }
-
-private:
-    /// Stands in front of each block.
-    struct alignas(std::max_align_t) Block {
-        MemoryManager* owner;
-    };
+    void* allocate(XMLSize_t size) override { return RequestMemory::current()->allocate(size); }
+    void deallocate(void* memory) override { RequestMemory::current()->deallocate(memory); }
 };
 
 StandInHostOptions quietOptions() {
@@ -85,10 +58,11 @@ std::optional<std::string> resolveSmallDtd(std::string_view publicId) {
 }
 
 void keepEngineStarted() {
-    static MemoryOfSessions memory;
     static const bool isStarted = [] {
-        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                              nullptr, &memory);
+        xercesc::XMLPlatformUtils::Initialize();
+        // What the engine has so far, and what that takes later, is its own for good.
+        static MemoryOfSession memory;
+        xercesc::XMLPlatformUtils::fgMemoryManager = &memory;
         return true;
     }();
     require(isStarted, "the engine starts");
