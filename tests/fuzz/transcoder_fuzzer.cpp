@@ -36,7 +36,7 @@ std::u16string withoutLoneSurrogates(std::u16string_view text) {
 }
 
 void checkUtf8(const std::string& text) {
-    const std::string upToNul(text.c_str());
+    const std::string upToNul = text.substr(0, text.find('\0'));
     const std::u16string converted = toUtf16(std::string_view(text));
     require(converted == toUtf16(text.c_str()), "a view and a pointer mean the same", text);
     const std::string back = toUtf8(converted);
@@ -54,7 +54,7 @@ void checkUtf8(const std::string& text) {
 void checkUtf16(const std::string& bytes) {
     std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
     std::memcpy(text.data(), bytes.data(), text.size() * sizeof(char16_t));
-    const std::u16string upToNul(text.c_str());
+    const std::u16string upToNul = text.substr(0, text.find(u'\0'));
     const std::string converted = toUtf8(std::u16string_view(text));
     require(isValidUtf8(converted), "UTF-16 becomes UTF-8", converted);
     require(toUtf16(std::string_view(converted)) == withoutLoneSurrogates(upToNul),
