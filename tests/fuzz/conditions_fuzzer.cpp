@@ -113,6 +113,7 @@ void checkMerge(const Workplace& place, const std::vector<std::string>& files) {
 /// The input is up to four documents, which come together in one.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Workplace place;
+    marrowpress::keepEngineStarted();
     checkMerge(place,
                marrowpress::cutIntoFiles(marrowpress::inputText(data, size), kMostDocuments));
     return 0;

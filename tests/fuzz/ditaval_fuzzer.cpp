@@ -107,6 +107,7 @@ void checkFiles(const Workplace& place, const std::vector<std::string>& files) {
 /// The input is a profile and a topic.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Workplace place;
+    marrowpress::keepEngineStarted();
     std::vector<std::string> files =
         marrowpress::cutIntoFiles(marrowpress::inputText(data, size), 2);
     files.resize(2);

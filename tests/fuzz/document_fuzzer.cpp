@@ -172,6 +172,7 @@ void checkDocument(const Workplace& place, std::string_view text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Workplace place;
+    marrowpress::keepEngineStarted();
     checkDocument(place, marrowpress::inputText(data, size));
     return 0;
 }

@@ -30,9 +30,10 @@ std::vector<std::string> cutIntoFiles(std::string_view input, std::size_t most);
 /// Where the small DTDs are, by their public identifiers.
 std::optional<std::string> resolveSmallDtd(std::string_view publicId);
 
-/// Starts the XML engine for the rest of the process; from then on an `XmlSession` starts none,
-/// which took most of the time of a run. What the engine takes during a session is the session's
-/// all the same.
+/// Called at the beginning of a run: leaves the XML engine started, so that an `XmlSession` starts
+/// none, which takes longer than most runs. What the engine takes during a session is the session's
+/// all the same; but each doctype that is made stays with the engine, so that it is a new one from
+/// time to time.
 void keepEngineStarted();
 
 /// A host that finds the small DTDs and shows nothing, connected while it lives.
@@ -48,10 +49,8 @@ private:
     QsApiInterfacesC interfaces_;
 };
 
-/// What the fuzzers of documents need: the engine, a host, and a folder for files.
+/// What the fuzzers of documents need: a host, and a folder for files.
 struct Workplace {
-    Workplace() { keepEngineStarted(); }
-
     QuietHost host;
     TemporaryFolder folder;
 };
