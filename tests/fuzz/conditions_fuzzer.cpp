@@ -3,7 +3,6 @@
 #include "client/xml_session.h"
 #include "dom/copies.h"
 #include "dom/nodes.h"
-#include "marrowpress/output_names.h"
 #include "profiling/condition_merge.h"
 #include "support/publish_exception.h"
 #include "support/text.h"
@@ -87,10 +86,8 @@ void checkSet(const Workplace& place, ConditionMergeState& state, DOMDocument& o
 void checkMerge(const Workplace& place, const std::vector<std::string>& files) {
     const marrowpress::XmlSession session;
     try {
-        const std::u16string path = place.folder.file16("book.dita");
-        marrowpress::goOnAfter(marrowpress::writeEmptyDocument(
-            marrowpress::kCompositeRootName, marrowpress::kCompositePublicId, "none.dtd", path));
-        DOMDocument& output = load(path);
+        place.folder.write("book.dita", "<dita/>");
+        DOMDocument& output = load(place.folder.file16("book.dita"));
         ConditionMergeState state;
         state.mergeEnabled = true;
         for (std::size_t index = 0; index < files.size(); ++index) {

@@ -2,7 +2,6 @@
 
 #include "client/xml_session.h"
 #include "dom/copies.h"
-#include "marrowpress/output_names.h"
 #include "references/direct_references.h"
 #include "support/publish_exception.h"
 #include "support/text.h"
@@ -139,12 +138,9 @@ void checkWriting(const Workplace& place, const DOMDocument& document, const std
 
 /// Takes the content of `source` into a composite, as a run does.
 void checkImport(const Workplace& place, DOMDocument& source) {
-    const std::u16string path = place.folder.file16("book.dita");
-    const WriteStatus created = marrowpress::writeEmptyDocument(
-        marrowpress::kCompositeRootName, marrowpress::kCompositePublicId, "ditabase.dtd", path);
-    require(created == WriteStatus::kWritten, "an empty document can be written");
-    DOMDocument* const book = DocumentStore::instance().getOrLoad(path);
-    require(book != nullptr, "an empty document can be read");
+    place.folder.write("book.dita", "<dita/>");
+    DOMDocument* const book = DocumentStore::instance().getOrLoad(place.folder.file16("book.dita"));
+    require(book != nullptr, "a composite can be read");
     DOMElement* const copy =
         static_cast<DOMElement*>(marrowpress::importCopy(*book, *source.getDocumentElement(), {}));
     book->getDocumentElement()->appendChild(copy);
