@@ -61,7 +61,7 @@ private:
     std::string compositeText() const;
     void requireUntouched() const;
     bool requireDocument(const fs::path& path) const;
-    void requireNothingLeft(std::string_view output) const;
+    void requireNothingLeft() const;
 
     const TemporaryFolder& folder_;
     std::vector<std::string> texts_;
@@ -150,11 +150,11 @@ bool Job::requireDocument(const fs::path& path) const {
     return xmlFirstElementChild(xmlDocGetRootElement(document.get())) != nullptr;
 }
 
-void Job::requireNothingLeft(std::string_view output) const {
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder_.path() / output)) {
+void Job::requireNothingLeft() const {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_.path())) {
         const std::string name = entry.path().filename().string();
         require(name != marrowpress::kKeySpaceDocName && !name.ends_with(marrowpress::kAsideSuffix),
-                "nothing of a run is left over", name);
+                "nothing of a run is left over", entry.path().string());
     }
 }
 
@@ -163,7 +163,7 @@ void Job::checkComposite() const {
     request["output"] = folder_.file("out/book.dita");
     const Publication first = publish("PublishComp", request, false);
     requireUntouched();
-    requireNothingLeft("out");
+    requireNothingLeft();
     const std::int32_t status = *marrowpress::statusOf(first.answer);
     require(status == 0 || status == -42 || status == -43, "a status says what came out",
             std::to_string(status));
@@ -197,7 +197,7 @@ void Job::checkFlatBook() const {
     request["generateQSComponentsAtOneLoc"] = !says("beside") || !staysInFolder();
     const Publication book = publish("PublishFlatBook", request, says("observed"));
     requireUntouched();
-    requireNothingLeft("out");
+    requireNothingLeft();
     if (*marrowpress::statusOf(book.answer) == 0 && !book.hasWriteFailure) {
         require(book.answer.size() == 5, "the answer names the components");
         for (const std::string& path : std::get<std::vector<std::string>>(book.answer[4].value)) {

@@ -1,8 +1,8 @@
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <string>
 #include <string_view>
@@ -167,6 +167,6 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     if (mutated.empty() || mutated.size() > maxSize) {
         return LLVMFuzzerMutate ? LLVMFuzzerMutate(data, size, maxSize) : size;
     }
-    std::memcpy(data, mutated.data(), mutated.size());
+    std::copy(mutated.begin(), mutated.end(), data);
     return mutated.size();
 }
