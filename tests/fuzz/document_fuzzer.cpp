@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <xercesc/dom/DOM.hpp>
 
 #include "client/xml_session.h"

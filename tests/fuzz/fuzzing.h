@@ -12,6 +12,9 @@
 #include "host/stand_in_host.h"
 #include "tests/support/temporary_folder.h"
 
+/// Tries one input; each fuzzer has its own. Gives 0.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
 /// What the fuzzers share.
 ///
 /// A fuzzer gets bytes that nobody has written, and says what must hold whatever they are.

@@ -1,30 +1,40 @@
-#include <cstddef>
-#include <cstdint>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <string>
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+#include "tests/fuzz/fuzzing.h"
 
-/// Gives each file of the folders to a fuzzer. A finding ends the process; so do folders without
-/// any file.
-int main(int argc, char** argv) {
+namespace {
+
+/// Gives each file of a folder to the fuzzer, and counts them.
+std::size_t replay(const std::filesystem::path& folder) {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::cout << entry.path().filename().string() << std::endl;
+        std::ifstream stream(entry.path(), std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(stream), {}};
+        marrowpress::require(stream.good(), "an input can be read", entry.path().string());
+        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+        ++count;
+    }
+    return count;
+}
+
+}  // namespace
+
+/// Goes through the inputs in the folders that are named. A finding ends the process; so do folders
+/// without any input.
+int main(int argc, char** argv) try {
     std::size_t count = 0;
     for (int i = 1; i < argc; ++i) {
-        for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
-            std::cout << entry.path().filename().string() << std::endl;
-            std::ifstream stream(entry.path(), std::ios::binary);
-            const std::string text{std::istreambuf_iterator<char>(stream), {}};
-            if (!stream) {
-                std::cerr << argv[0] << ": " << entry.path() << " can't be read\n";
-                return 1;
-            }
-            LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
-            ++count;
-        }
+        count += replay(argv[i]);
     }
     std::cout << count << " inputs\n";
     return count > 0 ? 0 : 1;
+} catch (const std::exception& failure) {
+    std::cerr << argv[0] << ": " << failure.what() << '\n';
+    return 1;
 }

@@ -43,6 +43,19 @@ std::int32_t attach(void* module, marrowpress::IHostObject* provider,
                                      {&marrowpress::onClientInitialize, &marrowpress::onNotify});
 }
 
+/// Whether a "/" in `text` may be the first of a path.
+bool beginsAtRoot(std::string_view text) {
+    for (std::size_t slash = text.find('/'); slash != std::string_view::npos;
+         slash = text.find('/', slash + 1)) {
+        const bool isFirst = slash == 0 || std::string_view("\"'>: \t\r\n").find(text[slash - 1]) !=
+                                               std::string_view::npos;
+        if (isFirst && !text.substr(slash).starts_with("/>")) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// One input: the folder with its files, and what its requests say.
 class Job {
 public:
@@ -86,17 +99,7 @@ Job::Job(const TemporaryFolder& folder, std::string_view input)
 /// Whether no reference leads above the folder, by its text: a component stands beside its source.
 bool Job::staysInFolder() const {
     return std::all_of(texts_.begin(), texts_.end(), [](const std::string& text) {
-        std::size_t slash = text.find('/');
-        while (slash != std::string::npos) {
-            const bool isWithinName = slash > 0 && std::isalnum(text[slash - 1]);
-            const bool isOfTag = (slash > 0 && text[slash - 1] == '<') ||
-                                 (slash + 1 < text.size() && text[slash + 1] == '>');
-            if (!isWithinName && !isOfTag) {
-                return false;
-            }
-            slash = text.find('/', slash + 1);
-        }
-        return text.find("..") == std::string::npos &&
+        return !beginsAtRoot(text) && text.find("..") == std::string::npos &&
                text.find_first_of(std::string_view("\\%&\0", 4)) == std::string::npos;
     });
 }
