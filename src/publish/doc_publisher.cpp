@@ -165,6 +165,7 @@ void DocPublisher::refuseForeignParams(const PublishParams& params) const {
 }
 
 void DocPublisher::refuseUnsafePlaces(const PublishParams& params) {
+    params.refuseNul();
     std::vector<std::u16string> outputs = getOutputPaths(params);
     outputs.push_back(getKeySpaceDocPath(params));
     requireSeparateFiles(outputs, {textOrNone([&] { return getMapPath(params); }),

@@ -41,15 +41,30 @@ const PublishParamsFactory& factoryFor(const PublishParamsFactories& factories,
     throw UnsupportedPublishParamsException();
 }
 
+void refuseNulIn(const boost::json::string& text) {
+    if (text.find('\0') != boost::json::string::npos) {
+        throw UnsupportedPublishParamsException();
+    }
+}
+
 }  // namespace
+
+void PublishParams::refuseNul() const {
+    const boost::json::object* const params = params_.if_object();
+    if (!params) {
+        return;
+    }
+    for (const auto& [key, value] : *params) {
+        if (const boost::json::string* const text = value.if_string()) {
+            refuseNulIn(*text);
+        }
+    }
+}
 
 std::u16string PublishParams::readString(std::string_view key) const {
     return refusing([&] {
         const boost::json::string& text = params_.as_object().at(key).as_string();
-        if (text.find('\0') != boost::json::string::npos) {
-            // What stands in front of it would name another file.
-            throw UnsupportedPublishParamsException();
-        }
+        refuseNulIn(text);
         return toUtf16(std::string_view(text));
     });
 }

@@ -37,6 +37,11 @@ public:
     std::u16string getCompositeDocDtd() const { return readString("compositeDocDtd"); }
     bool getUsePrint() const { return readBool("usePrint"); }
 
+    /// Refuses a text with a NUL, wherever it is needed: cut there, it would name another file.
+    ///
+    /// @throws UnsupportedPublishParamsException.
+    void refuseNul() const;
+
     /// The key space document's file, once the run has named it: to remove it must take no memory,
     /// which may be what the run fails for.
     const std::filesystem::path& keySpaceDoc() const noexcept { return keySpaceDoc_; }

@@ -171,6 +171,12 @@ TEST_F(OddRequestDangerTest, WithANulInAPathIsRefusedAndSourcesStay) {
         params[key] = std::string(params[key].as_string()) + std::string("\0x", 2);
         EXPECT_EQ(publish(params), -43) << key;
     }
+    for (const char* const key : {"ditamap", "ditaVal"}) {
+        params = good;
+        params["output"] = params[key];
+        params[key] = std::string(params[key].as_string()) + std::string("\0x", 2);
+        EXPECT_EQ(publish(params), -43) << key;
+    }
     EXPECT_EQ(folder.read("root.ditamap"), map);
     EXPECT_EQ(folder.read("p.ditaval"), "<val/>");
     EXPECT_EQ(publish(good), 0);
