@@ -51,12 +51,10 @@ void refuseNulIn(const boost::json::string& text) {
 
 void PublishParams::refuseNul() const {
     const boost::json::object* const params = params_.if_object();
-    if (!params) {
-        return;
-    }
-    for (const auto& [key, value] : *params) {
-        if (const boost::json::string* const text = value.if_string()) {
-            refuseNulIn(*text);
+    for (const char* const key : {"ditamap", "ditaVal", "keyspaceDocDtd", "compositeDocDtd"}) {
+        const boost::json::value* const value = params ? params->if_contains(key) : nullptr;
+        if (value && value->is_string()) {
+            refuseNulIn(value->get_string());
         }
     }
 }

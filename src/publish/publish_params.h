@@ -37,7 +37,8 @@ public:
     std::u16string getCompositeDocDtd() const { return readString("compositeDocDtd"); }
     bool getUsePrint() const { return readBool("usePrint"); }
 
-    /// Refuses a text with a NUL, wherever it is needed: cut there, it would name another file.
+    /// Refuses a NUL in the texts of the getters above, before a step does that needs one: cut
+    /// there, it would name another file. What else is wrong with them shows at that step.
     ///
     /// @throws UnsupportedPublishParamsException.
     void refuseNul() const;
