@@ -3,7 +3,6 @@
 #include <libxml/catalog.h>
 #include <libxml/parser.h>
 #include <libxml/uri.h>
-#include <unistd.h>
 
 #include "host/libxml_handles.h"
 
@@ -48,8 +47,6 @@ bool isFatalCatalog(const _xmlDoc& document) {
 bool isFatalCatalog(int descriptor) {
     const LibxmlDocument document(xmlReadFd(
         descriptor, nullptr, nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
-    // Where this fails, what is read next is cut and no catalog.
-    lseek(descriptor, 0, SEEK_SET);
     return document && isFatalCatalog(*document);
 }
 

@@ -9,8 +9,8 @@ namespace marrowpress {
 /// because the attribute is missing or no URI.
 bool isFatalCatalog(const _xmlDoc& document);
 
-/// The same of the file behind an open descriptor, which is read from its beginning and set back
-/// there. What is no XML is no catalog either, and does no harm.
+/// The same of what an open descriptor has left to read, which it has not then. What is no XML is
+/// no catalog either, and does no harm.
 bool isFatalCatalog(int descriptor);
 
 }  // namespace marrowpress

@@ -120,6 +120,10 @@ void* openLocalFile(const char* name) {
     if (!isRegularFile(descriptor) || isFatalCatalog(descriptor)) {
         return nullptr;
     }
+    if (lseek(descriptor, 0, SEEK_SET) != 0) {
+        noteFailure(errno);
+        return nullptr;
+    }
     // From here on it is libxml2's, which hands it back to be closed.
     return file.release();
 }

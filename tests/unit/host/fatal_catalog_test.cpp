@@ -49,9 +49,6 @@ TEST_P(FatalCatalogTest, IsKnown) {
 
     const int file = open(folder.write("c.xml", text).c_str(), O_RDONLY | O_CLOEXEC);
     EXPECT_EQ(isFatalCatalog(file), GetParam().isFatal);
-    char first = 0;
-    EXPECT_EQ(read(file, &first, 1), 1);
-    EXPECT_EQ(first, '<') << "the next reader finds the beginning";
     close(file);
 }
 
