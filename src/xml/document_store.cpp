@@ -184,7 +184,7 @@ xercesc::DOMDocument* DocumentStore::load(const std::u16string& path) {
         // No fault of the file, and nothing that the run can go on from.
         throw;
     } catch (const xercesc::OutOfMemoryException&) {
-        failures_[path] = {u"it takes too much memory", {}, 0, 0, false};
+        failures_[path] = {u"it takes too much memory or time", {}, 0, 0, false};
         return nullptr;
     } catch (...) {
         // The caller reports that the file can't be read; why is kept beside.
