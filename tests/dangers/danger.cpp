@@ -5,19 +5,10 @@
 #include <utility>
 
 #include "tests/support/file_conditions.h"
-#include "tests/support/texts.h"
 
 namespace marrowpress {
 
 namespace fs = std::filesystem;
-
-std::string repeated(std::string_view text, std::size_t count) {
-    std::string all;
-    for (std::size_t copy = 0; copy < count; ++copy) {
-        all += text;
-    }
-    return all;
-}
 
 std::string reference(std::string_view tag, std::string_view href) {
     std::string text = "<";
@@ -52,17 +43,19 @@ std::string escaped(std::string_view text) {
     return replacedAll(std::move(result), "\"", "&quot;");
 }
 
-DangerTest::DangerTest()
-    : WholeRequestTest(resolving()), earlierFolder_(std::filesystem::current_path()) {
-    fs::create_directories(folder.path() / "out");
-    fs::current_path(folder.path() / "out");
-    folder.write("beside.dita", topic("beside", "<body><p>Beside it.</p></body>"));
-    writeMap();
+namespace {
+
+fs::path madeOutFolder(const TemporaryFolder& folder) {
+    fs::path made = folder.path() / "out";
+    fs::create_directories(made);
+    return made;
 }
 
-DangerTest::~DangerTest() {
-    std::error_code ignored;
-    fs::current_path(earlierFolder_, ignored);
+}  // namespace
+
+DangerTest::DangerTest() : WholeRequestTest(resolving()), currentFolder_(madeOutFolder(folder)) {
+    folder.write("beside.dita", topic("beside", "<body><p>Beside it.</p></body>"));
+    writeMap();
 }
 
 StandInHostOptions DangerTest::resolving() {

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tests/support/current_folder.h"
+#include "tests/support/texts.h"
 #include "tests/support/whole_request.h"
 
 /// Requests about what strangers may have written, and a topic that must not suffer from it.
@@ -14,9 +16,6 @@ namespace marrowpress {
 
 /// The mode of what a test makes without a stream.
 inline constexpr mode_t kOwnerOnly = 0600;
-
-/// `count` times the text.
-std::string repeated(std::string_view text, std::size_t count);
 
 /// `href` as a reference of a map, of any tag.
 std::string reference(std::string_view tag, std::string_view href);
@@ -32,7 +31,6 @@ std::string escaped(std::string_view text);
 class DangerTest : public WholeRequestTest {
 protected:
     DangerTest();
-    ~DangerTest() override;
 
     /// Writes "root.ditamap", which refers to what stands in `content` and to "beside.dita" behind
     /// it.
@@ -56,7 +54,7 @@ protected:
 private:
     StandInHostOptions resolving();
 
-    std::filesystem::path earlierFolder_;
+    CurrentFolder currentFolder_;
 };
 
 }  // namespace marrowpress

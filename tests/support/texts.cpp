@@ -13,6 +13,14 @@ std::string replacedAll(std::string text, std::string_view from, std::string_vie
     return text;
 }
 
+std::string repeated(std::string_view text, std::size_t count) {
+    std::string all;
+    for (std::size_t copy = 0; copy < count; ++copy) {
+        all += text;
+    }
+    return all;
+}
+
 std::string IdNames::named(const std::string& text) {
     static const std::regex kId(
         "id[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");

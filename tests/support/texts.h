@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,9 @@ namespace marrowpress {
 
 /// `text` with `to` in the place of each `from`.
 std::string replacedAll(std::string text, std::string_view from, std::string_view to);
+
+/// `count` times the text.
+std::string repeated(std::string_view text, std::size_t count);
 
 /// The ids that topics get in a request, in their order: the first five.
 inline constexpr std::string_view kGeneratedIds[] = {

@@ -9,6 +9,7 @@
 
 #include "tests/support/file_conditions.h"
 #include "tests/support/scripted_interfaces.h"
+#include "tests/support/texts.h"
 #include "tests/unit/xml/sample_documents.h"
 #include "xml/request_memory.h"
 
@@ -518,14 +519,6 @@ std::string ambiguousModel() {
         model += ",(b|c)";
     }
     return model + ")>";
-}
-
-std::string repeated(std::string_view text, int count) {
-    std::string all;
-    for (int copy = 0; copy < count; ++copy) {
-        all += text;
-    }
-    return all;
 }
 
 /// The first one ends at any internal subset.
