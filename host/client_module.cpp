@@ -22,10 +22,10 @@ void ClientModule::Close::operator()(void* handle) const noexcept {
     dlclose(handle);
 }
 
-// A module that was loaded once stays in the process, as in the application: memory checkers can
-// name its code to the end.
-ClientModule::ClientModule(const std::filesystem::path& path)
-    : handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)), entry_(nullptr) {
+ClientModule::ClientModule(const std::filesystem::path& path, AtEnd atEnd)
+    : handle_(dlopen(path.c_str(),
+                     RTLD_NOW | RTLD_LOCAL | (atEnd == AtEnd::kStays ? RTLD_NODELETE : 0))),
+      entry_(nullptr) {
     if (!handle_) {
         throw std::runtime_error("cannot load the client module: " + lastLoaderError());
     }

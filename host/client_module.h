@@ -10,10 +10,16 @@ namespace marrowpress {
 /// A loaded client module. Must outlive everything that came from it.
 class ClientModule {
 public:
-    /// Loads the module at `path`, with all of its symbols bound.
+    /// What becomes of a module whose owner ends.
+    enum class AtEnd {
+        kStays,  ///< as in the application: memory checkers can name its code to the end
+        kGoes,
+    };
+
+    /// Loads the module at `path`, with all of its symbols bound. Once it was to stay it does.
     ///
     /// @throws std::runtime_error when it cannot be loaded, or has no entry function.
-    explicit ClientModule(const std::filesystem::path& path);
+    explicit ClientModule(const std::filesystem::path& path, AtEnd atEnd = AtEnd::kStays);
 
     ClientEntry entry() const noexcept { return entry_; }
     void* handle() const noexcept { return handle_.get(); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/give_interface.h"
 #include "host/message_lines.h"
 #include "host/trace.h"
 #include "host/xml_utilities.h"
@@ -44,15 +45,6 @@ void set(Value* target, Value value) {
 
 std::string_view viewOf(const char* text) {
     return text ? text : std::string_view();
-}
-
-template <class Interface, class Object>
-bool give(Object& object, const InterfaceId& id, void** found) {
-    if (id != Interface::kId) {
-        return false;
-    }
-    *found = static_cast<Interface*>(&object);
-    return true;
 }
 
 }  // namespace
@@ -99,12 +91,10 @@ ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object
     }
     *object = nullptr;
     const bool isFound =
-        give<IHostMain>(*this, id, object) || give<IHostText>(*this, id, object) ||
-        give<IHostModules>(*this, id, object) || give<IHostNotifications>(*this, id, object) ||
-        give<IHostClients>(*this, id, object) || give<IHostProperties>(*this, id, object) ||
-        give<IHostProgress>(*this, id, object) || give<IHostConsole>(*this, id, object) ||
-        (options_.onObservation && give<IHostObserver>(*this, id, object)) ||
-        give<IHostObject>(provider(), id, object);
+        giveInterface<IHostMain, IHostText, IHostModules, IHostNotifications, IHostClients,
+                      IHostProperties, IHostProgress, IHostConsole>(*this, id, object) ||
+        (options_.onObservation && giveInterface<IHostObserver>(*this, id, object)) ||
+        giveInterface<IHostObject>(provider(), id, object);
     if (!isFound) {
         return kComNoInterface;
     }

@@ -19,12 +19,15 @@ struct OddFile {
     void (*make)(const std::string& path);
 };
 
+/// Not each file system has room for one.
 void makeLargerThanAnyMemory(const std::string& path) {
-    std::error_code error;
     constexpr std::uintmax_t kTerabyte = 1ULL << 40;
     ASSERT_NE(::mknod(path.c_str(), S_IFREG | kOwnerOnly, 0), -1);
+    std::error_code error;
     fs::resize_file(path, 4 * kTerabyte, error);
-    ASSERT_FALSE(error) << "no file of that size: " << error.message();
+    if (error) {
+        GTEST_SKIP() << "no file of that size: " << error.message();
+    }
 }
 
 const OddFile kOddFiles[] = {
@@ -45,7 +48,7 @@ const OddFile kOddFiles[] = {
 
 class OddFileDangerTest : public DangerTest, public testing::WithParamInterface<OddFile> {
 protected:
-    OddFileDangerTest() {
+    void SetUp() override {
         GetParam().make(folder.file(kOddTopic));
         GetParam().make(folder.file(kOddMap));
     }

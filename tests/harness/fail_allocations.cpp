@@ -20,8 +20,8 @@
 #include "host/stand_in_host.h"
 #include "host/typed_record.h"
 #include "tests/harness/failing_allocations.h"
+#include "tests/harness/host_with_dtds.h"
 #include "tests/harness/host_with_memory.h"
-#include "tests/harness/loaded_module.h"
 
 // Sends the module requests for which an allocation fails: fail_allocations REQUEST NEXT DTDS. DTDS
 // is a folder with "map.dtd" and "topic.dtd". Each line of standard input is a number and `single`
@@ -75,7 +75,7 @@ private:
         return options;
     }
 
-    LoadedModule module_;
+    ClientModule module_;
     boost::json::array lines_;
     StandInHost host_;
     HostWithMemory between_;

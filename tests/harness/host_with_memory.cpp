@@ -1,20 +1,9 @@
 #include "tests/harness/host_with_memory.h"
 
+#include "host/give_interface.h"
 #include "tests/harness/failing_allocations.h"
 
 namespace marrowpress {
-namespace {
-
-template <class Interface, class Object>
-bool give(Object& object, const InterfaceId& id, void** found) {
-    if (id != Interface::kId) {
-        return false;
-    }
-    *found = static_cast<Interface*>(&object);
-    return true;
-}
-
-}  // namespace
 
 HostWithMemory::HostWithMemory(IHostObject& host)
     : main_(InterfaceRef<IHostMain>::query(&host)),
@@ -38,11 +27,9 @@ ComStatus HostWithMemory::passOn(const InterfaceRef<Interface>& host,
 ComStatus HostWithMemory::queryInterface(const InterfaceId& id, void** object) {
     *object = nullptr;
     const bool isFound =
-        give<IHostMain>(*this, id, object) || give<IHostText>(*this, id, object) ||
-        give<IHostModules>(*this, id, object) || give<IHostNotifications>(*this, id, object) ||
-        give<IHostClients>(*this, id, object) || give<IHostProperties>(*this, id, object) ||
-        give<IHostProgress>(*this, id, object) || give<IHostConsole>(*this, id, object) ||
-        give<IHostObject>(provider(), id, object);
+        giveInterface<IHostMain, IHostText, IHostModules, IHostNotifications, IHostClients,
+                      IHostProperties, IHostProgress, IHostConsole>(*this, id, object) ||
+        giveInterface<IHostObject>(provider(), id, object);
     if (!isFound) {
         return kComNoInterface;
     }

@@ -13,7 +13,7 @@
 #include "host/file_text.h"
 #include "host/stand_in_host.h"
 #include "host/typed_record.h"
-#include "tests/harness/loaded_module.h"
+#include "tests/harness/host_with_dtds.h"
 
 // Loads the module, sends it a request and unloads it, again and again, and prints after each time
 // what the process holds: load_module REQUEST DTDS TIMES. DTDS is a folder with "map.dtd" and
@@ -57,7 +57,7 @@ std::size_t countMappings(const fs::path& file) {
 
 /// Sends the request to a module that is loaded for it alone.
 void sendOnce(const fs::path& path, const std::string& request, const fs::path& dtds) {
-    const LoadedModule module(path);
+    const ClientModule module(path, ClientModule::AtEnd::kGoes);
     if (countMappings(path) == 0) {
         throw std::runtime_error("the module isn't loaded under its path");
     }
