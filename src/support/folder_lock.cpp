@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <string>
@@ -14,14 +13,8 @@ namespace marrowpress {
 FolderLock::FolderLock(std::u16string_view folder)
     : descriptor_(::open(folder.empty() ? "." : nativePath(folder).c_str(),
                          O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+    if (descriptor_ && ::flock(descriptor_.get(), LOCK_EX | LOCK_NB) != 0) {
         isTaken_ = errno == EWOULDBLOCK;
-    }
-}
-
-FolderLock::~FolderLock() {
-    if (descriptor_ >= 0) {
-        ::close(descriptor_);
     }
 }
 

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "support/file_descriptor.h"
+
 namespace marrowpress {
 
 /// Keeps other runs out of a folder for as long as it lives: an advisory lock on the folder itself,
@@ -13,13 +15,12 @@ public:
     explicit FolderLock(std::u16string_view folder);
     FolderLock(const FolderLock&) = delete;
     FolderLock& operator=(const FolderLock&) = delete;
-    ~FolderLock();
 
     /// Whether somebody else holds the lock, in this process or another.
     bool isTaken() const noexcept { return isTaken_; }
 
 private:
-    int descriptor_;
+    FileDescriptor descriptor_;
     bool isTaken_ = false;
 };
 

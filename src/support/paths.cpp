@@ -2,13 +2,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
 #include <vector>
 
+#include "support/file_descriptor.h"
 #include "support/text.h"
 
 namespace marrowpress {
@@ -246,14 +246,13 @@ bool isIrregularFile(std::u16string_view path) noexcept try {
 
 std::string unreadableReason(std::u16string_view path) {
     // Not blocking: it may be a pipe that nobody writes to.
-    const int descriptor =
-        ::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) {
+    const FileDescriptor descriptor(
+        ::open(nativePath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    if (!descriptor) {
         return std::generic_category().message(errno);
     }
     struct stat status {};
-    const bool isRegular = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    ::close(descriptor);
+    const bool isRegular = ::fstat(descriptor.get(), &status) == 0 && S_ISREG(status.st_mode);
     return isRegular ? std::string() : std::string("not a regular file");
 }
 

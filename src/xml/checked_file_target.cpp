@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <system_error>
-#include <utility>
 
 #include "support/paths.h"
 
@@ -21,11 +20,10 @@ constexpr std::size_t kHeldBackAtMost = 65536;
 
 /// Throws where the file at `name` must not be written.
 void requireWritable(const char* name) {
-    const int descriptor = ::open(name, O_WRONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0) {
+    const FileDescriptor descriptor(::open(name, O_WRONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+    if (!descriptor) {
         throwLastError("open");
     }
-    ::close(descriptor);
 }
 
 /// Removes the name of an old file, or of a link, whose target stays as it is.
@@ -53,24 +51,16 @@ CheckedFileFormatTarget::CheckedFileFormatTarget(const std::u16string& path,
     takeAway(name.c_str());
     // Of this run alone: what came into the place meanwhile is not written through.
     constexpr mode_t kUsual = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-    descriptor_ = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                         mode.value_or(kUsual));
-    if (descriptor_ < 0) {
+    descriptor_ = FileDescriptor(::open(
+        name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode.value_or(kUsual)));
+    if (!descriptor_) {
         throwLastError("open");
     }
     // The process may give new files fewer rights than the old one had.
-    if (mode && ::fchmod(descriptor_, *mode) != 0) {
-        const int error = errno;
-        ::close(descriptor_);
-        throw std::system_error(error, std::generic_category(), "chmod");
+    if (mode && ::fchmod(descriptor_.get(), *mode) != 0) {
+        throwLastError("chmod");
     }
     heldBack_.reserve(kHeldBackAtMost);
-}
-
-CheckedFileFormatTarget::~CheckedFileFormatTarget() {
-    if (descriptor_ >= 0) {
-        ::close(descriptor_);
-    }
 }
 
 void CheckedFileFormatTarget::writeChars(const XMLByte* bytes, XMLSize_t count,
@@ -83,7 +73,7 @@ void CheckedFileFormatTarget::writeChars(const XMLByte* bytes, XMLSize_t count,
 
 void CheckedFileFormatTarget::close() {
     writeHeldBack();
-    if (::close(std::exchange(descriptor_, -1)) != 0) {
+    if (::close(descriptor_.release()) != 0) {
         throwLastError("close");
     }
 }
@@ -92,7 +82,7 @@ void CheckedFileFormatTarget::writeHeldBack() {
     std::size_t written = 0;
     while (written < heldBack_.size()) {
         const ssize_t count =
-            ::write(descriptor_, heldBack_.data() + written, heldBack_.size() - written);
+            ::write(descriptor_.get(), heldBack_.data() + written, heldBack_.size() - written);
         if (count == 0) {
             // Neither bytes nor a reason: nothing says that it would ever end.
             throw std::system_error(EIO, std::generic_category(), "write");

@@ -7,6 +7,8 @@
 #include <vector>
 #include <xercesc/framework/XMLFormatter.hpp>
 
+#include "support/file_descriptor.h"
+
 namespace marrowpress {
 
 /// A regular file as the target of a serializer, where every byte counts.
@@ -27,7 +29,7 @@ public:
     CheckedFileFormatTarget(const CheckedFileFormatTarget&) = delete;
     CheckedFileFormatTarget& operator=(const CheckedFileFormatTarget&) = delete;
     /// Closes the file if `close` did not. Unwritten bytes are lost then.
-    ~CheckedFileFormatTarget() override;
+    ~CheckedFileFormatTarget() override = default;
 
     /// @throws std::system_error when the bytes can't be written.
     void writeChars(const XMLByte* bytes, XMLSize_t count,
@@ -41,7 +43,7 @@ public:
 private:
     void writeHeldBack();
 
-    int descriptor_ = -1;
+    FileDescriptor descriptor_;
     std::vector<char> heldBack_;
 };
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -65,19 +64,6 @@ std::unique_ptr<xercesc::BinInputStream> mappedStream(const XMLCh* path,
 }
 
 }  // namespace
-
-FileDescriptor::FileDescriptor(FileDescriptor&& other) noexcept
-    : number_(std::exchange(other.number_, -1)) {}
-
-FileDescriptor::~FileDescriptor() {
-    if (number_ >= 0) {
-        ::close(number_);
-    }
-}
-
-int FileDescriptor::release() noexcept {
-    return std::exchange(number_, -1);
-}
 
 xercesc::BinInputStream* openLocalFile(const XMLCh* path, xercesc::MemoryManager* manager) {
     FileDescriptor descriptor = openRegularFile(toUtf8(domText(path)));

@@ -5,24 +5,9 @@
 #include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/util/BinInputStream.hpp>
 
+#include "support/file_descriptor.h"
+
 namespace marrowpress {
-
-/// Owner of a handle on a file; may have none.
-class FileDescriptor {
-public:
-    explicit FileDescriptor(int number = -1) noexcept : number_(number) {}
-    FileDescriptor(FileDescriptor&& other) noexcept;
-    FileDescriptor& operator=(FileDescriptor&&) = delete;
-    ~FileDescriptor();
-
-    explicit operator bool() const noexcept { return number_ >= 0; }
-    int get() const noexcept { return number_; }
-    /// Gives the handle away.
-    int release() noexcept;
-
-private:
-    int number_;
-};
 
 /// A stream of the file at `path` that the caller owns, or null when it can't be opened. Files of
 /// up to 16 MB are read through a handle; larger ones through a memory mapping, or, when that can't
