@@ -8,6 +8,7 @@
 #include <fstream>
 #include <system_error>
 
+#include "cli/file_place.h"
 #include "cli/output_folder.h"
 #include "marrowpress/output_names.h"
 
@@ -71,23 +72,11 @@ std::optional<std::string> findPlaceFault(const NamedPath& report) {
     return std::nullopt;
 }
 
-/// The path without links and detours, as far as it exists.
-fs::path resolved(const fs::path& path) {
-    std::error_code error;
-    const fs::path canonical = fs::weakly_canonical(path, error);
-    return error ? path.lexically_normal() : canonical;
-}
-
-bool resolveToSame(const fs::path& left, const fs::path& right) {
-    std::error_code ignored;
-    return fs::equivalent(left, right, ignored) || resolved(left) == resolved(right);
-}
-
 /// The one of `others` that is the same file; null when none is.
 const NamedPath* findSame(const NamedPath& report, const std::vector<NamedPath>& others) {
     const auto found = std::find_if(
         others.begin(), others.end(),
-        [&report](const NamedPath& other) { return resolveToSame(report.path, other.path); });
+        [&report](const NamedPath& other) { return haveOnePlace(report.path, other.path); });
     return found == others.end() ? nullptr : &*found;
 }
 
