@@ -21,10 +21,10 @@ target_compile_options(
 
 # A source is compiled together with others then; these two judge the names of one by itself, as they
 # do in the presets without it.
-if(CMAKE_UNITY_BUILD)
-    target_compile_options(marrowpress_build_flags INTERFACE -Wno-shadow
-                                                             $<${is_gcc}:-Wno-subobject-linkage>)
-endif()
+set(is_unit $<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>)
+target_compile_options(
+    marrowpress_build_flags INTERFACE $<${is_unit}:-Wno-shadow>
+                                      $<$<AND:${is_unit},${is_gcc}>:-Wno-subobject-linkage>)
 
 # Documents come from strangers, and the module runs inside somebody else's process.
 # scripts/check-hardening looks for all of it in what was built.
