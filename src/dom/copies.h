@@ -4,6 +4,7 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "dom/nodes.h"
 #include "dom/source_places.h"
 
 namespace marrowpress {
@@ -31,11 +32,11 @@ inline void appendCopies(xercesc::DOMElement& target, const std::vector<xercesc:
 /// The element behind `element` in document order below `root`; null at the end.
 inline xercesc::DOMElement* nextInSubtree(xercesc::DOMElement* element,
                                           const xercesc::DOMElement& root) {
-    if (xercesc::DOMElement* const child = element->getFirstElementChild()) {
+    if (xercesc::DOMElement* const child = firstElementChild(*element)) {
         return child;
     }
     while (element != &root) {
-        if (xercesc::DOMElement* const sibling = element->getNextElementSibling()) {
+        if (xercesc::DOMElement* const sibling = nextElementSibling(*element)) {
             return sibling;
         }
         element = static_cast<xercesc::DOMElement*>(element->getParentNode());

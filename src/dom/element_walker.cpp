@@ -1,11 +1,13 @@
 #include "dom/element_walker.h"
 
+#include "dom/nodes.h"
+
 namespace marrowpress {
 
 namespace {
 
 xercesc::DOMElement* firstChild(const xercesc::DOMElement& element) {
-    return element.getFirstElementChild();
+    return firstElementChild(element);
 }
 
 xercesc::DOMNode* firstChild(const xercesc::DOMNode& node) {
@@ -13,7 +15,7 @@ xercesc::DOMNode* firstChild(const xercesc::DOMNode& node) {
 }
 
 xercesc::DOMElement* nextSibling(const xercesc::DOMElement& element) {
-    return element.getNextElementSibling();
+    return nextElementSibling(element);
 }
 
 xercesc::DOMNode* nextSibling(const xercesc::DOMNode& node) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <vector>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNode.hpp>
@@ -36,7 +35,7 @@ private:
 
     // The path from the root to the position of the walk. A null entry on top stands for a level
     // that has no further nodes.
-    std::deque<Node*> path_;
+    std::vector<Node*> path_;
     const xercesc::DOMNodeFilter& filter_;
     Node* root_;
     Node* current_ = nullptr;

@@ -1,5 +1,7 @@
 #include "dom/nesting_depth.h"
 
+#include <vector>
+
 #include "dom/nodes.h"
 
 namespace marrowpress {
@@ -10,20 +12,24 @@ bool nestsTooDeeplyFrom(std::size_t depth, const xercesc::DOMElement* root) {
     if (root && depth > kDeepestNesting) {
         return true;
     }
-    const xercesc::DOMElement* element = root;
-    while (element) {
-        if (const xercesc::DOMElement* const child = element->getFirstElementChild()) {
-            if (++depth > kDeepestNesting) {
+    // The path to the element that is looked at.
+    std::vector<const xercesc::DOMElement*> path;
+    for (const xercesc::DOMElement* element = root; element;) {
+        if (const xercesc::DOMElement* const child = firstElementChild(*element)) {
+            path.push_back(element);
+            if (depth + path.size() > kDeepestNesting) {
                 return true;
             }
             element = child;
             continue;
         }
-        while (element != root && !element->getNextElementSibling()) {
-            element = static_cast<const xercesc::DOMElement*>(element->getParentNode());
-            --depth;
+        // The root's own siblings are none of its subtree.
+        const xercesc::DOMElement* sibling = path.empty() ? nullptr : nextElementSibling(*element);
+        while (!sibling && path.size() > 1) {
+            sibling = nextElementSibling(*path.back());
+            path.pop_back();
         }
-        element = element == root ? nullptr : element->getNextElementSibling();
+        element = sibling;
     }
     return false;
 }

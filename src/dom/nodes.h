@@ -21,6 +21,27 @@ inline xercesc::DOMElement* asElement(xercesc::DOMNode* node) noexcept {
     return const_cast<xercesc::DOMElement*>(asElement(static_cast<const xercesc::DOMNode*>(node)));
 }
 
+/// `node` if it is an element, else the first element among the siblings behind it; null when there
+/// is none, or for null.
+inline xercesc::DOMElement* elementFrom(xercesc::DOMNode* node) noexcept {
+    while (node && node->getNodeType() != xercesc::DOMNode::ELEMENT_NODE) {
+        node = node->getNextSibling();
+    }
+    return static_cast<xercesc::DOMElement*>(node);
+}
+
+/// The first element among the children of `parent`; null without one. The engine's own questions
+/// of these names look at the parent behind each last child, in case it is an entity reference,
+/// which no tree here has. That costs more than the rest of a walk.
+inline xercesc::DOMElement* firstElementChild(const xercesc::DOMNode& parent) noexcept {
+    return elementFrom(parent.getFirstChild());
+}
+
+/// The first element among the siblings behind `node`; null without one.
+inline xercesc::DOMElement* nextElementSibling(const xercesc::DOMNode& node) noexcept {
+    return elementFrom(node.getNextSibling());
+}
+
 /// `first` and the siblings behind it, up to `stop`, which is left out; to the last without one.
 inline std::vector<xercesc::DOMNode*> siblingsFrom(xercesc::DOMNode* first,
                                                    const xercesc::DOMNode* stop = nullptr) {
@@ -39,8 +60,8 @@ inline std::vector<xercesc::DOMNode*> childrenOf(const xercesc::DOMNode& parent)
 /// The elements among the children of `parent`, in order.
 inline std::vector<xercesc::DOMElement*> childElementsOf(const xercesc::DOMElement& parent) {
     std::vector<xercesc::DOMElement*> children;
-    for (xercesc::DOMElement* child = parent.getFirstElementChild(); child;
-         child = child->getNextElementSibling()) {
+    for (xercesc::DOMElement* child = firstElementChild(parent); child;
+         child = nextElementSibling(*child)) {
         children.push_back(child);
     }
     return children;

@@ -66,7 +66,7 @@ void observeExcludedKeys(RunObserver& observer, const DOMElement& element) {
 /// The element behind all below `element`; null at the end.
 DOMElement* nextBehind(DOMElement* element, const DOMElement& root) {
     while (element != &root) {
-        if (DOMElement* const sibling = element->getNextElementSibling()) {
+        if (DOMElement* const sibling = nextElementSibling(*element)) {
             return sibling;
         }
         element = static_cast<DOMElement*>(element->getParentNode());

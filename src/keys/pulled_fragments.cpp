@@ -41,7 +41,7 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     DOMNode* const copy = importCopy(*reference.getOwnerDocument(), *element,
                                      {&reference, u"href", attributeView(reference, u"href")});
     // Throws for a root: a document has room for one element only.
-    parent->insertBefore(copy, reference.getNextElementSibling());
+    parent->insertBefore(copy, nextElementSibling(reference));
     copies_.emplace(copy, Copy{fragment, cause});
 }
 

@@ -110,13 +110,13 @@ void CompositeDocAssembler::addDocumentShell(DOMElement& root,
     }
     const DOMDocument* const source = DocumentStore::instance().getOrLoad(sourcePath);
     if (classifyDocument(source) == DitaDocKind::DitaDocMap) {
-        copyMapTitle(*shell.getFirstElementChild(), *source);
+        copyMapTitle(*firstElementChild(shell), *source);
     }
 }
 
 void CompositeDocAssembler::copyMapTitle(DOMElement& title, const DOMDocument& map) const {
     const DOMElement& root = *map.getDocumentElement();
-    const DOMElement* const first = root.getFirstElementChild();
+    const DOMElement* const first = firstElementChild(root);
     if (!selects(titleFilter_, first)) {
         title.setTextContent(root.getAttribute(u"title"));
     } else if (selects(bookTitleFilter_, first)) {

@@ -282,8 +282,8 @@ void OutputObservation::observeFragment(const Link& link, std::u16string_view to
 /// Tells of key definitions whose file is read and does not have their fragment.
 void OutputObservation::observeKeys() {
     const DOMElement& root = *keySpace_.document().getDocumentElement();
-    for (const DOMElement* definition = root.getFirstElementChild(); definition;
-         definition = definition->getNextElementSibling()) {
+    for (const DOMElement* definition = firstElementChild(root); definition;
+         definition = nextElementSibling(*definition)) {
         const std::u16string href = attributeOf(*definition, u"href");
         const bool isOwnLink =
             !observer_.keyLinkOf(*definition) && !linkLeadsElsewhere(*definition);

@@ -139,7 +139,7 @@ DOMElement& TopicrefWalk::appendHead(const DOMElement& node, DOMElement& parent)
         return parent;
     }
     DOMElement& shell = createTopicShell(parent);
-    shell.getFirstElementChild()->setTextContent(navtitle.c_str());
+    firstElementChild(shell)->setTextContent(navtitle.c_str());
     return shell;
 }
 

@@ -5,6 +5,7 @@
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "dom/element_walker.h"
+#include "dom/nodes.h"
 #include "references/copied_references.h"
 #include "references/key_definitions.h"
 
@@ -34,16 +35,16 @@ bool isPulled(const DOMElement& element) {
 /// Lets the children of `target` remember what those of `source`, whose copies they are, do: the
 /// engine doesn't carry it over.
 void copyMemory(const DOMElement& source, const DOMElement& target) {
-    DOMElement* original = source.getFirstElementChild();
-    DOMElement* copy = target.getFirstElementChild();
+    DOMElement* original = firstElementChild(source);
+    DOMElement* copy = firstElementChild(target);
     while (original && copy) {
         forEachCopiedElement(*original, *copy, [](const DOMElement& from, DOMElement& to) {
             if (void* const memory = from.getUserData(kPulledFrom)) {
                 to.setUserData(kPulledFrom, memory, nullptr);
             }
         });
-        original = original->getNextElementSibling();
-        copy = copy->getNextElementSibling();
+        original = nextElementSibling(*original);
+        copy = nextElementSibling(*copy);
     }
 }
 

@@ -25,7 +25,7 @@ const DOMElement* contentSource(const DOMElement& element, const DOMElement& def
                                 bool declaresHref) {
     static const TopicmetaNodeFilter topicmetas;
     static const TopicrefNodeFilter topicrefs;
-    const DOMElement* const meta = definition.getFirstElementChild();
+    const DOMElement* const meta = firstElementChild(definition);
     if (!selects(topicmetas, meta)) {
         return nullptr;
     }
@@ -172,9 +172,9 @@ const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definiti
 
 DOMElement* findChildByTag(std::u16string_view tagName, const DOMElement& parent) {
     const ElemTagBasedElementNodeFilter filter{std::u16string(tagName)};
-    DOMElement* child = parent.getFirstElementChild();
+    DOMElement* child = firstElementChild(parent);
     while (child && !selects(filter, child)) {
-        child = child->getNextElementSibling();
+        child = nextElementSibling(*child);
     }
     return child;
 }

@@ -89,6 +89,12 @@ public:
     /// it was last asked for; null where it was read, or the parser said nothing.
     const ParseFailure* failureOf(const std::u16string& path) const;
 
+    /// The DTD of the file at `dtdPath` that documents were read with; null when there is none, or
+    /// it isn't whole.
+    const KeptDtd* dtd(const std::u16string& dtdPath) const {
+        return loader_.parser().dtds().findSound(dtdPath);
+    }
+
     /// The requested paths that are open in the host, whether or not they could be read.
     const OpenDocumentRecords& touchedOpenDocuments() const noexcept {
         return touchedOpenDocuments_;

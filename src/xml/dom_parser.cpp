@@ -5,7 +5,9 @@
 #include <xercesc/util/SecurityManager.hpp>
 
 #include "support/scope_exit.h"
+#include "support/short_cuts.h"
 #include "support/text.h"
+#include "support/work_counts.h"
 #include "support/xerces_ptr.h"
 #include "xml/mapped_input.h"
 #include "xml/place_recording_parser.h"
@@ -40,7 +42,7 @@ void applySettings(QSXercesDOMParser& parser, xercesc::HandlerBase* errorHandler
                    QSXMLEntityResolver* entityResolver) {
     parser.setValidationScheme(xercesc::XercesDOMParser::Val_Auto);
     parser.setErrorHandler(errorHandler);
-    parser.setXMLEntityResolver(entityResolver);
+    parser.setResolver(*entityResolver);
     parser.setDoNamespaces(false);
     parser.setDoSchema(true);
     parser.setValidationSchemaFullChecking(true);
@@ -49,6 +51,14 @@ void applySettings(QSXercesDOMParser& parser, xercesc::HandlerBase* errorHandler
     parser.useCachedGrammarInParse(true);
     parser.setIgnoreCachedDTD(true);
     parser.setSecurityManager(expansionLimit());
+}
+
+/// What a try of the file at `path` comes to that is known to fail: scanning a DTD costs as much as
+/// a hundred topics.
+[[noreturn]] void repeatFailure(const std::u16string& path, const std::exception_ptr& failure) {
+    sendStart(path);
+    sendEnd();
+    std::rethrow_exception(failure);
 }
 
 std::unique_ptr<QSXercesDOMParser> makeParser() {
@@ -73,13 +83,26 @@ ParserBundle::~ParserBundle() {
 
 xercesc::DOMDocument* ParserBundle::parseFile(const std::u16string& path, unsigned retryMask) {
     history_ = {};
+    ++WorkCounts::total().documents;
     return path.empty() ? nullptr : parseWithRetries(path, retryMask);
 }
 
-xercesc::DOMDocument* ParserBundle::parseWithRetries(const std::u16string& path,
-                                                     unsigned retryMask) {
+void ParserBundle::borrowDtd(const KeptDtd& dtd) {
+    for (const std::string& publicId : dtd.publicIds) {
+        entityResolver_->resolvePublicId(publicId);
+    }
+    parser_->borrowDtd(*dtd.grammar);
+}
+
+/// Without a `knownFailure`, which else is that of the first try.
+xercesc::DOMDocument* ParserBundle::parseWithRetries(const std::u16string& path, unsigned retryMask,
+                                                     const std::exception_ptr& knownFailure) {
     Retry retry = Retry::kNone;
+    std::exception_ptr failureToRepeat;
     try {
+        if (knownFailure) {
+            repeatFailure(path, knownFailure);
+        }
         return parseOnce(path);
     } catch (const xercesc::XMLException& failure) {
         if (parser_->getLoadExternalDTD()) {
@@ -89,13 +112,17 @@ xercesc::DOMDocument* ParserBundle::parseWithRetries(const std::u16string& path,
         if (retry == Retry::kNone) {
             throw;
         }
+        if (ShortCuts::passOverRepeatedTries && parser_->dtds().wouldFailAgain()) {
+            failureToRepeat = std::current_exception();
+        }
     }
     return retry == Retry::kWithoutValidation
                ? retryWithoutValidation(path, retryMask ^ kWithoutValidation)
-               : retryWithoutGrammarCache(path, retryMask ^ kWithoutGrammarCache);
+               : retryWithoutGrammarCache(path, retryMask ^ kWithoutGrammarCache, failureToRepeat);
 }
 
 xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
+    ++WorkCounts::total().tries;
     parser_->beginTry();
     sendStart(path);
     const ScopeExit endSession([] { sendEnd(); });
@@ -106,12 +133,15 @@ xercesc::DOMDocument* ParserBundle::parseOnce(const std::u16string& path) {
         parser_->beginFile(path);
         parser_->parse(source);
         parser_->endFile();
+        parser_->succeed();
         return parser_->getDocument();
     } catch (const xercesc::OutOfMemoryException&) {
+        parser_->fail();
         dropDocument();
         replaceParser();
         throw;
     } catch (...) {
+        parser_->fail();
         // The parser would keep the half of a tree until it ends, that of each try beside the
         // others.
         dropDocument();
@@ -143,8 +173,8 @@ xercesc::DOMDocument* ParserBundle::retryWithoutValidation(const std::u16string&
     return parseWithRetries(path, retryMask);
 }
 
-xercesc::DOMDocument* ParserBundle::retryWithoutGrammarCache(const std::u16string& path,
-                                                             unsigned retryMask) {
+xercesc::DOMDocument* ParserBundle::retryWithoutGrammarCache(
+    const std::u16string& path, unsigned retryMask, const std::exception_ptr& knownFailure) {
     const bool isCaching = parser_->isCachingGrammarFromParse();
     const bool isUsing = parser_->isUsingCachedGrammarInParse();
     const ScopeExit restore([&] {
@@ -154,7 +184,7 @@ xercesc::DOMDocument* ParserBundle::retryWithoutGrammarCache(const std::u16strin
     });
     parser_->cacheGrammarFromParse(false);
     parser_->useCachedGrammarInParse(false);
-    return parseWithRetries(path, retryMask);
+    return parseWithRetries(path, retryMask, knownFailure);
 }
 
 }  // namespace marrowpress

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,11 +49,16 @@ public:
     /// validation and without external DTD, as far as `retryMask` allows it; a DTD that can't be
     /// opened skips the former. So a well-formed document loads whatever its DTD is like, at the
     /// last try without the defaults of the DTD. Where memory ran out there is no further try. Each
-    /// try is a session of its own with "XmlUtilities". The parser's settings are as before when
-    /// this returns or throws.
+    /// try is a session of its own with "XmlUtilities", that which is left out because it could
+    /// only fail like the one before it, too. The parser's settings are as before when this returns
+    /// or throws.
     ///
     /// @throws what the last try threw.
     xercesc::DOMDocument* parseFile(const std::u16string& path, unsigned retryMask);
+
+    /// Holds `dtd`, which another parser keeps and which must outlive this, in place of one that it
+    /// would load from the same path. "XmlUtilities" is asked the same questions.
+    void borrowDtd(const KeptDtd& dtd);
 
     /// Ends the document that was parsed last, of which nothing may be used any more.
     void dropDocument() noexcept;
@@ -64,11 +70,13 @@ public:
     const QSXercesDOMParser& parser() const { return *parser_; }
 
 private:
-    xercesc::DOMDocument* parseWithRetries(const std::u16string& path, unsigned retryMask);
+    xercesc::DOMDocument* parseWithRetries(const std::u16string& path, unsigned retryMask,
+                                           const std::exception_ptr& knownFailure = nullptr);
     xercesc::DOMDocument* parseOnce(const std::u16string& path);
     void replaceParser();
     xercesc::DOMDocument* retryWithoutValidation(const std::u16string& path, unsigned retryMask);
-    xercesc::DOMDocument* retryWithoutGrammarCache(const std::u16string& path, unsigned retryMask);
+    xercesc::DOMDocument* retryWithoutGrammarCache(const std::u16string& path, unsigned retryMask,
+                                                   const std::exception_ptr& knownFailure);
 
     // Destroyed from the last to the first.
     std::vector<std::unique_ptr<QSXercesDOMParser>> brokenParsers_;

@@ -12,6 +12,7 @@
 #include "application/host_operations.h"
 #include "support/paths.h"
 #include "support/text.h"
+#include "support/work_counts.h"
 #include "support/xerces_ptr.h"
 #include "xml/mapped_input.h"
 
@@ -142,6 +143,7 @@ void sendTerminate() noexcept {
 
 xercesc::InputSource* QSXMLEntityResolver::resolveEntity(
     xercesc::XMLResourceIdentifier* identifier) {
+    ++WorkCounts::total().resolverCalls;
     std::unique_ptr<xercesc::InputSource> source = findSource(*identifier);
     if (!source) {
         source = engineSource(*identifier);
@@ -170,6 +172,9 @@ std::unique_ptr<xercesc::InputSource> QSXMLEntityResolver::findSource(
         return nullptr;
     }
     const std::string narrowPublicId = toUtf8(publicId);
+    if (recorded_) {
+        recorded_->push_back(narrowPublicId);
+    }
     return sourceForPublicId(&narrowPublicId);
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 #include <xercesc/sax/InputSource.hpp>
 #include <xercesc/util/XMLEntityResolver.hpp>
 
@@ -45,6 +46,10 @@ public:
     /// The path of the entity's file, empty if there is none.
     std::u16string resolvePath(xercesc::XMLResourceIdentifier& identifier);
 
+    /// From now on, each public identifier that a file is looked for by is added to `publicIds`,
+    /// whether its answer is known or not; null for no longer.
+    void recordQuestions(std::vector<std::string>* publicIds) noexcept { recorded_ = publicIds; }
+
     /// The path in UTF-8 that stands for `publicId`, empty if nobody knows one. Asks once.
     std::string resolvePublicId(const std::string& publicId);
 
@@ -57,6 +62,7 @@ private:
         const xercesc::XMLResourceIdentifier& identifier);
 
     std::unordered_map<std::string, std::string> pathsByPublicId_;
+    std::vector<std::string>* recorded_ = nullptr;
 };
 
 }  // namespace marrowpress

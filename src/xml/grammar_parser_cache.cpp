@@ -8,7 +8,10 @@
 #include "dom/document_path.h"
 #include "support/request_singleton.h"
 #include "support/scope_exit.h"
+#include "support/short_cuts.h"
+#include "support/work_counts.h"
 #include "support/xerces_ptr.h"
+#include "xml/document_store.h"
 #include "xml/mapped_input.h"
 #include "xml/request_memory.h"
 
@@ -20,6 +23,7 @@ void loadDtd(QSXercesDOMParser& parser, const xercesc::InputSource& dtd,
              const std::u16string& path) {
     constexpr bool kToCache = false;
     const TryLimits limits(path);
+    ++WorkCounts::total().dtdScans;
     try {
         parser.loadGrammar(dtd, xercesc::Grammar::DTDGrammarType, kToCache);
     } catch (...) {
@@ -38,11 +42,18 @@ void loadDtd(QSXercesDOMParser& parser, const xercesc::InputSource& dtd,
     }
 }
 
-/// A bundle whose parser holds the DTD at `path`, as the grammar of its scanner; none for an
-/// empty path.
+/// The DTD at `path` that documents were read with; null if there is none.
+const KeptDtd* dtdOfDocuments(const std::u16string& path) {
+    const DocumentStore* const documents = RequestSingleton<DocumentStore>::existing();
+    return documents && ShortCuts::shareDtds ? documents->dtd(path) : nullptr;
+}
+
+/// A bundle whose parser has the DTD at `path`; none for an empty path.
 ParserBundle bundleWithDtd(const std::u16string& path) {
     ParserBundle bundle;
-    if (!path.empty()) {
+    if (const KeptDtd* const kept = dtdOfDocuments(path)) {
+        bundle.borrowDtd(*kept);
+    } else if (!path.empty()) {
         // Not by name, for the engine would then open whatever kind of file it is.
         const MemMapLocalFileInputSource dtd(path.c_str(),
                                              xercesc::XMLPlatformUtils::fgMemoryManager);

@@ -3,11 +3,13 @@
 #include <vector>
 #include <xercesc/framework/XMLValidator.hpp>
 #include <xercesc/internal/IGXMLScanner.hpp>
+#include <xercesc/internal/ReaderMgr.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/validators/DTD/DTDElementDecl.hpp>
 #include <xercesc/validators/common/ContentSpecNode.hpp>
 
 #include "support/text.h"
+#include "support/work_counts.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
@@ -49,9 +51,24 @@ QSXercesParseException::QSXercesParseException(unsigned int code, const XMLCh* t
 QSXercesDOMParser::QSXercesDOMParser()
     : XercesDOMParser(nullptr, xercesc::XMLPlatformUtils::fgMemoryManager, nullptr) {}
 
+void QSXercesDOMParser::setResolver(QSXMLEntityResolver& resolver) {
+    setXMLEntityResolver(&resolver);
+    resolver_ = &resolver;
+}
+
 void QSXercesDOMParser::beginTry() noexcept {
     failure_.reset();
     contentModelCosts_ = 0;
+    dtds_.beginTry();
+}
+
+void QSXercesDOMParser::fail() noexcept {
+    if (resolver_) {
+        resolver_->recordQuestions(nullptr);
+    }
+    if (failure_) {
+        dtds_.failAt({failure_->line, failure_->column});
+    }
 }
 
 void QSXercesDOMParser::beginFile(const std::u16string& /*path*/) {}
@@ -91,16 +108,42 @@ void QSXercesDOMParser::startElement(const xercesc::XMLElementDecl& declaration,
                                   isRoot);
 }
 
+void QSXercesDOMParser::startExtSubset() {
+    XercesDOMParser::startExtSubset();
+    std::vector<std::string>* const publicIds =
+        isCachingGrammarFromParse() ? dtds_.beginDtd(*currentGrammar()) : nullptr;
+    if (resolver_) {
+        resolver_->recordQuestions(publicIds);
+    }
+    if (publicIds || !isUsingCachedGrammarInParse()) {
+        ++WorkCounts::total().dtdScans;
+    }
+}
+
+void QSXercesDOMParser::endExtSubset() {
+    XercesDOMParser::endExtSubset();
+    if (resolver_) {
+        resolver_->recordQuestions(nullptr);
+    }
+    const xercesc::ReaderMgr& readers = *getScanner()->getReaderMgr();
+    dtds_.endDtd({readers.getLineNumber(), readers.getColumnNumber()});
+}
+
 bool QSXercesDOMParser::declaresAttribute(const XMLCh* element, const XMLCh* attribute) const {
-    const auto* const scanner = dynamic_cast<const xercesc::IGXMLScanner*>(getScanner());
-    const xercesc::XMLValidator* const validator = scanner ? scanner->getValidator() : nullptr;
-    xercesc::Grammar* const grammar = validator ? validator->getGrammar() : nullptr;
+    xercesc::Grammar* const grammar = borrowedDtd_ ? borrowedDtd_ : currentGrammar();
     if (!grammar) {
         return false;
     }
     auto* const declaration = dynamic_cast<xercesc::DTDElementDecl*>(grammar->getElemDecl(
-        scanner->getEmptyNamespaceId(), nullptr, element, xercesc::Grammar::TOP_LEVEL_SCOPE));
+        getScanner()->getEmptyNamespaceId(), nullptr, element, xercesc::Grammar::TOP_LEVEL_SCOPE));
     return declaration && declaration->getAttDef(attribute);
+}
+
+/// The one that documents are, or were last, read with.
+xercesc::Grammar* QSXercesDOMParser::currentGrammar() const {
+    const auto* const scanner = dynamic_cast<const xercesc::IGXMLScanner*>(getScanner());
+    const xercesc::XMLValidator* const validator = scanner ? scanner->getValidator() : nullptr;
+    return validator ? validator->getGrammar() : nullptr;
 }
 
 }  // namespace marrowpress

@@ -5,6 +5,9 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/util/XMLException.hpp>
 
+#include "xml/entity_resolver.h"
+#include "xml/kept_dtds.h"
+
 namespace marrowpress {
 
 /// A diagnostic of the parser, thrown. The code is the parser's own number, and
@@ -41,8 +44,13 @@ class QSXercesDOMParser : public xercesc::XercesDOMParser {
 public:
     QSXercesDOMParser();
 
-    /// A try to read a file begins.
+    /// Has external entities found by `resolver`, which must outlive the parser.
+    void setResolver(QSXMLEntityResolver& resolver);
+
+    /// A try to read a file begins, and has ended with a document or with a failure.
     void beginTry() noexcept;
+    void succeed() noexcept { dtds_.succeed(); }
+    void fail() noexcept;
 
     /// A parse of the file at `path` begins, and has come to its end, in this order; the latter is
     /// left out when it fails.
@@ -58,17 +66,31 @@ public:
     void startElement(const xercesc::XMLElementDecl& declaration, unsigned int uriId,
                       const XMLCh* prefix, const xercesc::RefVectorOf<xercesc::XMLAttr>& attributes,
                       XMLSize_t attributeCount, bool isEmpty, bool isRoot) override;
+    void startExtSubset() override;
+    void endExtSubset() override;
 
     /// The first diagnostic since the last `beginTry`. The engine takes one that is thrown for
     /// an accident of its own and reports that as well: the first is the one that says what is
     /// wrong.
     const std::optional<ParseFailure>& failure() const noexcept { return failure_; }
 
-    /// Whether the grammar that was loaded last is a DTD that declares `attribute` for `element`.
+    /// The DTDs that it keeps for the documents to come.
+    const KeptDtds& dtds() const noexcept { return dtds_; }
+
+    /// From now on, the DTD that is asked is `dtd`, which must outlive the parser.
+    void borrowDtd(xercesc::Grammar& dtd) noexcept { borrowedDtd_ = &dtd; }
+
+    /// Whether the grammar that was borrowed, or else was loaded last, is a DTD that declares
+    /// `attribute` for `element`.
     bool declaresAttribute(const XMLCh* element, const XMLCh* attribute) const;
 
 private:
+    xercesc::Grammar* currentGrammar() const;
+
     std::optional<ParseFailure> failure_;
+    KeptDtds dtds_;
+    QSXMLEntityResolver* resolver_ = nullptr;
+    xercesc::Grammar* borrowedDtd_ = nullptr;
     double contentModelCosts_ = 0;
 };
 

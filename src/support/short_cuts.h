@@ -1,0 +1,14 @@
+#pragma once
+
+namespace marrowpress {
+
+/// Where work is saved because its outcome is known already. The product takes every one of them;
+/// tests turn them off, to show that the whole of the work comes to the same.
+struct ShortCuts {
+    /// A try that could only repeat the failure of the one before is not made.
+    static inline bool passOverRepeatedTries = true;
+    /// What a DTD declares is asked of the grammar that documents were read with.
+    static inline bool shareDtds = true;
+};
+
+}  // namespace marrowpress
