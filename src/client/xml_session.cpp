@@ -143,6 +143,7 @@ XmlSession::~XmlSession() {
     RequestSingleton<ReportMessenger>::destroy();
     RequestSingleton<ExclusionFilterHolder>::destroy();
     RequestSingleton<ConditionRenamer>::destroy();
+    RequestSingleton<ConditionCatalogs>::destroy();
     RunObserver::end();
     Engine::end();
 }

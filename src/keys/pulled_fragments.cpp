@@ -2,11 +2,9 @@
 
 #include "dom/attributes.h"
 #include "dom/copies.h"
-#include "dom/element_walker.h"
 #include "dom/nesting_depth.h"
 #include "dom/nodes.h"
 #include "references/copied_references.h"
-#include "references/node_filters.h"
 #include "support/publish_exception.h"
 
 namespace marrowpress {
@@ -25,8 +23,8 @@ bool PulledFragments::hasLedTo(const Copy* cause, const Fragment& fragment) {
 void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& target,
                            std::u16string_view id) {
     const Fragment fragment{&target, std::u16string(id)};
-    const AttrBasedElementNodeFilter withId(u"id", fragment.id);
-    const DOMElement* const element = ElementWalker(target.getDocumentElement(), withId).nextNode();
+    DOMElement* const root = target.getDocumentElement();
+    const DOMElement* const element = root ? ids_.find(*root, id) : nullptr;
     const Copy* const cause = innermostCopy(reference);
     if (!element || isWithin(reference, *element) || hasLedTo(cause, fragment)) {
         return;
@@ -38,10 +36,12 @@ void PulledFragments::pull(DOMElement& reference, const xercesc::DOMDocument& ta
     if (wouldNestTooDeeply(parent, *element)) {
         throw PublishException();
     }
-    DOMNode* const copy = importCopy(*reference.getOwnerDocument(), *element,
-                                     {&reference, u"href", attributeView(reference, u"href")});
+    auto* const copy = static_cast<DOMElement*>(
+        importCopy(*reference.getOwnerDocument(), *element,
+                   {&reference, u"href", attributeView(reference, u"href")}));
     // Throws for a root: a document has room for one element only.
     parent->insertBefore(copy, nextElementSibling(reference));
+    ids_.noteChange(*copy);
     copies_.emplace(copy, Copy{fragment, cause});
 }
 

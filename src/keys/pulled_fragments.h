@@ -6,6 +6,8 @@
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
+#include "references/element_ids.h"
+
 namespace marrowpress {
 
 /// Pulls parts of maps into one map, in place of the references to them, and
@@ -40,6 +42,7 @@ private:
     const Copy* innermostCopy(const xercesc::DOMElement& reference) const;
 
     std::unordered_map<const xercesc::DOMNode*, Copy> copies_;
+    ElementIds ids_;
 };
 
 }  // namespace marrowpress

@@ -50,7 +50,7 @@ void foldExpression(ConditionMergeState& state, std::u16string expression) {
 
 /// Takes over a condition whose name an earlier document has.
 void renameDocumentCondition(ConditionMergeState& state, ConditionRecord record,
-                             const std::u16string& newName, DOMElement& root,
+                             const std::u16string& newName, TagRenames& tags,
                              std::u16string& documentExpression) {
     const std::u16string oldName = record.name;
     state.renames[oldName] = newName;
@@ -61,7 +61,7 @@ void renameDocumentCondition(ConditionMergeState& state, ConditionRecord record,
     }
     rewriteConditionName(record, newName);
     record.name = newName;
-    renameTagPIs(oldName, newName, root);
+    tags.add(oldName, newName);
     state.conditions.put(std::move(record));
     renameInExpression(newName, oldName, documentExpression);
 }
@@ -89,6 +89,7 @@ void mergeConditionCatalog(ConditionMergeState& state, const ConditionCatalog& c
     if (!state.mergeEnabled) {
         return;
     }
+    TagRenames tags;
     std::u16string documentExpression = catalog.summaryExpression;
     for (const ConditionRecord& record : catalog.conditions.records()) {
         if (!state.conditions.find(record.name)) {
@@ -96,9 +97,10 @@ void mergeConditionCatalog(ConditionMergeState& state, const ConditionCatalog& c
         } else if (state.expression) {
             const std::u16string newName =
                 ConditionRenamer::instance().replacementName(record.name);
-            renameDocumentCondition(state, record, newName, *catalog.root, documentExpression);
+            renameDocumentCondition(state, record, newName, tags, documentExpression);
         }
     }
+    tags.apply(*catalog.root);
     foldExpression(state, std::move(documentExpression));
 }
 
@@ -172,12 +174,28 @@ void rewriteConditionName(ConditionRecord& record, std::u16string_view name) {
     record.data = std::move(data);
 }
 
-void renameTagPIs(std::u16string_view oldName, std::u16string_view newName, DOMElement& root) {
+void TagRenames::add(const std::u16string& oldName, const std::u16string& newName) {
+    std::vector<std::u16string> names = std::exchange(documentNames_[oldName], {});
+    if (!newNames_.contains(oldName)) {
+        names.push_back(oldName);
+    }
+    std::vector<std::u16string>& called = documentNames_[newName];
+    for (std::u16string& name : names) {
+        newNames_[name] = newName;
+        called.push_back(std::move(name));
+    }
+}
+
+void TagRenames::apply(DOMElement& root) const {
+    if (newNames_.empty()) {
+        return;
+    }
     const CondStartEndTagFilter filter;
     NodeWalker walker(&root, filter);
     while (DOMNode* const marker = walker.nextNode()) {
-        if (conditionOf(*marker) == oldName) {
-            renameConditionMarker(newName, *marker);
+        const auto renamed = newNames_.find(conditionOf(*marker));
+        if (renamed != newNames_.end()) {
+            renameConditionMarker(renamed->second, *marker);
         }
     }
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNode.hpp>
 
@@ -47,6 +48,22 @@ private:
     std::uint32_t counter_ = 0;
 };
 
+/// The names that the start and end tags of a document are to get.
+class TagRenames {
+public:
+    /// What is called `oldName`, by the document or by an earlier rename, is to be called
+    /// `newName`.
+    void add(const std::u16string& oldName, const std::u16string& newName);
+
+    /// Rewrites the tags below and including `root`, in one walk.
+    void apply(xercesc::DOMElement& root) const;
+
+private:
+    std::unordered_map<std::u16string, std::u16string> newNames_;  ///< by the document's names
+    std::unordered_map<std::u16string, std::vector<std::u16string>>
+        documentNames_;  ///< by new ones
+};
+
 /// Merges a document, before its content is copied. Tags inside its root are renamed in place.
 void mergeConditionCatalog(ConditionMergeState& state, const ConditionCatalog& catalog);
 
@@ -69,8 +86,6 @@ void writeConditionPIs(const ConditionMergeState& state, xercesc::DOMElement* ro
 /// The parts of a merge.
 void rewriteConditionState(ConditionRecord& record, bool shown);
 void rewriteConditionName(ConditionRecord& record, std::u16string_view name);
-void renameTagPIs(std::u16string_view oldName, std::u16string_view newName,
-                  xercesc::DOMElement& root);
 /// Replaces the first place where the old name stands in double quotes, and no other.
 void renameInExpression(std::u16string_view newName, std::u16string_view oldName,
                         std::u16string& expression);

@@ -5,7 +5,10 @@
 #include <xercesc/dom/DOMProcessingInstruction.hpp>
 
 #include "dom/element_walker.h"
+#include "support/request_singleton.h"
+#include "support/short_cuts.h"
 #include "support/text.h"
+#include "support/work_counts.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
@@ -134,6 +137,7 @@ std::optional<CondExpressionRecord> parseExpression(std::u16string_view data) {
 
 void loadConditionCatalog(ConditionCatalog& catalog, xercesc::DOMElement& root) {
     catalog.root = &root;
+    ++WorkCounts::total().conditionReads;
     forEachInstruction(root, CondPIFilter(), [&](std::u16string_view data) {
         std::optional<ConditionRecord> condition = parseCondition(data);
         if (condition && !catalog.conditions.find(condition->name)) {
@@ -153,6 +157,21 @@ void loadConditionCatalog(ConditionCatalog& catalog, xercesc::DOMElement& root) 
         });
     }
     summariseConditions(catalog);
+}
+
+ConditionCatalogs& ConditionCatalogs::instance() {
+    return RequestSingleton<ConditionCatalogs>::instance();
+}
+
+const ConditionCatalog& ConditionCatalogs::catalogOf(xercesc::DOMElement& root) {
+    if (!ShortCuts::keepConditions) {
+        forget(&root);
+    }
+    const auto [catalog, isNew] = catalogs_.try_emplace(&root);
+    if (isNew) {
+        loadConditionCatalog(catalog->second, root);
+    }
+    return catalog->second;
 }
 
 void summariseConditions(ConditionCatalog& catalog) {

@@ -131,6 +131,22 @@ std::optional<CondExpressionRecord> parseExpression(std::u16string_view data);
 /// is shown, no expression is read.
 void loadConditionCatalog(ConditionCatalog& catalog, xercesc::DOMElement& root);
 
+/// The conditional text of the sources of a request, each read once however often its parts are
+/// referenced. Renaming tags changes nothing of it.
+class ConditionCatalogs {
+public:
+    static ConditionCatalogs& instance();
+
+    /// What `loadConditionCatalog` gives for `root`; until it is forgotten.
+    const ConditionCatalog& catalogOf(xercesc::DOMElement& root);
+
+    /// Instructions may have come into the document of `root`, which may be null.
+    void forget(const xercesc::DOMElement* root) { catalogs_.erase(root); }
+
+private:
+    std::unordered_map<const xercesc::DOMElement*, ConditionCatalog> catalogs_;
+};
+
 /// Sets `summaryExpression`.
 void summariseConditions(ConditionCatalog& catalog);
 

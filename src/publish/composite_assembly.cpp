@@ -4,6 +4,7 @@
 #include "dom/copies.h"
 #include "dom/nodes.h"
 #include "marrowpress/output_names.h"
+#include "profiling/conditional_pis.h"
 #include "profiling/ditaval_filters.h"
 #include "publish/topicref_walk.h"
 #include "references/document_kind.h"
@@ -76,6 +77,7 @@ DOMDocument* CompositeDocAssembler::assembleComposite(DOMElement* start, KeySpac
     updater_.rewriteReferences(root, request.topicIds);
     conrefs_.resolveConrefs(root, keySpace, request.topicIds);
     writeConditionPIs(request.conditions, root);
+    ConditionCatalogs::instance().forget(root);
     request.conditions.clear();
     removeExcludedElements(*document);
     return document;

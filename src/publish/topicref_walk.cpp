@@ -154,7 +154,7 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
     if (!root) {
         return parent;
     }
-    gatherConditions(*root);
+    gatherConditions(*root, parent);
     DOMElement* const element =
         reference.fragment.empty() ? root : document->getElementById(reference.fragment.c_str());
     if (!element) {
@@ -172,13 +172,15 @@ DOMElement& TopicrefWalk::appendTopicDocument(DOMElement& parent, const DOMEleme
 }
 
 /// Always of the whole document, also when only a part of it is taken in.
-void TopicrefWalk::gatherConditions(DOMElement& root) {
+void TopicrefWalk::gatherConditions(DOMElement& root, const DOMElement& parent) {
     if (!conditions_.mergeEnabled) {
         return;  // nothing would come of reading them
     }
-    ConditionCatalog catalog;
-    loadConditionCatalog(catalog, root);
-    mergeConditionCatalog(conditions_, catalog);
+    if (root.getOwnerDocument() == parent.getOwnerDocument()) {
+        // The output itself, which has grown meanwhile.
+        ConditionCatalogs::instance().forget(&root);
+    }
+    mergeConditionCatalog(conditions_, ConditionCatalogs::instance().catalogOf(root));
 }
 
 DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent,
@@ -202,6 +204,9 @@ DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& pa
 
 /// Nearest first, so that the markers come out in the reverse of their order.
 void TopicrefWalk::carryMarkersInFrontOf(const DOMNode& node, DOMElement& parent) {
+    if (!conditions_.mergeEnabled) {
+        return;
+    }
     for (DOMNode* marker = node.getPreviousSibling(); marker;
          marker = marker->getPreviousSibling()) {
         carryConditionMarker(conditions_, *marker, parent);
@@ -209,6 +214,9 @@ void TopicrefWalk::carryMarkersInFrontOf(const DOMNode& node, DOMElement& parent
 }
 
 void TopicrefWalk::carryMarkersBehind(const DOMNode& node, DOMElement& parent) {
+    if (!conditions_.mergeEnabled) {
+        return;
+    }
     for (DOMNode* marker = node.getNextSibling(); marker; marker = marker->getNextSibling()) {
         carryConditionMarker(conditions_, *marker, parent);
     }
@@ -239,6 +247,7 @@ void TopicrefWalk::appendNestedMap(DOMElement& parent, const DOMElement& node,
     DOMElement* const root = map->getDocumentElement();
     keyrefs_.resolveAllKeyrefs(root, keySpace_);
     conrefs_.resolveConrefs(root, keySpace_, topicIds_);
+    ConditionCatalogs::instance().forget(root);
     if (!root) {
         return;
     }

@@ -59,7 +59,7 @@ private:
     void carryMarkersBehind(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
     xercesc::DOMNode* importTopicNode(const xercesc::DOMDocument& source, xercesc::DOMNode& node,
                                       xercesc::DOMElement& parent, const CopyCause& cause);
-    void gatherConditions(xercesc::DOMElement& root);
+    void gatherConditions(xercesc::DOMElement& root, const xercesc::DOMElement& parent);
     void appendNestedMap(xercesc::DOMElement& parent, const xercesc::DOMElement& node,
                          const DitaReference& reference);
     bool isOpen(const xercesc::DOMDocument& map) const;

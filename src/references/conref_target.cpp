@@ -1,11 +1,7 @@
 #include "references/conref_target.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "application/messengers.h"
 #include "dom/attributes.h"
-#include "dom/copies.h"
 #include "dom/element_walker.h"
 #include "dom/nodes.h"
 #include "references/document_kind.h"
@@ -60,68 +56,12 @@ DOMElement* ConrefTargets::find(const DOMDocument& document, const HrefParts* pa
     if (isContainerMeant) {
         return container;
     }
-    DOMElement* const element = findInside(*container, parts->elementId, tagName);
+    DOMElement* const element = ids_.find(*container, parts->elementId, tagName);
     if (!element) {
         ReportMessenger::instance().reportElementInTopicNotFound(
             tagName, parts->elementId, parts->topicId, document, &reference);
     }
     return element;
-}
-
-DOMElement* ConrefTargets::findInside(DOMElement& container, std::u16string_view id,
-                                      std::u16string_view tagName) {
-    const auto [known, isFirstSearch] = known_.try_emplace(&container);
-    const std::u16string elementId(id);
-    if (isFirstSearch || changed_.contains(elementId)) {
-        return search(container, elementId, tagName);
-    }
-    if (known->second.empty()) {
-        known->second = idsIn(container);
-    }
-    const auto elements = known->second.find(elementId);
-    if (elements == known->second.end()) {
-        return nullptr;
-    }
-    const auto found = std::find_if(
-        elements->second.begin(), elements->second.end(),
-        [&](const DOMElement* element) { return domText(element->getTagName()) == tagName; });
-    return found == elements->second.end() ? nullptr : *found;
-}
-
-DOMElement* ConrefTargets::search(DOMElement& container, std::u16string_view elementId,
-                                  std::u16string_view tagName) {
-    DOMElement* element = &container;
-    for (; element; element = nextInSubtree(element, container)) {
-        ++searched_;
-        if (attributeView(*element, u"id") == elementId &&
-            domText(element->getTagName()) == tagName) {
-            break;
-        }
-    }
-    return element;
-}
-
-ConrefTargets::Ids ConrefTargets::idsIn(DOMElement& container) {
-    Ids ids;
-    for (DOMElement* element = &container; element; element = nextInSubtree(element, container)) {
-        ++searched_;
-        if (std::u16string id = attributeOf(*element, u"id"); !id.empty()) {
-            ids[std::move(id)].push_back(element);
-        }
-    }
-    return ids;
-}
-
-void ConrefTargets::noteChange(DOMElement& root) {
-    for (DOMElement* element = &root; element; element = nextInSubtree(element, root)) {
-        if (std::u16string id = attributeOf(*element, u"id"); !id.empty()) {
-            changed_.insert(std::move(id));
-        }
-    }
-}
-
-std::size_t ConrefTargets::takeSearched() noexcept {
-    return std::exchange(searched_, 0);
 }
 
 DOMElement* elementOf(const DOMDocument& document, const HrefParts& parts) {

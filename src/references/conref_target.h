@@ -3,11 +3,10 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
-#include <vector>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
+
+#include "references/element_ids.h"
 
 namespace marrowpress {
 
@@ -32,24 +31,13 @@ public:
                               const xercesc::DOMElement& reference);
 
     /// The subtree of `root` is about to go, or has come or got other ids.
-    void noteChange(xercesc::DOMElement& root);
+    void noteChange(xercesc::DOMElement& root) { ids_.noteChange(root); }
 
     /// How many elements were looked at since this was asked last.
-    std::size_t takeSearched() noexcept;
+    std::size_t takeSearched() noexcept { return ids_.takeSearched(); }
 
 private:
-    using Ids = std::unordered_map<std::u16string, std::vector<xercesc::DOMElement*>>;
-
-    xercesc::DOMElement* findInside(xercesc::DOMElement& container, std::u16string_view id,
-                                    std::u16string_view tagName);
-    xercesc::DOMElement* search(xercesc::DOMElement& container, std::u16string_view elementId,
-                                std::u16string_view tagName);
-    Ids idsIn(xercesc::DOMElement& container);
-
-    /// By topic, in document order; none for a topic that was searched once.
-    std::unordered_map<const xercesc::DOMElement*, Ids> known_;
-    std::unordered_set<std::u16string> changed_;
-    std::size_t searched_ = 0;
+    ElementIds ids_;
 };
 
 /// The element that `parts` name in `document`, whatever its tag name; null when there is none.

@@ -1,5 +1,7 @@
 #include "references/reference_paths.h"
 
+#include <algorithm>
+
 #include "application/messengers.h"
 #include "dom/document_path.h"
 #include "support/hrefs.h"
@@ -11,15 +13,27 @@ namespace marrowpress {
 using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
+namespace {
+
+/// The path that an href's path part stands for, which may be in the form of a URL.
+std::u16string nativePathOf(std::u16string_view hrefPath) {
+    const bool hasNothingToDecode =
+        std::all_of(hrefPath.begin(), hrefPath.end(),
+                    [](char16_t unit) { return unit < 0x80 && unit != u'%' && unit != u':'; });
+    if (hasNothingToDecode) {
+        return std::u16string(hrefPath);
+    }
+    const std::string narrow = toUtf8(hrefPath);
+    return isUrlFormPath(narrow) ? toUtf16(urlFormToNativePath(narrow)) : std::u16string(hrefPath);
+}
+
+}  // namespace
+
 std::u16string toAbsolutePath(std::u16string_view hrefPath, const DOMDocument& document) {
     if (isExternalUri(hrefPath)) {
         return std::u16string(hrefPath);
     }
-    std::u16string path(hrefPath);
-    const std::string narrow = toUtf8(path);
-    if (isUrlFormPath(narrow)) {
-        path = toUtf16(urlFormToNativePath(narrow));
-    }
+    std::u16string path = nativePathOf(hrefPath);
     if (isExternalUri(path) || isAbsolutePath(path)) {
         return path;
     }

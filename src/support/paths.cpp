@@ -91,6 +91,25 @@ std::vector<std::u16string_view> normalNames(const std::vector<std::u16string_vi
     return kept;
 }
 
+/// Whether `path` is absolute, of nothing but names with one "/" in front of each, and so its own
+/// normal form: most are, and the question costs a tenth of making it.
+bool isPlainPath(std::u16string_view path) {
+    if (path.size() < 2 || path.front() != kSeparator || path[1] == u'?' ||
+        path.find(u'\\') != std::u16string_view::npos) {
+        return false;
+    }
+    std::size_t start = 1;
+    while (start <= path.size()) {
+        const std::size_t end = std::min(path.find(kSeparator, start), path.size());
+        const std::u16string_view name = path.substr(start, end - start);
+        if (name.empty() || name == u"." || name == u"..") {
+            return false;
+        }
+        start = end + 1;
+    }
+    return true;
+}
+
 /// `path` with all links followed, as far as it is there; empty when the system can't tell.
 std::u16string realPath(std::u16string_view path) {
     std::error_code error;
@@ -144,6 +163,9 @@ std::u16string joinPath(std::u16string_view path, std::u16string_view second) {
 std::u16string normalizePath(std::u16string_view path) {
     if (path.empty()) {
         return {};
+    }
+    if (isPlainPath(path)) {
+        return std::u16string(path);
     }
     const std::size_t rootLength = rootNameLength(path);
     std::u16string normal(path.substr(0, rootLength));

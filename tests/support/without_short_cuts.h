@@ -16,6 +16,8 @@ private:
     static void takeShortCuts(bool areTaken) noexcept {
         ShortCuts::passOverRepeatedTries = areTaken;
         ShortCuts::shareDtds = areTaken;
+        ShortCuts::noteIds = areTaken;
+        ShortCuts::keepConditions = areTaken;
     }
 };
 

@@ -337,18 +337,46 @@ TEST(RenameInExpressionTest, ReplacesTheFirstQuotedName) {
     }
 }
 
-using RenameTagPIsTest = XmlTest;
+using TagRenamesTest = XmlTest;
 
-TEST_F(RenameTagPIsTest, ChangesTagsOfThatNameBelowTheRoot) {
+TEST_F(TagRenamesTest, ChangesTagsOfThatNameBelowTheRoot) {
     const ParsedXml parsed(
         "<?Qs Condstart A?><t><?Qs Condstart A more?><p><?Qs  Condend   A?><?Qs Condstart B x?>"
         "<?Qs Condstart a?><?QS Condstart A?><?Qs Condition A x y show z?><?Qs ShowAll A?>"
         "<?Qs BoolCondExpr A x 1?><?Qs Condstart?></p></t><?Qs Condend A?>");
-    renameTagPIs(u"A", u"New", *parsed.root());
+    TagRenames renames;
+    renames.add(u"A", u"New");
+    renames.apply(*parsed.root());
     EXPECT_EQ(printed(parsed.document()),
               "<?Qs Condstart A?><t><?Qs Condstart New?><p><?Qs Condend New?><?Qs Condstart B x?>"
               "<?Qs Condstart a?><?QS Condstart A?><?Qs Condition A x y show z?><?Qs ShowAll A?>"
               "<?Qs BoolCondExpr A x 1?><?Qs Condstart?></p></t><?Qs Condend A?>");
+}
+
+TEST_F(TagRenamesTest, LaterNamesReplaceEarlierOnes) {
+    const ParsedXml parsed(
+        "<t><?Qs Condstart A?><?Qs Condstart B?><?Qs Condstart C?><?Qs Condstart D?></t>");
+    TagRenames renames;
+    renames.add(u"A", u"B");
+    renames.add(u"B", u"E");  // of that name are both by now
+    renames.add(u"C", u"A");
+    renames.apply(*parsed.root());
+    EXPECT_EQ(printed(*parsed.root()),
+              "<t><?Qs Condstart E?><?Qs Condstart E?><?Qs Condstart A?><?Qs Condstart D?></t>");
+}
+
+TEST_F(TagRenamesTest, ANameThatIsReplacedByItselfLosesWhatStandsBehindIt) {
+    const ParsedXml parsed("<t><?Qs Condstart A more?></t>");
+    TagRenames renames;
+    renames.add(u"A", u"A");
+    renames.apply(*parsed.root());
+    EXPECT_EQ(printed(*parsed.root()), "<t><?Qs Condstart A?></t>");
+}
+
+TEST_F(TagRenamesTest, WithoutNamesNothingIsLookedAt) {
+    const ParsedXml parsed("<t><?Qs Condstart A more?></t>");
+    TagRenames().apply(*parsed.root());
+    EXPECT_EQ(printed(*parsed.root()), "<t><?Qs Condstart A more?></t>");
 }
 
 class ConditionMarkerTest : public ConditionMergeTest {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/text.h"
+#include "support/work_counts.h"
 #include "tests/support/xml_text.h"
 #include "tests/unit/references/filter_answers.h"
 
@@ -361,6 +362,34 @@ TEST_F(SummariseConditionsTest, NamesStandAsTheyAre) {
     catalog.conditions.put({u"\u00E4or", u"", true});
     summariseConditions(catalog);
     EXPECT_EQ(catalog.summaryExpression, u"\"o\"or\"\"\"or\"\u00E4or\"");
+}
+
+class ConditionCatalogsTest : public XmlTest {
+protected:
+    static std::size_t reads() { return WorkCounts::total().conditionReads; }
+};
+
+TEST_F(ConditionCatalogsTest, ASourceIsReadOnce) {
+    const ParsedXml one("<?Qs Condition A x y show z?><t/>");
+    const ParsedXml other("<t/>");
+    const std::size_t before = reads();
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(ConditionCatalogs::instance().catalogOf(*one.root()).summaryExpression, u"\"A\"");
+        EXPECT_EQ(ConditionCatalogs::instance().catalogOf(*other.root()).summaryExpression, u"");
+    }
+    EXPECT_EQ(reads() - before, 2U);
+}
+
+TEST_F(ConditionCatalogsTest, WhatIsForgottenIsReadAgain) {
+    const ParsedXml document("<t/>");
+    EXPECT_EQ(ConditionCatalogs::instance().catalogOf(*document.root()).summaryExpression, u"");
+    document.root()->appendChild(document.document().createProcessingInstruction(
+        kConditionTarget, u"Condition A x y show z"));
+    ConditionCatalogs::instance().forget(nullptr);
+    EXPECT_EQ(ConditionCatalogs::instance().catalogOf(*document.root()).summaryExpression, u"");
+    ConditionCatalogs::instance().forget(document.root());
+    EXPECT_EQ(ConditionCatalogs::instance().catalogOf(*document.root()).summaryExpression,
+              u"\"A\"");
 }
 
 }  // namespace
