@@ -2,6 +2,7 @@
 #include <fstream>
 #include <iostream>
 #include <stdexcept>
+#include <string>
 
 #include "bench/floor/engine_run.h"
 #include "bench/floor/source_list.h"
