@@ -5,6 +5,7 @@ import os
 import re
 import shutil
 import subprocess
+from dataclasses import dataclass
 from pathlib import Path
 
 from cases import FLAT_BOOK, Costs
@@ -131,7 +132,8 @@ class Traced:
 
     def _append(self, name):
         """The line has a name without its folder: that of the document read last, or else of one
-        that was read before."""
+        that was read before. Where files of one name leave that open, the floor is rather too low.
+        """
         if self._last in self.documents and os.path.basename(self._last) == name:
             self.documents[self._last] = True
             return
@@ -191,14 +193,13 @@ def count_instructions(command, folder):
     return int(counted.group(1).replace(",", ""))
 
 
+@dataclass
 class Side:
     """A command whose costs are gathered, and the lists that take them."""
-
-    def __init__(self, command, cpu, memory, instructions):
-        self.command = command
-        self.cpu = cpu
-        self.memory = memory
-        self.instructions = instructions
+    command: list
+    cpu: list
+    memory: list
+    instructions: list
 
 
 def measure(publication, binaries, floor, rounds, counts_instructions):
