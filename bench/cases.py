@@ -185,7 +185,7 @@ CASES = [
     each_case("ill-formed", "one further conref into a file that is not well-formed", "Ir 1 M",
               sizes("ill-formed-conrefs", 10, 30)),
     each_case("component", "one further component of a flat book, one topic of 0.4 KB", "Ir 2 M",
-              sizes("flat-map", 10, 30, FLAT_BOOK)),
+              sizes("components", 10, 30, FLAT_BOOK)),
     compared_case("levels", "one topic of a flat map, and of 300 levels", "1.0 times",
                   sizes("flat-map", 1, 300) + sizes("nested-topicrefs", 1, 300)),
     ratio_case("megabytes", "one topic of 50 MB, P / F'", "CPU 1.15, memory 1.01",

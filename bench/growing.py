@@ -8,6 +8,9 @@ LIBRARY_IDS = 50
 DEFINITION_FILES = 10
 MEGABYTE = 1_000_000
 KEYREF_TARGETS = 100
+# Of a topic of 3 KB, and of one of 0.4 KB.
+PARAGRAPHS = 40
+FEW_PARAGRAPHS = 3
 
 
 def one_topic(folder, body, keys=()):
@@ -137,31 +140,36 @@ def maps(folder, size):
         ['<topicref href="topic.dita"/>']))
 
 
-def small_topics(folder, size):
-    """Writes topics of 0.4 KB, and gives their names."""
-    body = "\n".join(paragraphs(3))
+def topics(folder, size, lines):
+    """Writes topics with so many paragraphs, and gives their names."""
+    body = "\n".join(paragraphs(lines))
     names = [f"topic{number}.dita" for number in range(size)]
     for number, name in enumerate(names):
         write(folder, name, topic(f"t{number}", body))
     return names
 
 
-def flat_map(folder, size):
-    """Topics at the first level of the map."""
-    names = small_topics(folder, size)
+def flat_map(folder, size, lines=PARAGRAPHS):
+    """Topics of 3 KB at the first level of the map."""
+    names = topics(folder, size, lines)
     write(folder, ROOT_MAP, ditamap([f'<topicref href="{name}"/>' for name in names]))
 
 
+def components(folder, size):
+    """The same with topics of 0.4 KB."""
+    flat_map(folder, size, FEW_PARAGRAPHS)
+
+
 def nested_topicrefs(folder, size):
-    """Topics of which each is a level deeper than the one before."""
-    names = small_topics(folder, size)
+    """Topics of 3 KB of which each is a level deeper than the one before."""
+    names = topics(folder, size, PARAGRAPHS)
     write(folder, ROOT_MAP, ditamap([*(f'<topicref href="{name}">' for name in names),
                                      "</topicref>" * size]))
 
 
 def topics_of_a_component(folder, size):
-    """Topics below one reference."""
-    names = small_topics(folder, size)
+    """Topics of 0.4 KB below one reference."""
+    names = topics(folder, size, FEW_PARAGRAPHS)
     below = [f'<topicref href="{name}"/>' for name in names[1:]]
     write(folder, ROOT_MAP, ditamap([f'<topicref href="{names[0]}">', *below, "</topicref>"]))
 
@@ -174,8 +182,7 @@ def references_to_one_topic(folder, size):
 
 def open_documents(folder, size):
     """Documents that are open in the application."""
-    names = small_topics(folder, 100)
-    write(folder, ROOT_MAP, ditamap([f'<topicref href="{name}"/>' for name in names]))
+    flat_map(folder, 100, FEW_PARAGRAPHS)
     opened = [{"id": number + 1, "path": str(folder.resolve() / f"topic{number}.dita"), "flag": 0}
               for number in range(size)]
     write(folder, "open.json", json.dumps(opened))
@@ -235,6 +242,6 @@ def conditions(folder, size):
 GENERATORS = {function.__name__.replace("_", "-"): function for function in (
     conrefs, conrefs_500_keys, conrefs_20000_keys, conrefs_to_last_of_50, conrefs_to_last_of_5000,
     definitions, definitions_in_ten, ill_formed_conrefs, conref_range, unused_text_keys, keyrefs,
-    key_chain, nested_maps, maps, flat_map, nested_topicrefs, topics_of_a_component,
+    key_chain, nested_maps, maps, flat_map, components, nested_topicrefs, topics_of_a_component,
     references_to_one_topic, open_documents, xrefs, megabytes, list_levels, siblings, fragments,
     conditions)}
