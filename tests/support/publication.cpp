@@ -14,6 +14,7 @@
 #include "host/client_session.h"
 #include "host/open_documents.h"
 #include "host/trace.h"
+#include "tests/support/attach_in_process.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/texts.h"
 
@@ -76,6 +77,26 @@ std::string answerText(const std::optional<TypedValues>& answer) {
 PublicationCase::PublicationCase(const std::string& name) : folder_(kCasesFolder / name) {}
 
 Publication PublicationCase::publish(StandInHostOptions::ObservationSink onObservation) const {
+    return publishBy(
+        [](StandInHostOptions options, const std::string& request) {
+            return ClientSession(std::move(options), kModule).send(request);
+        },
+        std::move(onObservation));
+}
+
+Publication PublicationCase::publishInProcess() const {
+    return publishBy(
+        [](StandInHostOptions options, const std::string& request) {
+            StandInHost host(std::move(options));
+            EXPECT_TRUE(host.attach(&attachInProcess));
+            EXPECT_TRUE(host.initialize());
+            return host.send(request);
+        },
+        {});
+}
+
+Publication PublicationCase::publishBy(const Sender& send,
+                                       StandInHostOptions::ObservationSink onObservation) const {
     const TemporaryFolder work;
     for (const fs::path& input : {kCasesFolder / "input", folder_ / "input"}) {
         if (fs::exists(input)) {
@@ -109,9 +130,8 @@ Publication PublicationCase::publish(StandInHostOptions::ObservationSink onObser
         options.openDocuments =
             parseOpenDocuments(replacedAll(readFile(folder_ / "open.json"), "$CASE", workPath));
     }
-    ClientSession session(std::move(options), kModule);
-    result.answer = answerText(
-        session.send(replacedAll(readFile(folder_ / "request.json"), "$CASE", workPath)));
+    result.answer = answerText(send(
+        std::move(options), replacedAll(readFile(folder_ / "request.json"), "$CASE", workPath)));
 
     result.trace = operations.str();
     for (const auto& [path, text] : readTree(work.path())) {

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/stand_in_host.h"
 #include "host/stand_in_host_options.h"
 
 namespace marrowpress {
@@ -29,16 +32,27 @@ struct Publication {
 ///     expected/      answer.txt, console.txt, progress.txt, files/
 class PublicationCase {
 public:
+    /// `name` is that of a golden publication, or the path of a folder like theirs.
     explicit PublicationCase(const std::string& name);
 
     /// Publishes through the module, in a fresh copy of the input. The host has an observer if
     /// `onObservation` is given.
     Publication publish(StandInHostOptions::ObservationSink onObservation = {}) const;
 
+    /// Publishes by the code of this program, in a fresh copy of the input.
+    Publication publishInProcess() const;
+
     /// What is expected. When MARROWPRESS_UPDATE_GOLDEN is 1, that becomes `actual` first.
     Publication golden(const Publication& actual) const;
 
 private:
+    /// Hands a request to a client of a host with these options.
+    using Sender =
+        std::function<std::optional<TypedValues>(StandInHostOptions, const std::string&)>;
+
+    Publication publishBy(const Sender& send,
+                          StandInHostOptions::ObservationSink onObservation) const;
+
     std::filesystem::path folder_;
 };
 

@@ -5,21 +5,13 @@
 #include <filesystem>
 #include <utility>
 
-#include "client/client_attachment.h"
-#include "client/notifications.h"
-#include "client/request_dispatch.h"
+#include "tests/support/attach_in_process.h"
 #include "tests/support/texts.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::int32_t attach(void* module, IHostObject* provider, IHostObject* keepAlive,
-                    const ClientRegistration* registration) {
-    return attachClient(module, provider, keepAlive, registration,
-                        {&onClientInitialize, &onNotify});
-}
 
 std::string element(const std::string& tag, std::string_view classValue,
                     std::string_view attributes, std::string_view content) {
@@ -54,7 +46,7 @@ std::string topic(std::string_view id, std::string_view body) {
 
 WholeRequestTest::WholeRequestTest(StandInHostOptions options)
     : host_(completed(std::move(options))) {
-    EXPECT_TRUE(host_.attach(&attach));
+    EXPECT_TRUE(host_.attach(&attachInProcess));
     EXPECT_TRUE(host_.initialize());
 }
 

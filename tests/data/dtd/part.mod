@@ -1,0 +1,1 @@
+<!-- A part of DTDs that is found by its public identifier alone. -->
