@@ -94,6 +94,8 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
     resetSignals();
     if (setting.largestFile) {
         limit(RLIMIT_FSIZE, *setting.largestFile);
+        // Where coverage is measured, a file of counts that is cut would spoil those of all others.
+        setenv("GCOV_PREFIX", streams.path().c_str(), 1);
     }
     if (setting.stack) {
         limit(RLIMIT_STACK, *setting.stack);
