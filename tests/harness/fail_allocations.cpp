@@ -19,9 +19,9 @@
 #include "host/file_text.h"
 #include "host/stand_in_host.h"
 #include "host/typed_record.h"
-#include "tests/harness/failing_allocations.h"
 #include "tests/harness/host_with_dtds.h"
-#include "tests/harness/host_with_memory.h"
+#include "tests/support/failing_allocations.h"
+#include "tests/support/host_with_memory.h"
 
 // Sends the module requests for which an allocation fails: fail_allocations REQUEST NEXT DTDS. DTDS
 // is a folder with "map.dtd" and "topic.dtd". Each line of standard input is a number and `single`

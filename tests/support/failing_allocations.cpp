@@ -1,4 +1,4 @@
-#include "tests/harness/failing_allocations.h"
+#include "tests/support/failing_allocations.h"
 
 #include <cerrno>
 #include <utility>

@@ -37,4 +37,27 @@ private:
     bool wasCounting_;
 };
 
+/// Which allocations are tried: from `first` on, each `step`-th.
+struct AllocationSteps {
+    std::size_t first = 1;
+    std::size_t step = 1;
+};
+
+/// Calls `attempt` with one fault after the other, each at an allocation further on, until it has
+/// none that could fail. `attempt` lets its allocations fail by a scope of its own.
+///
+/// @return how many faults there were
+template <class Attempt>
+std::size_t tryEachAllocation(bool isLasting, const Attempt& attempt,
+                              const AllocationSteps& steps = {}) {
+    std::size_t faults = 0;
+    for (std::size_t number = steps.first;; number += steps.step) {
+        attempt(AllocationFault{number, isLasting});
+        if (FailingAllocations::count() < number) {
+            return faults;
+        }
+        ++faults;
+    }
+}
+
 }  // namespace marrowpress

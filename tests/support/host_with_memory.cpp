@@ -1,7 +1,7 @@
-#include "tests/harness/host_with_memory.h"
+#include "tests/support/host_with_memory.h"
 
 #include "host/give_interface.h"
-#include "tests/harness/failing_allocations.h"
+#include "tests/support/failing_allocations.h"
 
 namespace marrowpress {
 
