@@ -128,7 +128,15 @@ private:
 
 XmlSession::XmlSession() {
     Engine::start(memory_);
-    RunObserver::begin();
+    try {
+        RunObserver::begin();
+    } catch (...) {
+        // Without a session nobody else ends what has begun.
+        memory_.setUnlimited(true);
+        RunObserver::end();
+        Engine::end();
+        throw;
+    }
 }
 
 XmlSession::~XmlSession() {
