@@ -54,13 +54,11 @@ std::unique_ptr<xercesc::BinInputStream> mappedStream(const XMLCh* path,
     try {
         std::unique_ptr<MemMapFileInputStream> stream(new (manager)
                                                           MemMapFileInputStream(path, manager));
-        if (stream->isOpen()) {
-            return stream;
-        }
+        return stream->isOpen() ? std::move(stream) : nullptr;
     } catch (const std::ios_base::failure&) {
         // It is read through its handle then.
+        return nullptr;
     }
-    return nullptr;
 }
 
 }  // namespace

@@ -33,12 +33,20 @@ std::size_t setLimit(__rlimit_resource resource, std::size_t limit) {
 
 /// The sanitizer looks at an object of a class that it doesn't know through a pipe, and takes it
 /// for broken when there is no handle for one: it gets to know the class of the failure before.
-std::size_t setNoHandles() {
+std::size_t limitHandles(std::size_t handles) {
     const auto failure =
         std::make_unique<std::system_error>(std::make_error_code(std::errc::io_error));
     EXPECT_EQ(failure->code(), std::errc::io_error);
     EXPECT_STRNE(failure->what(), "");
-    return setLimit(RLIMIT_NOFILE, 0);
+    return setLimit(RLIMIT_NOFILE, handles);
+}
+
+/// The handle that a file gets that is opened now: the lowest that is free.
+std::size_t nextHandle() {
+    const int handle = ::dup(STDERR_FILENO);
+    EXPECT_GE(handle, 0);
+    ::close(handle);
+    return static_cast<std::size_t>(handle);
 }
 
 }  // namespace
@@ -61,9 +69,15 @@ FileSizeLimit::~FileSizeLimit() {
     std::signal(SIGXFSZ, earlierHandler_);
 }
 
-NoFileHandles::NoFileHandles() : earlierLimit_(setNoHandles()) {}
+NoFileHandles::NoFileHandles() : earlierLimit_(limitHandles(0)) {}
 
 NoFileHandles::~NoFileHandles() {
+    setLimit(RLIMIT_NOFILE, earlierLimit_);
+}
+
+OneFileHandle::OneFileHandle() : earlierLimit_(limitHandles(nextHandle() + 1)) {}
+
+OneFileHandle::~OneFileHandle() {
     setLimit(RLIMIT_NOFILE, earlierLimit_);
 }
 

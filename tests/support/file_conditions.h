@@ -42,6 +42,18 @@ private:
     std::size_t earlierLimit_;
 };
 
+/// No more than one further file can be open at a time.
+class OneFileHandle {
+public:
+    OneFileHandle();
+    OneFileHandle(const OneFileHandle&) = delete;
+    OneFileHandle& operator=(const OneFileHandle&) = delete;
+    ~OneFileHandle();
+
+private:
+    std::size_t earlierLimit_;
+};
+
 /// Holds a folder as a run does that writes into it.
 class HeldFolder {
 public:

@@ -43,6 +43,12 @@ TEST_F(SourceLinesTest, WhatIsNoTextFileHasNone) {
     }
 }
 
+TEST_F(SourceLinesTest, AFileThatCannotBeOpenedHasNone) {
+    const std::string file = folder_.write("a", "<a/>\n");
+    const NoFileHandles none;
+    EXPECT_FALSE(lines_.line(file, 1));
+}
+
 TEST_F(SourceLinesTest, ALargeFileHasNone) {
     const std::string file = folder_.write("large", "a\n");
     std::filesystem::resize_file(file, 16'000'001);

@@ -423,6 +423,20 @@ TEST_F(DocPublisherTest, AKeySpaceDocumentThatCannotBeRemovedStays) {
     EXPECT_TRUE(folder.exists("out/KeyspaceDoc.ditamap/kept.txt"));
 }
 
+TEST_F(DocPublisherTest, ALinkInThePlaceOfTheKeySpaceDocumentGoesAlone) {
+    const fs::path link = folder.path() / "out/KeyspaceDoc.ditamap";
+    folder.write("out/kept.txt", "x");
+    watch = [&](const std::string& line) {
+        if (line == processingReferences()) {
+            fs::remove(link);
+            fs::create_symlink("kept.txt", link);
+        }
+    };
+    EXPECT_EQ(status(publishComposite(composite())), 0);
+    EXPECT_FALSE(fs::is_symlink(link));
+    EXPECT_EQ(folder.read("out/kept.txt"), "x");
+}
+
 TEST_F(DocPublisherTest, DtdsMayHaveAnyName) {
     boost::json::object params = composite();
     params["compositeDocDtd"] =

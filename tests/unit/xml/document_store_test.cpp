@@ -74,6 +74,20 @@ TEST_F(DocumentStoreTest, KeepsWhatTheParserSaidOfAFileThatItCouldNotRead) {
     EXPECT_EQ(DocumentStore::instance().failureOf(key), nullptr);
 }
 
+TEST_F(DocumentStoreTest, KeepsThatAFileTakesTooMuch) {
+    std::string bomb = "<a";
+    for (int attribute = 0; attribute <= 10000; ++attribute) {
+        bomb += " a" + std::to_string(attribute) + "=''";
+    }
+    const std::string path = folder.write("bomb.dita", bomb + "/>");
+    EXPECT_EQ(load(path), nullptr);
+    const ParseFailure* const failure = DocumentStore::instance().failureOf(toUtf16(path));
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->reason, u"it takes too much memory or time");
+    EXPECT_EQ(host.console(), Texts{cannotRead(path)});
+    EXPECT_TRUE(load(folder.write("a.dita", "<a/>")));
+}
+
 TEST_F(DocumentStoreTest, WhatIsSaidOfAFileThatIsNotThereIsOfNoPlace) {
     const std::string path = folder.file("none.dita");
     EXPECT_EQ(load(path), nullptr);

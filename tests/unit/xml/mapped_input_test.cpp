@@ -63,6 +63,21 @@ TEST_F(MemMapLocalFileInputSourceTest, ReadsALargeFileThroughAMapping) {
     }
 }
 
+TEST_F(MemMapLocalFileInputSourceTest, ReadsThroughItsHandleWhatCannotBeMapped) {
+    const std::string text(kLargestRead + 4096, 'x');
+    folder.write("a.xml", text);
+    EXPECT_TRUE(isMapped(openFile(folder.file16("a.xml"))));
+    Stream stream;
+    {
+        // A mapping opens the file once more.
+        const OneFileHandle one;
+        stream = openFile(folder.file16("a.xml"));
+    }
+    ASSERT_TRUE(stream);
+    EXPECT_FALSE(isMapped(stream));
+    EXPECT_EQ(readIn(*stream, 1 << 20), text);
+}
+
 TEST_F(MemMapLocalFileInputSourceTest, AFileThatIsShortenedMeanwhileIsAnError) {
     const std::string path = folder.write("a.xml", std::string(kLargestRead + 4096, 'x'));
     const Stream stream = openFile(folder.file16("a.xml"));
