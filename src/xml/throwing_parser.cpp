@@ -80,8 +80,12 @@ void QSXercesDOMParser::error(unsigned int code, const XMLCh* domain,
                               const XMLCh* systemId, const XMLCh* publicId, XMLFileLoc line,
                               XMLFileLoc column) {
     if (!failure_) {
-        failure_ = {std::u16string(domText(text)), std::u16string(domText(systemId)), line, column,
-                    domText(domain) == domText(xercesc::XMLUni::fgValidityDomain)};
+        failure_ = {std::u16string(domText(text)),
+                    std::u16string(domText(systemId)),
+                    line,
+                    column,
+                    domText(domain) == domText(xercesc::XMLUni::fgValidityDomain),
+                    domText(domain) == domText(xercesc::XMLUni::fgExceptDomain)};
     }
     // The source is named by its public identifier: the file's name varies from place to place.
     const std::string sourceName = toUtf8(publicId).value_or(std::string());

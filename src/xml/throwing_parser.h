@@ -32,6 +32,7 @@ struct ParseFailure {
     XMLFileLoc line = 0;      ///< from 1, like the column; 0 where it is of no place
     XMLFileLoc column = 0;
     bool isOfValidity = false;  ///< it breaks its DTD; else it can't be read with it, or at all
+    bool isOfFile = false;  ///< the document says nothing wrong; a file can't be read, or opened
 };
 
 /// A parser for plain Xerces trees that throws each diagnostic, warnings and
@@ -73,6 +74,12 @@ public:
     /// an accident of its own and reports that as well: the first is the one that says what is
     /// wrong.
     const std::optional<ParseFailure>& failure() const noexcept { return failure_; }
+
+    /// Whether the try that failed would fail again, in the same way, if its DTD were read anew. A
+    /// file that can't be read may be read the next time.
+    bool wouldFailAgain() const noexcept {
+        return failure_ && !failure_->isOfFile && dtds_.wouldFailAgain();
+    }
 
     /// The DTDs that it keeps for the documents to come.
     const KeptDtds& dtds() const noexcept { return dtds_; }

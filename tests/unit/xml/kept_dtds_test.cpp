@@ -28,6 +28,7 @@ protected:
                      "<!ENTITY % own SYSTEM 'own.mod'>%own;" +
                          std::string(kTopicDtd));
         folder.write("own.mod", "");
+        folder.write("entity.dtd", "<!ENTITY e SYSTEM 'missing.ent'>" + std::string(kTopicDtd));
         host.pathsByPublicId["one"] = folder.write("modules/1.mod", "<!ELEMENT a EMPTY>");
         host.pathsByPublicId["two"] = folder.write("modules/2.mod", "");
     }
@@ -80,6 +81,11 @@ std::vector<Series> allSeries() {
         {"ill-formed", {topicText("topic.dtd"), brokenTopicText("topic.dtd")}, 1, 2},
         {"empty root", {shell, shell, shell}, 1, 4},
         {"missing entity", {topicDoctype("topic.dtd") + "<topic id='t'>&none;</topic>"}, 1, 2},
+        // It could be there the next time.
+        {"missing file of an entity",
+         {topicDoctype("entity.dtd") + "<topic id='t'><title>&e;</title></topic>"},
+         2,
+         2},
         {"internal subset",
          {"<!DOCTYPE topic SYSTEM 'topic.dtd' [<!ENTITY e ''>]><topic>&e;</topic>"},
          1,
