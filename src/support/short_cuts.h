@@ -9,6 +9,8 @@ struct ShortCuts {
     static inline bool passOverRepeatedTries = true;
     /// What a DTD declares is asked of the grammar that documents were read with.
     static inline bool shareDtds = true;
+    /// Where the DTD of a doctype stands is looked up once.
+    static inline bool rememberDtdPaths = true;
     /// The ids of a document that is searched again are noted.
     static inline bool noteIds = true;
     /// The conditional text of a source is read once.

@@ -84,12 +84,23 @@ std::u16string GrammarParserCache::resolveDtdPath(const xercesc::DOMDocument& do
     if (!doctype) {
         return {};
     }
+    sendStart(documentPath(document));
+    const ScopeExit endSession([] { sendEnd(); });
+    const std::u16string ids = std::u16string(domText(doctype->getSystemId()))
+                                   .append(u"\n")
+                                   .append(domText(doctype->getPublicId()));
+    const auto known = pathsByIds_.find(ids);
+    if (known != pathsByIds_.end() && ShortCuts::rememberDtdPaths) {
+        return known->second;
+    }
     xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar,
                                               doctype->getSystemId(), doctype->getNamespaceURI(),
                                               doctype->getPublicId(), nullptr, nullptr);
-    sendStart(documentPath(document));
-    const ScopeExit endSession([] { sendEnd(); });
-    return resolver_.resolvePath(identifier);
+    std::u16string path = resolver_.resolvePath(identifier);
+    if (!path.empty()) {
+        pathsByIds_[ids] = path;
+    }
+    return path;
 }
 
 }  // namespace marrowpress

@@ -29,6 +29,8 @@ public:
 private:
     std::unordered_map<std::u16string, ParserBundle> bundles_;
     QSXMLEntityResolver resolver_;
+    /// Of DTDs that were found, by system and public identifier with a line feed between them.
+    std::unordered_map<std::u16string, std::u16string> pathsByIds_;
 };
 
 }  // namespace marrowpress

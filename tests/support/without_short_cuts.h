@@ -16,6 +16,7 @@ private:
     static void takeShortCuts(bool areTaken) noexcept {
         ShortCuts::passOverRepeatedTries = areTaken;
         ShortCuts::shareDtds = areTaken;
+        ShortCuts::rememberDtdPaths = areTaken;
         ShortCuts::noteIds = areTaken;
         ShortCuts::keepConditions = areTaken;
     }
