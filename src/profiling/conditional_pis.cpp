@@ -164,7 +164,7 @@ ConditionCatalogs& ConditionCatalogs::instance() {
 }
 
 const ConditionCatalog& ConditionCatalogs::catalogOf(xercesc::DOMElement& root) {
-    if (!ShortCuts::keepConditions) {
+    if (!ShortCuts::taken().keepConditions) {
         forget(&root);
     }
     const auto [catalog, isNew] = catalogs_.try_emplace(&root);

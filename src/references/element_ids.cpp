@@ -23,7 +23,7 @@ DOMElement* ElementIds::find(DOMElement& container, std::u16string_view id,
                              std::u16string_view tagName) {
     const auto [known, isFirstSearch] = known_.try_emplace(&container);
     const std::u16string key(id);
-    if (isFirstSearch || changed_.contains(key) || !ShortCuts::noteIds) {
+    if (isFirstSearch || changed_.contains(key) || !ShortCuts::taken().noteIds) {
         return search(container, id, tagName);
     }
     if (known->second.empty()) {

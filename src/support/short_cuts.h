@@ -6,15 +6,21 @@ namespace marrowpress {
 /// tests turn them off, to show that the whole of the work comes to the same.
 struct ShortCuts {
     /// A try that could only repeat the failure of the one before is not made.
-    static inline bool passOverRepeatedTries = true;
+    bool passOverRepeatedTries = true;
     /// What a DTD declares is asked of the grammar that documents were read with.
-    static inline bool shareDtds = true;
+    bool shareDtds = true;
     /// Where the DTD of a doctype stands is looked up once.
-    static inline bool rememberDtdPaths = true;
+    bool rememberDtdPaths = true;
     /// The ids of a document that is searched again are noted.
-    static inline bool noteIds = true;
+    bool noteIds = true;
     /// The conditional text of a source is read once.
-    static inline bool keepConditions = true;
+    bool keepConditions = true;
+
+    /// Those that are taken.
+    static ShortCuts& taken() noexcept {
+        static ShortCuts shortCuts;
+        return shortCuts;
+    }
 };
 
 }  // namespace marrowpress

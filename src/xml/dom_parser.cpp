@@ -112,7 +112,7 @@ xercesc::DOMDocument* ParserBundle::parseWithRetries(const std::u16string& path,
         if (retry == Retry::kNone) {
             throw;
         }
-        if (ShortCuts::passOverRepeatedTries && parser_->wouldFailAgain()) {
+        if (ShortCuts::taken().passOverRepeatedTries && parser_->wouldFailAgain()) {
             failureToRepeat = std::current_exception();
         }
     }

@@ -45,7 +45,7 @@ void loadDtd(QSXercesDOMParser& parser, const xercesc::InputSource& dtd,
 /// The DTD at `path` that documents were read with; null if there is none.
 const KeptDtd* dtdOfDocuments(const std::u16string& path) {
     const DocumentStore* const documents = RequestSingleton<DocumentStore>::existing();
-    return documents && ShortCuts::shareDtds ? documents->dtd(path) : nullptr;
+    return documents && ShortCuts::taken().shareDtds ? documents->dtd(path) : nullptr;
 }
 
 /// A bundle whose parser has the DTD at `path`; none for an empty path.
@@ -90,7 +90,7 @@ std::u16string GrammarParserCache::resolveDtdPath(const xercesc::DOMDocument& do
                                    .append(u"\n")
                                    .append(domText(doctype->getPublicId()));
     const auto known = pathsByIds_.find(ids);
-    if (known != pathsByIds_.end() && ShortCuts::rememberDtdPaths) {
+    if (known != pathsByIds_.end() && ShortCuts::taken().rememberDtdPaths) {
         return known->second;
     }
     xercesc::XMLResourceIdentifier identifier(xercesc::XMLResourceIdentifier::SchemaGrammar,

@@ -14,11 +14,11 @@ public:
 
 private:
     static void takeShortCuts(bool areTaken) noexcept {
-        ShortCuts::passOverRepeatedTries = areTaken;
-        ShortCuts::shareDtds = areTaken;
-        ShortCuts::rememberDtdPaths = areTaken;
-        ShortCuts::noteIds = areTaken;
-        ShortCuts::keepConditions = areTaken;
+        ShortCuts::taken().passOverRepeatedTries = areTaken;
+        ShortCuts::taken().shareDtds = areTaken;
+        ShortCuts::taken().rememberDtdPaths = areTaken;
+        ShortCuts::taken().noteIds = areTaken;
+        ShortCuts::taken().keepConditions = areTaken;
     }
 };
 
