@@ -1,6 +1,7 @@
 #include "tests/support/failing_allocations.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <utility>
 
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the C library's names
