@@ -1,5 +1,6 @@
 #include "xml/request_memory.h"
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,6 +22,7 @@ namespace {
 constexpr std::size_t kReserve = 8 << 20;
 constexpr std::size_t kLargeBlock = 64 << 10;
 constexpr std::size_t kBytesPerFileByte = 32;
+constexpr std::size_t kOfSystem = 16;  ///< what the C library has for each block beside its bytes
 
 RequestMemory* currentMemory = nullptr;
 
@@ -38,14 +40,17 @@ std::size_t machineMemory() {
 struct alignas(std::max_align_t) RequestMemory::Block {
     Block* earlier;
     Block* later;
-    std::size_t cost;
 };
 
 /// What a block costs the machine: content models are made of millions that are smaller than what
 /// stands in front of them.
 std::size_t RequestMemory::costOf(std::size_t size) noexcept {
-    constexpr std::size_t kOfSystem = 16;
     return std::min(size, SIZE_MAX / 2) + sizeof(Block) + kOfSystem;
+}
+
+/// The same of one that is there.
+std::size_t RequestMemory::costOf(Block& block) noexcept {
+    return ::malloc_usable_size(&block) + kOfSystem;
 }
 
 RequestMemory::Limits RequestMemory::usualLimits() {
@@ -95,7 +100,7 @@ void RequestMemory::deallocate(void* memory) {
     if (block->earlier) {
         block->earlier->later = block->later;
     }
-    taken_ -= block->cost;
+    taken_ -= costOf(*block);
     std::free(block);
 }
 
@@ -134,12 +139,12 @@ void* RequestMemory::fromSystem(std::size_t size) noexcept {
     if (!memory) {
         return nullptr;
     }
-    auto* const block = new (memory) Block{last_, nullptr, costOf(size)};
+    auto* const block = new (memory) Block{last_, nullptr};
     if (last_) {
         last_->later = block;
     }
     last_ = block;
-    taken_ += block->cost;
+    taken_ += costOf(*block);
     return block + 1;
 }
 

@@ -68,6 +68,7 @@ private:
     struct Block;
 
     static std::size_t costOf(std::size_t size) noexcept;
+    static std::size_t costOf(Block& block) noexcept;
     bool exceeds(std::size_t cost) noexcept;
     [[noreturn]] void refuse();
     void* fromSystem(std::size_t size) noexcept;
