@@ -41,8 +41,7 @@ std::u16string toAbsolutePath(std::u16string_view hrefPath, const DOMDocument& d
     if (path.empty()) {
         return normalizePath(base);
     }
-    // The document's file as a folder that is left again.
-    return normalizePath(base + u"/../" + u"/" + path);
+    return besideFile(base, path);
 }
 
 std::u16string resolveExistingPath(std::u16string_view hrefPath, const DOMDocument& document,

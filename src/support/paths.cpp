@@ -6,10 +6,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
-#include <vector>
+#include <utility>
 
 #include "support/file_descriptor.h"
 #include "support/text.h"
+#include "support/work_counts.h"
 
 namespace marrowpress {
 namespace {
@@ -50,62 +51,88 @@ std::size_t rootNameLength(std::u16string_view path) {
     return static_cast<std::size_t>(end - path.begin());
 }
 
-/// The names between the separators; an empty last name stands for a separator at the end.
-std::vector<std::u16string_view> splitNames(std::u16string_view path) {
-    std::vector<std::u16string_view> names;
-    std::size_t start = 0;
-    for (std::size_t position = 0; position <= path.size(); ++position) {
-        if (position < path.size() && !isPathSeparator(path[position])) {
-            continue;
-        }
-        const bool isRepeatedSeparator = position == start && position < path.size();
-        if (!isRepeatedSeparator) {
-            names.push_back(path.substr(start, position - start));
-        }
-        start = position + 1;
+/// A normal form that grows name by name behind a root.
+class NormalForm {
+public:
+    NormalForm(std::u16string root, bool hasRootDirectory)
+        : text_(std::move(root)), start_(text_.size()), hasRootDirectory_(hasRootDirectory) {}
+
+    /// An empty name stands for a separator at the end.
+    void add(std::u16string_view name);
+    std::u16string take();
+
+private:
+    bool isEmpty() const { return text_.size() == start_; }
+    bool endsUpwards() const { return lastName() == u".."; }
+    std::size_t lastNameStart() const;
+    std::u16string_view lastName() const {
+        return std::u16string_view(text_).substr(lastNameStart());
     }
-    return names;
+    void push(std::u16string_view name);
+    void pop();
+
+    std::u16string text_;
+    std::size_t start_;
+    bool hasRootDirectory_;
+    bool endsInSeparator_ = false;
+};
+
+void NormalForm::add(std::u16string_view name) {
+    endsInSeparator_ = false;
+    if (name.empty() || name == u".") {
+        endsInSeparator_ = true;
+    } else if (name != u"..") {
+        push(name);
+    } else if (!isEmpty() && !endsUpwards()) {
+        pop();
+        endsInSeparator_ = true;
+    } else if (!hasRootDirectory_) {
+        push(name);
+    }
 }
 
-/// The names of a normal form; as in `splitNames`, an empty last name ends it with a separator.
-std::vector<std::u16string_view> normalNames(const std::vector<std::u16string_view>& names,
-                                             bool hasRootDirectory) {
-    std::vector<std::u16string_view> kept;
-    bool endsInSeparator = false;
-    for (const std::u16string_view name : names) {
-        endsInSeparator = false;
-        if (name.empty() || name == u".") {
-            endsInSeparator = true;
-        } else if (name != u"..") {
-            kept.push_back(name);
-        } else if (!kept.empty() && kept.back() != u"..") {
-            kept.pop_back();
-            endsInSeparator = true;
-        } else if (!hasRootDirectory) {
-            kept.push_back(u"..");
-        }
+std::u16string NormalForm::take() {
+    if (endsInSeparator_ && !isEmpty() && !endsUpwards()) {
+        text_ += kSeparator;
     }
-    if (endsInSeparator && !kept.empty() && kept.back() != u"..") {
-        kept.emplace_back();
+    return std::move(text_);
+}
+
+std::size_t NormalForm::lastNameStart() const {
+    const std::size_t separator = text_.rfind(kSeparator);
+    return separator == std::u16string::npos ? start_ : std::max(separator + 1, start_);
+}
+
+void NormalForm::push(std::u16string_view name) {
+    if (!isEmpty()) {
+        text_ += kSeparator;
     }
-    return kept;
+    text_ += name;
+}
+
+void NormalForm::pop() {
+    const std::size_t start = lastNameStart();
+    text_.resize(start == start_ ? start : start - 1);
 }
 
 /// Whether `path` is absolute, of nothing but names with one "/" in front of each, and so its own
 /// normal form: most are, and the question costs a tenth of making it.
 bool isPlainPath(std::u16string_view path) {
-    if (path.size() < 2 || path.front() != kSeparator || path[1] == u'?' ||
-        path.find(u'\\') != std::u16string_view::npos) {
+    if (path.size() < 2 || path.front() != kSeparator || path[1] == u'?') {
         return false;
     }
     std::size_t start = 1;
-    while (start <= path.size()) {
-        const std::size_t end = std::min(path.find(kSeparator, start), path.size());
-        const std::u16string_view name = path.substr(start, end - start);
-        if (name.empty() || name == u"." || name == u"..") {
+    for (std::size_t position = 1; position <= path.size(); ++position) {
+        const bool isAtEnd = position == path.size();
+        if (!isAtEnd && !isPathSeparator(path[position])) {
+            continue;
+        }
+        const std::u16string_view name = path.substr(start, position - start);
+        if (name.empty() || name == u"." || name == u".." ||
+            (!isAtEnd && path[position] != kSeparator)) {
             return false;
         }
-        start = end + 1;
+        start = position + 1;
     }
     return true;
 }
@@ -120,6 +147,7 @@ std::u16string realPath(std::u16string_view path) {
 
 /// Whether a file of that status is there.
 bool isThere(std::filesystem::file_status status, std::error_code error, std::u16string_view path) {
+    ++WorkCounts::total().fileQuestions;
     if (status.type() == std::filesystem::file_type::not_found) {
         return false;
     }
@@ -168,23 +196,43 @@ std::u16string normalizePath(std::u16string_view path) {
         return std::u16string(path);
     }
     const std::size_t rootLength = rootNameLength(path);
-    std::u16string normal(path.substr(0, rootLength));
-    std::replace(normal.begin(), normal.end(), u'\\', kSeparator);
+    std::u16string root;
+    root.reserve(path.size() + 1);
+    root.append(path.substr(0, rootLength));
+    std::replace(root.begin(), root.end(), u'\\', kSeparator);
 
-    const std::u16string_view rest = path.substr(rootLength);
+    std::u16string_view rest = path.substr(rootLength);
     const bool hasRootDirectory = !rest.empty() && isPathSeparator(rest[0]);
     if (hasRootDirectory) {
-        normal += kSeparator;
+        root += kSeparator;
     }
-    bool isFirst = true;
-    for (const std::u16string_view name : normalNames(splitNames(rest), hasRootDirectory)) {
-        if (!isFirst) {
-            normal += kSeparator;
+    NormalForm normal(std::move(root), hasRootDirectory);
+    while (!rest.empty()) {
+        const auto* const end = std::find_if(rest.begin(), rest.end(), isPathSeparator);
+        const auto* const next = std::find_if_not(end, rest.end(), isPathSeparator);
+        if (end != rest.begin()) {
+            normal.add(std::u16string_view(rest.begin(), end));
         }
-        normal += name;
-        isFirst = false;
+        if (next == rest.end() && end != rest.end()) {
+            normal.add({});
+        }
+        rest = std::u16string_view(next, rest.end());
     }
-    return normal.empty() ? u"." : normal;
+    std::u16string text = normal.take();
+    return text.empty() ? u"." : text;
+}
+
+std::u16string besideFile(std::u16string_view base, std::u16string_view path) {
+    std::u16string beside;
+    beside.reserve(base.size() + path.size() + 5);
+    const std::size_t folderEnd = base.rfind(kSeparator);
+    if (isPlainPath(base) && folderEnd > 0) {
+        // The same with less to undo.
+        beside.append(base.substr(0, folderEnd + 1));
+    } else {
+        beside.append(base).append(u"/..//");
+    }
+    return normalizePath(beside.append(path));
 }
 
 std::u16string_view pathFileName(std::u16string_view path) {

@@ -33,6 +33,10 @@ std::u16string joinPath(std::u16string_view path, std::u16string_view second);
 /// system, so that ".." behind a symbolic link is taken by its name.
 std::u16string normalizePath(std::u16string_view path);
 
+/// The normal form of `path`, which is relative, in the folder of the file at `base`: that file
+/// taken as a folder that is left again, whatever the two are.
+std::u16string besideFile(std::u16string_view base, std::u16string_view path);
+
 /// The last element of `path` without its extension. A leading dot begins no extension, and a
 /// colon ends the name.
 std::u16string pathStem(std::u16string_view path);

@@ -156,6 +156,30 @@ TEST(NormalizePathTest, GivesTheLexicalNormalForm) {
     }
 }
 
+TEST(BesideFileTest, TakesTheFileAsAFolderThatIsLeftAgain) {
+    struct BesideCase {
+        const char16_t* base;
+        const char16_t* path;
+        const char16_t* expected;
+    };
+    const std::vector<BesideCase> cases{
+        {u"/a/b.dita", u"c.dita", u"/a/c.dita"},
+        {u"/a/b.dita", u"../d/c.dita", u"/d/c.dita"},
+        {u"/a/b.dita", u".", u"/a/"},
+        {u"/b.dita", u"c.dita", u"/c.dita"},
+        {u"/b.dita", u"\?\?\\..\\c", u"/c"},
+        {u"C:\\a\\b.dita", u"c.dita", u"C:/a/c.dita"},
+        {u"a/b.dita", u"c.dita", u"a/c.dita"},
+        {u"", u"c.dita", u"/c.dita"},
+        {u"/a/b/", u"c.dita", u"/a/c.dita"},
+        {u"/a/..", u"c.dita", u"/c.dita"},
+    };
+    for (const BesideCase& path : cases) {
+        const std::u16string beside = besideFile(path.base, path.path);
+        EXPECT_EQ(beside, path.expected) << show(path.base) << " gives " << show(beside);
+    }
+}
+
 struct JoinCase {
     const char16_t* path;
     const char16_t* second;
