@@ -18,6 +18,13 @@ std::string_view withoutLineEnd(std::string_view text) {
     return text;
 }
 
+/// In one piece: standard error has no buffer, and each piece would be a write of its own.
+void writeLine(std::ostream& err, std::string_view mark, std::string_view text) {
+    std::string line(mark);
+    line.append(withoutLineEnd(text)).append("\n");
+    err << line << std::flush;
+}
+
 }  // namespace
 
 void secureStandardStreams() {
@@ -48,11 +55,11 @@ bool writeResult(const Streams& streams, std::string_view text) {
 }
 
 void showReport(std::ostream& err, std::string_view text) {
-    err << withoutLineEnd(text) << '\n' << std::flush;
+    writeLine(err, "", text);
 }
 
 void showProgress(std::ostream& err, std::string_view text) {
-    err << kProgressMark << withoutLineEnd(text) << '\n' << std::flush;
+    writeLine(err, kProgressMark, text);
 }
 
 }  // namespace marrowpress
