@@ -4,6 +4,7 @@
 #include <cassert>
 #include <memory>
 #include <vector>
+#include <xercesc/dom/DOMAttr.hpp>
 
 #include "application/run_observer.h"
 #include "dom/attributes.h"
@@ -26,7 +27,11 @@ public:
         return attributeOf(element, name_);
     }
     void setRefValue(DOMElement& element, const std::u16string& value) const override {
-        element.setAttribute(name_, value.c_str());
+        const xercesc::DOMAttr* const attribute = element.getAttributeNode(name_);
+        // Most web addresses stay as they are. A default that is set is written from then on.
+        if (!attribute || !attribute->getSpecified() || domText(attribute->getValue()) != value) {
+            element.setAttribute(name_, value.c_str());
+        }
     }
 
 protected:
@@ -75,13 +80,10 @@ void changeDirectRefs(DOMElement* root, const DirectRefAttrContainingNodeFilter&
                       Change&& change) {
     ElementWalker walker(root, filter);
     while (DOMElement* const element = walker.nextNode()) {
-        const std::uint32_t mask = filter.mask(*element);
         for (const std::uint32_t bit : DirectRefAttrContainingNodeFilter::bits()) {
-            if (!(mask & bit)) {
-                continue;
-            }
             const DirectRefAttrHandler& handler = directRefAttrHandler(bit);
-            const std::u16string changed = change(handler.getRefValue(*element));
+            const std::u16string value = handler.getRefValue(*element);
+            const std::u16string changed = value.empty() ? value : change(value);
             if (!changed.empty()) {
                 handler.setRefValue(*element, changed);
             }
