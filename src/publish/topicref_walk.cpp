@@ -16,6 +16,7 @@
 #include "references/document_kind.h"
 #include "references/reference_paths.h"
 #include "support/paths.h"
+#include "support/short_cuts.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
 #include "xml/document_store.h"
@@ -186,7 +187,10 @@ void TopicrefWalk::gatherConditions(DOMElement& root, const DOMElement& parent) 
 DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& parent,
                                              const CopyCause& cause) {
     const DOMDocument& source = *element.getOwnerDocument();
-    carryMarkersInFrontOf(element, parent);
+    const bool carriesMarkers = conditions_.mergeEnabled && hasMarkersBeside(element, parent);
+    if (carriesMarkers) {
+        carryMarkersInFrontOf(element, parent);
+    }
     DOMElement* lastElement = nullptr;
     if (selects(ditabaseFilter_, &element)) {
         for (DOMNode* const child : childrenOf(element)) {
@@ -198,15 +202,30 @@ DOMElement* TopicrefWalk::appendTopicSubtree(DOMElement& element, DOMElement& pa
     } else {
         lastElement = asElement(importTopicNode(source, element, parent, cause));
     }
-    carryMarkersBehind(element, parent);
+    if (carriesMarkers) {
+        carryMarkersBehind(element, parent);
+    }
     return lastElement;
+}
+
+/// Most documents have none, and a way past all siblings of each part that is taken in is long.
+bool TopicrefWalk::hasMarkersBeside(const DOMNode& node, const DOMElement& parent) {
+    const bool isGrowing = node.getOwnerDocument() == parent.getOwnerDocument();
+    if (isGrowing || !ShortCuts::taken().keepConditions) {
+        return true;
+    }
+    const auto [known, isNew] = hasMarkers_.try_emplace(node.getParentNode(), false);
+    if (isNew) {
+        const std::vector<DOMNode*> siblings = childrenOf(*node.getParentNode());
+        known->second =
+            std::any_of(siblings.begin(), siblings.end(),
+                        [this](const DOMNode* sibling) { return selects(markers_, sibling); });
+    }
+    return known->second;
 }
 
 /// Nearest first, so that the markers come out in the reverse of their order.
 void TopicrefWalk::carryMarkersInFrontOf(const DOMNode& node, DOMElement& parent) {
-    if (!conditions_.mergeEnabled) {
-        return;
-    }
     for (DOMNode* marker = node.getPreviousSibling(); marker;
          marker = marker->getPreviousSibling()) {
         carryConditionMarker(conditions_, *marker, parent);
@@ -214,9 +233,6 @@ void TopicrefWalk::carryMarkersInFrontOf(const DOMNode& node, DOMElement& parent
 }
 
 void TopicrefWalk::carryMarkersBehind(const DOMNode& node, DOMElement& parent) {
-    if (!conditions_.mergeEnabled) {
-        return;
-    }
     for (DOMNode* marker = node.getNextSibling(); marker; marker = marker->getNextSibling()) {
         carryConditionMarker(conditions_, *marker, parent);
     }

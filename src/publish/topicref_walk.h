@@ -1,5 +1,6 @@
 #pragma once
 
+#include <unordered_map>
 #include <vector>
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMElement.hpp>
@@ -55,6 +56,7 @@ private:
                                              const DitaReference& reference);
     xercesc::DOMElement* appendTopicSubtree(xercesc::DOMElement& element,
                                             xercesc::DOMElement& parent, const CopyCause& cause);
+    bool hasMarkersBeside(const xercesc::DOMNode& node, const xercesc::DOMElement& parent);
     void carryMarkersInFrontOf(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
     void carryMarkersBehind(const xercesc::DOMNode& node, xercesc::DOMElement& parent);
     xercesc::DOMNode* importTopicNode(const xercesc::DOMDocument& source, xercesc::DOMNode& node,
@@ -73,6 +75,9 @@ private:
     ReferenceNormalizer normalizer_;
     KeyrefProcessor keyrefs_;
     ConrefProcessor conrefs_;
+    CondStartEndTagFilter markers_;
+    /// Whether start and end tags of conditional text are among the children of a source's node.
+    std::unordered_map<const xercesc::DOMNode*, bool> hasMarkers_;
     std::vector<Step> steps_;  ///< what is still to do, the next on top
     std::vector<const xercesc::DOMDocument*> openMaps_;
 };
