@@ -1,6 +1,7 @@
 #include "dom/element_walker.h"
 
 #include "dom/nodes.h"
+#include "support/work_counts.h"
 
 namespace marrowpress {
 
@@ -52,6 +53,7 @@ void TreeWalker<Node>::step() {
         leaveFinishedLevels();
         return;
     }
+    ++WorkCounts::total().walkSteps;
     switch (filter_.acceptNode(node)) {
         case xercesc::DOMNodeFilter::FILTER_ACCEPT:
             current_ = node;

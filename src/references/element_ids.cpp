@@ -6,6 +6,7 @@
 #include "dom/attributes.h"
 #include "dom/copies.h"
 #include "support/short_cuts.h"
+#include "support/work_counts.h"
 #include "support/xerces_ptr.h"
 
 namespace marrowpress {
@@ -71,6 +72,7 @@ void ElementIds::noteChange(DOMElement& root) {
 }
 
 std::size_t ElementIds::takeSearched() noexcept {
+    WorkCounts::total().searchSteps += searched_;
     return std::exchange(searched_, 0);
 }
 

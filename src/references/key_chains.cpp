@@ -8,6 +8,7 @@
 #include "dom/nodes.h"
 #include "references/copied_references.h"
 #include "references/key_definitions.h"
+#include "support/work_counts.h"
 
 namespace marrowpress {
 namespace {
@@ -51,6 +52,7 @@ void copyMemory(const DOMElement& source, const DOMElement& target) {
 }  // namespace
 
 std::size_t KeyChainPass::run() {
+    ++WorkCounts::total().chainWalks;
     std::size_t followed = 0;
     ElementWalker walker(keySpace_.document().getDocumentElement(), topicrefFilter_);
     while (DOMElement* const element = walker.nextNode()) {

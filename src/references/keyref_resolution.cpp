@@ -8,6 +8,7 @@
 #include "references/key_definitions.h"
 #include "references/multimedia_references.h"
 #include "support/hrefs.h"
+#include "support/short_cuts.h"
 #include "xml/grammar_parser_cache.h"
 
 namespace marrowpress {
@@ -32,11 +33,35 @@ void KeyrefProcessor::resolveAllKeyrefs(DOMElement* root, KeySpace& keySpace) co
     if (root) {
         resolveKeyDefinitionChains(keySpace, *root->getOwnerDocument());
     }
-    resolveMultimediaKeyrefs(root, keySpace);
-    resolveAbbreviatedForms(root, keySpace);
-    resolveImageKeyrefs(root, keySpace);
+    // Most topics have none of the elements that the next three passes are about.
+    const OwnRules rules = ownRulesIn(root);
+    if (rules.media) {
+        resolveMultimediaKeyrefs(root, keySpace);
+    }
+    if (rules.abbreviatedForms) {
+        resolveAbbreviatedForms(root, keySpace);
+    }
+    if (rules.images) {
+        resolveImageKeyrefs(root, keySpace);
+    }
     resolveElementKeyrefs(root, keySpace);
     resolveConkeyrefs(root, keySpace);
+}
+
+KeyrefProcessor::OwnRules KeyrefProcessor::ownRulesIn(DOMElement* root) const {
+    if (!ShortCuts::taken().lookAhead) {
+        return {true, true, true};
+    }
+    OwnRules rules;
+    ElementWalker walker(root, ownRuleFilter_);
+    while (const DOMElement* const element = walker.nextNode()) {
+        const bool isAbbreviatedForm = selects(abbreviatedFormFilter_, element);
+        const bool isImage = selects(imageFilter_, element);
+        rules.abbreviatedForms |= isAbbreviatedForm;
+        rules.images |= isImage;
+        rules.media |= !isAbbreviatedForm && !isImage;
+    }
+    return rules;
 }
 
 void KeyrefProcessor::resolveKeyDefinitionChains(KeySpace& keySpace,

@@ -45,6 +45,15 @@ public:
     void resolveConkeyrefs(xercesc::DOMElement* root, const KeySpace& keySpace) const;
 
 private:
+    /// Which of the elements with a rule of their own a subtree has.
+    struct OwnRules {
+        bool media = false;
+        bool abbreviatedForms = false;
+        bool images = false;
+    };
+    OwnRules ownRulesIn(xercesc::DOMElement* root) const;
+
+    OwnKeyrefRuleNodeFilter ownRuleFilter_;
     KeyrefAttrContainingNodeFilter keyrefFilter_;
     ConkeyrefAttrContainingNodeFilter conkeyrefFilter_;
     MultimediaKeyrefAttrContainingNodeFilter multimediaKeyrefFilter_;

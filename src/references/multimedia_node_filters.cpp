@@ -1,8 +1,5 @@
 #include "references/multimedia_node_filters.h"
 
-#include <array>
-#include <functional>
-
 #include "dom/attributes.h"
 #include "dom/nodes.h"
 #include "references/node_filters.h"
@@ -15,60 +12,43 @@ using xercesc::DOMNode;
 using xercesc::DOMNodeFilter;
 using FilterAction = DOMNodeFilter::FilterAction;
 
-using MultimediaTest = std::function<MultimediaNodeType(const DOMNode*)>;
-/// The object test and the param test, in the order in which they are tried.
-using MultimediaTests = std::array<MultimediaTest, 2>;
-
-const ClassBasedElementNodeFilter& objectFilter() {
-    static const ClassBasedElementNodeFilter filter(u"topic/object ", {u"object"});
-    return filter;
+MultimediaNodeType typeByClass(const DOMElement& element) {
+    static const ObjectNodeFilter objects;
+    static const ParamNodeFilter params;
+    const std::u16string_view classValue = attributeView(element, u"class");
+    if (objects.fits(element, classValue)) {
+        return MultimediaNodeType::MultimediaNodeObject;
+    }
+    return params.fits(element, classValue) ? MultimediaNodeType::MultimediaNodeParam
+                                            : MultimediaNodeType::MultimediaNodeNone;
 }
 
-const ClassBasedElementNodeFilter& paramFilter() {
-    static const ClassBasedElementNodeFilter filter(u"topic/param ", {u"param"});
-    return filter;
-}
-
-/// A test that gives the type of `handler` for what both `filter` and `hasReference`, which gets
-/// the element and the handler, select.
-template <class HasReference>
-MultimediaTest makeTest(const ClassBasedElementNodeFilter& filter, MultimediaNodeType type,
-                        HasReference hasReference) {
-    const MultimediaNodeHandler& handler = multimediaNodeHandler(type);
-    return [&filter, &handler, hasReference](const DOMNode* node) {
-        const FilterAction action = filter.acceptNode(node);
-        if (action == DOMNodeFilter::FILTER_REJECT) {
-            return MultimediaNodeType::MultimediaNodeRejected;
-        }
-        const bool isSelected =
-            action == DOMNodeFilter::FILTER_ACCEPT && hasReference(*asElement(node), handler);
-        return isSelected ? handler.type() : MultimediaNodeType::MultimediaNodeNone;
-    };
-}
-
-bool refersDirectly(const DOMElement& element, const MultimediaNodeHandler& handler) {
-    return !handler.getRefValue(element).empty();
+/// The type of `node`; none for an object or a param that `refers` doesn't select.
+template <class Refers>
+MultimediaNodeType typeOf(const DOMNode* node, Refers refers) {
+    const DOMElement* const element = asElement(node);
+    if (!element) {
+        return MultimediaNodeType::MultimediaNodeRejected;
+    }
+    const MultimediaNodeType type = typeByClass(*element);
+    const bool isSelected = type != MultimediaNodeType::MultimediaNodeNone &&
+                            refers(*element, multimediaNodeHandler(type));
+    return isSelected ? type : MultimediaNodeType::MultimediaNodeNone;
 }
 
 /// A param is a reference to media only under these names, unless it has a key.
-bool paramRefersDirectly(const DOMElement& param, const MultimediaNodeHandler& handler) {
-    const std::u16string_view name = attributeView(param, u"name");
-    return (name == u"src" || name == u"poster") && refersDirectly(param, handler);
+bool refersDirectly(const DOMElement& element, const MultimediaNodeHandler& handler) {
+    if (handler.type() == MultimediaNodeType::MultimediaNodeParam) {
+        const std::u16string_view name = attributeView(element, u"name");
+        if (name != u"src" && name != u"poster") {
+            return false;
+        }
+    }
+    return !handler.getRefValue(element).empty();
 }
 
 bool refersByKey(const DOMElement& element, const MultimediaNodeHandler& handler) {
     return !handler.getKeyrefValue(element).empty();
-}
-
-template <class ObjectTest, class ParamTest>
-MultimediaTests makeTests(ObjectTest objectTest, ParamTest paramTest) {
-    return {makeTest(objectFilter(), MultimediaNodeType::MultimediaNodeObject, objectTest),
-            makeTest(paramFilter(), MultimediaNodeType::MultimediaNodeParam, paramTest)};
-}
-
-MultimediaNodeType firstAnswer(const MultimediaTests& tests, const DOMNode* node) {
-    const MultimediaNodeType object = tests[0](node);
-    return object == MultimediaNodeType::MultimediaNodeNone ? tests[1](node) : object;
 }
 
 FilterAction actionFor(MultimediaNodeType type) {
@@ -91,8 +71,7 @@ FilterAction MultimediaRefAttrContainingNodeFilter::acceptNode(const DOMNode* no
 }
 
 MultimediaNodeType MultimediaRefAttrContainingNodeFilter::getType(const DOMNode* node) const {
-    static const MultimediaTests tests = makeTests(refersDirectly, paramRefersDirectly);
-    return firstAnswer(tests, node);
+    return typeOf(node, refersDirectly);
 }
 
 FilterAction MultimediaKeyrefAttrContainingNodeFilter::acceptNode(const DOMNode* node) const {
@@ -100,8 +79,7 @@ FilterAction MultimediaKeyrefAttrContainingNodeFilter::acceptNode(const DOMNode*
 }
 
 MultimediaNodeType MultimediaKeyrefAttrContainingNodeFilter::getType(const DOMNode* node) const {
-    static const MultimediaTests tests = makeTests(refersByKey, refersByKey);
-    return firstAnswer(tests, node);
+    return typeOf(node, refersByKey);
 }
 
 }  // namespace marrowpress

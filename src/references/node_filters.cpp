@@ -17,17 +17,19 @@ constexpr std::size_t kClassOpening = 2;
 
 }  // namespace
 
-FilterAction ClassBasedElementNodeFilter::acceptElement(const DOMElement& element) const {
-    const std::u16string_view classValue = attributeView(element, u"class");
+bool ClassBasedElementNodeFilter::fits(const DOMElement& element,
+                                       std::u16string_view classValue) const {
     if (classValue.empty()) {
         const std::u16string_view tagName = domText(element.getTagName());
-        return acceptIf(std::find(elementNames_.begin(), elementNames_.end(), tagName) !=
-                        elementNames_.end());
+        return std::find(elementNames_.begin(), elementNames_.end(), tagName) !=
+               elementNames_.end();
     }
-    if (classValue.size() < classToken_.size() || classValue.size() < kClassOpening) {
-        return FILTER_SKIP;
-    }
-    return acceptIf(classValue.substr(kClassOpening, classToken_.size()) == classToken_);
+    return classValue.size() >= classToken_.size() && classValue.size() >= kClassOpening &&
+           classValue.substr(kClassOpening, classToken_.size()) == classToken_;
+}
+
+FilterAction ClassBasedElementNodeFilter::acceptElement(const DOMElement& element) const {
+    return acceptIf(fits(element, attributeView(element, u"class")));
 }
 
 TopicNodeFilter::TopicNodeFilter()
@@ -59,6 +61,10 @@ FilterAction BookTitleNodeFilter::acceptElement(const DOMElement& element) const
 
 ImageNodeFilter::ImageNodeFilter() : ClassBasedElementNodeFilter(u"topic/image ", {u"image"}) {}
 
+ObjectNodeFilter::ObjectNodeFilter() : ClassBasedElementNodeFilter(u"topic/object ", {u"object"}) {}
+
+ParamNodeFilter::ParamNodeFilter() : ClassBasedElementNodeFilter(u"topic/param ", {u"param"}) {}
+
 XrefNodeFilter::XrefNodeFilter() : ClassBasedElementNodeFilter(u"topic/xref ", {u"xref"}) {}
 
 LinkNodeFilter::LinkNodeFilter() : ClassBasedElementNodeFilter(u"topic/link ", {u"link"}) {}
@@ -68,6 +74,13 @@ ReltableNodeFilter::ReltableNodeFilter()
 
 AbbreviatedFormNodeFilter::AbbreviatedFormNodeFilter()
     : ClassBasedElementNodeFilter(u"topic/term abbrev-d/abbreviated-form ", {u"abbreviated-form"}) {
+}
+
+FilterAction OwnKeyrefRuleNodeFilter::acceptElement(const DOMElement& element) const {
+    const std::u16string_view classValue = attributeView(element, u"class");
+    return acceptIf(objects_.fits(element, classValue) || params_.fits(element, classValue) ||
+                    abbreviatedForms_.fits(element, classValue) ||
+                    images_.fits(element, classValue));
 }
 
 FilterAction ElemTagBasedElementNodeFilter::acceptElement(const DOMElement& element) const {

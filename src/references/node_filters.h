@@ -30,6 +30,10 @@ public:
     ClassBasedElementNodeFilter(std::u16string classToken, std::vector<std::u16string> elementNames)
         : classToken_(std::move(classToken)), elementNames_(std::move(elementNames)) {}
 
+    /// Whether the token or a name fits `element`, whose class value is handed over: it is the same
+    /// for all filters that an element is held against.
+    bool fits(const xercesc::DOMElement& element, std::u16string_view classValue) const;
+
 protected:
     FilterAction acceptElement(const xercesc::DOMElement& element) const override;
 
@@ -85,6 +89,16 @@ public:
     ImageNodeFilter();
 };
 
+class ObjectNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    ObjectNodeFilter();
+};
+
+class ParamNodeFilter final : public ClassBasedElementNodeFilter {
+public:
+    ParamNodeFilter();
+};
+
 class XrefNodeFilter final : public ClassBasedElementNodeFilter {
 public:
     XrefNodeFilter();
@@ -103,6 +117,19 @@ public:
 class AbbreviatedFormNodeFilter final : public ClassBasedElementNodeFilter {
 public:
     AbbreviatedFormNodeFilter();
+};
+
+/// Selects what refers to a key by a rule of its own, whether it does or not: objects and their
+/// params, abbreviated forms, images.
+class OwnKeyrefRuleNodeFilter final : public ElementNodeFilter {
+protected:
+    FilterAction acceptElement(const xercesc::DOMElement& element) const override;
+
+private:
+    ObjectNodeFilter objects_;
+    ParamNodeFilter params_;
+    AbbreviatedFormNodeFilter abbreviatedForms_;
+    ImageNodeFilter images_;
 };
 
 /// Selects by tag name alone.

@@ -15,6 +15,8 @@ struct ShortCuts {
     bool noteIds = true;
     /// The conditional text of a source is read once.
     bool keepConditions = true;
+    /// Passes for elements that a subtree doesn't have are not made.
+    bool lookAhead = true;
 
     /// Those that are taken.
     static ShortCuts& taken() noexcept {

@@ -19,6 +19,7 @@ private:
         ShortCuts::taken().rememberDtdPaths = areTaken;
         ShortCuts::taken().noteIds = areTaken;
         ShortCuts::taken().keepConditions = areTaken;
+        ShortCuts::taken().lookAhead = areTaken;
     }
 };
 

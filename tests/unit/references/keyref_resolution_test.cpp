@@ -393,6 +393,28 @@ TEST_F(KeyrefProcessorTest, ThePassesHaveAnOrder) {
                              keyNotFound("image"), keyNotFound("element"), keyNotFound("con")}));
 }
 
+struct OwnRuleCase {
+    const char* name;
+    const char* content;
+    const char* resolved;
+};
+
+class OwnRuleTest : public KeyrefProcessorTest, public testing::WithParamInterface<OwnRuleCase> {};
+
+TEST_P(OwnRuleTest, HoldsWhereASubtreeHasNoElementsOfAnother) {
+    EXPECT_EQ(resolved(GetParam().content), GetParam().resolved);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , OwnRuleTest,
+    testing::Values(
+        OwnRuleCase{"Object", "<object datakeyref='k'/>", R"(<object data="$F/t.dita"/>)"},
+        OwnRuleCase{"Param", "<p><param keyref='k'/></p>", R"(<p><param value="$F/t.dita"/></p>)"},
+        OwnRuleCase{"Image", "<p><image keyref='k'/></p>", R"(<p><image href="$F/t.dita"/></p>)"},
+        OwnRuleCase{"AbbreviatedForm", "<p><abbreviated-form/></p>",
+                    R"(<p><abbreviated-form keyref="--qs-mwpp-ignore-keyref"/></p>)"}),
+    [](const auto& example) { return example.param.name; });
+
 TEST_F(KeyrefProcessorTest, DefinitionsAreCompleteBeforeTheyAreRead) {
     EXPECT_EQ(resolved("<object datakeyref='a'/><abbreviated-form keyref='a'/><image keyref='a'/>"
                        "<xref keyref='a'/><p conkeyref='a/e'/>",

@@ -37,6 +37,8 @@ const std::vector<ClassBasedCase>& cases() {
          "topic/title bookmap/booktitle ",
          {"booktitle"}},
         {"ImageNodeFilter", makeFilter<ImageNodeFilter>, "topic/image ", {"image"}},
+        {"ObjectNodeFilter", makeFilter<ObjectNodeFilter>, "topic/object ", {"object"}},
+        {"ParamNodeFilter", makeFilter<ParamNodeFilter>, "topic/param ", {"param"}},
         {"XrefNodeFilter", makeFilter<XrefNodeFilter>, "topic/xref ", {"xref"}},
         {"LinkNodeFilter", makeFilter<LinkNodeFilter>, "topic/link ", {"link"}},
         {"ReltableNodeFilter", makeFilter<ReltableNodeFilter>, "map/reltable ", {"reltable"}},
@@ -262,6 +264,24 @@ TEST_F(ClassBasedConstructorTest, OneFilterServesAgainAndAgain) {
         "<xref id='c'/></p>");
     for (int turn = 0; turn < 3; ++turn) {
         EXPECT_EQ(idsOf(collectElements(parsed.root(), filter)), "a b c");
+    }
+}
+
+using OwnKeyrefRuleNodeFilterTest = XmlTest;
+
+TEST_F(OwnKeyrefRuleNodeFilterTest, AcceptsByClassElseByName) {
+    const OwnKeyrefRuleNodeFilter filter;
+    for (const std::string& xml :
+         {element("object"), element("param"), element("image"), element("abbreviated-form"),
+          element("any", "- topic/object "), element("any", "- topic/param more/more "),
+          element("any", "- topic/image "),
+          element("any", "- topic/term abbrev-d/abbreviated-form "),
+          element("image", "- topic/object ")}) {
+        EXPECT_EQ(answerAbout(filter, xml), "accept") << xml;
+    }
+    for (const std::string& xml :
+         {element("term"), element("image", "- topic/ph "), element("any", "- topic/objects ")}) {
+        EXPECT_EQ(answerAbout(filter, xml), "skip") << xml;
     }
 }
 

@@ -27,10 +27,13 @@ constexpr FilterMakerCase kAllFilters[] = {
     {"TitleNodeFilter", makeFilter<TitleNodeFilter>},
     {"BookTitleNodeFilter", makeFilter<BookTitleNodeFilter>},
     {"ImageNodeFilter", makeFilter<ImageNodeFilter>},
+    {"ObjectNodeFilter", makeFilter<ObjectNodeFilter>},
+    {"ParamNodeFilter", makeFilter<ParamNodeFilter>},
     {"XrefNodeFilter", makeFilter<XrefNodeFilter>},
     {"LinkNodeFilter", makeFilter<LinkNodeFilter>},
     {"ReltableNodeFilter", makeFilter<ReltableNodeFilter>},
     {"AbbreviatedFormNodeFilter", makeFilter<AbbreviatedFormNodeFilter>},
+    {"OwnKeyrefRuleNodeFilter", makeFilter<OwnKeyrefRuleNodeFilter>},
     {"ElemTagBasedElementNodeFilter",
      []() -> std::unique_ptr<xercesc::DOMNodeFilter> {
          return std::make_unique<ElemTagBasedElementNodeFilter>(u"#text");
