@@ -1,6 +1,6 @@
 #include "host/stand_in_interfaces.h"
 
-#include <algorithm>
+#include <utility>
 
 #include "host/give_interface.h"
 #include "host/message_lines.h"
@@ -48,6 +48,12 @@ std::string_view viewOf(const char* text) {
 }
 
 }  // namespace
+
+StandInInterfaces::StandInInterfaces(StandInHostOptions options) : options_(std::move(options)) {
+    for (const OpenDocument& document : options_.openDocuments) {
+        documentsById_.emplace(document.id, &document);
+    }
+}
 
 void StandInInterfaces::releaseClient() {
     client_ = {};
@@ -234,10 +240,8 @@ ComStatus StandInInterfaces::returnTypedValue(HostTypedValueList values, HostTyp
 }
 
 const OpenDocument* StandInInterfaces::findDocument(std::uint32_t id) const {
-    const auto found =
-        std::find_if(options_.openDocuments.begin(), options_.openDocuments.end(),
-                     [id](const OpenDocument& document) { return document.id == id; });
-    return found == options_.openDocuments.end() ? nullptr : &*found;
+    const auto found = documentsById_.find(id);
+    return found == documentsById_.end() ? nullptr : found->second;
 }
 
 ComStatus StandInInterfaces::getIntProp(std::uint32_t /*context*/, std::uint32_t object,

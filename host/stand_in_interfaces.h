@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <unordered_map>
 
 #include "host/stand_in_host_options.h"
 #include "host/typed_record.h"
@@ -29,7 +30,7 @@ class StandInInterfaces final : public IHostMain,
                                 public IHostObserver,
                                 public std::enable_shared_from_this<StandInInterfaces> {
 public:
-    explicit StandInInterfaces(StandInHostOptions options) : options_(std::move(options)) {}
+    explicit StandInInterfaces(StandInHostOptions options);
 
     IHostObject& provider() { return static_cast<IHostMain&>(*this); }
     std::uint32_t referenceCount() const { return references_; }
@@ -79,7 +80,8 @@ private:
     /// Throws when the call that is open is to end early.
     void requireGoingOn();
 
-    StandInHostOptions options_;
+    const StandInHostOptions options_;
+    std::unordered_map<std::uint32_t, const OpenDocument*> documentsById_;
     std::uint32_t references_ = 0;
     std::shared_ptr<StandInInterfaces> self_;
     InterfaceRef<IHostObject> client_;
