@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <xercesc/dom/DOMAttr.hpp>
 #include <xercesc/dom/DOMElement.hpp>
 
 #include "dom/nodes.h"
@@ -31,6 +32,21 @@ inline std::u16string_view nearestAttribute(const xercesc::DOMElement& element, 
 /// A copy of the value of an attribute; a missing one reads as empty.
 inline std::u16string attributeOf(const xercesc::DOMElement& element, const XMLCh* name) {
     return std::u16string(attributeView(element, name));
+}
+
+/// Sets an attribute. Where it has a text of its own already that is changed in place, or stays:
+/// the engine would take it out and put another one in, at four times the cost.
+inline void setAttribute(xercesc::DOMElement& element, const XMLCh* name,
+                         const std::u16string& value) {
+    const xercesc::DOMAttr* const attribute = element.getAttributeNode(name);
+    // A default that is set is specified, and so written, from then on; ids are indexed.
+    const bool isPlain = attribute && attribute->getSpecified() && !attribute->isId();
+    xercesc::DOMNode* const text = isPlain ? attribute->getFirstChild() : nullptr;
+    if (!text || text->getNextSibling() || text->getNodeType() != xercesc::DOMNode::TEXT_NODE) {
+        element.setAttribute(name, value.c_str());
+    } else if (domText(text->getNodeValue()) != value) {
+        text->setNodeValue(value.c_str());
+    }
 }
 
 }  // namespace marrowpress

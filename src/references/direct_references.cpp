@@ -4,7 +4,6 @@
 #include <cassert>
 #include <memory>
 #include <vector>
-#include <xercesc/dom/DOMAttr.hpp>
 
 #include "application/run_observer.h"
 #include "dom/attributes.h"
@@ -27,11 +26,7 @@ public:
         return attributeOf(element, name_);
     }
     void setRefValue(DOMElement& element, const std::u16string& value) const override {
-        const xercesc::DOMAttr* const attribute = element.getAttributeNode(name_);
-        // Most web addresses stay as they are. A default that is set is written from then on.
-        if (!attribute || !attribute->getSpecified() || domText(attribute->getValue()) != value) {
-            element.setAttribute(name_, value.c_str());
-        }
+        setAttribute(element, name_, value);
     }
 
 protected:

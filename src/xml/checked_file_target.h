@@ -44,7 +44,7 @@ private:
     void writeHeldBack();
 
     FileDescriptor descriptor_;
-    std::vector<char> heldBack_;
+    std::vector<XMLByte> heldBack_;
 };
 
 }  // namespace marrowpress

@@ -65,7 +65,10 @@ RequestMemory* RequestMemory::current() noexcept {
 }
 
 RequestMemory::RequestMemory(const Limits& limits)
-    : limits_(limits), earlier_(currentMemory), reserve_(new std::byte[kReserve]) {
+    : limits_(limits),
+      earlier_(currentMemory),
+      bound_(limits.total),
+      reserve_(new std::byte[kReserve]) {
     currentMemory = this;
 }
 
@@ -77,11 +80,9 @@ RequestMemory::~RequestMemory() {
 }
 
 void* RequestMemory::allocate(XMLSize_t size) {
-    if (size >= kLargeBlock) {
-        ++largeBlocks_;
-    }
-    const bool mayRefuse = !isUnlimited_ && !hasRefused_;
-    if (mayRefuse && exceeds(costOf(size))) {
+    const std::size_t cost = costOf(size);
+    if (taken_ + cost > bound_ || (size >= kLargeBlock && isOneLargeBlockTooMany())) {
+        isExhausted_ |= taken_ + cost > limits_.total;
         refuse();
     }
     if (void* const memory = fromSystem(size)) {
@@ -111,26 +112,38 @@ void RequestMemory::beginTry(std::size_t fileBytes) noexcept {
     largeBlocks_ = 0;
     // What is more than the limit of all is as good as that.
     tryLimit_ = limits_.tryBytes + std::min(fileBytes, limits_.total) * kBytesPerFileByte;
+    setBound();
 }
 
 void RequestMemory::endTry() noexcept {
     isInTry_ = false;
     hasRefused_ = false;
+    setBound();
 }
 
-bool RequestMemory::exceeds(std::size_t cost) noexcept {
-    if (cost > limits_.total || taken_ > limits_.total - cost) {
-        isExhausted_ = true;
-        return true;
+void RequestMemory::setUnlimited(bool isUnlimited) noexcept {
+    isUnlimited_ = isUnlimited;
+    setBound();
+}
+
+void RequestMemory::setBound() noexcept {
+    if (isUnlimited_ || hasRefused_) {
+        bound_ = SIZE_MAX;
+    } else if (isInTry_) {
+        bound_ = std::min(limits_.total, takenBeforeTry_ + tryLimit_);
+    } else {
+        bound_ = limits_.total;
     }
-    if (!isInTry_) {
-        return false;
-    }
-    return taken_ + cost > takenBeforeTry_ + tryLimit_ || largeBlocks_ > limits_.largeBlocks;
+}
+
+bool RequestMemory::isOneLargeBlockTooMany() noexcept {
+    ++largeBlocks_;
+    return isInTry_ && bound_ != SIZE_MAX && largeBlocks_ > limits_.largeBlocks;
 }
 
 void RequestMemory::refuse() {
     hasRefused_ = true;
+    setBound();
     throw xercesc::OutOfMemoryException();
 }
 

@@ -57,7 +57,7 @@ public:
     void endTry() noexcept;
 
     /// While it is on, nothing is refused: the engine can't stand that while it starts or ends.
-    void setUnlimited(bool isUnlimited) noexcept { isUnlimited_ = isUnlimited; }
+    void setUnlimited(bool isUnlimited) noexcept;
 
     /// Whether the system had no memory once, or the request has taken all that it may.
     bool isExhausted() const noexcept { return isExhausted_; }
@@ -69,7 +69,8 @@ private:
 
     static std::size_t costOf(std::size_t size) noexcept;
     static std::size_t costOf(Block& block) noexcept;
-    bool exceeds(std::size_t cost) noexcept;
+    void setBound() noexcept;
+    bool isOneLargeBlockTooMany() noexcept;
     [[noreturn]] void refuse();
     void* fromSystem(std::size_t size) noexcept;
     void* fromReserve(std::size_t size);
@@ -79,6 +80,7 @@ private:
     RequestMemory* const earlier_;
     Block* last_ = nullptr;
     std::size_t taken_ = 0;
+    std::size_t bound_;  ///< of `taken_`, as things are; none while nothing is refused
     std::size_t takenBeforeTry_ = 0;
     std::size_t tryLimit_ = 0;
     std::size_t largeBlocks_ = 0;

@@ -36,5 +36,32 @@ TEST_F(AttributesTest, ACopyOutlivesItsAttribute) {
     EXPECT_EQ(copy, u"old");
 }
 
+TEST_F(AttributesTest, GetsAnotherValueWhateverItHad) {
+    const ParsedXml parsed("<p a='old' b='' c='1 &#228; 2'/>");
+    for (const XMLCh* const name : {u"a", u"b", u"c", u"none"}) {
+        for (const std::u16string value : {u"x", u"a longer one than before", u"", u"<&\""}) {
+            setAttribute(*parsed.root(), name, value);
+            EXPECT_EQ(attributeView(*parsed.root(), name), value);
+        }
+    }
+    EXPECT_EQ(printed(*parsed.root()),
+              R"(<p a="&lt;&amp;&quot;" b="&lt;&amp;&quot;" c="&lt;&amp;&quot;" )"
+              R"(none="&lt;&amp;&quot;"/>)");
+}
+
+// Only what is specified is written.
+TEST_F(AttributesTest, ADefaultThatIsSetIsSpecifiedFromThenOn) {
+    const ParsedXml parsed("<!DOCTYPE p [<!ATTLIST p d CDATA 'default'>]><p/>");
+    setAttribute(*parsed.root(), u"d", u"default");
+    EXPECT_EQ(printed(*parsed.root()), R"(<p d="default"/>)");
+}
+
+TEST_F(AttributesTest, AnIdIsFoundByWhatItIsSetTo) {
+    const ParsedXml parsed("<!DOCTYPE p [<!ATTLIST p i ID #IMPLIED>]><p i='old'/>");
+    setAttribute(*parsed.root(), u"i", u"new");
+    EXPECT_EQ(parsed.document().getElementById(u"new"), parsed.root());
+    EXPECT_EQ(parsed.document().getElementById(u"old"), nullptr);
+}
+
 }  // namespace
 }  // namespace marrowpress

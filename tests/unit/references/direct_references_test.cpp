@@ -1,7 +1,6 @@
 #include "references/direct_references.h"
 
 #include <array>
-#include <xercesc/dom/DOMAttr.hpp>
 
 #include "support/text.h"
 #include "tests/support/texts.h"
@@ -41,15 +40,6 @@ protected:
 };
 
 using DirectRefAttrHandlerTest = XmlTest;
-
-// Only what is specified is written.
-TEST_F(DirectRefAttrHandlerTest, ADefaultThatIsSetIsSpecifiedFromThenOn) {
-    const ParsedXml parsed("<!DOCTYPE x [<!ELEMENT x EMPTY><!ATTLIST x href CDATA 'a'>]><x/>");
-    const xercesc::DOMAttr& attribute = *parsed.root()->getAttributeNode(u"href");
-    ASSERT_FALSE(attribute.getSpecified());
-    directRefAttrHandler(1).setRefValue(*parsed.root(), u"a");
-    EXPECT_TRUE(parsed.root()->getAttributeNode(u"href")->getSpecified());
-}
 
 TEST_F(DirectRefAttrHandlerTest, EachBitHasTheHandlerOfItsAttribute) {
     constexpr std::array<std::uint32_t, 4> kBits{1, 2, 4, 8};
