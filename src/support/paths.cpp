@@ -79,14 +79,13 @@ private:
 
 void NormalForm::add(std::u16string_view name) {
     endsInSeparator_ = false;
+    const bool leadsUp = name == u"..";
     if (name.empty() || name == u".") {
         endsInSeparator_ = true;
-    } else if (name != u"..") {
-        push(name);
-    } else if (!isEmpty() && !endsUpwards()) {
+    } else if (leadsUp && !isEmpty() && !endsUpwards()) {
         pop();
         endsInSeparator_ = true;
-    } else if (!hasRootDirectory_) {
+    } else if (!leadsUp || !hasRootDirectory_) {
         push(name);
     }
 }
