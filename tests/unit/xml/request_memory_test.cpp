@@ -55,7 +55,7 @@ TEST(RequestMemoryTest, CountsWhatIsTakenAndGivenBackInAnyOrder) {
     EXPECT_GE(ofOne, 1000U);
     void* const second = memory.allocate(1000);
     void* const third = memory.allocate(1000);
-    EXPECT_GE(memory.taken(), ofOne + 2 * 1000U);
+    EXPECT_GE(memory.taken(), ofOne + 2000U);
     memory.deallocate(second);
     memory.deallocate(third);
     memory.deallocate(nullptr);
