@@ -37,7 +37,7 @@ class Corpus:
 
     def write(self):
         for number in range(self.libraries()):
-            write(self.folder, f"shared/library{number}.dita", self.library(number))
+            write(self.folder, f"common/library{number}.dita", self.library(number))
         for number in range(self.size):
             write(self.folder, self.path(number), self.topic(number))
         self.write_maps()
@@ -70,7 +70,7 @@ class Corpus:
         """A content reference to a paragraph of a library."""
         library = self.random.randrange(self.libraries())
         place = f"shared{self.random.randrange(LIBRARY_IDS)}"
-        return f'<{tag} conref="../../shared/library{library}.dita#library{library}/{place}"/>'
+        return f'<{tag} conref="../../common/library{library}.dita#library{library}/{place}"/>'
 
     def text_by_key(self):
         return f'<ph keyref="text{self.random.randrange(self.keys)}"/>'
