@@ -44,7 +44,7 @@ DOMElement* ElementIds::search(DOMElement& container, std::u16string_view id,
                                std::u16string_view tagName) {
     DOMElement* element = &container;
     for (; element; element = nextInSubtree(element, container)) {
-        ++searched_;
+        countStep();
         if (attributeView(*element, u"id") == id && isCalled(*element, tagName)) {
             break;
         }
@@ -55,7 +55,7 @@ DOMElement* ElementIds::search(DOMElement& container, std::u16string_view id,
 ElementIds::Ids ElementIds::idsIn(DOMElement& container) {
     Ids ids;
     for (DOMElement* element = &container; element; element = nextInSubtree(element, container)) {
-        ++searched_;
+        countStep();
         if (std::u16string id = attributeOf(*element, u"id"); !id.empty()) {
             ids[std::move(id)].push_back(element);
         }
@@ -71,8 +71,12 @@ void ElementIds::noteChange(DOMElement& root) {
     }
 }
 
+void ElementIds::countStep() noexcept {
+    ++searched_;
+    ++WorkCounts::total().searchSteps;
+}
+
 std::size_t ElementIds::takeSearched() noexcept {
-    WorkCounts::total().searchSteps += searched_;
     return std::exchange(searched_, 0);
 }
 

@@ -33,6 +33,7 @@ private:
     xercesc::DOMElement* search(xercesc::DOMElement& container, std::u16string_view id,
                                 std::u16string_view tagName);
     Ids idsIn(xercesc::DOMElement& container);
+    void countStep() noexcept;
 
     /// In document order; none for an element that was searched once.
     std::unordered_map<const xercesc::DOMElement*, Ids> known_;
