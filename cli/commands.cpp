@@ -101,6 +101,14 @@ public:
                             "ID");
         arguments().addText("--keyspace-dtd", options_.keySpaceDtd,
                             "System identifier in the key space document's doctype", "ID");
+        arguments().addFlag("--relative", options_.isRelative,
+                            "Write references to local files as seen from the output that holds "
+                            "them, not as absolute paths");
+        arguments().addText("--copy-media", options_.mediaFolder,
+                            "Copy the images and media that are referenced into DIR, and refer to "
+                            "them there; seen from the output's folder, and made when it is not "
+                            "there. Replaces nothing. Implies --relative",
+                            "DIR");
         addDiagnostics(arguments(), options_.diagnostics);
     }
 
@@ -124,6 +132,7 @@ private:
         if (const std::optional<std::string> fault = findContradiction(options_)) {
             return wrongUsage(*fault);
         }
+        options_.isRelative |= options_.mediaFolder.has_value();
         return options_;
     }
 

@@ -14,4 +14,22 @@ inline constexpr std::chrono::seconds kLongestFolderWait{10};
 /// False when the other one still holds it. A folder that can't be opened or locked is free.
 bool waitForFolder(const std::string& folder, std::chrono::steady_clock::time_point end);
 
+/// Holds a folder as a run does that writes into it, while it lives. Where the file system has no
+/// locks, or the folder is not there, nothing is held.
+class FolderHold {
+public:
+    /// Waits until no run holds the folder, at most to `end`.
+    FolderHold(const std::string& folder, std::chrono::steady_clock::time_point end);
+    FolderHold(const FolderHold&) = delete;
+    FolderHold& operator=(const FolderHold&) = delete;
+    ~FolderHold();
+
+    /// Whether a run held it to the end.
+    bool isTaken() const noexcept { return isTaken_; }
+
+private:
+    int descriptor_;
+    bool isTaken_ = false;
+};
+
 }  // namespace marrowpress

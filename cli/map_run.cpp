@@ -103,7 +103,7 @@ std::optional<std::vector<std::string>> componentsOf(const TypedValues& answer) 
 
 std::optional<std::string> findStatusFault(const RunOutcome& outcome) {
     if (outcome.isFolderTaken) {
-        return "another run writes into the same folder";
+        return kFolderIsTaken;
     }
     if (!outcome.status) {
         return "the client gave no answer";

@@ -31,6 +31,9 @@ struct RunSetting {
     std::function<void(const Observation&)> watch = {};
 };
 
+/// Why a run comes to nothing where another one does not end.
+inline constexpr const char* kFolderIsTaken = "another run writes into the same folder";
+
 /// Sends one request through the client module. A signal ends the process when the run has ended,
 /// which it does early then.
 ///

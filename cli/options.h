@@ -51,6 +51,8 @@ inline bool isFlatBook(const RunOptions& options) {
 struct PublishOptions : RunOptions {
     std::string compositeDtd = "ditabase.dtd";
     std::string keySpaceDtd = "map.dtd";
+    bool isRelative = false;  ///< Local references lead on from the output that holds them.
+    std::optional<std::string> mediaFolder;  ///< For copies; seen from the output's folder.
 };
 
 /// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is

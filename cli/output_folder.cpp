@@ -11,8 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kArgument = "--output: ";
-
 /// The folders on the way to `path` that are not there, the uppermost first.
 std::vector<fs::path> missingFolders(const fs::path& path) {
     std::vector<fs::path> missing;
@@ -64,17 +62,22 @@ std::error_code findMakeError(const std::vector<fs::path>& missing) {
 }
 
 std::string cannotMake(const std::string& shown, const std::error_code& error) {
-    return kArgument + ("cannot make the folder " + shown) + ": " + error.message();
+    return "cannot make the folder " + shown + ": " + error.message();
 }
 
 std::optional<std::string> findFaultOfExisting(const fs::path& path, const std::string& shown) {
     if (!fs::is_directory(path)) {
-        return kArgument + shown + " is no folder";
+        return shown + " is no folder";
     }
     if (const std::error_code refusal = findWriteError(path)) {
-        return kArgument + ("cannot write to " + shown) + ": " + refusal.message();
+        return "cannot write to " + shown + ": " + refusal.message();
     }
     return std::nullopt;
+}
+
+std::optional<std::string> withArgument(const std::string& argument,
+                                        const std::optional<std::string>& fault) {
+    return fault ? std::optional(argument + ": " + *fault) : std::nullopt;
 }
 
 }  // namespace
@@ -88,11 +91,14 @@ std::error_code findWriteError(const fs::path& folder) {
 }
 
 std::optional<std::string> findOutputFolderFault(const fs::path& path, const std::string& shown) {
-    if (const std::error_code error = findMakeError(missingFolders(path))) {
-        return cannotMake(shown, error);
-    }
     std::error_code ignored;
-    return fs::exists(path, ignored) ? findFaultOfExisting(path, shown) : std::nullopt;
+    std::optional<std::string> fault;
+    if (const std::error_code error = findMakeError(missingFolders(path))) {
+        fault = cannotMake(shown, error);
+    } else if (fs::exists(path, ignored)) {
+        fault = findFaultOfExisting(path, shown);
+    }
+    return withArgument(kOutputArgument, fault);
 }
 
 std::string shownFolderOf(const std::string& given) {
@@ -100,9 +106,11 @@ std::string shownFolderOf(const std::string& given) {
     return folder.empty() ? "the current folder" : folder;
 }
 
-OutputFolder::OutputFolder(const fs::path& path, const std::string& shown) {
+OutputFolder::OutputFolder(const fs::path& path, const std::string& shown,
+                           const std::string& argument) {
     const std::error_code error = make(path);
-    fault_ = error ? cannotMake(shown, error) : findFaultOfExisting(path, shown);
+    fault_ =
+        withArgument(argument, error ? cannotMake(shown, error) : findFaultOfExisting(path, shown));
 }
 
 OutputFolder::~OutputFolder() {

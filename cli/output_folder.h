@@ -11,6 +11,9 @@
 
 namespace marrowpress {
 
+/// What names the folder of a result.
+inline constexpr const char* kOutputArgument = "--output";
+
 /// Why this user may not make a file in `folder`, which exists; no error when it may. That a disk
 /// is full, or mounted for reading, is for whoever writes to find out.
 std::error_code findWriteError(const std::filesystem::path& folder);
@@ -26,8 +29,9 @@ std::string shownFolderOf(const std::string& given);
 /// those that are still empty at the end, or when a signal comes, are removed again.
 class OutputFolder {
 public:
-    /// `path` must be absolute and normal; `shown` names it in a fault.
-    OutputFolder(const std::filesystem::path& path, const std::string& shown);
+    /// `path` must be absolute and normal; `shown` and `argument` name it in a fault.
+    OutputFolder(const std::filesystem::path& path, const std::string& shown,
+                 const std::string& argument = kOutputArgument);
     OutputFolder(const OutputFolder&) = delete;
     OutputFolder& operator=(const OutputFolder&) = delete;
     ~OutputFolder();

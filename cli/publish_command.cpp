@@ -9,15 +9,18 @@
 #include <utility>
 
 #include "cli/component_places.h"
+#include "cli/file_failure.h"
 #include "cli/findings_report.h"
 #include "cli/folder_wait.h"
 #include "cli/input_faults.h"
 #include "cli/map_run.h"
+#include "cli/movable_result.h"
 #include "cli/output_folder.h"
 #include "cli/profile_set.h"
 #include "cli/public_ids.h"
 #include "cli/standard_output_composite.h"
 #include "cli/unfinished_outputs.h"
+#include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
@@ -46,6 +49,13 @@ Finding noStandardOutputFinding() {
     return finding;
 }
 
+Finding findingOf(const FileFailure& failure) {
+    const std::string folder = fs::current_path().string();
+    return failure.action() == FileAction::kRead
+               ? unreadableFinding(failure.path(), failure.reason(), folder)
+               : unwrittenFinding(failure.path(), failure.reason(), folder);
+}
+
 /// One call of the command, from the checks to the exit code.
 class Publishing {
 public:
@@ -68,6 +78,8 @@ private:
     std::optional<std::string> findRunFault(const RunOutcome& outcome) const;
     std::vector<std::string> wantedFiles(const RunOutcome& outcome) const;
     void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
+    std::string finishResult(const RunOutcome& outcome, FindingCollector* collector) const;
+    void makeMovable(const RunOutcome& outcome) const;
     bool giveResult(const RunOutcome& outcome) const;
     std::string resultText(const RunOutcome& outcome) const;
     std::string shownOutput() const;
@@ -78,6 +90,7 @@ private:
     std::unique_ptr<StandardOutputComposite> standardOutput_;
     std::unique_ptr<OutputFolder> folder_;
     std::unique_ptr<UnfinishedOutputs> unfinished_;
+    std::unique_ptr<MovableResult> movable_;
 };
 
 ExitCode Publishing::run() {
@@ -116,6 +129,12 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
     if (std::optional<std::string> fault = findPublishFault(options_, paths_)) {
         return fault;
     }
+    movable_ = std::make_unique<MovableResult>(
+        options_, paths_,
+        ResultPlace{standardOutput_ ? fs::current_path() : folder.path, !isFlatBook(options_)});
+    if (movable_->fault()) {
+        return movable_->fault();
+    }
     return findReportFault(report.files(), {sourcesOf(options_, paths_),
                                             outputsOf(options_, paths_), isFlatBook(options_)});
 }
@@ -124,15 +143,9 @@ ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
     RunDisplay display(options_.diagnostics, streams_.err);
     const RunOutcome outcome = runInTurn(
         {buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}}, display);
-    if (const auto fault = findRunFault(outcome)) {
-        streams_.err << failureLine(*fault);
-        return ExitCode::kRunFailed;
-    }
-    if (!giveResult(outcome)) {
-        streams_.err << kNoStandardOutput;
-        return ExitCode::kRunFailed;
-    }
-    return ExitCode::kSuccess;
+    const std::string failure = finishResult(outcome, nullptr);
+    streams_.err << failure;
+    return failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed;
 }
 
 ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsReport& report) {
@@ -154,14 +167,7 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     collector.finish();
     components.addFindings(collector);
     profiles.addFindings(collector);
-    std::string failure;
-    if (const std::optional<std::string> fault = findRunFault(outcome)) {
-        failure = failureLine(*fault);
-        addRunFailure(outcome, collector);
-    } else if (!giveResult(outcome)) {
-        failure = kNoStandardOutput;
-        collector.add(noStandardOutputFinding());
-    }
+    const std::string failure = finishResult(outcome, &collector);
     if (!isForTools(options_.diagnostics)) {
         streams_.err << failure;
     }
@@ -201,6 +207,45 @@ std::optional<std::string> Publishing::findRunFault(const RunOutcome& outcome) c
         return "the client did not say what it wrote";
     }
     return findMissingFile(wantedFiles(outcome));
+}
+
+/// Gives the result of a good run. Else says why there is none in a line, and in a finding for
+/// `collector`, which may be null.
+std::string Publishing::finishResult(const RunOutcome& outcome, FindingCollector* collector) const {
+    if (const std::optional<std::string> fault = findRunFault(outcome)) {
+        if (collector) {
+            addRunFailure(outcome, *collector);
+        }
+        return failureLine(*fault);
+    }
+    try {
+        makeMovable(outcome);
+    } catch (const FileFailure& failure) {
+        if (collector) {
+            collector->add(findingOf(failure));
+        }
+        return failureLine(failure.what());
+    }
+    if (!giveResult(outcome)) {
+        if (collector) {
+            collector->add(noStandardOutputFinding());
+        }
+        return kNoStandardOutput;
+    }
+    return {};
+}
+
+/// @throws FileFailure
+void Publishing::makeMovable(const RunOutcome& outcome) const {
+    if (!movable_->isWanted()) {
+        return;
+    }
+    const FolderHold hold(outputFolderOf(options_, paths_).path.string(),
+                          std::chrono::steady_clock::now() + kLongestFolderWait);
+    if (hold.isTaken()) {
+        throw FileFailure(FileAction::kWrite, paths_.output.string(), kFolderIsTaken);
+    }
+    movable_->make(wantedFiles(outcome));
 }
 
 /// What a good run has written.

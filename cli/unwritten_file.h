@@ -14,4 +14,8 @@ namespace marrowpress {
 Finding unwrittenFinding(const std::string& path, const std::string& reason,
                          const std::string& currentFolder);
 
+/// As `unwrittenFinding`, of a file that could not be read.
+Finding unreadableFinding(const std::string& path, const std::string& reason,
+                          const std::string& currentFolder);
+
 }  // namespace marrowpress

@@ -62,6 +62,21 @@ TEST(PublishArgumentsTest, TakesStandardOutputForAComposite) {
     EXPECT_EQ(parseAs<PublishOptions>({"publish", "m", "-f", "composite", "-o", "-"}).output, "-");
 }
 
+TEST(PublishArgumentsTest, TakesAFolderForMediaForAWishForRelativeReferences) {
+    const Texts plain{"publish", "m", "-f", "composite", "-o", "o"};
+    const auto parsedWith = [&plain](const Texts& more) {
+        Texts arguments = plain;
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return parseAs<PublishOptions>(arguments);
+    };
+    EXPECT_FALSE(parsedWith({}).isRelative);
+    EXPECT_EQ(parsedWith({}).mediaFolder, std::nullopt);
+    EXPECT_TRUE(parsedWith({"--relative"}).isRelative);
+    EXPECT_EQ(parsedWith({"--relative"}).mediaFolder, std::nullopt);
+    EXPECT_TRUE(parsedWith({"--copy-media", "media"}).isRelative);
+    EXPECT_EQ(parsedWith({"--copy-media", "media"}).mediaFolder, "media");
+}
+
 TEST(CheckArgumentsTest, TakesItsDefaults) {
     const auto options = parseAs<CheckOptions>({"check", "m.ditamap"});
     EXPECT_EQ(options.map, "m.ditamap");
@@ -172,6 +187,10 @@ TEST(PublishArgumentsTest, RefusesWhatMakesNoSense) {
         {{"publish", "", "-f", "composite", "-o", "o"}, "MAP: is empty"},
         {{"publish", "m", "-f", "composite", "-o", ""}, "--output: is empty"},
         {{"publish", "m", "-f", "composite", "-o", "o", "--filter", ""}, "--filter: is empty"},
+        {{"publish", "m", "-f", "composite", "-o", "o", "--copy-media", ""},
+         "--copy-media: is empty"},
+        {{"publish", "m", "-f", "composite", "-o", "o", "--relative=yes"},
+         "--relative: takes no value"},
         {{"publish", "m", "-f", "composite", "-o", "o", "--trace", "t"},
          "unknown option `--trace`"},
         {{"publish", "m", "-f", "composite", "-o", "o", "--each-filter", "f"},

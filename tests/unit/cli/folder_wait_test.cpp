@@ -40,5 +40,26 @@ TEST(WaitForFolderTest, EndsWhenTheOtherRunDoesOrTheTimeIsOver) {
     other.join();
 }
 
+TEST(FolderHoldTest, KeepsOthersAwayWhileItLives) {
+    const TemporaryFolder folder;
+    {
+        const FolderHold hold(folder.path(), {});
+        EXPECT_FALSE(hold.isTaken());
+        EXPECT_FALSE(waitForFolder(folder.path(), {}));
+    }
+    EXPECT_TRUE(waitForFolder(folder.path(), {}));
+}
+
+TEST(FolderHoldTest, EndsInVainWhereAnotherRunHoldsTheFolder) {
+    const TemporaryFolder folder;
+    const HeldFolder other(folder.path());
+    EXPECT_TRUE(FolderHold(folder.path(), Clock::now() + milliseconds(50)).isTaken());
+}
+
+TEST(FolderHoldTest, HoldsNothingWithoutAFolder) {
+    const TemporaryFolder folder;
+    EXPECT_FALSE(FolderHold(folder.file("none"), {}).isTaken());
+}
+
 }  // namespace
 }  // namespace marrowpress

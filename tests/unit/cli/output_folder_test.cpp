@@ -129,5 +129,11 @@ TEST(ShownFolderTest, IsAsItWasGiven) {
     EXPECT_EQ(shownFolderOf("book.dita"), "the current folder");
 }
 
+TEST_F(OutputFolderTest, NamesTheArgumentThatItIsFor) {
+    folder.write("file", "");
+    EXPECT_EQ(OutputFolder(folder.path() / "file", "file", "--copy-media").fault(),
+              "--copy-media: file is no folder");
+}
+
 }  // namespace
 }  // namespace marrowpress
