@@ -155,7 +155,7 @@ fs::path MediaCopies::place(const fs::path& source) {
     int& number = numbers_[foldedCase(name.string())];
     while (true) {
         ++number;
-        const fs::path path = folder_ / numbered(name, number);
+        fs::path path = folder_ / numbered(name, number);
         const std::string folded = foldedCase(path.filename().string());
         if (!names_.contains(folded) && isOrGetsAt(path, source)) {
             names_.insert(folded);
