@@ -35,8 +35,21 @@ bool startsWithEscape(std::string_view text) {
 
 /// Whether the path of a URI can't hold the byte.
 bool isForbidden(char unit) {
-    constexpr std::string_view kForbidden = "\"<>\\^`{|}\x7F";
-    return (unit >= '\0' && unit <= ' ') || kForbidden.find(unit) != std::string_view::npos;
+    switch (unit) {
+        case '"':
+        case '<':
+        case '>':
+        case '\\':
+        case '^':
+        case '`':
+        case '{':
+        case '|':
+        case '}':
+        case '\x7F':
+            return true;
+        default:
+            return unit >= '\0' && unit <= ' ';
+    }
 }
 
 void appendEscape(std::string& text, char unit) {

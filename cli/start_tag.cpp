@@ -10,27 +10,39 @@
 namespace marrowpress {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
 /// The entities that need no declaration.
 constexpr std::array<std::pair<std::string_view, char>, 5> kEntities{
     {{"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"quot", '"'}, {"apos", '\''}}};
 
-/// Takes what stands in front of the first of `ends`.
-std::string_view takeUntil(std::string_view& rest, std::string_view ends) {
-    const std::string_view taken = rest.substr(0, rest.find_first_of(ends));
+/// Takes that many bytes, or all that are there.
+std::string_view take(std::string_view& rest, std::size_t size) {
+    const std::string_view taken = rest.substr(0, size);
     rest.remove_prefix(taken.size());
     return taken;
 }
 
+bool isBlank(char unit) {
+    return unit == ' ' || unit == '\t' || unit == '\r' || unit == '\n';
+}
+
 void skipBlanks(std::string_view& rest) {
-    rest.remove_prefix(std::min(rest.find_first_not_of(kBlanks), rest.size()));
+    while (!rest.empty() && isBlank(rest.front())) {
+        rest.remove_prefix(1);
+    }
+}
+
+std::string_view takeName(std::string_view& rest) {
+    std::size_t size = 0;
+    while (size < rest.size() && rest[size] != '=' && !isBlank(rest[size])) {
+        ++size;
+    }
+    return take(rest, size);
 }
 
 /// Takes "name = 'value'"; empty when something else stands there.
 std::optional<TagAttribute> takeAttribute(std::string_view& rest) {
     TagAttribute attribute;
-    attribute.name = takeUntil(rest, "= \t\r\n");
+    attribute.name = takeName(rest);
     skipBlanks(rest);
     if (attribute.name.empty() || !rest.starts_with('=')) {
         return std::nullopt;
@@ -42,7 +54,7 @@ std::optional<TagAttribute> takeAttribute(std::string_view& rest) {
     }
     attribute.quote = rest.front();
     rest.remove_prefix(1);
-    attribute.value = takeUntil(rest, {&attribute.quote, 1});
+    attribute.value = take(rest, rest.find(attribute.quote));
     if (rest.empty()) {
         return std::nullopt;
     }
@@ -109,7 +121,7 @@ std::optional<StartTag> parseStartTag(std::string_view bytes) {
     bytes.remove_prefix(1);
     bytes.remove_suffix(bytes.ends_with("/>") ? 2 : 1);
     StartTag tag;
-    tag.name = takeUntil(bytes, kBlanks);
+    tag.name = takeName(bytes);
     for (skipBlanks(bytes); !bytes.empty(); skipBlanks(bytes)) {
         const std::optional<TagAttribute> attribute = takeAttribute(bytes);
         if (!attribute) {
@@ -122,23 +134,22 @@ std::optional<StartTag> parseStartTag(std::string_view bytes) {
 
 std::optional<std::string> textOfValue(std::string_view value) {
     std::string text;
-    while (!value.empty()) {
-        const std::string_view plain = takeUntil(value, "&\t\r\n");
-        text += plain;
-        if (value.empty()) {
-            break;
-        }
-        if (value.front() != '&') {
+    text.reserve(value.size());
+    for (std::size_t at = 0; at < value.size(); ++at) {
+        const char unit = value[at];
+        if (unit == '&') {
+            const std::size_t end = value.find(';', at);
+            if (end == std::string_view::npos ||
+                !appendReference(text, value.substr(at + 1, end - at - 1))) {
+                return std::nullopt;
+            }
+            at = end;
+        } else if (unit == '\t' || unit == '\n' || unit == '\r') {
             text += ' ';
-            value.remove_prefix(value.starts_with("\r\n") ? 2 : 1);
-            continue;
+            at += value.substr(at).starts_with("\r\n") ? 1 : 0;
+        } else {
+            text += unit;
         }
-        value.remove_prefix(1);
-        const std::string_view name = takeUntil(value, ";");
-        if (value.empty() || !appendReference(text, name)) {
-            return std::nullopt;
-        }
-        value.remove_prefix(1);
     }
     return text;
 }
