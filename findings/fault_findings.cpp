@@ -48,14 +48,6 @@ std::size_t numberIn(std::string_view text) {
     return number;
 }
 
-FindingStep findingStepOf(const ObservedStep& step) {
-    std::string what = step.attribute;
-    if (*step.target) {
-        what.append(" ").append(step.target);
-    }
-    return {placeOf(step.place), std::move(what)};
-}
-
 }  // namespace
 
 std::string findingId(std::uint32_t code) {
@@ -85,13 +77,10 @@ std::optional<Finding> FaultFindings::findingOf(const Observation& fault) {
     if (*fault.line) {
         finding.hostText = fault.line;
     }
-    for (std::uint32_t index = 0; index < fault.stepCount; ++index) {
-        if (index == 0) {
-            finding.place = placeOf(fault.steps[0].place);
-        } else {
-            finding.via.push_back(findingStepOf(fault.steps[index]));
-        }
+    if (fault.stepCount > 0) {
+        finding.place = placeOf(fault.steps[0].place);
     }
+    finding.via = wayOf(fault);
     for (std::uint32_t index = 0; index < fault.relatedCount; ++index) {
         FindingPlace place = placeOf(fault.related[index]);
         const bool isKnown =

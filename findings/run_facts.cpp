@@ -37,6 +37,19 @@ FindingPlace placeOf(const ObservedPlace& place) {
     return {place.file ? place.file : "", place.line, place.column};
 }
 
+std::vector<FindingStep> wayOf(const Observation& observation) {
+    std::vector<FindingStep> way;
+    for (std::uint32_t index = 1; index < observation.stepCount; ++index) {
+        const ObservedStep& step = observation.steps[index];
+        std::string what = step.attribute;
+        if (*step.target) {
+            what.append(" ").append(step.target);
+        }
+        way.push_back({placeOf(step.place), std::move(what)});
+    }
+    return way;
+}
+
 void RunFacts::take(const Observation& observation) {
     switch (observation.kind) {
         case ObservationKind::kDocumentRead:
@@ -68,6 +81,10 @@ void RunFacts::take(const Observation& observation) {
         case ObservationKind::kDocumentUnread:
         case ObservationKind::kOutputWritten:
         case ObservationKind::kFault:
+        case ObservationKind::kKeyMeaning:
+        case ObservationKind::kKeyReference:
+        case ObservationKind::kFileReference:
+        case ObservationKind::kEntity:
             break;
     }
 }

@@ -42,6 +42,9 @@ struct ComponentFact {
 /// The place of a start tag as the observer tells it.
 FindingPlace placeOf(const ObservedPlace& place);
 
+/// The references that led to the place of an observation, innermost first.
+std::vector<FindingStep> wayOf(const Observation& observation);
+
 /// What a run met, but for its faults: what their texts and hints are made from.
 class RunFacts {
 public:

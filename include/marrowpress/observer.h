@@ -34,7 +34,8 @@ enum class ObservationKind : std::uint32_t {
     kDocumentRead = 2,
     /// The file `target` was asked for, and could not be read. `reason`: why.
     kDocumentUnread = 3,
-    /// The element defines the key `target`. `code`: a `KeyState`. `detail`: its href, absolute.
+    /// The element defines the key `target`. `code`: a `KeyState`. `detail`: its href, absolute;
+    /// `reason`: the key reference by which it leads on.
     kKeyDefinition = 4,
     /// A topic of the file `target` comes into the output, on account of the element.
     kTopic = 5,
@@ -56,6 +57,29 @@ enum class ObservationKind : std::uint32_t {
     kExcluded = 12,
     /// The run ends with a negative status. `reason`: why, as far as it is known.
     kRunFailed = 11,
+    /// The element, which defines the key `target`, says what that stands for. `detail`: its href,
+    /// absolute; `reason`: its text. Of definitions that count it is told when what they refer to
+    /// has come to them. Nothing is told but the place.
+    kKeyMeaning = 13,
+    /// The element refers to the key `target`, whether anybody defines it or not. Told of each copy
+    /// of the element; an artefact where the profile leaves it out. Nothing is told but the place.
+    kKeyReference = 14,
+    /// The element refers to the file `target`, which the run looks for. `code`: a `ReferenceKind`.
+    /// Told of each copy of the element. Nothing is told but the place.
+    kFileReference = 15,
+    /// A DTD, or another external entity, is opened at the path `target`, if it is there. `detail`:
+    /// the file that names it, empty for one that the run makes. Told once for each pair.
+    kEntity = 16,
+};
+
+/// How an element refers to a file.
+enum class ReferenceKind : std::uint32_t {
+    kMap = 0,            ///< as a map to a map
+    kTopic = 1,          ///< as a map to anything else
+    kKeyDefinition = 2,  ///< for whoever uses its key
+    kConref = 3,         ///< for content
+    kLink = 4,
+    kImage = 5,  ///< an image or another medium
 };
 
 /// How a document was read.

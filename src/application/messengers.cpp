@@ -67,12 +67,6 @@ bool isEndWithoutId(const xercesc::DOMElement* reference, std::u16string_view id
            !splitHref(attributeView(*reference, u"conref")).topicId.empty();
 }
 
-/// Whether `reference` says that it leads out of the publication.
-bool leadsElsewhere(const xercesc::DOMElement& reference) {
-    const std::u16string_view scope = nearestAttribute(reference, u"scope");
-    return scope == u"peer" || scope == u"external";
-}
-
 /// The path that `reference` is cut at, if it was meant for a file with a sign in its name that
 /// ends a path; empty otherwise.
 std::u16string cutPartOf(const xercesc::DOMElement& reference) {

@@ -114,7 +114,38 @@ void RunObserver::documentUnread(std::u16string_view path, std::u16string_view r
 void RunObserver::keyDefinition(std::u16string_view key, std::u16string_view href, KeyState state,
                                 const Element& definition) {
     sendAt(&definition, ObservationKind::kKeyDefinition, static_cast<std::uint32_t>(state),
-           {.element = tagNameOf(&definition), .target = toUtf8(key), .detail = toUtf8(href)});
+           {.element = tagNameOf(&definition),
+            .target = toUtf8(key),
+            .detail = toUtf8(href),
+            .reason = toUtf8(attributeView(definition, u"keyref"))});
+}
+
+void RunObserver::keyMeaning(std::u16string_view key, std::u16string_view href,
+                             std::u16string_view text, const Element& definition) {
+    sendWithoutWay(definition, ObservationKind::kKeyMeaning, 0,
+                   {.target = toUtf8(key), .detail = toUtf8(href), .reason = toUtf8(text)});
+}
+
+void RunObserver::keyReference(std::u16string_view key, const Element& element, bool isLeftOut) {
+    sendWithoutWay(element, ObservationKind::kKeyReference, 0,
+                   {.element = tagNameOf(&element), .target = toUtf8(key)},
+                   isLeftOut ? kArtefact : 0);
+}
+
+void RunObserver::fileReference(ReferenceKind kind, std::u16string_view path,
+                                const Element& element) {
+    sendWithoutWay(element, ObservationKind::kFileReference, static_cast<std::uint32_t>(kind),
+                   {.element = tagNameOf(&element), .target = toUtf8(path)});
+}
+
+void RunObserver::entity(std::u16string_view path, std::u16string_view namedBy) {
+    // No path holds a line end.
+    const bool isNew = entities_.insert(std::u16string(path).append(u"\n").append(namedBy)).second;
+    if (isNew) {
+        const bool isOwn = isOwnFile(std::u16string(namedBy));
+        sendAt(nullptr, ObservationKind::kEntity, 0,
+               {.target = toUtf8(path), .detail = isOwn ? std::string() : toUtf8(namedBy)});
+    }
 }
 
 void RunObserver::topic(std::u16string_view path, const Element& reference) {
@@ -266,6 +297,26 @@ void RunObserver::sendAt(const Element* element, ObservationKind kind, std::uint
                          const Texts& texts) {
     send(kind, code, texts,
          element ? SourcePlaces::existing()->stepsTo(*element) : std::vector<SourceStep>(1));
+}
+
+/// As `sendAt`, without the references that led to the element: what is told often is to cost
+/// little.
+void RunObserver::sendWithoutWay(const Element& element, ObservationKind kind, std::uint32_t code,
+                                 const Texts& texts, std::uint32_t flags) {
+    const ObservedStep step{observed(SourcePlaces::existing()->placeOf(element)), "", ""};
+    const Observation observation{kind,
+                                  code,
+                                  flags,
+                                  texts.element.c_str(),
+                                  texts.target.c_str(),
+                                  texts.detail.c_str(),
+                                  texts.reason.c_str(),
+                                  texts.line.c_str(),
+                                  &step,
+                                  1,
+                                  nullptr,
+                                  0};
+    guardHostCall([&] { observer_->observe(&observation); });
 }
 
 void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& texts,

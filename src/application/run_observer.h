@@ -66,6 +66,13 @@ public:
                         const Element* reference);
     void keyDefinition(std::u16string_view key, std::u16string_view href, KeyState state,
                        const Element& definition);
+    void keyMeaning(std::u16string_view key, std::u16string_view href, std::u16string_view text,
+                    const Element& definition);
+    /// @param isLeftOut  The profile takes the element away.
+    void keyReference(std::u16string_view key, const Element& element, bool isLeftOut);
+    void fileReference(ReferenceKind kind, std::u16string_view path, const Element& element);
+    /// Tells each pair once.
+    void entity(std::u16string_view path, std::u16string_view namedBy);
     void topic(std::u16string_view path, const Element& reference);
     void component(std::u16string_view path, std::u16string_view source, const Element& reference);
     /// Tells each pair once.
@@ -180,6 +187,8 @@ private:
               const std::vector<SourcePlace>& related = {});
     void sendAt(const Element* element, ObservationKind kind, std::uint32_t code,
                 const Texts& texts);
+    void sendWithoutWay(const Element& element, ObservationKind kind, std::uint32_t code,
+                        const Texts& texts, std::uint32_t flags = 0);
     std::u16string inSourceTerms(std::u16string_view target) const;
     std::u16string targetOf(const ObservedFault& fault);
     const char* pathOf(const SourcePlace& place);
@@ -204,6 +213,7 @@ private:
     /// By the id in the output.
     std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>> sourceTopics_;
     std::unordered_set<std::u16string> conditionValues_;
+    std::unordered_set<std::u16string> entities_;
     using TagNames = std::unordered_map<std::u16string, std::u16string, U16Hash, std::equal_to<>>;
     std::unordered_map<const xercesc::DOMDocument*, TagNames> bearers_;  ///< by id
     std::vector<std::string> paths_;  ///< by file number; empty until one is asked for

@@ -29,6 +29,12 @@ inline std::u16string_view nearestAttribute(const xercesc::DOMElement& element, 
     return {};
 }
 
+/// Whether the nearest "scope" of `reference` says that it leads out of the publication.
+inline bool leadsElsewhere(const xercesc::DOMElement& reference) {
+    const std::u16string_view scope = nearestAttribute(reference, u"scope");
+    return scope == u"peer" || scope == u"external";
+}
+
 /// A copy of the value of an attribute; a missing one reads as empty.
 inline std::u16string attributeOf(const xercesc::DOMElement& element, const XMLCh* name) {
     return std::u16string(attributeView(element, name));

@@ -15,6 +15,7 @@
 #include "profiling/ditaval_filters.h"
 #include "references/conref_resolution.h"
 #include "references/document_kind.h"
+#include "references/key_definitions.h"
 #include "references/keyref_resolution.h"
 #include "references/published_content.h"
 #include "references/reference_paths.h"
@@ -31,6 +32,12 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 
 namespace {
+
+void observeMapReference(const DOMElement& reference, const std::u16string& path) {
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->fileReference(ReferenceKind::kMap, path, reference);
+    }
+}
 
 /// Tells what is lost where the part `id` of `target` takes the place of `reference`.
 void observePull(const DOMElement& reference, const DOMDocument& target, std::u16string_view id) {
@@ -60,6 +67,40 @@ void observePull(const DOMElement& reference, const DOMDocument& target, std::u1
     }
 }
 
+/// Tells what the definition of `keyName` in `map` is: whether it counts, and where it leads.
+void observeDefinition(const DOMElement& element, std::u16string_view keyName,
+                       const DOMDocument& map, bool isShadowed) {
+    RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return;
+    }
+    const std::u16string_view href = attributeView(element, u"href");
+    const std::u16string target = href.empty() ? std::u16string() : makeAbsoluteHref(href, map);
+    observer->keyDefinition(keyName, target,
+                            isShadowed ? KeyState::kShadowed : KeyState::kEffective, element);
+    if (isShadowed) {
+        observer->keyMeaning(keyName, target, keyTextOf(element), element);
+    } else if (!target.empty() && !isExternalUri(target) &&
+               nearestAttribute(element, u"processing-role") == u"resource-only") {
+        observer->fileReference(ReferenceKind::kKeyDefinition, splitHref(target).path, element);
+    }
+}
+
+/// Tells what each definition that counts has become.
+void observeMeanings(const KeySpace& keySpace) {
+    RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return;
+    }
+    const DOMElement& root = *keySpace.document().getDocumentElement();
+    for (const DOMElement* definition = firstElementChild(root); definition;
+         definition = nextElementSibling(*definition)) {
+        observer->keyMeaning(attributeView(*definition, u"keys"),
+                             attributeView(*definition, u"href"), keyTextOf(*definition),
+                             *definition);
+    }
+}
+
 }  // namespace
 
 KeySpace KeySpaceLoader::load(const std::u16string& mapPath, const std::u16string& keySpaceDocPath,
@@ -74,6 +115,7 @@ KeySpace KeySpaceLoader::load(const std::u16string& mapPath, const std::u16strin
     DOMElement* const root = keySpace.document().getDocumentElement();
     KeyrefProcessor().resolveAllKeyrefs(root, keySpace);
     ConrefProcessor().resolveConrefs(root, keySpace, topicIds);
+    observeMeanings(keySpace);
     mapRefFilter_.setContext(nullptr);
     return keySpace;
 }
@@ -102,8 +144,9 @@ std::vector<DOMDocument*> KeySpaceLoader::followMapReferences(DOMDocument& map) 
     while (DOMElement* const reference = walker.nextNode()) {
         const std::u16string href = attributeOf(*reference, u"href");
         const HrefParts parts = splitHref(href);
-        DOMDocument& target =
-            DocumentStore::instance().mustLoad(toAbsolutePath(parts.path, map), reference);
+        const std::u16string path = toAbsolutePath(parts.path, map);
+        observeMapReference(*reference, path);
+        DOMDocument& target = DocumentStore::instance().mustLoad(path, reference);
         if (!parts.topicId.empty()) {
             observePull(*reference, target, parts.topicId);
             fragments.pull(*reference, target, parts.topicId);
@@ -131,14 +174,8 @@ void KeySpaceLoader::collectKeys(DOMDocument& map, KeySpace& keySpace, TopicIdMa
 void KeySpaceLoader::addDefinition(const DOMElement& element, std::u16string_view keyName,
                                    const DOMDocument& map, KeySpace& keySpace,
                                    TopicIdMap& topicIds) const {
-    RunObserver* const observer = RunObserver::existing();
     const bool isShadowed = keySpace.defines(keyName);
-    if (observer) {
-        const std::u16string_view href = attributeView(element, u"href");
-        observer->keyDefinition(keyName,
-                                href.empty() ? std::u16string() : makeAbsoluteHref(href, map),
-                                isShadowed ? KeyState::kShadowed : KeyState::kEffective, element);
-    }
+    observeDefinition(element, keyName, map, isShadowed);
     if (isShadowed) {
         return;
     }

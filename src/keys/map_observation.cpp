@@ -9,6 +9,7 @@
 #include "profiling/ditaval_filters.h"
 #include "references/direct_references.h"
 #include "references/exclusion_filter.h"
+#include "references/key_definitions.h"
 #include "references/node_filters.h"
 #include "support/text.h"
 #include "support/xerces_ptr.h"
@@ -60,6 +61,7 @@ void observeExcludedKeys(RunObserver& observer, const DOMElement& element) {
         href.empty() ? std::u16string() : makeAbsoluteHref(href, *element.getOwnerDocument());
     for (const std::u16string_view key : splitTokens(keys)) {
         observer.keyDefinition(key, target, KeyState::kExcluded, element);
+        observer.keyMeaning(key, target, keyTextOf(element), element);
     }
 }
 

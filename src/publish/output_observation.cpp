@@ -32,6 +32,9 @@ using xercesc::DOMDocument;
 using xercesc::DOMElement;
 using xercesc::DOMNode;
 
+/// By which an object refers, and what a link of a medium is known by.
+constexpr const XMLCh* kMediaAttribute = u"data";
+
 /// Whether `link` includes code, of whatever file: neither ids nor topics are meant.
 bool includesCode(const DOMElement& link) {
     return domText(link.getTagName()) == u"coderef";
@@ -60,13 +63,6 @@ bool hasContent(const DOMElement& element) {
     return false;
 }
 
-/// Whether the nearest "scope" of a link and the lists around it says that it leads out of the
-/// publication.
-bool linkLeadsElsewhere(const DOMElement& link) {
-    const std::u16string_view scope = nearestAttribute(link, u"scope");
-    return scope == u"peer" || scope == u"external";
-}
-
 /// One look over the finished documents of a run.
 class OutputObservation {
 public:
@@ -90,6 +86,7 @@ private:
     void gatherMedia(const DOMElement& element, std::u16string_view tagName);
 
     void observeLink(const Link& link);
+    void observeTarget(const Link& link, std::u16string_view path);
     void observeInside(const Link& link, const HrefParts& parts);
     void observeOutside(const Link& link, const HrefParts& parts);
     void observeMissing(const Link& link, std::u16string_view path);
@@ -106,6 +103,7 @@ private:
     RunObserver& observer_;
     const KeySpace& keySpace_;
     TopicNodeFilter topics_;
+    ImageNodeFilter images_;
     MultimediaRefAttrContainingNodeFilter media_;
     std::vector<Link> links_;
     std::vector<const DOMElement*> conrefs_;
@@ -193,22 +191,34 @@ void OutputObservation::gatherElement(DOMElement& element, const DOMElement* top
 void OutputObservation::gatherMedia(const DOMElement& element, std::u16string_view tagName) {
     if ((tagName == u"object" || tagName == u"param") && selects(media_, &element)) {
         const MultimediaNodeHandler& handler = multimediaNodeHandler(media_.getType(&element));
-        links_.push_back({&element, u"data", handler.getRefValue(element)});
+        links_.push_back({&element, kMediaAttribute, handler.getRefValue(element)});
     }
 }
 
 void OutputObservation::observeLink(const Link& link) {
     const DOMElement* const definition = observer_.keyLinkOf(*link.element);
-    if (linkLeadsElsewhere(*link.element) || (definition && linkLeadsElsewhere(*definition)) ||
+    if (leadsElsewhere(*link.element) || (definition && leadsElsewhere(*definition)) ||
         isExternalUri(link.target)) {
         return;
     }
     const HrefParts parts = splitHref(link.target);
     if (parts.path.empty() || outputPaths_.contains(std::u16string(parts.path))) {
+        observeTarget(link, observer_.sourceFileOf(parts.topicId));
         observeInside(link, parts);
     } else {
+        observeTarget(link, parts.path);
         observeOutside(link, parts);
     }
+}
+
+/// Tells to which file the link leads, be it that of a topic in the output.
+void OutputObservation::observeTarget(const Link& link, std::u16string_view path) {
+    if (path.empty()) {
+        return;
+    }
+    const bool isImage = link.attribute == kMediaAttribute || selects(images_, link.element);
+    observer_.fileReference(isImage ? ReferenceKind::kImage : ReferenceKind::kLink, path,
+                            observer_.writerOf(*link.element, link.attribute));
 }
 
 /// A link to a topic that was taken in: that is why it was rewritten.
@@ -285,8 +295,7 @@ void OutputObservation::observeKeys() {
     for (const DOMElement* definition = firstElementChild(root); definition;
          definition = nextElementSibling(*definition)) {
         const std::u16string href = attributeOf(*definition, u"href");
-        const bool isOwnLink =
-            !observer_.keyLinkOf(*definition) && !linkLeadsElsewhere(*definition);
+        const bool isOwnLink = !observer_.keyLinkOf(*definition) && !leadsElsewhere(*definition);
         const HrefParts parts = splitHref(href);
         if (isOwnLink && isFragmentMissing(parts)) {
             const std::u16string around = topicAroundElement(parts);

@@ -199,7 +199,13 @@ DOMDocument* ConrefWalk::targetDocument(const HrefParts& reference,
                                         const DOMElement& element) const {
     const std::u16string path =
         reference.path.empty() ? std::u16string() : toAbsolutePath(reference.path, document_);
-    return path.empty() ? &document_ : DocumentStore::instance().getOrLoad(path, &element);
+    if (path.empty()) {
+        return &document_;
+    }
+    if (RunObserver* const observer = RunObserver::existing()) {
+        observer->fileReference(ReferenceKind::kConref, path, element);
+    }
+    return DocumentStore::instance().getOrLoad(path, &element);
 }
 
 void ConrefWalk::replace(DOMElement& element, const Target& target) {

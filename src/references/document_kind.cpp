@@ -1,10 +1,14 @@
 #include "references/document_kind.h"
 
+#include <string>
 #include <string_view>
 
+#include "application/run_observer.h"
+#include "dom/attributes.h"
 #include "references/dita_reference.h"
 #include "references/node_filters.h"
 #include "references/reference_paths.h"
+#include "support/hrefs.h"
 #include "xml/document_store.h"
 
 namespace marrowpress {
@@ -15,6 +19,23 @@ using xercesc::DOMElement;
 
 bool endsBehind(std::u16string_view path, std::u16string_view ending) {
     return path.size() > ending.size() && path.ends_with(ending);
+}
+
+void observeReference(const DitaReference& reference, DitaDocKind kind, const DOMElement& node) {
+    RunObserver* const observer = RunObserver::existing();
+    if (!observer) {
+        return;
+    }
+    if (!reference.path.empty() && !isExternalUri(reference.path)) {
+        const bool isMap = kind == DitaDocKind::DitaDocMap;
+        observer->fileReference(isMap ? ReferenceKind::kMap : ReferenceKind::kTopic, reference.path,
+                                node);
+    }
+    for (const std::u16string& path : reference.missingFiles) {
+        if (!leadsElsewhere(node)) {
+            observer->fileReference(ReferenceKind::kTopic, path, node);
+        }
+    }
 }
 
 }  // namespace
@@ -53,12 +74,13 @@ DitaDocKind classifyDocument(const DOMDocument* document) {
 }
 
 DitaDocKind kindOfReference(const DitaReference& reference, const xercesc::DOMElement& node) {
-    const DitaDocKind kind = classifyReference(reference);
-    if (kind != DitaDocKind::DitaDocUnknownXml) {
-        return kind;
+    DitaDocKind kind = classifyReference(reference);
+    if (kind == DitaDocKind::DitaDocUnknownXml) {
+        kind = classifyDocument(DocumentStore::instance().getOrLoad(
+            toAbsolutePath(reference.path, *node.getOwnerDocument()), &node));
     }
-    return classifyDocument(DocumentStore::instance().getOrLoad(
-        toAbsolutePath(reference.path, *node.getOwnerDocument()), &node));
+    observeReference(reference, kind, node);
+    return kind;
 }
 
 }  // namespace marrowpress

@@ -28,4 +28,7 @@ private:
 /// Whether profiling excludes `element` from the run.
 bool isExcluded(const xercesc::DOMElement& element);
 
+/// Whether profiling excludes `element`, or one around it.
+bool isInExcluded(const xercesc::DOMElement& element);
+
 }  // namespace marrowpress

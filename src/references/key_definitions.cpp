@@ -7,6 +7,7 @@
 #include "dom/nesting_depth.h"
 #include "dom/nodes.h"
 #include "references/document_kind.h"
+#include "references/exclusion_filter.h"
 #include "references/key_space.h"
 #include "references/node_filters.h"
 #include "support/hrefs.h"
@@ -19,6 +20,20 @@ namespace marrowpress {
 namespace {
 
 using xercesc::DOMElement;
+
+/// The element in a definition's `meta` whose children are its text; null if there is none.
+const DOMElement* textSource(const DOMElement& meta, bool declaresHref) {
+    if (!declaresHref) {
+        const DOMElement* const keywords = findChildByTag(u"keywords", meta);
+        const DOMElement* const keyword =
+            keywords ? findChildByTag(u"keyword", *keywords) : nullptr;
+        if (keyword) {
+            return keyword;
+        }
+    }
+    const DOMElement* const linktext = findChildByTag(u"linktext", meta);
+    return linktext ? linktext : findChildByTag(u"navtitle", meta);
+}
 
 /// The element whose children `element` gets from `definition`; null if there is none.
 const DOMElement* contentSource(const DOMElement& element, const DOMElement& definition,
@@ -35,16 +50,7 @@ const DOMElement* contentSource(const DOMElement& element, const DOMElement& def
     if (declaresHref && selects(topicrefs, &element)) {
         return &definition;
     }
-    if (!declaresHref) {
-        const DOMElement* const keywords = findChildByTag(u"keywords", *meta);
-        const DOMElement* const keyword =
-            keywords ? findChildByTag(u"keyword", *keywords) : nullptr;
-        if (keyword) {
-            return keyword;
-        }
-    }
-    const DOMElement* const linktext = findChildByTag(u"linktext", *meta);
-    return linktext ? linktext : findChildByTag(u"navtitle", *meta);
+    return textSource(*meta, declaresHref);
 }
 
 /// The element at which the key reference of `reference` is written: what a content reference gave
@@ -63,10 +69,22 @@ const DOMElement& writerOf(const DOMElement& reference) {
     return reference;
 }
 
+/// Whether it is the name that the end of a chain leaves, or the marker of what is dealt with.
+bool isNobodysKey(std::u16string_view keyName) {
+    return keyName.empty() || keyName == kIgnoreKeyref;
+}
+
 void reportKeyNotFound(std::u16string_view keyName, const DOMElement& reference) {
-    // The name that the end of a chain leaves, and the marker of what is dealt with.
-    const bool isNobodysKey = keyName.empty() || keyName == kIgnoreKeyref;
-    ReportMessenger::instance().reportKeyNotFound(keyName, &writerOf(reference), isNobodysKey);
+    ReportMessenger::instance().reportKeyNotFound(keyName, &writerOf(reference),
+                                                  isNobodysKey(keyName));
+}
+
+/// Tells that `reference`, or what gave it its reference, uses the key.
+void observeKeyReference(std::u16string_view keyName, const DOMElement& reference) {
+    RunObserver* const observer = RunObserver::existing();
+    if (observer && !isNobodysKey(keyName)) {
+        observer->keyReference(keyName, writerOf(reference), isInExcluded(reference));
+    }
 }
 
 /// A link with an element part says itself where in the definition's file it leads.
@@ -123,6 +141,7 @@ std::u16string resolveKeyHref(const KeySpace& keySpace, std::u16string_view keyR
     if (keyName.empty()) {
         return {};
     }
+    observeKeyReference(keyName, reference);
     const DOMElement* const definition = keySpace.find(keyName, reference);
     if (!definition) {
         reportKeyNotFound(keyName, reference);
@@ -135,6 +154,7 @@ std::u16string resolveKeyHref(const KeySpace& keySpace, std::u16string_view keyR
 const DOMElement* applyKeyDefinition(DOMElement& element, const DOMElement* definition,
                                      const ParserBundle& dtd, KeyContent content) {
     const std::u16string keyReference = attributeOf(element, u"keyref");
+    observeKeyReference(keyNameOf(keyReference), element);
     const DOMElement* source = nullptr;
     if (definition) {
         const bool declaresHref = dtd.parser().declaresAttribute(element.getTagName(), u"href");
@@ -168,6 +188,14 @@ const DOMElement* pullKeyContent(DOMElement& element, const DOMElement& definiti
                      {&element, u"keyref", attributeView(element, u"keyref")});
     }
     return source;
+}
+
+std::u16string keyTextOf(const DOMElement& definition) {
+    static const TopicmetaNodeFilter topicmetas;
+    const DOMElement* const meta = firstElementChild(definition);
+    const DOMElement* const source =
+        selects(topicmetas, meta) ? textSource(*meta, /*declaresHref=*/false) : nullptr;
+    return source ? std::u16string(domText(source->getTextContent())) : std::u16string();
 }
 
 DOMElement* findChildByTag(std::u16string_view tagName, const DOMElement& parent) {

@@ -53,6 +53,10 @@ const xercesc::DOMElement* applyKeyDefinition(xercesc::DOMElement& element,
 const xercesc::DOMElement* pullKeyContent(xercesc::DOMElement& element,
                                           const xercesc::DOMElement& definition, bool declaresHref);
 
+/// The text that a definition has for elements without an "href", without the tags in it; empty
+/// when it has none.
+std::u16string keyTextOf(const xercesc::DOMElement& definition);
+
 /// The first child element with exactly that tag name; null if there is none.
 xercesc::DOMElement* findChildByTag(std::u16string_view tagName, const xercesc::DOMElement& parent);
 

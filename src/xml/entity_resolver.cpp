@@ -10,6 +10,7 @@
 #include <xercesc/util/XMLUri.hpp>
 
 #include "application/host_operations.h"
+#include "application/run_observer.h"
 #include "support/paths.h"
 #include "support/text.h"
 #include "support/work_counts.h"
@@ -61,6 +62,8 @@ public:
         return openLocalFile(file_.c_str(), getMemoryManager());
     }
 
+    const std::u16string& file() const noexcept { return file_; }
+
 private:
     std::u16string file_;
 };
@@ -106,6 +109,16 @@ std::unique_ptr<xercesc::InputSource> engineSource(
                                                percentDecoded(domText(url.getPath())));
 }
 
+/// Tells which file is opened for the entity, which must be a local one.
+void observeEntity(const xercesc::XMLResourceIdentifier& identifier,
+                   const xercesc::InputSource& source) {
+    if (RunObserver* const observer = RunObserver::existing()) {
+        const auto* const local = dynamic_cast<const LocalEntitySource*>(&source);
+        observer->entity(local ? std::u16string_view(local->file()) : domText(source.getSystemId()),
+                         domText(identifier.getBaseURI()));
+    }
+}
+
 }  // namespace
 
 std::string EntityResolverCommands::startCommand(std::string_view path) {
@@ -148,7 +161,9 @@ xercesc::InputSource* QSXMLEntityResolver::resolveEntity(
     if (!source) {
         source = engineSource(*identifier);
     }
-    if (!source) {
+    if (source) {
+        observeEntity(*identifier, *source);
+    } else {
         source = std::make_unique<RefusedInputSource>(systemIdOf(*identifier));
     }
     return source.release();
