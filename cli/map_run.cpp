@@ -46,7 +46,7 @@ bool isFailureTold(const std::vector<Finding>& findings) {
 RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
     RunOutcome outcome;
     StandInHostOptions host;
-    host.resolvePublicId = makePublicIdResolver(setting.catalogs);
+    host.resolvePublicId = makePublicIdResolver(setting.catalogs, setting.onCatalog);
     host.onProgress = [&](std::string_view line) {
         outcome.hasBegun = true;
         display.showProgressLine(line);
@@ -58,12 +58,14 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             display.showReportLine(line);
         }
     };
-    if (setting.collector) {
+    if (setting.collector || setting.watch) {
         host.onObservation = [&](const Observation& observation) {
             if (setting.watch) {
                 setting.watch(observation);
             }
-            setting.collector->observe(observation);
+            if (setting.collector) {
+                setting.collector->observe(observation);
+            }
             display.observe(observation);
         };
     }

@@ -29,6 +29,8 @@ struct RunSetting {
     FindingCollector* collector = nullptr;
     /// As `collector`, and before it.
     std::function<void(const Observation&)> watch = {};
+    /// Gets the path of each catalog that is looked for.
+    std::function<void(const std::string&)> onCatalog = {};
 };
 
 /// Why a run comes to nothing where another one does not end.

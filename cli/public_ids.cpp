@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 #include "findings/wording.h"
 #include "host/catalog_resolver.h"
@@ -57,8 +58,9 @@ std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>
 }
 
 StandInHostOptions::PublicIdResolver makePublicIdResolver(
-    const std::vector<std::string>& catalogs) {
-    const auto resolver = std::make_shared<CatalogResolver>(catalogsInUse(catalogs));
+    const std::vector<std::string>& catalogs, std::function<void(const std::string&)> onCatalog) {
+    const auto resolver =
+        std::make_shared<CatalogResolver>(catalogsInUse(catalogs), std::move(onCatalog));
     return [resolver](std::string_view publicId) { return resolver->resolvePublic(publicId); };
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,9 @@ std::string findListedCatalogFault(const std::vector<std::string>& catalogs);
 std::optional<std::string> findCatalogOptionFault(const std::vector<std::string>& catalogs);
 
 /// Answers public identifiers from `catalogs`, or from the default ones when none is named.
-StandInHostOptions::PublicIdResolver makePublicIdResolver(const std::vector<std::string>& catalogs);
+/// `onCatalog`, which may be empty, gets the path of each catalog that is looked for.
+StandInHostOptions::PublicIdResolver makePublicIdResolver(
+    const std::vector<std::string>& catalogs,
+    std::function<void(const std::string&)> onCatalog = {});
 
 }  // namespace marrowpress

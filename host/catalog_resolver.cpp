@@ -7,6 +7,7 @@
 #include <limits>
 #include <sstream>
 #include <system_error>
+#include <utility>
 
 #include "host/fatal_catalog.h"
 #include "host/file_text.h"
@@ -75,7 +76,8 @@ CatalogResolver::SharedCatalogs::~SharedCatalogs() {
     }
 }
 
-CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs) {
+CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs, PathSink onCatalog)
+    : onCatalog_(std::move(onCatalog)) {
     restrictLibxmlToLocalFiles();
     xmlCatalogSetDefaultPrefer(XML_CATA_PREFER_PUBLIC);
     for (const std::string& catalog : catalogs) {
@@ -101,6 +103,7 @@ std::optional<std::string> CatalogResolver::ask(const std::string& publicId) con
     if (publicId.empty()) {
         return std::nullopt;
     }
+    const LibxmlFileSink sink(onCatalog_);
     static_cast<void>(takeLibxmlFailure());
     for (const Catalog& catalog : catalogs_) {
         const LibxmlText uri(xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,11 +23,15 @@ namespace marrowpress {
 /// nothing of that is known any more.
 class CatalogResolver {
 public:
+    using PathSink = std::function<void(const std::string&)>;
+
     /// `catalogs` are paths or `file:` URIs. One that isn't there, or is no catalog, knows nothing.
     ///
+    /// @param onCatalog  Gets the path of each catalog that is looked for, also by another catalog,
+    ///                   unless an earlier resolver has read it. May be empty.
     /// @throws std::system_error that says "cannot read the catalogs", and why, when one could not
     ///         be read.
-    explicit CatalogResolver(const std::vector<std::string>& catalogs);
+    explicit CatalogResolver(const std::vector<std::string>& catalogs, PathSink onCatalog = {});
     CatalogResolver(const CatalogResolver&) = delete;
     CatalogResolver& operator=(const CatalogResolver&) = delete;
     ~CatalogResolver() = default;
@@ -56,6 +61,7 @@ private:
     std::optional<std::string> ask(const std::string& publicId) const;
 
     SharedCatalogs shared_;
+    PathSink onCatalog_;
     std::vector<Catalog> catalogs_;
     std::unordered_map<std::string, std::optional<std::string>> answers_;
 };

@@ -100,8 +100,14 @@ int matchesEveryName(const char*) {
     return 1;
 }
 
+/// Null while nobody wants to know which files are looked for.
+const std::function<void(const std::string&)>* fileSink = nullptr;
+
 void* openLocalFile(const char* name) {
     const std::optional<std::string> path = localPath(name);
+    if (path && fileSink) {
+        (*fileSink)(*path);
+    }
     // Asked before opening as well: a FIFO or a device must not even be opened.
     if (!path || !isRegularFile(*path)) {
         return nullptr;
@@ -204,6 +210,14 @@ std::optional<std::string> fileUriToPath(std::string_view uri) {
 void restrictLibxmlToLocalFiles() {
     static const bool installed = installRestrictions();
     static_cast<void>(installed);
+}
+
+LibxmlFileSink::LibxmlFileSink(const std::function<void(const std::string&)>& onFile) {
+    fileSink = onFile ? &onFile : nullptr;
+}
+
+LibxmlFileSink::~LibxmlFileSink() {
+    fileSink = nullptr;
 }
 
 std::error_code takeLibxmlFailure() {

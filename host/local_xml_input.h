@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,6 +18,16 @@ std::optional<std::string> fileUriToPath(std::string_view uri);
 /// Takes libxml2 off the network and off the terminal, once for the process: it opens regular
 /// files on this machine only, whatever a catalog points to, and keeps its diagnostics to itself.
 void restrictLibxmlToLocalFiles();
+
+/// While it lives, `onFile`, which may be empty and must outlive it, gets the path of each local
+/// file that libxml2 looks for. One may live at a time.
+class LibxmlFileSink {
+public:
+    explicit LibxmlFileSink(const std::function<void(const std::string&)>& onFile);
+    LibxmlFileSink(const LibxmlFileSink&) = delete;
+    LibxmlFileSink& operator=(const LibxmlFileSink&) = delete;
+    ~LibxmlFileSink();
+};
 
 /// The first failure of libxml2 for want of file descriptors, memory or rights, or by the disk,
 /// since the last call; empty when there was none. It tells its callers only that there is nothing,
