@@ -1,67 +1,32 @@
 #include "findings/json_writer.h"
 
-#include <boost/json/array.hpp>
 #include <boost/json/object.hpp>
 #include <boost/json/serialize.hpp>
 #include <ostream>
 
 #include "findings/finding_lines.h"
+#include "findings/json_values.h"
 #include "findings/severity.h"
-#include "host/utf8.h"
 
 namespace marrowpress {
 namespace {
 
-boost::json::value text(std::string_view raw) {
-    return boost::json::string(toValidUtf8(raw));
-}
-
-boost::json::value textOrNull(std::string_view raw) {
-    return raw.empty() ? boost::json::value() : text(raw);
-}
-
-boost::json::value numberOrNull(std::uint32_t number) {
-    return number == 0 ? boost::json::value() : boost::json::value(number);
-}
-
-boost::json::object placeObject(const FindingPlace& place) {
-    return {{"file", textOrNull(place.file)},
-            {"line", numberOrNull(place.line)},
-            {"column", numberOrNull(place.column)}};
-}
-
-boost::json::object stepObject(const FindingStep& step) {
-    boost::json::object object = placeObject(step.place);
-    object["what"] = text(step.what);
-    return object;
-}
-
-template <typename Item, typename Convert>
-boost::json::array arrayOf(const std::vector<Item>& items, Convert convert) {
-    boost::json::array array;
-    array.reserve(items.size());
-    for (const Item& item : items) {
-        array.push_back(convert(item));
-    }
-    return array;
-}
-
 boost::json::object findingObject(const Finding& finding) {
     const FindingPlace& place = finding.place;
-    return {{"id", text(finding.id)},
+    return {{"id", jsonText(finding.id)},
             {"severity", severityName(finding.severity)},
-            {"text", text(finding.text)},
-            {"file", textOrNull(place.file)},
-            {"line", numberOrNull(place.line)},
-            {"column", numberOrNull(place.column)},
-            {"element", textOrNull(finding.element)},
-            {"target", textOrNull(finding.target)},
-            {"hint", textOrNull(finding.hint)},
-            {"via", arrayOf(finding.via, stepObject)},
-            {"places", arrayOf(finding.places, placeObject)},
-            {"profile", arrayOf(finding.profiles, text)},
+            {"text", jsonText(finding.text)},
+            {"file", jsonTextOrNull(place.file)},
+            {"line", jsonNumberOrNull(place.line)},
+            {"column", jsonNumberOrNull(place.column)},
+            {"element", jsonTextOrNull(finding.element)},
+            {"target", jsonTextOrNull(finding.target)},
+            {"hint", jsonTextOrNull(finding.hint)},
+            {"via", jsonArray(finding.via, jsonStep)},
+            {"places", jsonArray(finding.places, jsonPlace)},
+            {"profile", jsonArray(finding.profiles, jsonText)},
             {"artefact", finding.isArtefact},
-            {"hostText", finding.hostText ? text(*finding.hostText) : boost::json::value()}};
+            {"hostText", finding.hostText ? jsonText(*finding.hostText) : boost::json::value()}};
 }
 
 /// By hand, because Boost writes 1.8 as 1.8E0.

@@ -100,6 +100,57 @@ std::string topicCountText(std::size_t count) {
     return translatedCount("{0} Thema", "{0} Themen", count);
 }
 
+std::string keyDefinitionCountText(std::size_t count) {
+    return translatedCount("{0} Definition", "{0} Definitionen", count);
+}
+
+std::string keyUseCountText(std::size_t count) {
+    return translatedCount("{0} Verweis auf den Schlüssel", "{0} Verweise auf den Schlüssel",
+                           count);
+}
+
+std::string keyOrderText() {
+    return translated(
+        "Maps werden von der Wurzel-Map an Ebene für Ebene gelesen, jede von oben nach "
+        "unten; die erste Definition gilt");
+}
+
+std::string onlyDefinitionText() {
+    return translated("gilt: sie ist die einzige");
+}
+
+std::string firstDefinitionText() {
+    return translated("gilt: keine vor ihr gilt");
+}
+
+std::string laterInMapText(std::string_view place) {
+    return translated("gilt nicht: {0} steht in derselben Map davor", {place});
+}
+
+std::string laterMapText(std::string_view place) {
+    return translated("gilt nicht: {0} steht in einer Map, die früher gelesen wird", {place});
+}
+
+std::string excludedDefinitionText() {
+    return translated("gilt nicht: das Profil schließt sie aus");
+}
+
+std::string lostDefinitionText() {
+    return translated("gilt nicht: an ihre Stelle tritt der Teil der Map, auf den sie verweist");
+}
+
+std::string keyTargetText(std::string_view target) {
+    return translated("führt zu {0}", {target});
+}
+
+std::string keyContentText(std::string_view text) {
+    return translated("steht für den Text: {0}", {text});
+}
+
+std::string keyLeadsOnText(std::string_view key) {
+    return translated("führt weiter zum Schlüssel `{0}`", {key});
+}
+
 std::string didYouMeanHint(std::string_view name) {
     return translated("Ist `{0}` gemeint?", {name});
 }

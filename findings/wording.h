@@ -32,6 +32,24 @@ std::string noteCountText(std::size_t count);
 std::string fileCountText(std::size_t count);
 std::string topicCountText(std::size_t count);
 
+// What is said of a key by the command that lists them.
+
+std::string keyDefinitionCountText(std::size_t count);
+std::string keyUseCountText(std::size_t count);
+/// How definitions are met, and which of them counts.
+std::string keyOrderText();
+std::string onlyDefinitionText();
+std::string firstDefinitionText();
+/// For a definition behind the one that counts, which is at `place`, in the same map.
+std::string laterInMapText(std::string_view place);
+/// For one in another map.
+std::string laterMapText(std::string_view place);
+std::string excludedDefinitionText();
+std::string lostDefinitionText();
+std::string keyTargetText(std::string_view target);
+std::string keyContentText(std::string_view text);
+std::string keyLeadsOnText(std::string_view key);
+
 // Names that are not there: MP105, MP108, MP109, MP204.
 
 /// For a key, an id, a file, or a value in a profile.
