@@ -5,31 +5,17 @@
 #include <utility>
 #include <vector>
 
-#include "cli/component_places.h"
 #include "cli/findings_report.h"
 #include "cli/input_faults.h"
-#include "cli/map_run.h"
 #include "cli/output_folder.h"
-#include "cli/outside_fragments.h"
 #include "cli/profile_set.h"
-#include "cli/public_ids.h"
-#include "cli/publish_command.h"
 #include "cli/publish_paths.h"
-#include "cli/scratch_folder.h"
+#include "cli/scratch_run.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The request of a check: everything is written into a private folder.
-PublishOptions scratchOptions(const CheckOptions& options, const fs::path& folder) {
-    PublishOptions publish;
-    static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options);
-    publish.output = (isFlatBook(options) ? folder : folder / "composite.dita").string();
-    publish.isAtOneLocation = isFlatBook(options);
-    return publish;
-}
 
 /// On standard output there is nothing to look at.
 CheckOptions withoutStandardOutput(CheckOptions options) {
@@ -50,19 +36,10 @@ public:
     ExitCode run();
 
 private:
-    /// What all runs of the call have found.
-    struct Total {
-        FindingList list;
-        std::size_t droppedFaults = 0;
-        std::size_t topics = 0;
-        ExitCode code = ExitCode::kSuccess;
-    };
-
     std::vector<ProfileSet> readProfiles() const;
     std::optional<std::string> findFault(const std::vector<ProfileSet>& profiles,
                                          const FindingsReport& report) const;
     std::optional<std::string> findOutputFault() const;
-    void checkOnce(const ProfileSet& profiles, RunDisplay& display, Total& total) const;
 
     CheckOptions options_;
     const Streams& streams_;
@@ -78,19 +55,16 @@ ExitCode Checking::run() {
         return ExitCode::kWrongUsage;
     }
     RunDisplay display(options_.diagnostics, streams_.err);
-    Total total;
+    RunTotal total;
     for (const ProfileSet& profile : profiles) {
-        checkOnce(profile, display, total);
+        runInScratch({options_, paths_, profile}, display, total);
     }
     return report.write(total.list, total.droppedFaults, total.topics, total.code, streams_.err);
 }
 
 /// Those of each run: one, unless each of several filters has its own.
 std::vector<ProfileSet> Checking::readProfiles() const {
-    std::vector<NamedPath> common;
-    for (std::size_t index = 0; index < paths_.filters.size(); ++index) {
-        common.push_back({"--filter", options_.filters[index], paths_.filters[index]});
-    }
+    const std::vector<NamedPath> common = filtersOf(options_, paths_);
     std::vector<ProfileSet> profiles;
     if (options_.eachFilters.empty()) {
         profiles.emplace_back(common, options_.allowsMissingFilter);
@@ -145,37 +119,6 @@ std::optional<std::string> Checking::findOutputFault() const {
     PublishOptions publish;
     static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options_);
     return findPublishFault(publish, paths_);
-}
-
-void Checking::checkOnce(const ProfileSet& profiles, RunDisplay& display, Total& total) const {
-    const ScratchFolder scratch;
-    const PublishOptions publish = scratchOptions(options_, scratch.path());
-    const PublishPaths paths = resolvePublishPaths(publish);
-    FindingContext context{fs::current_path().string(), profiles.names(),
-                           shownCatalogs(options_.catalogs), options_.allowsMissingFilter,
-                           findListedCatalogFault(options_.catalogs)};
-    FindingCollector collector(std::move(context), options_.diagnostics.severities);
-    ComponentPlaces components({paths.output, options_.output.empty() ? fs::path() : paths_.output,
-                                options_.isAtOneLocation, /*isOnlyLookedAt=*/true});
-    const RunOutcome outcome =
-        runRequest({buildRequest(publish, paths, profiles.file()), options_.catalogs, &collector,
-                    [&](const Observation& observation) { components.observe(observation); }},
-                   display);
-    collector.finish();
-    components.addFindings(collector);
-    profiles.addFindings(collector);
-    addFailure(outcome, paths_.map.string(), paths_.map.string(), collector);
-
-    OutsideFragments fragments(collector.context().currentFolder, options_.diagnostics.severities);
-    total.list.addDropped(collector.list());
-    for (Finding& finding : collector.list().take()) {
-        total.list.add(fragments.lookedAt(std::move(finding)));
-    }
-    total.droppedFaults += collector.facts().droppedFaults();
-    total.topics = std::max(total.topics, collector.facts().topicCount());
-    if (findStatusFault(outcome) || outcome.hasUnwrittenDocument) {
-        total.code = ExitCode::kRunFailed;
-    }
 }
 
 }  // namespace

@@ -20,6 +20,16 @@ constexpr const char* kFlatBookExample =
 constexpr const char* kCheckExample =
     "  build/release/bin/marrowpress check examples/drill-guide/drill-guide.ditamap\n";
 
+constexpr const char* kKeysExample =
+    "  build/release/bin/marrowpress keys examples/drill-guide/drill-guide.ditamap\n"
+    "  build/release/bin/marrowpress keys examples/drill-guide/drill-guide.ditamap \\\n"
+    "      --explain product\n";
+
+constexpr const char* kDepsExample =
+    "  build/release/bin/marrowpress deps examples/drill-guide/drill-guide.ditamap\n"
+    "  build/release/bin/marrowpress deps examples/drill-guide/drill-guide.ditamap \\\n"
+    "      --reverse examples/drill-guide/topics/safety.dita\n";
+
 constexpr const char* kHostExample =
     "  printf '%s' '{\"type\":\"PublishComp\",\"params\":{\"ditaVal\":\"\",\"usePrint\":false,\n"
     "  \"ditamap\":\"examples/drill-guide/drill-guide.ditamap\",\n"
@@ -109,6 +119,10 @@ public:
                             "them there; seen from the output's folder, and made when it is not "
                             "there. Replaces nothing. Implies --relative",
                             "DIR");
+        arguments().addText("--depfile", options_.depfile,
+                            "Write a rule for make and ninja to FILE: OUT, as it is given here, "
+                            "and the files that it depends on",
+                            "FILE");
         addDiagnostics(arguments(), options_.diagnostics);
     }
 
@@ -133,6 +147,9 @@ private:
             return wrongUsage(*fault);
         }
         options_.isRelative |= options_.mediaFolder.has_value();
+        if (options_.depfile && options_.output == kStandardOutput) {
+            return wrongUsage("--depfile: standard output (-) is no file that a rule could name");
+        }
         return options_;
     }
 
@@ -168,6 +185,91 @@ private:
     }
 
     CheckOptions options_;
+};
+
+class KeysCommand final : public Command {
+public:
+    explicit KeysCommand(CLI::App& program)
+        : Command(program, "keys", "Tell the keys of a DITA map",
+                  footerText(kKeysExample,
+                             "Keys go to standard output. Findings go to standard error, and count "
+                             "for nothing.")) {
+        addMap(arguments(), options_);
+        const Choices<KeyFormat> formats{
+            {"table", KeyFormat::kTable}, {"csv", KeyFormat::kCsv}, {"json", KeyFormat::kJson}};
+        arguments().addChoice("-f,--format", "format", options_.keyFormat, formats,
+                              "How keys are shown: table, csv, or json (an object a line)",
+                              "FORMAT");
+        arguments().addText("--explain", options_.explained,
+                            "Show this key only: all definitions in the order in which they are "
+                            "met, which of them counts, and why",
+                            "NAME");
+        addFilters(arguments(), options_);
+        addCatalog(arguments(), options_.catalogs);
+        addPrint(arguments(), options_);
+        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+    }
+
+private:
+    Options finish() override {
+        if (const std::optional<std::string> fault = findDiagnosticsFault(options_.diagnostics)) {
+            return wrongUsage(*fault);
+        }
+        return options_;
+    }
+
+    KeysOptions options_;
+};
+
+class DepsCommand final : public Command {
+public:
+    explicit DepsCommand(CLI::App& program)
+        : Command(program, "deps", "Tell the files that the publication of a DITA map depends on",
+                  footerText(kDepsExample,
+                             "Files go to standard output. Findings go to standard error, and "
+                             "count for nothing.")) {
+        addMap(arguments(), options_);
+        const Choices<DependencyFormat> formats{{"list", DependencyFormat::kList},
+                                                {"json", DependencyFormat::kJson},
+                                                {"make", DependencyFormat::kMake}};
+        arguments().addChoice("-f,--format", "format", options_.dependencyFormat, formats,
+                              "How files are shown: list, json (an object a line), or make (a rule "
+                              "without absent files)",
+                              "FORMAT");
+        arguments().addFlag("--edges", options_.showsEdges,
+                            "Show who refers to whom, and not the files");
+        arguments().addText("--reverse", options_.reverse,
+                            "Show only what leads to FILE, by any number of references", "FILE");
+        arguments().addText("-o,--output", options_.output,
+                            "make: the target of the rule; the map's name with .dita unless given",
+                            "OUT");
+        addFilters(arguments(), options_);
+        addCatalog(arguments(), options_.catalogs);
+        addPrint(arguments(), options_);
+        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+    }
+
+private:
+    std::optional<std::string> findFault() const {
+        const bool isRule = options_.dependencyFormat == DependencyFormat::kMake;
+        if (isRule && (options_.showsEdges || options_.reverse)) {
+            return std::string(options_.showsEdges ? "--edges" : "--reverse") +
+                   ": a rule for make names all files";
+        }
+        if (!isRule && !options_.output.empty()) {
+            return "--output: this is for --format make only";
+        }
+        return findDiagnosticsFault(options_.diagnostics);
+    }
+
+    Options finish() override {
+        if (const std::optional<std::string> fault = findFault()) {
+            return wrongUsage(*fault);
+        }
+        return options_;
+    }
+
+    DepsOptions options_;
 };
 
 class HostCommand final : public Command {
@@ -267,6 +369,8 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program) {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<PublishCommand>(program));
     commands.push_back(std::make_unique<CheckCommand>(program));
+    commands.push_back(std::make_unique<KeysCommand>(program));
+    commands.push_back(std::make_unique<DepsCommand>(program));
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<HostCommand>(program));
     commands.push_back(std::make_unique<HelpCommand>(program));

@@ -76,13 +76,16 @@ void addFiles(CommandArguments& arguments, DiagnosticsOptions& target) {
         .group(kGroup);
 }
 
-void addCounting(CommandArguments& arguments, DiagnosticsOptions& target) {
+void addFailOn(CommandArguments& arguments, DiagnosticsOptions& target) {
     arguments
         .addChoice("--fail-on", "level", target.failOn, kFailOn,
                    "From which severity on findings end the command with 3: error, warning or "
                    "never",
                    "LEVEL")
         .group(kGroup);
+}
+
+void addCounting(CommandArguments& arguments, DiagnosticsOptions& target) {
     arguments
         .addList(
             "--severity",
@@ -131,7 +134,7 @@ void addLanguage(CommandArguments& arguments, Language& target) {
         .group(kGroup);
 }
 
-void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target) {
+void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target, FindingsCount count) {
     arguments
         .addChoice("--diagnostics", "format", target.format, kFormats,
                    "How findings are shown: human (with the source line and a hint), short (a line "
@@ -140,6 +143,11 @@ void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target) {
         .group(kGroup);
     addFiles(arguments, target);
     addLanguage(arguments, target.language);
+    if (count == FindingsCount::kForExitCode) {
+        addFailOn(arguments, target);
+    } else {
+        target.failOn = FailOn::kNever;
+    }
     addCounting(arguments, target);
     addTerminal(arguments, target);
 }

@@ -11,8 +11,15 @@ namespace marrowpress {
 /// Adds `--lang`.
 void addLanguage(CommandArguments& arguments, Language& target);
 
+/// What findings mean to a command.
+enum class FindingsCount {
+    kForExitCode,
+    kForNothing,
+};
+
 /// Adds the options about findings, which all commands that have findings share.
-void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target);
+void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target,
+                    FindingsCount count = FindingsCount::kForExitCode);
 
 /// The sentence about options that contradict each other; empty when none do.
 std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& options);

@@ -5,10 +5,12 @@
 
 #include "cli/check_command.h"
 #include "cli/command_line.h"
+#include "cli/deps_command.h"
 #include "cli/exit_code.h"
 #include "cli/explain_command.h"
 #include "cli/help_formatter.h"
 #include "cli/host_command.h"
+#include "cli/keys_command.h"
 #include "cli/options.h"
 #include "cli/publish_command.h"
 #include "cli/streams.h"
@@ -29,6 +31,14 @@ struct Run {
     ExitCode operator()(const CheckOptions& options) const {
         chooseLanguage(options.diagnostics.language);
         return runCheck(options, streams);
+    }
+    ExitCode operator()(const KeysOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runKeys(options, streams);
+    }
+    ExitCode operator()(const DepsOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runDeps(options, streams);
     }
     ExitCode operator()(const ExplainOptions& options) const {
         chooseLanguage(options.language);

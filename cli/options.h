@@ -53,12 +53,39 @@ struct PublishOptions : RunOptions {
     std::string keySpaceDtd = "map.dtd";
     bool isRelative = false;  ///< Local references lead on from the output that holds them.
     std::optional<std::string> mediaFolder;  ///< For copies; seen from the output's folder.
+    std::optional<std::string> depfile;  ///< Gets the rule of the output.
 };
 
 /// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is
 /// empty when none was named.
 struct CheckOptions : RunOptions {
     std::vector<std::string> eachFilters;  ///< One run for each.
+};
+
+enum class KeyFormat {
+    kTable,
+    kCsv,
+    kJson,  ///< An object a line.
+};
+
+/// `marrowpress keys`: tells the keys of one map. There is no output.
+struct KeysOptions : RunOptions {
+    KeyFormat keyFormat = KeyFormat::kTable;
+    std::optional<std::string> explained;  ///< The only key that is wanted.
+};
+
+enum class DependencyFormat {
+    kList,
+    kJson,  ///< An object a line.
+    kMake,
+};
+
+/// `marrowpress deps`: tells the files that the publication of one map depends on. The output is
+/// the target of a rule for make, and is empty when none was named.
+struct DepsOptions : RunOptions {
+    DependencyFormat dependencyFormat = DependencyFormat::kList;
+    bool showsEdges = false;             ///< Who refers to whom.
+    std::optional<std::string> reverse;  ///< Only what leads to this file.
 };
 
 /// `marrowpress explain`: tells what findings mean.
@@ -77,8 +104,8 @@ struct UsageError {
     std::string text;
 };
 
-using Options = std::variant<HostOptions, PublishOptions, CheckOptions, ExplainOptions, Information,
-                             UsageError>;
+using Options = std::variant<HostOptions, PublishOptions, CheckOptions, KeysOptions, DepsOptions,
+                             ExplainOptions, Information, UsageError>;
 
 /// The text of a usage error of `command`: the fault, and the pointer to its help.
 std::string usageErrorText(const std::string& command, const std::string& fault);

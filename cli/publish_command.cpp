@@ -9,10 +9,13 @@
 #include <utility>
 
 #include "cli/component_places.h"
+#include "cli/dependency_list.h"
 #include "cli/file_failure.h"
+#include "cli/file_replacement.h"
 #include "cli/findings_report.h"
 #include "cli/folder_wait.h"
 #include "cli/input_faults.h"
+#include "cli/make_rule.h"
 #include "cli/map_run.h"
 #include "cli/movable_result.h"
 #include "cli/output_folder.h"
@@ -66,6 +69,9 @@ public:
             options_.output = standardOutput_->path().string();
         }
         paths_ = resolvePublishPaths(options_);
+        if (options_.depfile) {
+            dependencies_ = std::make_unique<DependencyList>(paths_.map);
+        }
     }
 
     ExitCode run();
@@ -80,6 +86,8 @@ private:
     void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
     std::string finishResult(const RunOutcome& outcome, FindingCollector* collector) const;
     void makeMovable(const RunOutcome& outcome) const;
+    RunSetting settingFor(const ProfileSet& profiles) const;
+    void writeDepfile() const;
     bool giveResult(const RunOutcome& outcome) const;
     std::string resultText(const RunOutcome& outcome) const;
     std::string shownOutput() const;
@@ -91,16 +99,11 @@ private:
     std::unique_ptr<OutputFolder> folder_;
     std::unique_ptr<UnfinishedOutputs> unfinished_;
     std::unique_ptr<MovableResult> movable_;
+    std::unique_ptr<DependencyList> dependencies_;  ///< Null while nobody wants to know them.
 };
 
 ExitCode Publishing::run() {
-    std::vector<NamedPath> filters;
-    for (const NamedPath& source : sourcesOf(options_, paths_)) {
-        if (source.argument == "--filter") {
-            filters.push_back(source);
-        }
-    }
-    const ProfileSet profiles(filters, options_.allowsMissingFilter);
+    const ProfileSet profiles(filtersOf(options_, paths_), options_.allowsMissingFilter);
     const FindingsReport report(options_.diagnostics, paths_.map.string(),
                                 fs::current_path().string());
     if (const std::optional<std::string> fault = findFault(profiles, report)) {
@@ -135,14 +138,45 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
     if (movable_->fault()) {
         return movable_->fault();
     }
-    return findReportFault(report.files(), {sourcesOf(options_, paths_),
-                                            outputsOf(options_, paths_), isFlatBook(options_)});
+    std::vector<NamedPath> reports = report.files();
+    if (options_.depfile) {
+        reports.push_back(namedPath("--depfile", *options_.depfile));
+    }
+    return findReportFault(
+        reports, {sourcesOf(options_, paths_), outputsOf(options_, paths_), isFlatBook(options_)});
+}
+
+/// Without findings.
+RunSetting Publishing::settingFor(const ProfileSet& profiles) const {
+    RunSetting setting{
+        buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}, {}};
+    if (dependencies_) {
+        setting.watch = [this](const Observation& met) { dependencies_->observe(met); };
+        setting.onCatalog = [this](const std::string& path) { dependencies_->addCatalog(path); };
+    }
+    return setting;
+}
+
+/// Writes the rule of the output, if anybody wants it.
+///
+/// @throws FileFailure
+void Publishing::writeDepfile() const {
+    if (!dependencies_) {
+        return;
+    }
+    dependencies_->addProfiles(paths_.filters);
+    dependencies_->finish();
+    const std::optional<std::string> reason = replaceFile(
+        *options_.depfile,
+        makeRule(options_.output, prerequisitesOf(*dependencies_, fs::current_path().string())));
+    if (reason) {
+        throw FileFailure(FileAction::kWrite, fs::absolute(*options_.depfile).string(), *reason);
+    }
 }
 
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
     RunDisplay display(options_.diagnostics, streams_.err);
-    const RunOutcome outcome = runInTurn(
-        {buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}}, display);
+    const RunOutcome outcome = runInTurn(settingFor(profiles), display);
     const std::string failure = finishResult(outcome, nullptr);
     streams_.err << failure;
     return failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed;
@@ -156,13 +190,16 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     ComponentPlaces components(
         {paths_.output, paths_.output, options_.isAtOneLocation, /*isOnlyLookedAt=*/false});
     RunDisplay display(options_.diagnostics, streams_.err);
-    const RunOutcome outcome =
-        runInTurn({buildRequest(options_, paths_, profiles.file()), options_.catalogs, &collector,
-                   [&](const Observation& observation) {
-                       components.observe(observation);
-                       unfinished_->observe(observation);
-                   }},
-                  display);
+    RunSetting setting = settingFor(profiles);
+    setting.collector = &collector;
+    setting.watch = [&, watchFiles = setting.watch](const Observation& observation) {
+        components.observe(observation);
+        unfinished_->observe(observation);
+        if (watchFiles) {
+            watchFiles(observation);
+        }
+    };
+    const RunOutcome outcome = runInTurn(setting, display);
 
     collector.finish();
     components.addFindings(collector);
@@ -220,17 +257,18 @@ std::string Publishing::finishResult(const RunOutcome& outcome, FindingCollector
     }
     try {
         makeMovable(outcome);
+        if (!giveResult(outcome)) {
+            if (collector) {
+                collector->add(noStandardOutputFinding());
+            }
+            return kNoStandardOutput;
+        }
+        writeDepfile();
     } catch (const FileFailure& failure) {
         if (collector) {
             collector->add(findingOf(failure));
         }
         return failureLine(failure.what());
-    }
-    if (!giveResult(outcome)) {
-        if (collector) {
-            collector->add(noStandardOutputFinding());
-        }
-        return kNoStandardOutput;
     }
     return {};
 }

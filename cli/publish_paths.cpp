@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "cli/output_folder.h"
@@ -237,10 +238,18 @@ std::optional<std::string> findTextFault(const PublishPaths& paths) {
                            : std::optional<std::string>("--filter: the path is not UTF-8");
 }
 
+std::vector<NamedPath> filtersOf(const RunOptions& options, const PublishPaths& paths) {
+    std::vector<NamedPath> filters;
+    for (std::size_t index = 0; index < paths.filters.size(); ++index) {
+        filters.push_back({"--filter", options.filters[index], paths.filters[index]});
+    }
+    return filters;
+}
+
 std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& paths) {
     std::vector<NamedPath> sources{{"MAP", options.map, paths.map}};
-    for (std::size_t index = 0; index < paths.filters.size(); ++index) {
-        sources.push_back({"--filter", options.filters[index], paths.filters[index]});
+    for (NamedPath& filter : filtersOf(options, paths)) {
+        sources.push_back(std::move(filter));
     }
     if (options.diagnostics.baseline) {
         sources.push_back(namedPath("--baseline", *options.diagnostics.baseline));

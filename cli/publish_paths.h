@@ -38,6 +38,9 @@ std::optional<std::string> findTextFault(const PublishPaths& paths);
 /// catalogs.
 std::vector<NamedPath> sourcesOf(const RunOptions& options, const PublishPaths& paths);
 
+/// The profiles among `sourcesOf`.
+std::vector<NamedPath> filtersOf(const RunOptions& options, const PublishPaths& paths);
+
 /// The folder that a run writes to, and how a sentence about it names it.
 NamedPath outputFolderOf(const RunOptions& options, const PublishPaths& paths);
 

@@ -86,7 +86,7 @@ TEST_F(UsageCommandTest, WhatIsUnknownIsToldWithWhatIsNear) {
 
 TEST_F(UsageCommandTest, WhatIsMissingIsTold) {
     EXPECT_EQ(refusal({}),
-              "marrowpress: a command is missing; known: publish, check, explain, "
+              "marrowpress: a command is missing; known: publish, check, keys, deps, explain, "
               "host, help, version");
     EXPECT_EQ(refusal({"check"}), "marrowpress check: MAP is required");
     EXPECT_EQ(refusal({"publish", "docs/m.ditamap", "-f"}),

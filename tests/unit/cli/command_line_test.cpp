@@ -98,13 +98,18 @@ struct BadLineCase {
 
 TEST(CommandLineTest, WrongUsageNamesTheArgumentAndPointsToHelp) {
     const BadLineCase cases[] = {
-        {{}, "", "a command is missing; known: publish, check, explain, host, help, version"},
+        {{},
+         "",
+         "a command is missing; known: publish, check, keys, deps, explain, host, help, version"},
         {{"pubish", "m"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"Check"}, "", "unknown command `Check`; did you mean `check`?"},
         {{"print", "m"},
          "",
-         "unknown command `print`; known: publish, check, explain, host, help, version"},
-        {{""}, "", "unknown command ``; known: publish, check, explain, host, help, version"},
+         "unknown command `print`; known: publish, check, keys, deps, explain, host, help, "
+         "version"},
+        {{""},
+         "",
+         "unknown command ``; known: publish, check, keys, deps, explain, host, help, version"},
         {{"pubish", "--help"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"--quiet"}, "", "unknown option `--quiet`"},
         {{"--vesion"}, "", "unknown option `--vesion`; did you mean `--version`?"},

@@ -1,0 +1,195 @@
+#include "cli/key_formats.h"
+
+#include <boost/json/serialize.hpp>
+#include <functional>
+#include <string_view>
+
+#include "cli/text_table.h"
+#include "findings/finding_lines.h"
+#include "findings/json_values.h"
+#include "findings/shown_path.h"
+#include "host/utf8.h"
+
+namespace marrowpress {
+namespace {
+
+const char* nameOf(KeyUse use) {
+    switch (use) {
+        case KeyUse::kUsed:
+            return "used";
+        case KeyUse::kUnused:
+            return "unused";
+        case KeyUse::kUndefined:
+            return "undefined";
+        case KeyUse::kExcluded:
+            break;
+    }
+    return "excluded";
+}
+
+const char* nameOf(KeyState state) {
+    switch (state) {
+        case KeyState::kEffective:
+            return "effective";
+        case KeyState::kShadowed:
+            return "shadowed";
+        case KeyState::kExcluded:
+            return "excluded";
+        case KeyState::kLost:
+            break;
+    }
+    return "lost";
+}
+
+/// A line of a table or of CSV.
+struct Row {
+    const ListedKey& key;
+    const KeyDefinition* definition;  ///< Null for a key that nobody defines.
+    bool isOfKey;                     ///< Else of a further definition.
+};
+
+std::vector<Row> rowsOf(const std::vector<const ListedKey*>& keys) {
+    std::vector<Row> rows;
+    for (const ListedKey* const key : keys) {
+        const KeyDefinition* const leading = key->leading();
+        rows.push_back({*key, leading, true});
+        for (const KeyDefinition& definition : key->definitions) {
+            if (&definition != leading) {
+                rows.push_back({*key, &definition, false});
+            }
+        }
+    }
+    return rows;
+}
+
+std::string stateOf(const Row& row) {
+    return row.isOfKey ? nameOf(row.key.use()) : nameOf(row.definition->state);
+}
+
+std::string joined(const std::vector<std::string>& texts, std::string_view between) {
+    std::string all;
+    for (const std::string& text : texts) {
+        all.append(all.empty() ? "" : between).append(text);
+    }
+    return all;
+}
+
+std::string chainText(const KeyList& list, const Row& row) {
+    return row.isOfKey ? joined(list.chainOf(row.key), " > ") : row.definition->keyref;
+}
+
+/// What the definition leads to, else its text.
+std::string meaningOf(const KeyDefinition& definition, const std::string& currentFolder) {
+    constexpr std::size_t kMostBytes = 60;
+    if (!definition.target.empty()) {
+        return shownPath(definition.target, currentFolder);
+    }
+    if (definition.text.size() <= kMostBytes) {
+        return definition.text.empty() ? "" : '"' + definition.text + '"';
+    }
+    std::size_t end = kMostBytes;
+    while (end > 0 && (static_cast<unsigned char>(definition.text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return '"' + definition.text.substr(0, end) + "...\"";
+}
+
+std::vector<std::string> tableCells(const KeyList& list, const Row& row,
+                                    const std::string& currentFolder) {
+    const std::vector<FindingPlace>& uses = row.key.uses;
+    const std::string firstUse =
+        row.isOfKey && !uses.empty() ? placeText(uses.front(), currentFolder) : "";
+    return {row.key.name,
+            stateOf(row),
+            row.definition ? placeText(row.definition->place, currentFolder) : "",
+            row.definition ? meaningOf(*row.definition, currentFolder) : "",
+            chainText(list, row),
+            row.isOfKey ? std::to_string(uses.size()) : "",
+            row.isOfKey ? std::to_string(row.key.definitions.size()) : "",
+            firstUse};
+}
+
+std::string plainPlace(const FindingPlace& place) {
+    return place.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+std::string numberText(std::uint32_t number) {
+    return number == 0 ? "" : std::to_string(number);
+}
+
+std::vector<std::string> csvCells(const KeyList& list, const Row& row) {
+    static const KeyDefinition kNone;
+    const KeyDefinition& definition = row.definition ? *row.definition : kNone;
+    std::vector<std::string> places;
+    for (const FindingPlace& use : row.key.uses) {
+        places.push_back(plainPlace(use));
+    }
+    return {row.key.name,
+            stateOf(row),
+            definition.place.file,
+            numberText(definition.place.line),
+            numberText(definition.place.column),
+            definition.target,
+            definition.text,
+            chainText(list, row),
+            row.isOfKey ? std::to_string(places.size()) : "",
+            row.isOfKey ? std::to_string(row.key.definitions.size()) : "",
+            row.isOfKey ? joined(places, " ") : ""};
+}
+
+boost::json::object definitionObject(const KeyDefinition& definition) {
+    boost::json::object object = jsonPlace(definition.place);
+    object["state"] = nameOf(definition.state);
+    object["element"] = jsonTextOrNull(definition.element);
+    object["target"] = jsonTextOrNull(definition.target);
+    object["text"] = jsonTextOrNull(definition.text);
+    object["keyref"] = jsonTextOrNull(definition.keyref);
+    object["via"] = jsonArray(definition.via, jsonStep);
+    return object;
+}
+
+boost::json::object keyObject(const KeyList& list, const ListedKey& key) {
+    static const KeyDefinition kNone;
+    const KeyDefinition& leading = key.leading() ? *key.leading() : kNone;
+    boost::json::object object{{"key", jsonText(key.name)}, {"state", nameOf(key.use())}};
+    for (const auto& [name, value] : jsonPlace(leading.place)) {
+        object[name] = value;
+    }
+    object["target"] = jsonTextOrNull(leading.target);
+    object["text"] = jsonTextOrNull(leading.text);
+    object["chain"] = jsonArray(list.chainOf(key), jsonText);
+    object["uses"] = jsonArray(key.uses, jsonPlace);
+    object["definitions"] = jsonArray(key.definitions, definitionObject);
+    return object;
+}
+
+}  // namespace
+
+std::string keyTable(const KeyList& list, const std::vector<const ListedKey*>& keys,
+                     const std::string& currentFolder) {
+    TextTable table(
+        {"KEY", "STATE", "DEFINITION", "STANDS FOR", "CHAIN", "USES", "DEFINITIONS", "FIRST USE"});
+    for (const Row& row : rowsOf(keys)) {
+        table.add(tableCells(list, row, currentFolder));
+    }
+    return table.text();
+}
+
+std::string keyCsv(const KeyList& list, const std::vector<const ListedKey*>& keys) {
+    std::string text = csvLine({"key", "state", "file", "line", "column", "target", "text", "chain",
+                                "uses", "definitions", "places"});
+    for (const Row& row : rowsOf(keys)) {
+        text += csvLine(csvCells(list, row));
+    }
+    return toValidUtf8(text);
+}
+
+std::string keyJson(const KeyList& list, const std::vector<const ListedKey*>& keys) {
+    std::string text;
+    for (const ListedKey* const key : keys) {
+        text += boost::json::serialize(keyObject(list, *key)) + "\n";
+    }
+    return text;
+}
+
+}  // namespace marrowpress

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/key_list.h"
+
+/// Keys as texts: a line for each key, and in a table and in CSV behind it one for each further
+/// definition, with the state of that.
+namespace marrowpress {
+
+/// `keys` are those of `list` that are wanted. Paths are shown as seen from `currentFolder`.
+std::string keyTable(const KeyList& list, const std::vector<const ListedKey*>& keys,
+                     const std::string& currentFolder);
+
+/// With a first line that names the columns. Paths are absolute, texts are UTF-8.
+std::string keyCsv(const KeyList& list, const std::vector<const ListedKey*>& keys);
+
+/// An object a line for each key. Paths are absolute.
+std::string keyJson(const KeyList& list, const std::vector<const ListedKey*>& keys);
+
+}  // namespace marrowpress

@@ -1,0 +1,59 @@
+#include "cli/make_rule.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "findings/shown_path.h"
+
+namespace marrowpress {
+namespace {
+
+/// `name` as a rule names it. A backslash counts as one, unless a character follows that has a
+/// meaning of its own.
+std::string escaped(const std::string& name) {
+    std::string text;
+    std::size_t backslashes = 0;
+    for (const char character : name) {
+        if (character == ' ' || character == '\t' || character == '#' || character == ':') {
+            text.append(backslashes + 1, '\\');
+        } else if (character == '$') {
+            text += '$';
+        }
+        backslashes = character == '\\' ? backslashes + 1 : 0;
+        text += character;
+    }
+    return text;
+}
+
+bool canBeNamed(const std::string& name) {
+    return name.find_first_of("\r\n") == std::string::npos;
+}
+
+}  // namespace
+
+std::string makeRule(const std::string& target, const std::vector<std::string>& prerequisites) {
+    std::string rule = escaped(target) + ":";
+    std::string phonies;
+    for (const std::string& prerequisite : prerequisites) {
+        if (canBeNamed(prerequisite)) {
+            rule += " \\\n  " + escaped(prerequisite);
+            phonies += "\n" + escaped(prerequisite) + ":\n";
+        }
+    }
+    return rule + "\n" + phonies;
+}
+
+std::vector<std::string> prerequisitesOf(const DependencyList& list,
+                                         const std::string& currentFolder) {
+    std::vector<std::string> names;
+    for (const Dependency& file : list.files()) {
+        std::error_code ignored;
+        if (file.state != DependencyState::kAbsent &&
+            std::filesystem::is_regular_file(file.file, ignored)) {
+            names.push_back(pathInside(file.file, currentFolder).value_or(file.file));
+        }
+    }
+    return names;
+}
+
+}  // namespace marrowpress

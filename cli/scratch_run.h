@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+
+#include "cli/exit_code.h"
+#include "cli/options.h"
+#include "cli/profile_set.h"
+#include "cli/publish_paths.h"
+#include "cli/run_display.h"
+#include "findings/fold.h"
+
+namespace marrowpress {
+
+/// What the runs of a command have found.
+struct RunTotal {
+    FindingList list;
+    std::size_t droppedFaults = 0;
+    std::size_t topics = 0;  ///< The most that a run had.
+    ExitCode code = ExitCode::kSuccess;
+};
+
+/// A run for what it tells. Its output goes into a private folder, which is gone at the end.
+struct ScratchRun {
+    const RunOptions& options;  ///< The output is only looked at, and may be empty.
+    const PublishPaths& paths;  ///< Those of the options.
+    const ProfileSet& profiles;
+    /// Without them, report lines are shown in their place.
+    bool hasFindings = true;
+    /// Gets what the run meets.
+    std::function<void(const Observation&)> watch = {};
+    /// Gets the path of each catalog that is looked for.
+    std::function<void(const std::string&)> onCatalog = {};
+};
+
+/// Runs, and adds what was found to `total`.
+///
+/// @throws ScratchError as `ScratchFolder` does, and what `runRequest` throws.
+void runInScratch(const ScratchRun& run, RunDisplay& display, RunTotal& total);
+
+}  // namespace marrowpress
