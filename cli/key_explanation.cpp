@@ -59,11 +59,15 @@ std::string wayText(const KeyDefinition& definition, const std::string& currentF
     return text;
 }
 
-std::string definitionText(const KeyDefinition& definition, const ListedKey& key,
-                           const std::string& currentFolder) {
-    return placeText(definition.place, currentFolder) + "\n" +
-           indentedLine(reasonOf(definition, key, currentFolder)) +
-           meaningText(definition, currentFolder) + wayText(definition, currentFolder);
+/// The keys that a definition that counts leads on to.
+std::string chainText(const KeyDefinition& definition, const ListedKey& key, const KeyList& list) {
+    std::string text;
+    if (&definition == key.effective()) {
+        for (const std::string& next : list.chainOf(key)) {
+            text += indentedLine(keyLeadsOnText(next));
+        }
+    }
+    return text;
 }
 
 std::string usesText(const ListedKey& key, const std::string& currentFolder) {
@@ -97,11 +101,11 @@ std::string keyExplanation(const KeyList& list, const ListedKey& key,
     }
     std::size_t number = 0;
     for (const KeyDefinition& definition : key.definitions) {
-        text +=
-            "\n" + std::to_string(++number) + ". " + definitionText(definition, key, currentFolder);
-    }
-    for (const std::string& next : list.chainOf(key)) {
-        text += indentedLine(keyLeadsOnText(next));
+        text += "\n" + std::to_string(++number) + ". " +
+                placeText(definition.place, currentFolder) + "\n" +
+                indentedLine(reasonOf(definition, key, currentFolder)) +
+                chainText(definition, key, list) + meaningText(definition, currentFolder) +
+                wayText(definition, currentFolder);
     }
     return text + "\n" + usesText(key, currentFolder);
 }

@@ -27,13 +27,15 @@ constexpr const char* kTopicDtd = R"(<!ELEMENT dita (topic*)>
 <!ATTLIST topic id ID #REQUIRED class CDATA "- topic/topic ">
 <!ELEMENT title (#PCDATA)>
 <!ATTLIST title class CDATA "- topic/title ">
-<!ELEMENT body (#PCDATA|ph|xref)*>
+<!ELEMENT body (#PCDATA|ph|xref|image)*>
 <!ATTLIST body class CDATA "- topic/body ">
 <!ELEMENT ph (#PCDATA)>
 <!ATTLIST ph id CDATA #IMPLIED keyref CDATA #IMPLIED conref CDATA #IMPLIED
              conkeyref CDATA #IMPLIED audience CDATA #IMPLIED class CDATA "- topic/ph ">
 <!ELEMENT xref (#PCDATA)>
 <!ATTLIST xref href CDATA #IMPLIED class CDATA "- topic/xref ">
+<!ELEMENT image EMPTY>
+<!ATTLIST image href CDATA #IMPLIED keyref CDATA #IMPLIED class CDATA "- topic/image ">
 )";
 
 constexpr const char* kCatalog =

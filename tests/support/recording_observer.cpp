@@ -17,7 +17,8 @@ std::string field(std::string_view name, std::string_view value) {
 
 bool hasCode(ObservationKind kind) {
     return kind == ObservationKind::kFault || kind == ObservationKind::kDocumentRead ||
-           kind == ObservationKind::kKeyDefinition || kind == ObservationKind::kFaultsDropped;
+           kind == ObservationKind::kKeyDefinition || kind == ObservationKind::kFileReference ||
+           kind == ObservationKind::kFaultsDropped;
 }
 
 ObservedCopy::Place copied(const ObservedPlace& place) {

@@ -10,7 +10,8 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kCommands[] = {"publish", "check", "explain", "host", "help", "version"};
+constexpr const char* kCommands[] = {"publish", "check", "keys", "deps",
+                                     "explain", "host",  "help", "version"};
 
 std::size_t longestLine(const std::string& text) {
     std::istringstream in(text);
@@ -60,8 +61,9 @@ TEST(CommandLineTest, HelpHasAnExample) {
 }
 
 TEST(CommandLineTest, HelpTellsWhatTheExitCodesMean) {
-    for (const Texts& arguments : {Texts{"--help"}, Texts{"publish", "-h"}, Texts{"check", "-h"},
-                                   Texts{"explain", "-h"}, Texts{"host", "-h"}}) {
+    for (const Texts& arguments :
+         {Texts{"--help"}, Texts{"publish", "-h"}, Texts{"check", "-h"}, Texts{"keys", "-h"},
+          Texts{"deps", "-h"}, Texts{"explain", "-h"}, Texts{"host", "-h"}}) {
         const std::string text = parseAs<Information>(arguments).text;
         for (const char* const line :
              {"\n  0      clean\n", "\n  1      the run failed, or an output is missing or ",

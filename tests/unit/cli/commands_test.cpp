@@ -238,5 +238,58 @@ TEST(ExplainArgumentsTest, RefusesWhatMakesNoSense) {
     });
 }
 
+TEST(KeysArgumentsTest, TakesItsDefaults) {
+    const auto options = parseAs<KeysOptions>({"keys", "m.ditamap"});
+    EXPECT_EQ(options.map, "m.ditamap");
+    EXPECT_EQ(options.output, "");
+    EXPECT_EQ(options.keyFormat, KeyFormat::kTable);
+    EXPECT_EQ(options.explained, std::nullopt);
+    EXPECT_EQ(options.diagnostics.failOn, FailOn::kNever);
+}
+
+TEST(KeysArgumentsTest, TakesEveryOption) {
+    const auto options =
+        parseAs<KeysOptions>({"keys", "m", "--format", "json", "--explain", "k", "--filter", "f",
+                              "--allow-missing-filter", "--catalog", "c", "--print", "-q"});
+    EXPECT_EQ(options.keyFormat, KeyFormat::kJson);
+    EXPECT_EQ(options.explained, "k");
+    EXPECT_EQ(options.filters, Texts{"f"});
+    EXPECT_TRUE(options.allowsMissingFilter);
+    EXPECT_EQ(options.catalogs, Texts{"c"});
+    EXPECT_TRUE(options.isForPrint);
+    EXPECT_TRUE(options.diagnostics.isQuiet);
+    EXPECT_EQ(parseAs<KeysOptions>({"keys", "m", "-f", "csv"}).keyFormat, KeyFormat::kCsv);
+}
+
+TEST(DepsArgumentsTest, TakesItsDefaults) {
+    const auto options = parseAs<DepsOptions>({"deps", "m.ditamap"});
+    EXPECT_EQ(options.map, "m.ditamap");
+    EXPECT_EQ(options.output, "");
+    EXPECT_EQ(options.dependencyFormat, DependencyFormat::kList);
+    EXPECT_FALSE(options.showsEdges);
+    EXPECT_EQ(options.reverse, std::nullopt);
+    EXPECT_EQ(options.diagnostics.failOn, FailOn::kNever);
+}
+
+TEST(DepsArgumentsTest, TakesEveryOption) {
+    const auto options = parseAs<DepsOptions>({"deps", "m", "--format=json", "--edges", "--reverse",
+                                               "i.png", "--filter", "f", "--catalog", "c"});
+    EXPECT_EQ(options.dependencyFormat, DependencyFormat::kJson);
+    EXPECT_TRUE(options.showsEdges);
+    EXPECT_EQ(options.reverse, "i.png");
+    EXPECT_EQ(options.filters, Texts{"f"});
+    EXPECT_EQ(options.catalogs, Texts{"c"});
+    const auto rule = parseAs<DepsOptions>({"deps", "m", "-f", "make", "-o", "out/m.dita"});
+    EXPECT_EQ(rule.dependencyFormat, DependencyFormat::kMake);
+    EXPECT_EQ(rule.output, "out/m.dita");
+}
+
+TEST(PublishArgumentsTest, TakesADepfile) {
+    EXPECT_EQ(
+        parseAs<PublishOptions>({"publish", "m", "-f", "composite", "-o", "o", "--depfile", "o.d"})
+            .depfile,
+        "o.d");
+}
+
 }  // namespace
 }  // namespace marrowpress

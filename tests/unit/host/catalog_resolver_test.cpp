@@ -49,6 +49,23 @@ TEST_F(CatalogResolverTest, FindsAFileRelativeToTheCatalog) {
     EXPECT_EQ(resolver.resolvePublic(kMapId), folder_.file("dtd/map.dtd"));
 }
 
+TEST_F(CatalogResolverTest, TellsEachCatalogThatItLooksFor) {
+    const std::string next = writeCatalog("next.xml", publicEntry(kMapId, "map.dtd"));
+    const std::string later =
+        writeCatalog("later.xml",
+                     "<delegatePublic publicIdStartString='-//D' catalog='d.xml'/>"
+                     "<nextCatalog catalog='next.xml'/>");
+    std::vector<std::string> told;
+    CatalogResolver resolver({folder_.file("none.xml"), later},
+                             [&told](const std::string& path) { told.push_back(path); });
+    EXPECT_THAT(told, testing::ElementsAre(folder_.file("none.xml"), later, next));
+    EXPECT_EQ(resolver.resolvePublic(kMapId), folder_.file("map.dtd"));
+    EXPECT_EQ(told.size(), 3U);
+    EXPECT_EQ(resolver.resolvePublic("-//D//E"), std::nullopt);
+    EXPECT_THAT(told,
+                testing::ElementsAre(folder_.file("none.xml"), later, next, folder_.file("d.xml")));
+}
+
 TEST_F(CatalogResolverTest, NormalizesWhiteSpaceOfTheIdentifier) {
     CatalogResolver resolver({writeCatalog("c.xml", publicEntry(kMapId, "map.dtd"))});
     EXPECT_EQ(resolver.resolvePublic("  -//OASIS//DTD\n DITA Map//EN "), folder_.file("map.dtd"));

@@ -39,6 +39,16 @@ TEST_F(ExclusionFilterHolderTest, ExcludesWhatItsFilterAccepts) {
     EXPECT_FALSE(isExcluded(*parsed.root()->getFirstElementChild()));
 }
 
+TEST_F(ExclusionFilterHolderTest, ExcludesAllThatIsInAnExcludedElement) {
+    const ParsedXml parsed("<p><q excluded='yes'><r/></q></p>");
+    const xercesc::DOMElement& excluded = *parsed.root()->getFirstElementChild();
+    EXPECT_FALSE(isInExcluded(excluded));
+    excludeMarkedElements();
+    EXPECT_FALSE(isInExcluded(*parsed.root()));
+    EXPECT_TRUE(isInExcluded(excluded));
+    EXPECT_TRUE(isInExcluded(*excluded.getFirstElementChild()));
+}
+
 TEST_F(ExclusionFilterHolderTest, WhatItsFilterRejectsOrSkipsIsNotExcluded) {
     const ParsedXml parsed("<x keys='k'/>");
     bool isAlive = false;
