@@ -128,7 +128,7 @@ ExitCode giveAnswer(const Answer& answer, const Streams& streams) {
 ExitCode runDeps(const DepsOptions& options, const Streams& streams) {
     const PublishPaths paths = resolvePublishPaths(options);
     DependencyList list(paths.map);
-    RunOptions run = options;
+    auto run = static_cast<const RunOptions&>(options);
     run.output.clear();
     return runSurvey(
         {kName, run, [&](const Observation& observation) { list.observe(observation); },

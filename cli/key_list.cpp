@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "findings/run_facts.h"
@@ -26,6 +27,11 @@ std::string withSingleBlanks(std::string_view text) {
     return words;
 }
 
+bool comesBefore(const FindingPlace& left, const FindingPlace& right) {
+    return std::tie(left.file, left.line, left.column) <
+           std::tie(right.file, right.line, right.column);
+}
+
 /// Of one map, those that the profile leaves out are told before all others.
 void sortByPlace(std::vector<KeyDefinition>& definitions) {
     auto begin = definitions.begin();
@@ -34,7 +40,7 @@ void sortByPlace(std::vector<KeyDefinition>& definitions) {
             return definition.place.file != begin->place.file;
         });
         std::stable_sort(begin, end, [](const KeyDefinition& left, const KeyDefinition& right) {
-            return left.place < right.place;
+            return comesBefore(left.place, right.place);
         });
         begin = end;
     }
@@ -127,7 +133,7 @@ void KeyList::addUse(const Observation& observation) {
 void KeyList::finish() {
     for (ListedKey& key : keys_) {
         sortByPlace(key.definitions);
-        std::sort(key.uses.begin(), key.uses.end());
+        std::sort(key.uses.begin(), key.uses.end(), comesBefore);
     }
     std::stable_partition(keys_.begin(), keys_.end(),
                           [](const ListedKey& key) { return !key.definitions.empty(); });
