@@ -69,6 +69,7 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             display.observe(observation);
         };
     }
+    host.onReference = setting.watchReferences;
     host.isInterrupted = DeferredSignal::hasCome;
     // It comes when the client has cleaned up, but before anybody takes the run for a failed one.
     const DeferredSignal deferred;

@@ -29,6 +29,8 @@ struct RunSetting {
     FindingCollector* collector = nullptr;
     /// As `collector`, and before it.
     std::function<void(const Observation&)> watch = {};
+    /// Gets the references that the run meets, among what `watch` gets.
+    std::function<void(const Observation&)> watchReferences = {};
     /// Gets the path of each catalog that is looked for.
     std::function<void(const std::string&)> onCatalog = {};
 };

@@ -149,9 +149,10 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
 /// Without findings.
 RunSetting Publishing::settingFor(const ProfileSet& profiles) const {
     RunSetting setting{
-        buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}, {}};
+        buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}, {}, {}};
     if (dependencies_) {
         setting.watch = [this](const Observation& met) { dependencies_->observe(met); };
+        setting.watchReferences = setting.watch;
         setting.onCatalog = [this](const std::string& path) { dependencies_->addCatalog(path); };
     }
     return setting;

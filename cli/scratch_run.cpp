@@ -37,8 +37,12 @@ public:
 
 private:
     RunSetting setting() const {
-        return {buildRequest(publish_, paths_, run_.profiles.file()), run_.options.catalogs,
-                nullptr, run_.watch, run_.onCatalog};
+        return {buildRequest(publish_, paths_, run_.profiles.file()),
+                run_.options.catalogs,
+                nullptr,
+                run_.watch,
+                run_.watch,
+                run_.onCatalog};
     }
 
     const ScratchRun& run_;

@@ -27,7 +27,7 @@ struct ScratchRun {
     const ProfileSet& profiles;
     /// Without them, report lines are shown in their place.
     bool hasFindings = true;
-    /// Gets what the run meets.
+    /// Gets what the run meets, references too.
     std::function<void(const Observation&)> watch = {};
     /// Gets the path of each catalog that is looked for.
     std::function<void(const std::string&)> onCatalog = {};

@@ -40,6 +40,9 @@ struct StandInHostOptions {
     ConsoleSink onConsole;
     /// Takes what a run meets. Without it the host has no observer.
     ObservationSink onObservation;
+    /// Takes references that a run meets, among what the one above takes. Without it the host has
+    /// no observer of references.
+    ObservationSink onReference;
     /// Asked at each operation of a request, whether its run is to end early.
     std::function<bool()> isInterrupted;
     /// Gets every host operation; must outlive the host.

@@ -100,6 +100,7 @@ ComStatus StandInInterfaces::queryInterface(const InterfaceId& id, void** object
         giveInterface<IHostMain, IHostText, IHostModules, IHostNotifications, IHostClients,
                       IHostProperties, IHostProgress, IHostConsole>(*this, id, object) ||
         (options_.onObservation && giveInterface<IHostObserver>(*this, id, object)) ||
+        (options_.onReference && giveInterface<IHostReferenceObserver>(*this, id, object)) ||
         giveInterface<IHostObject>(provider(), id, object);
     if (!isFound) {
         return kComNoInterface;
@@ -340,6 +341,14 @@ ComStatus StandInInterfaces::observe(const Observation* observation) {
     return guarded([&] {
         if (observation && options_.onObservation) {
             options_.onObservation(*observation);
+        }
+    });
+}
+
+ComStatus StandInInterfaces::observeReference(const Observation* observation) {
+    return guarded([&] {
+        if (observation && options_.onReference) {
+            options_.onReference(*observation);
         }
     });
 }

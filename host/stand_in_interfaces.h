@@ -28,6 +28,7 @@ class StandInInterfaces final : public IHostMain,
                                 public IHostProgress,
                                 public IHostConsole,
                                 public IHostObserver,
+                                public IHostReferenceObserver,
                                 public std::enable_shared_from_this<StandInInterfaces> {
 public:
     explicit StandInInterfaces(StandInHostOptions options);
@@ -71,6 +72,7 @@ public:
                              std::int32_t* hostStatus) override;
     ComStatus write(const char* text, std::int32_t* hostStatus) override;
     ComStatus observe(const Observation* observation) override;
+    ComStatus observeReference(const Observation* observation) override;
 
 private:
     const OpenDocument* findDocument(std::uint32_t id) const;

@@ -59,16 +59,18 @@ enum class ObservationKind : std::uint32_t {
     kRunFailed = 11,
     /// The element, which defines the key `target`, says what that stands for. `detail`: its href,
     /// absolute; `reason`: its text. Of definitions that count it is told when what they refer to
-    /// has come to them. Nothing is told but the place.
+    /// has come to them. For an `IHostReferenceObserver`.
     kKeyMeaning = 13,
     /// The element refers to the key `target`, whether anybody defines it or not. Told of each copy
-    /// of the element; an artefact where the profile leaves it out. Nothing is told but the place.
+    /// of the element; an artefact where the profile leaves it out. For an
+    /// `IHostReferenceObserver`.
     kKeyReference = 14,
     /// The element refers to the file `target`, which the run looks for. `code`: a `ReferenceKind`.
-    /// Told of each copy of the element. Nothing is told but the place.
+    /// Told of each copy of the element. For an `IHostReferenceObserver`.
     kFileReference = 15,
     /// A DTD, or another external entity, is opened at the path `target`, if it is there. `detail`:
-    /// the file that names it, empty for one that the run makes. Told once for each pair.
+    /// the file that names it, empty for one that the run makes. Told once for each pair. For an
+    /// `IHostReferenceObserver`.
     kEntity = 16,
 };
 
@@ -188,6 +190,22 @@ public:
 
 protected:
     ~IHostObserver() = default;
+};
+
+/// Takes what may well be in order: what keys stand for, references to keys and to files, and the
+/// entities that are opened. These are many, and so they are told only where somebody wants them,
+/// with the place alone; in their order among what an `IHostObserver` gets, which the host must
+/// have, too.
+class IHostReferenceObserver : public IHostObject {
+public:
+    static constexpr InterfaceId kId{
+        0x7d1c0a40, 0x53b6, 0x4f0e, {0x9a, 0x11, 0x6c, 0x02, 0x5d, 0x71, 0xe8, 0x0d}};
+
+    /// The status is not looked at.
+    virtual ComStatus observeReference(const Observation* observation) = 0;
+
+protected:
+    ~IHostReferenceObserver() = default;
 };
 
 }  // namespace marrowpress

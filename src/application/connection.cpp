@@ -18,7 +18,8 @@ QsApiInterfacesC::QsApiInterfacesC(IHostObject& provider)
       properties(InterfaceRef<IHostProperties>::query(&provider)),
       progress(InterfaceRef<IHostProgress>::query(&provider)),
       console(InterfaceRef<IHostConsole>::query(&provider)),
-      observer(InterfaceRef<IHostObserver>::query(&provider)) {}
+      observer(InterfaceRef<IHostObserver>::query(&provider)),
+      referenceObserver(InterfaceRef<IHostReferenceObserver>::query(&provider)) {}
 
 QsApiInterfacesC::QsApiInterfacesC(QsApiInterfacesC&& other) noexcept
     : keptAlive(std::move(other.keptAlive)),
@@ -31,6 +32,7 @@ QsApiInterfacesC::QsApiInterfacesC(QsApiInterfacesC&& other) noexcept
       progress(std::move(other.progress)),
       console(std::move(other.console)),
       observer(std::move(other.observer)),
+      referenceObserver(std::move(other.referenceObserver)),
       freesHostTexts(other.freesHostTexts) {
     if (connectedInterfaces == &other) {
         connect();

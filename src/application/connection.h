@@ -41,6 +41,8 @@ public:
     InterfaceRef<IHostConsole> console;
     /// Wants to know what a run meets; optional.
     InterfaceRef<IHostObserver> observer;
+    /// Wants to know references, too; optional.
+    InterfaceRef<IHostReferenceObserver> referenceObserver;
 
     /// Whether texts that the host hands over are freed here.
     bool freesHostTexts = false;

@@ -78,11 +78,17 @@ RunObserver* RunObserver::existing() noexcept {
     return requestObserver().get();
 }
 
+RunObserver* RunObserver::existingForReferences() noexcept {
+    RunObserver* const observer = existing();
+    return observer && observer->references_ ? observer : nullptr;
+}
+
 void RunObserver::begin() {
     const QsApiInterfacesC* const host = QsApiInterfacesC::connected();
     if (host && host->observer) {
         SourcePlaces::begin();
-        requestObserver() = std::make_unique<RunObserver>(host->observer.get());
+        requestObserver() =
+            std::make_unique<RunObserver>(host->observer.get(), host->referenceObserver.get());
     }
 }
 
@@ -122,20 +128,20 @@ void RunObserver::keyDefinition(std::u16string_view key, std::u16string_view hre
 
 void RunObserver::keyMeaning(std::u16string_view key, std::u16string_view href,
                              std::u16string_view text, const Element& definition) {
-    sendWithoutWay(definition, ObservationKind::kKeyMeaning, 0,
-                   {.target = toUtf8(key), .detail = toUtf8(href), .reason = toUtf8(text)});
+    sendReference(&definition, ObservationKind::kKeyMeaning, 0,
+                  {.target = toUtf8(key), .detail = toUtf8(href), .reason = toUtf8(text)});
 }
 
 void RunObserver::keyReference(std::u16string_view key, const Element& element, bool isLeftOut) {
-    sendWithoutWay(element, ObservationKind::kKeyReference, 0,
-                   {.element = tagNameOf(&element), .target = toUtf8(key)},
-                   isLeftOut ? kArtefact : 0);
+    sendReference(&element, ObservationKind::kKeyReference, 0,
+                  {.element = tagNameOf(&element), .target = toUtf8(key)},
+                  isLeftOut ? kArtefact : 0);
 }
 
 void RunObserver::fileReference(ReferenceKind kind, std::u16string_view path,
                                 const Element& element) {
-    sendWithoutWay(element, ObservationKind::kFileReference, static_cast<std::uint32_t>(kind),
-                   {.element = tagNameOf(&element), .target = toUtf8(path)});
+    sendReference(&element, ObservationKind::kFileReference, static_cast<std::uint32_t>(kind),
+                  {.element = tagNameOf(&element), .target = toUtf8(path)});
 }
 
 void RunObserver::entity(std::u16string_view path, std::u16string_view namedBy) {
@@ -143,8 +149,8 @@ void RunObserver::entity(std::u16string_view path, std::u16string_view namedBy) 
     const bool isNew = entities_.insert(std::u16string(path).append(u"\n").append(namedBy)).second;
     if (isNew) {
         const bool isOwn = isOwnFile(std::u16string(namedBy));
-        sendAt(nullptr, ObservationKind::kEntity, 0,
-               {.target = toUtf8(path), .detail = isOwn ? std::string() : toUtf8(namedBy)});
+        sendReference(nullptr, ObservationKind::kEntity, 0,
+                      {.target = toUtf8(path), .detail = isOwn ? std::string() : toUtf8(namedBy)});
     }
 }
 
@@ -299,24 +305,31 @@ void RunObserver::sendAt(const Element* element, ObservationKind kind, std::uint
          element ? SourcePlaces::existing()->stepsTo(*element) : std::vector<SourceStep>(1));
 }
 
-/// As `sendAt`, without the references that led to the element: what is told often is to cost
-/// little.
-void RunObserver::sendWithoutWay(const Element& element, ObservationKind kind, std::uint32_t code,
-                                 const Texts& texts, std::uint32_t flags) {
-    const ObservedStep step{observed(SourcePlaces::existing()->placeOf(element)), "", ""};
-    const Observation observation{kind,
-                                  code,
-                                  flags,
-                                  texts.element.c_str(),
-                                  texts.target.c_str(),
-                                  texts.detail.c_str(),
-                                  texts.reason.c_str(),
-                                  texts.line.c_str(),
-                                  &step,
-                                  1,
-                                  nullptr,
-                                  0};
-    guardHostCall([&] { observer_->observe(&observation); });
+void RunObserver::sendReference(const Element* element, ObservationKind kind, std::uint32_t code,
+                                const Texts& texts, std::uint32_t flags) {
+    const SourcePlace place = element ? SourcePlaces::existing()->placeOf(*element) : SourcePlace();
+    const ObservedStep step{observed(place), "", ""};
+    Observation observation = observationOf(kind, code, flags, texts);
+    observation.steps = &step;
+    observation.stepCount = 1;
+    guardHostCall([&] { references_->observeReference(&observation); });
+}
+
+/// Without a place. `texts` must outlive it.
+Observation RunObserver::observationOf(ObservationKind kind, std::uint32_t code,
+                                       std::uint32_t flags, const Texts& texts) {
+    return {kind,
+            code,
+            flags,
+            texts.element.c_str(),
+            texts.target.c_str(),
+            texts.detail.c_str(),
+            texts.reason.c_str(),
+            texts.line.c_str(),
+            nullptr,
+            0,
+            nullptr,
+            0};
 }
 
 void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& texts,
@@ -340,18 +353,11 @@ void RunObserver::send(ObservationKind kind, std::uint32_t code, const Texts& te
     for (const SourcePlace& place : related) {
         observedRelated.push_back(observed(place));
     }
-    const Observation observation{kind,
-                                  code,
-                                  flags,
-                                  texts.element.c_str(),
-                                  texts.target.c_str(),
-                                  texts.detail.c_str(),
-                                  texts.reason.c_str(),
-                                  texts.line.c_str(),
-                                  observedSteps.data(),
-                                  static_cast<std::uint32_t>(observedSteps.size()),
-                                  observedRelated.data(),
-                                  static_cast<std::uint32_t>(observedRelated.size())};
+    Observation observation = observationOf(kind, code, flags, texts);
+    observation.steps = observedSteps.data();
+    observation.stepCount = static_cast<std::uint32_t>(observedSteps.size());
+    observation.related = observedRelated.data();
+    observation.relatedCount = static_cast<std::uint32_t>(observedRelated.size());
     guardHostCall([&] { observer_->observe(&observation); });
 }
 

@@ -50,11 +50,14 @@ class RunObserver {
 public:
     using Element = xercesc::DOMElement;
 
-    explicit RunObserver(IHostObserver* observer)
-        : observer_(InterfaceRef<IHostObserver>::share(observer)) {}
+    explicit RunObserver(IHostObserver* observer, IHostReferenceObserver* references = nullptr)
+        : observer_(InterfaceRef<IHostObserver>::share(observer)),
+          references_(InterfaceRef<IHostReferenceObserver>::share(references)) {}
 
     /// The observer of the request; null without one.
     static RunObserver* existing() noexcept;
+    /// The same, if the host wants to know references; else null.
+    static RunObserver* existingForReferences() noexcept;
     /// Makes the observer of the request, and the table of places, if the host has one.
     static void begin();
     static void end() noexcept;
@@ -66,13 +69,6 @@ public:
                         const Element* reference);
     void keyDefinition(std::u16string_view key, std::u16string_view href, KeyState state,
                        const Element& definition);
-    void keyMeaning(std::u16string_view key, std::u16string_view href, std::u16string_view text,
-                    const Element& definition);
-    /// @param isLeftOut  The profile takes the element away.
-    void keyReference(std::u16string_view key, const Element& element, bool isLeftOut);
-    void fileReference(ReferenceKind kind, std::u16string_view path, const Element& element);
-    /// Tells each pair once.
-    void entity(std::u16string_view path, std::u16string_view namedBy);
     void topic(std::u16string_view path, const Element& reference);
     void component(std::u16string_view path, std::u16string_view source, const Element& reference);
     /// Tells each pair once.
@@ -81,6 +77,16 @@ public:
     void excluded(const Element& element, std::u16string_view target,
                   std::u16string_view attribute);
     void outputWritten(std::u16string_view path);
+
+    // For the host that wants to know references.
+
+    void keyMeaning(std::u16string_view key, std::u16string_view href, std::u16string_view text,
+                    const Element& definition);
+    /// @param isLeftOut  The profile takes the element away.
+    void keyReference(std::u16string_view key, const Element& element, bool isLeftOut);
+    void fileReference(ReferenceKind kind, std::u16string_view path, const Element& element);
+    /// Tells each pair once.
+    void entity(std::u16string_view path, std::u16string_view namedBy);
 
     /// The topic `source`, a path with the id behind "#", has got the id `newId` in the output.
     void noteTopicId(std::u16string_view newId, std::u16string_view source) {
@@ -187,8 +193,10 @@ private:
               const std::vector<SourcePlace>& related = {});
     void sendAt(const Element* element, ObservationKind kind, std::uint32_t code,
                 const Texts& texts);
-    void sendWithoutWay(const Element& element, ObservationKind kind, std::uint32_t code,
-                        const Texts& texts, std::uint32_t flags = 0);
+    void sendReference(const Element* element, ObservationKind kind, std::uint32_t code,
+                       const Texts& texts, std::uint32_t flags = 0);
+    static Observation observationOf(ObservationKind kind, std::uint32_t code, std::uint32_t flags,
+                                     const Texts& texts);
     std::u16string inSourceTerms(std::u16string_view target) const;
     std::u16string targetOf(const ObservedFault& fault);
     const char* pathOf(const SourcePlace& place);
@@ -197,6 +205,7 @@ private:
     bool isLeftOutOfPrint(const PendingFault& fault) const;
 
     InterfaceRef<IHostObserver> observer_;
+    InterfaceRef<IHostReferenceObserver> references_;  ///< Null when the host doesn't want them.
     std::function<bool(const Element&)> isLeftOutOfPrint_;  ///< empty when the run is not for print
     std::vector<PendingFault> faults_;
     std::size_t droppedFaults_ = 0;

@@ -34,7 +34,7 @@ using xercesc::DOMElement;
 namespace {
 
 void observeMapReference(const DOMElement& reference, const std::u16string& path) {
-    if (RunObserver* const observer = RunObserver::existing()) {
+    if (RunObserver* const observer = RunObserver::existingForReferences()) {
         observer->fileReference(ReferenceKind::kMap, path, reference);
     }
 }
@@ -67,6 +67,19 @@ void observePull(const DOMElement& reference, const DOMDocument& target, std::u1
     }
 }
 
+/// Tells what a definition that doesn't count stands for, and to which file one that does leads, if
+/// it isn't a reference of the map as well.
+void observeDefinitionTarget(RunObserver& observer, const DOMElement& element,
+                             std::u16string_view keyName, std::u16string_view target,
+                             bool isShadowed) {
+    if (isShadowed) {
+        observer.keyMeaning(keyName, target, keyTextOf(element), element);
+    } else if (!target.empty() && !isExternalUri(target) &&
+               nearestAttribute(element, u"processing-role") == u"resource-only") {
+        observer.fileReference(ReferenceKind::kKeyDefinition, splitHref(target).path, element);
+    }
+}
+
 /// Tells what the definition of `keyName` in `map` is: whether it counts, and where it leads.
 void observeDefinition(const DOMElement& element, std::u16string_view keyName,
                        const DOMDocument& map, bool isShadowed) {
@@ -78,17 +91,14 @@ void observeDefinition(const DOMElement& element, std::u16string_view keyName,
     const std::u16string target = href.empty() ? std::u16string() : makeAbsoluteHref(href, map);
     observer->keyDefinition(keyName, target,
                             isShadowed ? KeyState::kShadowed : KeyState::kEffective, element);
-    if (isShadowed) {
-        observer->keyMeaning(keyName, target, keyTextOf(element), element);
-    } else if (!target.empty() && !isExternalUri(target) &&
-               nearestAttribute(element, u"processing-role") == u"resource-only") {
-        observer->fileReference(ReferenceKind::kKeyDefinition, splitHref(target).path, element);
+    if (RunObserver* const references = RunObserver::existingForReferences()) {
+        observeDefinitionTarget(*references, element, keyName, target, isShadowed);
     }
 }
 
 /// Tells what each definition that counts has become.
 void observeMeanings(const KeySpace& keySpace) {
-    RunObserver* const observer = RunObserver::existing();
+    RunObserver* const observer = RunObserver::existingForReferences();
     if (!observer) {
         return;
     }

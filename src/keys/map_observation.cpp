@@ -61,7 +61,9 @@ void observeExcludedKeys(RunObserver& observer, const DOMElement& element) {
         href.empty() ? std::u16string() : makeAbsoluteHref(href, *element.getOwnerDocument());
     for (const std::u16string_view key : splitTokens(keys)) {
         observer.keyDefinition(key, target, KeyState::kExcluded, element);
-        observer.keyMeaning(key, target, keyTextOf(element), element);
+        if (RunObserver* const references = RunObserver::existingForReferences()) {
+            references->keyMeaning(key, target, keyTextOf(element), element);
+        }
     }
 }
 

@@ -213,7 +213,7 @@ void OutputObservation::observeLink(const Link& link) {
 
 /// Tells to which file the link leads, be it that of a topic in the output.
 void OutputObservation::observeTarget(const Link& link, std::u16string_view path) {
-    if (path.empty()) {
+    if (path.empty() || !RunObserver::existingForReferences()) {
         return;
     }
     const bool isImage = link.attribute == kMediaAttribute || selects(images_, link.element);

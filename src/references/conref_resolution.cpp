@@ -202,7 +202,7 @@ DOMDocument* ConrefWalk::targetDocument(const HrefParts& reference,
     if (path.empty()) {
         return &document_;
     }
-    if (RunObserver* const observer = RunObserver::existing()) {
+    if (RunObserver* const observer = RunObserver::existingForReferences()) {
         observer->fileReference(ReferenceKind::kConref, path, element);
     }
     return DocumentStore::instance().getOrLoad(path, &element);

@@ -22,7 +22,7 @@ bool endsBehind(std::u16string_view path, std::u16string_view ending) {
 }
 
 void observeReference(const DitaReference& reference, DitaDocKind kind, const DOMElement& node) {
-    RunObserver* const observer = RunObserver::existing();
+    RunObserver* const observer = RunObserver::existingForReferences();
     if (!observer) {
         return;
     }

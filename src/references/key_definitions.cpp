@@ -81,7 +81,7 @@ void reportKeyNotFound(std::u16string_view keyName, const DOMElement& reference)
 
 /// Tells that `reference`, or what gave it its reference, uses the key.
 void observeKeyReference(std::u16string_view keyName, const DOMElement& reference) {
-    RunObserver* const observer = RunObserver::existing();
+    RunObserver* const observer = RunObserver::existingForReferences();
     if (observer && !isNobodysKey(keyName)) {
         observer->keyReference(keyName, writerOf(reference), isInExcluded(reference));
     }

@@ -112,7 +112,7 @@ std::unique_ptr<xercesc::InputSource> engineSource(
 /// Tells which file is opened for the entity, which must be a local one.
 void observeEntity(const xercesc::XMLResourceIdentifier& identifier,
                    const xercesc::InputSource& source) {
-    if (RunObserver* const observer = RunObserver::existing()) {
+    if (RunObserver* const observer = RunObserver::existingForReferences()) {
         const auto* const local = dynamic_cast<const LocalEntitySource*>(&source);
         observer->entity(local ? std::u16string_view(local->file()) : domText(source.getSystemId()),
                          domText(identifier.getBaseURI()));

@@ -92,6 +92,7 @@ StandInHostOptions ObservedRunTest::observedOptions() {
     options.onObservation = [this](const Observation& observation) {
         observations.emplace_back(observation);
     };
+    options.onReference = options.onObservation;
     options.resolvePublicId = [this](std::string_view publicId) -> std::optional<std::string> {
         if (publicId == kKeySpacePublicId) {
             return folder.file("dtd/map.dtd");

@@ -8,6 +8,20 @@ namespace {
 
 using xercesc::DOMElement;
 
+/// Keeps the lines of what it is told.
+class KeptReferences final : public IHostReferenceObserver {
+public:
+    ComStatus queryInterface(const InterfaceId&, void**) override { return kComNoInterface; }
+    std::uint32_t addRef() override { return 2; }
+    std::uint32_t release() override { return 1; }
+    ComStatus observeReference(const Observation* observation) override {
+        lines.push_back(printed(ObservedCopy(*observation)));
+        return kComOk;
+    }
+
+    std::vector<std::string> lines;
+};
+
 class RunObserverTest : public XmlTest {
 protected:
     /// Says that `element` stands in "/name", in that line.
@@ -25,6 +39,25 @@ protected:
     ObservedScope observed;
     const ParsedXml document{"<topic id='t'><p id='p'/><p id='q'><ph id='r'/></p></topic>"};
 };
+
+TEST_F(RunObserverTest, ReferencesAreForAHostThatWantsThem) {
+    EXPECT_FALSE(RunObserver::existingForReferences());
+    KeptReferences kept;
+    const InterfaceReplacement<IHostReferenceObserver> replacement(
+        QsApiInterfacesC::connected()->referenceObserver, &kept);
+    RunObserver::end();
+    RunObserver::begin();
+    ASSERT_EQ(RunObserver::existingForReferences(), RunObserver::existing());
+    RunObserver::existing()->entity(u"/t.dtd", u"/a.dita");
+    RunObserver::existing()->entity(u"/t.dtd", u"/a.dita");
+    RunObserver::existing()->entity(u"/t.dtd", u"/b.dita");
+    RunObserver::existing()->keyReference(u"k", elementAt(u"q", 7), /*isLeftOut=*/true);
+    EXPECT_EQ(kept.lines, (std::vector<std::string>{"?:0:0 /t.dtd detail=/a.dita",
+                                                    "?:0:0 /t.dtd detail=/b.dita",
+                                                    "artefact /a.dita:7:1 <p> k"}));
+    EXPECT_TRUE(observed.host.observations.empty());
+    RunObserver::end();
+}
 
 TEST_F(RunObserverTest, ThereIsOneOnlyWhereTheHostHasOne) {
     EXPECT_TRUE(RunObserver::existing());

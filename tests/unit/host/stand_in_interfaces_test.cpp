@@ -56,6 +56,23 @@ TEST_F(StandInInterfacesTest, HasAnObserverOnlyForSomebodyWhoListens) {
     EXPECT_EQ(told, "keys");
 }
 
+TEST_F(StandInInterfacesTest, HasAnObserverOfReferencesOnlyForSomebodyWhoWantsThem) {
+    EXPECT_FALSE(query<IHostReferenceObserver>());
+    std::string told;
+    StandInHostOptions options;
+    options.onReference = [&](const Observation& observation) { told = observation.target; };
+    make(std::move(options));
+    const auto observer = query<IHostReferenceObserver>();
+    ASSERT_TRUE(observer);
+    EXPECT_FALSE(query<IHostObserver>());
+    const ObservedStep step{{nullptr, 0, 0}, "", ""};
+    const Observation observation{
+        ObservationKind::kKeyReference, 0, 0, "", "key", "", "", "", &step, 1, nullptr, 0};
+    EXPECT_EQ(observer->observeReference(&observation), kComOk);
+    EXPECT_EQ(told, "key");
+    EXPECT_EQ(observer->observeReference(nullptr), kComOk);
+}
+
 TEST_F(StandInInterfacesTest, AnObserverThatThrowsFailsTheCall) {
     StandInHostOptions options;
     options.onObservation = [](const Observation&) { throw std::runtime_error("no"); };
