@@ -51,7 +51,7 @@ TEST_F(RunObserverTest, ReferencesAreForAHostThatWantsThem) {
     RunObserver::existing()->entity(u"/t.dtd", u"/a.dita");
     RunObserver::existing()->entity(u"/t.dtd", u"/a.dita");
     RunObserver::existing()->entity(u"/t.dtd", u"/b.dita");
-    RunObserver::existing()->keyReference(u"k", elementAt(u"q", 7), /*isLeftOut=*/true);
+    RunObserver::existing()->keyReference(u"k", placed("q", 7), /*isLeftOut=*/true);
     EXPECT_EQ(kept.lines, (std::vector<std::string>{"?:0:0 /t.dtd detail=/a.dita",
                                                     "?:0:0 /t.dtd detail=/b.dita",
                                                     "artefact /a.dita:7:1 <p> k"}));
