@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <string_view>
 #include <system_error>
@@ -113,16 +112,10 @@ void copyBytes(const MediaFile& source, NewFile& target) {
     target.close();
 }
 
-/// The name of a file for the time until it is complete, which nobody else uses.
-std::string passingName() {
-    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
-    return ".marrowpress-" + std::to_string(getpid()) + "-" + std::to_string(now);
-}
-
 /// False when something is at `path` already.
 bool copyTo(const fs::path& path, const fs::path& source) {
     const MediaFile file(source);
-    NewFile copy(path.parent_path() / passingName(), path);
+    NewFile copy(passingPath(path.parent_path()), path);
     copyBytes(file, copy);
     return copy.moveTo(path);
 }

@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -23,6 +25,11 @@ constexpr std::size_t kHeldBackAtMost = 65536;
 }
 
 }  // namespace
+
+fs::path passingPath(const fs::path& folder) {
+    const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+    return folder / (".marrowpress-" + std::to_string(getpid()) + "-" + std::to_string(now));
+}
 
 NewFile::NewFile(fs::path path, fs::path wanted, std::optional<mode_t> mode)
     : path_(std::move(path)),

@@ -11,6 +11,9 @@
 
 namespace marrowpress {
 
+/// A path in `folder` that nobody else uses, for a file that is not complete yet.
+std::filesystem::path passingPath(const std::filesystem::path& folder);
+
 /// A file that is written under a name of its own, and gets its place when it is complete. Until
 /// then it is removed at the end, and by a signal.
 class NewFile {

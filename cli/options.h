@@ -53,7 +53,7 @@ struct PublishOptions : RunOptions {
     std::string keySpaceDtd = "map.dtd";
     bool isRelative = false;  ///< Local references lead on from the output that holds them.
     std::optional<std::string> mediaFolder;  ///< For copies; seen from the output's folder.
-    std::optional<std::string> depfile;  ///< Gets the rule of the output.
+    std::optional<std::string> depfile;      ///< Gets the rule of the output.
 };
 
 /// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is

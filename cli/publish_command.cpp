@@ -167,12 +167,9 @@ void Publishing::writeDepfile() const {
     }
     dependencies_->addProfiles(paths_.filters);
     dependencies_->finish();
-    const std::optional<std::string> reason = replaceFile(
-        *options_.depfile,
+    replaceFile(
+        fs::absolute(*options_.depfile),
         makeRule(options_.output, prerequisitesOf(*dependencies_, fs::current_path().string())));
-    if (reason) {
-        throw FileFailure(FileAction::kWrite, fs::absolute(*options_.depfile).string(), *reason);
-    }
 }
 
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "cli/file_failure.h"
+#include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -19,10 +21,20 @@ protected:
     TemporaryFolder folder;
 };
 
+/// What is said when the file can't be replaced; empty when it can.
+std::string failureOf(const fs::path& path) {
+    try {
+        replaceFile(path, "two");
+        return {};
+    } catch (const FileFailure& failure) {
+        return failure.reason();
+    }
+}
+
 TEST_F(FileReplacementTest, AFileIsMadeOrReplacedAndNothingElseStays) {
-    EXPECT_EQ(replaceFile(folder.file("a.d"), "one"), std::nullopt);
+    replaceFile(folder.file("a.d"), "one");
     EXPECT_EQ(folder.read("a.d"), "one");
-    EXPECT_EQ(replaceFile(folder.file("a.d"), "two"), std::nullopt);
+    replaceFile(folder.file("a.d"), "two");
     EXPECT_EQ(folder.read("a.d"), "two");
     EXPECT_EQ(fileCount(), 1U);
 }
@@ -30,23 +42,26 @@ TEST_F(FileReplacementTest, AFileIsMadeOrReplacedAndNothingElseStays) {
 TEST_F(FileReplacementTest, ALinkStaysAndItsFileIsReplaced) {
     folder.write("a.d", "one");
     fs::create_symlink("a.d", folder.path() / "link.d");
-    EXPECT_EQ(replaceFile(folder.file("link.d"), "two"), std::nullopt);
+    replaceFile(folder.file("link.d"), "two");
     EXPECT_TRUE(fs::is_symlink(folder.path() / "link.d"));
     EXPECT_EQ(folder.read("a.d"), "two");
 }
 
 TEST_F(FileReplacementTest, AFileStaysWhenItCannotBeReplaced) {
     folder.write("a.d", "one");
-    // The name beside it is taken.
-    fs::create_directory(folder.path() / "a.d_tmp");
-    EXPECT_EQ(replaceFile(folder.file("a.d"), "two"), "Is a directory");
+    const FileSizeLimit limit(1);
+    EXPECT_EQ(failureOf(folder.file("a.d")), "File too large");
     EXPECT_EQ(folder.read("a.d"), "one");
-    EXPECT_EQ(replaceFile(folder.file("none/a.d"), "two"), "No such file or directory");
+    EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(FileReplacementTest, AFolderThatIsMissingIsNotMade) {
+    EXPECT_EQ(failureOf(folder.file("none/a.d")), "No such file or directory");
 }
 
 TEST_F(FileReplacementTest, ADeviceIsWrittenTo) {
-    EXPECT_EQ(replaceFile("/dev/null", "one"), std::nullopt);
-    EXPECT_EQ(replaceFile("/dev/full", "one"), "No space left on device");
+    EXPECT_EQ(failureOf("/dev/null"), "");
+    EXPECT_EQ(failureOf("/dev/full"), "No space left on device");
 }
 
 }  // namespace
