@@ -7,15 +7,13 @@
 #include <system_error>
 #include <utility>
 
+#include "findings/profile.h"
 #include "findings/run_facts.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// That of a profile, which may be a private copy.
-constexpr std::string_view kProfileRoot = "val";
 
 DependencyKind kindOf(std::uint32_t code) {
     switch (static_cast<ReferenceKind>(code)) {
@@ -109,6 +107,7 @@ void DependencyList::addEdge(DependencyEdge edge) {
 
 void DependencyList::addDocument(const Observation& observation, DependencyState state) {
     const FindingPlace place = placeOf(observation.steps[0].place);
+    // A profile may be a private copy.
     if (place.file.empty() && observation.element == kProfileRoot) {
         return;
     }

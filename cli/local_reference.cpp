@@ -10,7 +10,7 @@
 #include <new>
 #include <utility>
 
-#include "findings/xml_characters.h"
+#include "host/libxml_handles.h"
 
 namespace marrowpress {
 namespace {

@@ -2,27 +2,18 @@
 
 #include <libxml/uri.h>
 
-#include <memory>
 #include <new>
 
+#include "host/libxml_handles.h"
+
 namespace marrowpress {
-namespace {
-
-struct FreeXml {
-    void operator()(xmlChar* text) const noexcept { xmlFree(text); }
-};
-
-}  // namespace
-
 std::string uriPath(std::string_view path) {
     const std::string terminated(path);
-    const std::unique_ptr<xmlChar, FreeXml> escaped(
-        xmlURIEscapeStr(reinterpret_cast<const xmlChar*>(terminated.c_str()),
-                        reinterpret_cast<const xmlChar*>("/")));
+    const LibxmlText escaped(xmlURIEscapeStr(asXml(terminated.c_str()), asXml("/")));
     if (!escaped) {
         throw std::bad_alloc();
     }
-    return reinterpret_cast<const char*>(escaped.get());
+    return std::string(asText(escaped.get()));
 }
 
 std::string fileUri(std::string_view path) {

@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "findings/regular_file.h"
-#include "findings/xml_characters.h"
+#include "host/libxml_handles.h"
 #include "host/local_xml_input.h"
 
 namespace marrowpress {
@@ -22,15 +22,6 @@ struct DocumentStart {
     std::string rootClass;
     std::string publicId;
     std::string systemId;
-};
-
-struct FreeReader {
-    void operator()(xmlTextReader* reader) const noexcept {
-        // The reader leaves its document to whoever asked for it.
-        xmlDoc* const document = xmlTextReaderCurrentDoc(reader);
-        xmlFreeTextReader(reader);
-        xmlFreeDoc(document);
-    }
 };
 
 /// In whatever letter case.
@@ -109,10 +100,12 @@ DocumentStart readStart(xmlTextReader& reader) {
         if (xmlTextReaderNodeType(&reader) != XML_READER_TYPE_ELEMENT) {
             continue;
         }
-        const std::unique_ptr<xmlChar, FreeXmlText> rootClass(
+        const LibxmlText rootClass(
             xmlTextReaderGetAttribute(&reader, reinterpret_cast<const xmlChar*>("class")));
-        DocumentStart start{
-            asText(xmlTextReaderConstName(&reader)), asText(rootClass.get()), {}, {}};
+        DocumentStart start{std::string(asText(xmlTextReaderConstName(&reader))),
+                            std::string(asText(rootClass.get())),
+                            {},
+                            {}};
         const xmlDoc* const document = xmlTextReaderCurrentDoc(&reader);
         if (const xmlDtd* const doctype = document ? document->intSubset : nullptr) {
             start.publicId = asText(doctype->ExternalID);
@@ -124,7 +117,7 @@ DocumentStart readStart(xmlTextReader& reader) {
 }
 
 MapFile inspect(const RegularFile& file, const std::string& path) {
-    const std::unique_ptr<xmlTextReader, FreeReader> reader(
+    const LibxmlReader reader(
         xmlReaderForFd(file.descriptor(), nullptr, nullptr,
                        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (!reader) {

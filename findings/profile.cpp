@@ -13,8 +13,8 @@
 
 #include "findings/regular_file.h"
 #include "findings/text_position.h"
-#include "findings/xml_characters.h"
 #include "findings/xml_elements.h"
+#include "host/libxml_handles.h"
 #include "host/local_xml_input.h"
 
 namespace marrowpress {
@@ -32,7 +32,8 @@ struct FreeBuffer {
 };
 
 std::string nameOf(const xmlChar* name, const xmlNs* space) {
-    return space && space->prefix ? asText(space->prefix) + ":" + asText(name) : asText(name);
+    std::string prefix = space && space->prefix ? std::string(asText(space->prefix)) + ":" : "";
+    return prefix.append(asText(name));
 }
 
 /// One line, without its end.
@@ -153,7 +154,7 @@ std::string declaredEncoding(const std::string& bytes) {
         return {};
     }
     xmlParseDocument(context.get());
-    return asText(context->encoding);
+    return std::string(asText(context->encoding));
 }
 
 /// The converter for a text that is not UTF-8, told by its first bytes or by what it declares; null
@@ -213,8 +214,7 @@ XmlText toUtf8(std::string bytes) {
 ProfileElement describe(const xmlNode& element, const ParseRecord& record) {
     ProfileElement described{record.placeOf(&element), tagNameOf(element), {}};
     for (const xmlAttr* attribute = element.properties; attribute; attribute = attribute->next) {
-        const std::unique_ptr<xmlChar, FreeXmlText> value(
-            xmlNodeListGetString(element.doc, attribute->children, 1));
+        const LibxmlText value(xmlNodeListGetString(element.doc, attribute->children, 1));
         described.attributes.emplace_back(nameOf(attribute->name, attribute->ns),
                                           asText(value.get()));
     }

@@ -14,6 +14,9 @@ struct _xmlDoc;
 
 namespace marrowpress {
 
+/// The tag name of a profile's root.
+inline constexpr std::string_view kProfileRoot = "val";
+
 /// The tag name of a rule.
 inline constexpr std::string_view kRuleElement = "prop";
 

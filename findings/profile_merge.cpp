@@ -2,22 +2,16 @@
 
 #include <libxml/tree.h>
 
-#include <memory>
 #include <new>
 #include <set>
 #include <utility>
 
-#include "findings/xml_characters.h"
 #include "findings/xml_elements.h"
+#include "host/libxml_handles.h"
 
 namespace marrowpress {
 namespace {
 
-struct FreeDocument {
-    void operator()(xmlDoc* document) const noexcept { xmlFreeDoc(document); }
-};
-
-using Document = std::unique_ptr<xmlDoc, FreeDocument>;
 /// An attribute and a value, each empty where a rule has none.
 using Pair = std::pair<std::string, std::string>;
 
@@ -44,7 +38,7 @@ public:
     }
 
     void add(const Profile& profile) {
-        const Document copy(made(xmlCopyDoc(profile.document.get(), 1)));
+        const LibxmlDocument copy(made(xmlCopyDoc(profile.document.get(), 1)));
         for (xmlNode* const element : takeRules(profile, *copy)) {
             xmlUnlinkNode(element);
             xmlFreeNode(element);
@@ -59,7 +53,7 @@ public:
         xmlChar* buffer = nullptr;
         int size = 0;
         xmlDocDumpFormatMemoryEnc(document_.get(), &buffer, &size, "UTF-8", 1);
-        const std::unique_ptr<xmlChar, FreeXmlText> text(made(buffer));
+        const LibxmlText text(made(buffer));
         return {std::string(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(size)),
                 std::move(rules_)};
     }
@@ -105,7 +99,7 @@ private:
                     made(xmlDocCopyNode(&element, document_.get(), 1)));
     }
 
-    Document document_;
+    LibxmlDocument document_;
     std::vector<ProfileRule> rules_;
     std::set<Pair> known_;
 };

@@ -12,7 +12,6 @@ using Kind = ProfileRemark::Kind;
 
 constexpr std::string_view kInclude = "include";
 constexpr std::string_view kExclude = "exclude";
-constexpr std::string_view kRootElement = "val";
 
 /// The attributes that a default of exclude covers.
 constexpr std::array<std::string_view, 5> kDefaultAttributes{"audience", "props", "platform",
@@ -27,7 +26,7 @@ struct KnownElement {
 };
 
 constexpr std::array kKnownElements{
-    KnownElement{kRootElement, ""},
+    KnownElement{kProfileRoot, ""},
     KnownElement{"style-conflict", "foreground-conflict-color background-conflict-color ", false,
                  false},
     KnownElement{kRuleElement, "att val action color backcolor style outputclass ", true},
@@ -203,7 +202,7 @@ bool isMet(const ProfileRule& rule, const ConditionValues& met) {
 }  // namespace
 
 bool isProfile(const Profile& profile) {
-    return profile.root().name == kRootElement;
+    return profile.root().name == kProfileRoot;
 }
 
 std::vector<ProfileRemark> remarksOn(const Profile& profile) {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "findings/document_types.h"
+#include "findings/profile.h"
 
 namespace marrowpress {
 namespace {
@@ -103,8 +104,8 @@ void RunFacts::takeDocument(const Observation& observation) {
     const bool lostReferences = isMap(observation.element, observation.target);
     // Without a doctype it need not be one of DITA's, and a profile needs none.
     const std::string_view rootName = observation.element;
-    const bool isDita =
-        rootTypeOf(rootName) || (grammar != DocumentGrammar::kNoDoctype && rootName != "val");
+    const bool isDita = rootTypeOf(rootName) ||
+                        (grammar != DocumentGrammar::kNoDoctype && rootName != kProfileRoot);
     if (lostReferences && !mapWithoutDtd_) {
         mapWithoutDtd_ = index;
     } else if (!lostReferences && isDita && !topicWithoutDtd_) {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "findings/characters.h"
-#include "findings/xml_characters.h"
+#include "host/libxml_handles.h"
 
 namespace marrowpress {
 namespace {

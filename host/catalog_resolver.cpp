@@ -20,10 +20,6 @@ namespace {
 constexpr const char* kSystemCatalog = "/etc/xml/catalog";
 constexpr const char* kDitaCatalog = "/usr/share/dita-ot/catalog-dita.xml";
 
-const xmlChar* asXml(const std::string& text) {
-    return reinterpret_cast<const xmlChar*>(text.c_str());
-}
-
 /// A catalog is named by URI: its entries are resolved against its name, and a path with a blank
 /// or a percent sign would be none to resolve against.
 std::string toCatalogUri(const std::string& catalog) {
@@ -84,7 +80,7 @@ CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs, PathS
         const std::string uri = toCatalogUri(catalog);
         // One list for each: within one list, an entry that delegates would keep the catalogs
         // behind it from being asked.
-        catalogs_.emplace_back(xmlCatalogAddLocal(nullptr, asXml(uri)));
+        catalogs_.emplace_back(xmlCatalogAddLocal(nullptr, asXml(uri.c_str())));
         requireCompleteCatalogs();
     }
     static_cast<void>(ask(kUnknownId));
@@ -106,7 +102,8 @@ std::optional<std::string> CatalogResolver::ask(const std::string& publicId) con
     const LibxmlFileSink sink(onCatalog_);
     static_cast<void>(takeLibxmlFailure());
     for (const Catalog& catalog : catalogs_) {
-        const LibxmlText uri(xmlCatalogLocalResolve(catalog.get(), asXml(publicId), nullptr));
+        const LibxmlText uri(
+            xmlCatalogLocalResolve(catalog.get(), asXml(publicId.c_str()), nullptr));
         requireCompleteCatalogs();
         if (!uri) {
             continue;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <libxml/tree.h>
+#include <libxml/xmlreader.h>
 
 #include <memory>
 #include <string_view>
@@ -18,6 +19,21 @@ struct FreeLibxmlDocument {
 };
 using LibxmlDocument = std::unique_ptr<xmlDoc, FreeLibxmlDocument>;
 
+struct FreeLibxmlReader {
+    void operator()(xmlTextReader* reader) const noexcept {
+        // The reader leaves its document to whoever asked for it.
+        const LibxmlDocument document(xmlTextReaderCurrentDoc(reader));
+        xmlFreeTextReader(reader);
+    }
+};
+using LibxmlReader = std::unique_ptr<xmlTextReader, FreeLibxmlReader>;
+
+/// UTF-8, as libxml2 takes it; it stays the caller's.
+inline const xmlChar* asXml(const char* text) {
+    return reinterpret_cast<const xmlChar*>(text);
+}
+
+/// Empty for null.
 inline std::string_view asText(const xmlChar* text) {
     return text ? reinterpret_cast<const char*>(text) : std::string_view();
 }
