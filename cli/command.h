@@ -24,6 +24,14 @@ public:
 
     std::string name() const { return app_.get_name(); }
 
+    /// The command as the library knows it; it stays the program's.
+    const CLI::App& app() const { return app_; }
+
+    /// As `CommandArguments::choicesOf`.
+    std::vector<std::string> choicesOf(const CLI::Option& option) const {
+        return arguments_.choicesOf(option);
+    }
+
     /// Whether the arguments name this command.
     bool isChosen() const { return app_.parsed(); }
 

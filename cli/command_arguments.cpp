@@ -102,6 +102,15 @@ CLI::Option& CommandArguments::add(const std::string& names, bool isList, Take t
     return *option;
 }
 
+std::vector<std::string> CommandArguments::choicesOf(const CLI::Option& option) const {
+    const auto known = choices_.find(&option);
+    return known == choices_.end() ? std::vector<std::string>() : known->second;
+}
+
+void CommandArguments::setChoices(const CLI::Option& option, std::vector<std::string> choices) {
+    choices_.insert_or_assign(&option, std::move(choices));
+}
+
 std::optional<std::string> CommandArguments::takeAll(const Argument& argument) {
     const std::vector<std::string> values = argument.option->results();
     const std::string name = argument.option->get_name();

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -51,6 +52,12 @@ public:
                            const Choices<Value>& choices, const std::string& description,
                            const std::string& placeholder);
 
+    /// The words that `option`, one of these, is given; empty when it is not given words of a list.
+    std::vector<std::string> choicesOf(const CLI::Option& option) const;
+
+    /// Says which words `option`, one of these, is given.
+    void setChoices(const CLI::Option& option, std::vector<std::string> choices);
+
     /// Fills the targets. The sentence about the first argument that is wrong; empty when all are
     /// right.
     [[nodiscard]] std::optional<std::string> take() const;
@@ -79,6 +86,7 @@ private:
 
     CLI::App& app_;
     std::vector<Argument> arguments_;
+    std::map<const CLI::Option*, std::vector<std::string>> choices_;
 };
 
 template <class Value>
@@ -87,24 +95,25 @@ CLI::Option& CommandArguments::addChoice(const std::string& names, const std::st
                                          const std::string& description,
                                          const std::string& placeholder) {
     std::string usual;
+    std::vector<std::string> known;
     for (const auto& [name, value] : choices) {
         if (value == target) {
             usual = name;
         }
+        known.push_back(name);
     }
-    const auto choose = [&target, choices, kind](const std::string& text) {
-        std::vector<std::string> known;
+    const auto choose = [&target, choices, kind, known](const std::string& text) {
         for (const auto& [name, value] : choices) {
             if (name == text) {
                 target = value;
                 return std::optional<std::string>();
             }
-            known.push_back(name);
         }
         return std::optional(unknownValueText(kind, text, known));
     };
     CLI::Option& option = add(names, false, choose, description, placeholder);
     option.default_str(usual);
+    setChoices(option, std::move(known));
     return option;
 }
 

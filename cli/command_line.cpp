@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "cli/bash_completion.h"
 #include "cli/command.h"
 #include "cli/commands.h"
 #include "cli/help_formatter.h"
@@ -53,7 +54,7 @@ public:
         }
         try {
             app_.parse(toParserOrder(arguments));
-            return chosen()->read();
+            return answered(chosen()->read());
         } catch (const CLI::CallForVersion&) {
             return Information{versionText()};
         } catch (const CLI::CallForHelp&) {
@@ -64,6 +65,12 @@ public:
     }
 
 private:
+    /// What only the program as a whole can tell is told.
+    Options answered(Options options) const {
+        const auto* const completion = std::get_if<CompletionOptions>(&options);
+        return completion && !completion->map ? Information{bashCompletion(commands_)} : options;
+    }
+
     /// What is wrong with the place where the command's name stands.
     std::optional<std::string> findNameFault(const std::vector<std::string>& arguments) const {
         const std::vector<std::string> names = commandNames(app_);

@@ -30,12 +30,19 @@ constexpr const char* kDepsExample =
     "  build/release/bin/marrowpress deps examples/drill-guide/drill-guide.ditamap \\\n"
     "      --reverse examples/drill-guide/topics/safety.dita\n";
 
+constexpr const char* kDoctorExample =
+    "  build/release/bin/marrowpress doctor\n"
+    "  build/release/bin/marrowpress doctor examples/drill-guide/drill-guide.ditamap\n";
+
 constexpr const char* kHostExample =
     "  printf '%s' '{\"type\":\"PublishComp\",\"params\":{\"ditaVal\":\"\",\"usePrint\":false,\n"
     "  \"ditamap\":\"examples/drill-guide/drill-guide.ditamap\",\n"
     "  \"output\":\"drill-guide.dita\",\"compositeDocDtd\":\"ditabase.dtd\",\n"
     "  \"keyspaceDocDtd\":\"map.dtd\"}}' |\n"
     "      build/release/bin/marrowpress host -\n";
+
+constexpr const char* kCompletionExample =
+    "  source <(build/release/bin/marrowpress completion bash)\n";
 
 constexpr const char* kExplainExample = "  build/release/bin/marrowpress explain MP105\n";
 
@@ -272,6 +279,34 @@ private:
     DepsOptions options_;
 };
 
+class DoctorCommand final : public Command {
+public:
+    explicit DoctorCommand(CLI::App& program)
+        : Command(program, "doctor", "Tell what this machine lacks for publishing",
+                  footerText(kDoctorExample,
+                             "Without a map a small one of its own is published, with each of "
+                             "DITA's document types. Findings go to standard error, and count for "
+                             "nothing.")) {
+        arguments().addText("MAP", options_.map,
+                            "A DITA map: what its documents need is told, and nothing else",
+                            "FILE");
+        addFilters(arguments(), options_);
+        addCatalog(arguments(), options_.catalogs);
+        addPrint(arguments(), options_);
+        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+    }
+
+private:
+    Options finish() override {
+        if (const std::optional<std::string> fault = findDiagnosticsFault(options_.diagnostics)) {
+            return wrongUsage(*fault);
+        }
+        return options_;
+    }
+
+    DoctorOptions options_;
+};
+
 class HostCommand final : public Command {
 public:
     explicit HostCommand(CLI::App& program)
@@ -314,8 +349,10 @@ public:
     explicit ExplainCommand(CLI::App& program)
         : Command(program, "explain", "Tell what a finding means, and what helps",
                   footerText(kExplainExample, "")) {
-        arguments().addText("ID", options_.id,
-                            "The id of a finding, such as MP105; without it, all are listed", "ID");
+        const CLI::Option& finding = arguments().addText(
+            "ID", options_.id, "The id of a finding, such as MP105; without it, all are listed",
+            "ID");
+        arguments().setChoices(finding, findingIds());
         addLanguage(arguments(), options_.language);
     }
 
@@ -328,6 +365,30 @@ private:
     }
 
     ExplainOptions options_;
+};
+
+class CompletionCommand final : public Command {
+public:
+    explicit CompletionCommand(CLI::App& program)
+        : Command(program, "completion", "Show a script that completes command lines",
+                  footerText(kCompletionExample, "")) {
+        const Choices<Shell> shells{{"bash", Shell::kBash}};
+        arguments()
+            .addChoice("SHELL", "shell", shell_, shells, "The shell: bash", "SHELL")
+            .required();
+        arguments().addText("--keys-of", options_.map,
+                            "Show no script but the keys of MAP that a short look at its text "
+                            "finds, one a line",
+                            "MAP");
+    }
+
+private:
+    enum class Shell { kBash };
+
+    Options finish() override { return options_; }
+
+    CompletionOptions options_;
+    Shell shell_ = Shell::kBash;
 };
 
 class HelpCommand final : public Command {
@@ -371,8 +432,10 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program) {
     commands.push_back(std::make_unique<CheckCommand>(program));
     commands.push_back(std::make_unique<KeysCommand>(program));
     commands.push_back(std::make_unique<DepsCommand>(program));
+    commands.push_back(std::make_unique<DoctorCommand>(program));
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<HostCommand>(program));
+    commands.push_back(std::make_unique<CompletionCommand>(program));
     commands.push_back(std::make_unique<HelpCommand>(program));
     commands.push_back(std::make_unique<VersionCommand>(program));
     return commands;

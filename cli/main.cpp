@@ -6,10 +6,12 @@
 #include "cli/check_command.h"
 #include "cli/command_line.h"
 #include "cli/deps_command.h"
+#include "cli/doctor_command.h"
 #include "cli/exit_code.h"
 #include "cli/explain_command.h"
 #include "cli/help_formatter.h"
 #include "cli/host_command.h"
+#include "cli/key_names_command.h"
 #include "cli/keys_command.h"
 #include "cli/options.h"
 #include "cli/publish_command.h"
@@ -40,9 +42,16 @@ struct Run {
         chooseLanguage(options.diagnostics.language);
         return runDeps(options, streams);
     }
+    ExitCode operator()(const DoctorOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runDoctor(options, streams);
+    }
     ExitCode operator()(const ExplainOptions& options) const {
         chooseLanguage(options.language);
         return runExplain(options, helpWidth(STDOUT_FILENO), streams);
+    }
+    ExitCode operator()(const CompletionOptions& options) const {
+        return runKeyNames(*options.map, streams);
     }
     ExitCode operator()(const Information& information) const {
         return writeResult(streams, information.text) ? ExitCode::kSuccess : ExitCode::kRunFailed;

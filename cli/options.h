@@ -88,10 +88,19 @@ struct DepsOptions : RunOptions {
     std::optional<std::string> reverse;  ///< Only what leads to this file.
 };
 
+/// `marrowpress doctor`: tells what is missing for publishing. The map may be empty, and then this
+/// is about the machine as a whole.
+struct DoctorOptions : RunOptions {};
+
 /// `marrowpress explain`: tells what findings mean.
 struct ExplainOptions {
     std::optional<std::string> id;  ///< One that is known; without it, all are listed.
     Language language = Language::kAuto;
+};
+
+/// `marrowpress completion`: what a shell needs to complete command lines.
+struct CompletionOptions {
+    std::optional<std::string> map;  ///< Whose keys are wanted, and no script.
 };
 
 /// What `help` or `version` asks for.
@@ -104,8 +113,9 @@ struct UsageError {
     std::string text;
 };
 
-using Options = std::variant<HostOptions, PublishOptions, CheckOptions, KeysOptions, DepsOptions,
-                             ExplainOptions, Information, UsageError>;
+using Options =
+    std::variant<HostOptions, PublishOptions, CheckOptions, KeysOptions, DepsOptions, DoctorOptions,
+                 ExplainOptions, CompletionOptions, Information, UsageError>;
 
 /// The text of a usage error of `command`: the fault, and the pointer to its help.
 std::string usageErrorText(const std::string& command, const std::string& fault);

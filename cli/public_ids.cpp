@@ -9,13 +9,10 @@
 #include "host/catalog_resolver.h"
 
 namespace marrowpress {
-namespace {
 
 std::vector<std::string> catalogsInUse(const std::vector<std::string>& named) {
     return named.empty() ? defaultCatalogs() : named;
 }
-
-}  // namespace
 
 std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& catalogs) {
     std::vector<std::filesystem::path> files;

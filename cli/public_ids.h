@@ -10,6 +10,10 @@
 
 namespace marrowpress {
 
+/// The catalogs that are asked, in their order, as they were named: `named`, or the default ones
+/// when that is empty.
+std::vector<std::string> catalogsInUse(const std::vector<std::string>& named);
+
 /// The files of the named catalogs, or of the default ones when none is named.
 std::vector<std::filesystem::path> catalogFiles(const std::vector<std::string>& catalogs);
 

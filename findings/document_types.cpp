@@ -22,6 +22,10 @@ constexpr std::array kRootTypes{
 
 }  // namespace
 
+std::span<const RootType> rootTypes() {
+    return kRootTypes;
+}
+
 const RootType* rootTypeOf(std::string_view rootName) {
     const auto* const found =
         std::find_if(kRootTypes.begin(), kRootTypes.end(),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 
 namespace marrowpress {
@@ -9,6 +10,9 @@ struct RootType {
     std::string_view root;
     std::string_view publicId;
 };
+
+/// All that have a root element of their own and are no learning content.
+std::span<const RootType> rootTypes();
 
 /// The type of documents with that root element; null when DITA has none.
 const RootType* rootTypeOf(std::string_view rootName);

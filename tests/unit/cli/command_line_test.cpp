@@ -10,8 +10,8 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kCommands[] = {"publish", "check", "keys", "deps",
-                                     "explain", "host",  "help", "version"};
+constexpr const char* kCommands[] = {"publish", "check", "keys",       "deps", "doctor",
+                                     "explain", "host",  "completion", "help", "version"};
 
 std::size_t longestLine(const std::string& text) {
     std::istringstream in(text);
@@ -63,7 +63,8 @@ TEST(CommandLineTest, HelpHasAnExample) {
 TEST(CommandLineTest, HelpTellsWhatTheExitCodesMean) {
     for (const Texts& arguments :
          {Texts{"--help"}, Texts{"publish", "-h"}, Texts{"check", "-h"}, Texts{"keys", "-h"},
-          Texts{"deps", "-h"}, Texts{"explain", "-h"}, Texts{"host", "-h"}}) {
+          Texts{"deps", "-h"}, Texts{"doctor", "-h"}, Texts{"explain", "-h"}, Texts{"host", "-h"},
+          Texts{"completion", "-h"}}) {
         const std::string text = parseAs<Information>(arguments).text;
         for (const char* const line :
              {"\n  0      clean\n", "\n  1      the run failed, or an output is missing or ",
@@ -102,16 +103,18 @@ TEST(CommandLineTest, WrongUsageNamesTheArgumentAndPointsToHelp) {
     const BadLineCase cases[] = {
         {{},
          "",
-         "a command is missing; known: publish, check, keys, deps, explain, host, help, version"},
+         "a command is missing; known: publish, check, keys, deps, doctor, explain, host, "
+         "completion, help, version"},
         {{"pubish", "m"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"Check"}, "", "unknown command `Check`; did you mean `check`?"},
         {{"print", "m"},
          "",
-         "unknown command `print`; known: publish, check, keys, deps, explain, host, help, "
-         "version"},
+         "unknown command `print`; known: publish, check, keys, deps, doctor, explain, host, "
+         "completion, help, version"},
         {{""},
          "",
-         "unknown command ``; known: publish, check, keys, deps, explain, host, help, version"},
+         "unknown command ``; known: publish, check, keys, deps, doctor, explain, host, "
+         "completion, help, version"},
         {{"pubish", "--help"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"--quiet"}, "", "unknown option `--quiet`"},
         {{"--vesion"}, "", "unknown option `--vesion`; did you mean `--version`?"},

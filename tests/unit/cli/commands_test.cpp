@@ -238,6 +238,25 @@ TEST(ExplainArgumentsTest, RefusesWhatMakesNoSense) {
     });
 }
 
+TEST(DoctorArgumentsTest, TheMapMayBeMissing) {
+    EXPECT_EQ(parseAs<DoctorOptions>({"doctor"}).map, "");
+    const auto options = parseAs<DoctorOptions>(
+        {"doctor", "m", "--filter", "f", "--catalog", "c", "--print", "--lang", "de"});
+    EXPECT_EQ(options.map, "m");
+    EXPECT_EQ(options.filters, Texts{"f"});
+    EXPECT_EQ(options.catalogs, Texts{"c"});
+    EXPECT_TRUE(options.isForPrint);
+    EXPECT_EQ(options.diagnostics.language, Language::kGerman);
+    expectFaults({{{"doctor", "m", "n"}, "there is no place for the argument `n`"},
+                  {{"doctor", "--fail-on", "error"}, "unknown option `--fail-on`"}});
+}
+
+TEST(CompletionArgumentsTest, TheShellIsNamed) {
+    EXPECT_EQ(parseAs<CompletionOptions>({"completion", "bash", "--keys-of", "m"}).map, "m");
+    expectFaults({{{"completion"}, "SHELL is required"},
+                  {{"completion", "fish"}, "SHELL: unknown shell `fish`; known: bash"}});
+}
+
 TEST(KeysArgumentsTest, TakesItsDefaults) {
     const auto options = parseAs<KeysOptions>({"keys", "m.ditamap"});
     EXPECT_EQ(options.map, "m.ditamap");
