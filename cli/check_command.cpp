@@ -10,6 +10,7 @@
 #include "cli/output_folder.h"
 #include "cli/profile_set.h"
 #include "cli/publish_paths.h"
+#include "cli/run_measures.h"
 #include "cli/scratch_run.h"
 
 namespace marrowpress {
@@ -31,7 +32,8 @@ public:
     Checking(const CheckOptions& options, const Streams& streams)
         : options_(withoutStandardOutput(options)),
           streams_(streams),
-          paths_(resolvePublishPaths(options_)) {}
+          paths_(resolvePublishPaths(options_)),
+          measures_(options_.diagnostics) {}
 
     ExitCode run();
 
@@ -44,6 +46,7 @@ private:
     CheckOptions options_;
     const Streams& streams_;
     PublishPaths paths_;
+    RunMeasures measures_;
 };
 
 ExitCode Checking::run() {
@@ -57,9 +60,12 @@ ExitCode Checking::run() {
     RunDisplay display(options_.diagnostics, streams_.err);
     RunTotal total;
     for (const ProfileSet& profile : profiles) {
-        runInScratch({options_, paths_, profile}, display, total);
+        runInScratch({options_, paths_, profile, /*hasFindings=*/true, {}, {}, measures_.clock()},
+                     display, total);
     }
-    return report.write(total.list, total.droppedFaults, total.topics, total.code, streams_.err);
+    const ExitCode code =
+        report.write(total.list, total.droppedFaults, total.topics, total.code, streams_.err);
+    return measures_.finish(code, "marrowpress check", streams_);
 }
 
 /// Those of each run: one, unless each of several filters has its own.

@@ -131,6 +131,7 @@ public:
                             "and the files that it depends on",
                             "FILE");
         addDiagnostics(arguments(), options_.diagnostics);
+        addMeasures(arguments(), options_.diagnostics);
     }
 
 private:
@@ -181,6 +182,7 @@ public:
         addCatalog(arguments(), options_.catalogs);
         addPrint(arguments(), options_);
         addDiagnostics(arguments(), options_.diagnostics);
+        addMeasures(arguments(), options_.diagnostics);
     }
 
 private:

@@ -152,9 +152,26 @@ void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target, Fin
     addTerminal(arguments, target);
 }
 
+void addMeasures(CommandArguments& arguments, DiagnosticsOptions& target) {
+    constexpr const char* kMeasures = "Measures";
+    arguments
+        .addText("--timings", target.timings,
+                 "Write what took how long to FILE, as trace events that browsers and Perfetto "
+                 "show",
+                 "FILE")
+        .group(kMeasures);
+    arguments
+        .addFlag("--stats", target.showsStatistics,
+                 "Show counts, times and memory behind the findings")
+        .group(kMeasures);
+}
+
 std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& options) {
     if (options.isVerbose && options.isQuiet) {
         return "--quiet: --verbose asks for the contrary";
+    }
+    if (options.showsStatistics && options.format == DiagnosticsFormat::kJson && !options.file) {
+        return "--stats: standard error holds JSON; send it elsewhere with --diagnostics-file";
     }
     if (options.format != DiagnosticsFormat::kNone) {
         return std::nullopt;

@@ -21,6 +21,9 @@ enum class FindingsCount {
 void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target,
                     FindingsCount count = FindingsCount::kForExitCode);
 
+/// Adds the options about what a run costs.
+void addMeasures(CommandArguments& arguments, DiagnosticsOptions& target);
+
 /// The sentence about options that contradict each other; empty when none do.
 std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& options);
 

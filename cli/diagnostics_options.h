@@ -34,6 +34,8 @@ struct DiagnosticsOptions {
     std::optional<std::string> file;  ///< Takes the place of standard error for the findings.
     std::optional<std::string> sarif;
     std::optional<std::string> junit;
+    std::optional<std::string> timings;  ///< Gets the timeline of the run.
+    bool showsStatistics = false;
     Language language = Language::kAuto;
     FailOn failOn = FailOn::kError;
     std::map<std::string, Severity> severities;  ///< By id, in the place of the usual ones.

@@ -90,6 +90,7 @@ std::vector<NamedPath> FindingsReport::files() const {
     add("--diagnostics-file", options_.file);
     add("--sarif", options_.sarif);
     add("--junit", options_.junit);
+    add("--timings", options_.timings);
     return named;
 }
 

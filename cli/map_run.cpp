@@ -58,8 +58,14 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             display.showReportLine(line);
         }
     };
-    if (setting.collector || setting.watch) {
+    if (setting.clock) {
+        host.onDocument = [&](std::string_view path) { setting.clock->visit(path); };
+    }
+    if (setting.collector || setting.watch || setting.clock) {
         host.onObservation = [&](const Observation& observation) {
+            if (setting.clock) {
+                setting.clock->observe(observation);
+            }
             if (setting.watch) {
                 setting.watch(observation);
             }
@@ -76,6 +82,9 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
     ClientSession session(std::move(host));
     const std::optional<TypedValues> answer = session.send(setting.request);
     display.end();
+    if (setting.clock) {
+        setting.clock->endRuns();
+    }
     if (!answer) {
         return outcome;
     }

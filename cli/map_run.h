@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/run_clock.h"
 #include "cli/run_display.h"
 #include "findings/collector.h"
 #include "host/typed_record.h"
@@ -33,6 +34,8 @@ struct RunSetting {
     std::function<void(const Observation&)> watchReferences = {};
     /// Gets the path of each catalog that is looked for.
     std::function<void(const std::string&)> onCatalog = {};
+    /// Measures what the run does, unless it is null.
+    RunClock* clock = nullptr;
 };
 
 /// Why a run comes to nothing where another one does not end.

@@ -21,6 +21,7 @@
 #include "cli/output_folder.h"
 #include "cli/profile_set.h"
 #include "cli/public_ids.h"
+#include "cli/run_measures.h"
 #include "cli/standard_output_composite.h"
 #include "cli/unfinished_outputs.h"
 #include "cli/unwritten_file.h"
@@ -63,7 +64,7 @@ Finding findingOf(const FileFailure& failure) {
 class Publishing {
 public:
     Publishing(const PublishOptions& options, const Streams& streams)
-        : options_(options), streams_(streams) {
+        : options_(options), streams_(streams), measures_(options_.diagnostics) {
         if (options.output == kStandardOutput) {
             standardOutput_ = std::make_unique<StandardOutputComposite>();
             options_.output = standardOutput_->path().string();
@@ -86,7 +87,7 @@ private:
     void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
     std::string finishResult(const RunOutcome& outcome, FindingCollector* collector) const;
     void makeMovable(const RunOutcome& outcome) const;
-    RunSetting settingFor(const ProfileSet& profiles) const;
+    RunSetting settingFor(const ProfileSet& profiles);
     void writeDepfile() const;
     bool giveResult(const RunOutcome& outcome) const;
     std::string resultText(const RunOutcome& outcome) const;
@@ -99,6 +100,7 @@ private:
     std::unique_ptr<OutputFolder> folder_;
     std::unique_ptr<UnfinishedOutputs> unfinished_;
     std::unique_ptr<MovableResult> movable_;
+    RunMeasures measures_;
     std::unique_ptr<DependencyList> dependencies_;  ///< Null while nobody wants to know them.
 };
 
@@ -110,7 +112,9 @@ ExitCode Publishing::run() {
         streams_.err << usageErrorText("publish", *fault);
         return ExitCode::kWrongUsage;
     }
-    return hasFindings(options_) ? runObserved(profiles, report) : runUnobserved(profiles);
+    const ExitCode code =
+        hasFindings(options_) ? runObserved(profiles, report) : runUnobserved(profiles);
+    return measures_.finish(code, "marrowpress publish", streams_);
 }
 
 /// Why nothing is started; empty when it may be. Makes the output's folder when all else is well.
@@ -147,9 +151,10 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
 }
 
 /// Without findings.
-RunSetting Publishing::settingFor(const ProfileSet& profiles) const {
+RunSetting Publishing::settingFor(const ProfileSet& profiles) {
     RunSetting setting{
         buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}, {}, {}};
+    setting.clock = measures_.clock();
     if (dependencies_) {
         setting.watch = [this](const Observation& met) { dependencies_->observe(met); };
         setting.watchReferences = setting.watch;

@@ -42,7 +42,8 @@ private:
                 nullptr,
                 run_.watch,
                 run_.watch,
-                run_.onCatalog};
+                run_.onCatalog,
+                run_.clock};
     }
 
     const ScratchRun& run_;

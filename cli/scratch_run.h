@@ -7,6 +7,7 @@
 #include "cli/options.h"
 #include "cli/profile_set.h"
 #include "cli/publish_paths.h"
+#include "cli/run_clock.h"
 #include "cli/run_display.h"
 #include "findings/fold.h"
 
@@ -31,6 +32,8 @@ struct ScratchRun {
     std::function<void(const Observation&)> watch = {};
     /// Gets the path of each catalog that is looked for.
     std::function<void(const std::string&)> onCatalog = {};
+    /// Measures what the run does, unless it is null.
+    RunClock* clock = nullptr;
 };
 
 /// Runs, and adds what was found to `total`.

@@ -43,6 +43,9 @@ struct StandInHostOptions {
     /// Takes references that a run meets, among what the one above takes. Without it the host has
     /// no observer of references.
     ObservationSink onReference;
+    /// Takes the path of a document that the client begins with, and an empty one when it ends with
+    /// the last: the commands "start" and "end" to "XmlUtilities".
+    LineSink onDocument;
     /// Asked at each operation of a request, whether its run is to end early.
     std::function<bool()> isInterrupted;
     /// Gets every host operation; must outlive the host.

@@ -181,13 +181,26 @@ ComStatus StandInInterfaces::callClient(const char* client, const char* command,
     }
     return guarded([&] {
         const bool exists = hasXmlUtilities(viewOf(client));
-        const bool isKnown = exists && parseXmlUtilitiesCommand(viewOf(command)).has_value();
+        const std::optional<XmlUtilitiesCommand> parsed =
+            exists ? parseXmlUtilitiesCommand(viewOf(command)) : std::nullopt;
+        const bool isKnown = parsed.has_value();
+        if (isKnown && options_.onDocument) {
+            tellDocument(*parsed);
+        }
         set(result, isKnown ? 1 : 0);
         set(hostStatus, exists ? kHostOk : kHostRefused);
         if (options_.trace) {
             options_.trace->callClient(viewOf(client), viewOf(command), isKnown ? 1 : 0);
         }
     });
+}
+
+void StandInInterfaces::tellDocument(const XmlUtilitiesCommand& command) const {
+    if (command.kind == XmlUtilitiesCommand::Kind::kStart) {
+        options_.onDocument(command.baseFile);
+    } else if (command.kind == XmlUtilitiesCommand::Kind::kEnd) {
+        options_.onDocument({});
+    }
 }
 
 std::optional<std::string> StandInInterfaces::resolve(std::string_view command) {

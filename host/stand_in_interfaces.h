@@ -9,6 +9,7 @@
 
 #include "host/stand_in_host_options.h"
 #include "host/typed_record.h"
+#include "host/xml_utilities.h"
 #include "marrowpress/host_interfaces.h"
 #include "marrowpress/interface_ref.h"
 #include "marrowpress/observer.h"
@@ -78,6 +79,7 @@ private:
     const OpenDocument* findDocument(std::uint32_t id) const;
     std::optional<std::uint32_t> idProperty(std::uint32_t object, std::uint32_t property) const;
     bool hasXmlUtilities(std::string_view client) const;
+    void tellDocument(const XmlUtilitiesCommand& command) const;
     std::optional<std::string> resolve(std::string_view command);
     /// Throws when the call that is open is to end early.
     void requireGoingOn();

@@ -93,6 +93,29 @@ TEST_F(FindingsCommandTest, AFileTakesThePlaceOfStandardError) {
     EXPECT_EQ(objects(folder_.read("findings.jsonl")).size(), 2U);
 }
 
+TEST_F(FindingsCommandTest, WhatARunCostsIsToldWithoutFindingsToo) {
+    for (const char* const format : {"short", "none"}) {
+        const CommandResult result =
+            publish({"--diagnostics", format, "--stats", "--timings", "out/t.json"});
+        EXPECT_NE(result.err.find("Documents: 3 read, "), std::string::npos) << result.err;
+        EXPECT_NE(result.err.find("\nMemory: "), std::string::npos) << result.err;
+        const std::string timeline = folder_.read("out/t.json");
+        for (const char* const name : {"start", "keys", "map", "assembly", "output", "end"}) {
+            EXPECT_NE(timeline.find(R"("cat":"phase","name":")" + std::string(name)),
+                      std::string::npos)
+                << name;
+        }
+        EXPECT_NE(timeline.find(folder_.file("docs/a.dita")), std::string::npos);
+    }
+    EXPECT_NE(check({"--stats"}).err.find("\nMemory: "), std::string::npos);
+}
+
+TEST_F(FindingsCommandTest, ATimelineTakesThePlaceOfNothingThatIsRead) {
+    const std::string before = folder_.read("docs/m.ditamap");
+    EXPECT_EQ(publish({"--timings", "docs/m.ditamap"}).code, 2);
+    EXPECT_EQ(folder_.read("docs/m.ditamap"), before);
+}
+
 TEST_F(FindingsCommandTest, ReportsAreWrittenBesides) {
     const CommandResult result = publish({"--sarif", "f.sarif", "--junit", "f.xml"});
     EXPECT_EQ(result.code, 3);

@@ -116,6 +116,8 @@ TEST(DiagnosticsArgumentsTest, RefuseWhatMakesNoSense) {
          "--junit: with --diagnostics none there are no findings"},
         {{"--diagnostics", "none", "--baseline", "b"},
          "--baseline: with --diagnostics none there are no findings"},
+        {{"--diagnostics", "json", "--stats"},
+         "--stats: standard error holds JSON; send it elsewhere with --diagnostics-file"},
         {{"--sarif", "a", "--sarif", "b"}, "--sarif: is given more than once"},
         {{"--all=yes"}, "--all: takes no value"},
         {{"--verbos"}, "unknown option `--verbos`; did you mean `--verbose`?"},

@@ -320,5 +320,21 @@ TEST_F(EarlyEndTest, AResolverThatThrowsEndsTheRun) {
     }
 }
 
+TEST_F(StandInInterfacesTest, TellsWhichDocumentTheClientIsAt) {
+    std::vector<std::string> told;
+    StandInHostOptions options;
+    options.resolvePublicId = [](std::string_view) { return std::nullopt; };
+    options.onDocument = [&told](std::string_view path) { told.emplace_back(path); };
+    make(std::move(options));
+    const auto clients = query<IHostClients>();
+    for (const char* const command :
+         {"EntityResolver start -basefile \"/a.dita\"",
+          "EntityResolver resolveentity -publicid \"p\"", "EntityResolver end",
+          "EntityResolver terminate", "nonsense"}) {
+        EXPECT_EQ(clients->callClient("XmlUtilities", command, nullptr, nullptr), kComOk);
+    }
+    EXPECT_EQ(told, (std::vector<std::string>{"/a.dita", ""}));
+}
+
 }  // namespace
 }  // namespace marrowpress
