@@ -1,5 +1,6 @@
 #include "cli/check_command.h"
 
+#include <memory>
 #include <ostream>
 #include <system_error>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "cli/input_faults.h"
 #include "cli/output_folder.h"
 #include "cli/profile_set.h"
+#include "cli/publication_report.h"
 #include "cli/publish_paths.h"
 #include "cli/run_measures.h"
 #include "cli/scratch_run.h"
@@ -38,6 +40,7 @@ public:
     ExitCode run();
 
 private:
+    std::unique_ptr<PublicationReport> makePage() const;
     std::vector<ProfileSet> readProfiles() const;
     std::optional<std::string> findFault(const std::vector<ProfileSet>& profiles,
                                          const FindingsReport& report) const;
@@ -58,14 +61,34 @@ ExitCode Checking::run() {
         return ExitCode::kWrongUsage;
     }
     RunDisplay display(options_.diagnostics, streams_.err);
+    const std::unique_ptr<PublicationReport> page = makePage();
     RunTotal total;
     for (const ProfileSet& profile : profiles) {
-        runInScratch({options_, paths_, profile, /*hasFindings=*/true, {}, {}, measures_.clock()},
+        runInScratch({options_,
+                      paths_,
+                      profile,
+                      /*hasFindings=*/true,
+                      watchingFor(page.get()),
+                      {},
+                      measures_.clock()},
                      display, total);
     }
-    const ExitCode code =
-        report.write(total.list, total.droppedFaults, total.topics, total.code, streams_.err);
+    const ExitCode code = report.write(total.list, total.droppedFaults, total.topics, total.code,
+                                       streams_.err, writingOf(page.get()));
     return measures_.finish(code, "marrowpress check", streams_);
+}
+
+/// Null unless somebody wants it.
+std::unique_ptr<PublicationReport> Checking::makePage() const {
+    if (!options_.diagnostics.report) {
+        return nullptr;
+    }
+    return std::make_unique<PublicationReport>(ReportSetting{/*isCheck=*/true,
+                                                             options_.isForPrint,
+                                                             paths_.map,
+                                                             {},
+                                                             namesOf(paths_.filters),
+                                                             fs::current_path().string()});
 }
 
 /// Those of each run: one, unless each of several filters has its own.

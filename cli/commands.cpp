@@ -132,6 +132,7 @@ public:
                             "FILE");
         addDiagnostics(arguments(), options_.diagnostics);
         addMeasures(arguments(), options_.diagnostics);
+        addReport(arguments(), options_.diagnostics);
     }
 
 private:
@@ -183,12 +184,18 @@ public:
         addPrint(arguments(), options_);
         addDiagnostics(arguments(), options_.diagnostics);
         addMeasures(arguments(), options_.diagnostics);
+        addReport(arguments(), options_.diagnostics);
     }
 
 private:
     Options finish() override {
         if (const std::optional<std::string> fault = findContradiction(options_)) {
             return wrongUsage(*fault);
+        }
+        if (options_.diagnostics.report && !options_.eachFilters.empty()) {
+            return wrongUsage(
+                "--report: each of --each-filter makes another publication; a page "
+                "shows one");
         }
         return options_;
     }

@@ -166,6 +166,15 @@ void addMeasures(CommandArguments& arguments, DiagnosticsOptions& target) {
         .group(kMeasures);
 }
 
+void addReport(CommandArguments& arguments, DiagnosticsOptions& target) {
+    arguments
+        .addText("--report", target.report,
+                 "Write a page of HTML to FILE, too: the findings with their source lines, the map "
+                 "as a tree, what the profile leaves out, keys, and who refers to whom",
+                 "FILE")
+        .group(kGroup);
+}
+
 std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& options) {
     if (options.isVerbose && options.isQuiet) {
         return "--quiet: --verbose asks for the contrary";
@@ -178,7 +187,8 @@ std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& option
     }
     const std::array needing{
         std::pair("--diagnostics-file", &options.file), std::pair("--sarif", &options.sarif),
-        std::pair("--junit", &options.junit), std::pair("--baseline", &options.baseline)};
+        std::pair("--junit", &options.junit), std::pair("--baseline", &options.baseline),
+        std::pair("--report", &options.report)};
     for (const auto& [name, file] : needing) {
         if (*file) {
             return std::string(name) + ": with --diagnostics none there are no findings";

@@ -24,6 +24,9 @@ void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target,
 /// Adds the options about what a run costs.
 void addMeasures(CommandArguments& arguments, DiagnosticsOptions& target);
 
+/// Adds `--report`.
+void addReport(CommandArguments& arguments, DiagnosticsOptions& target);
+
 /// The sentence about options that contradict each other; empty when none do.
 std::optional<std::string> findDiagnosticsFault(const DiagnosticsOptions& options);
 

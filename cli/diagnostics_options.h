@@ -36,6 +36,7 @@ struct DiagnosticsOptions {
     std::optional<std::string> junit;
     std::optional<std::string> timings;  ///< Gets the timeline of the run.
     bool showsStatistics = false;
+    std::optional<std::string> report;  ///< A page with the findings and what the run met.
     Language language = Language::kAuto;
     FailOn failOn = FailOn::kError;
     std::map<std::string, Severity> severities;  ///< By id, in the place of the usual ones.

@@ -91,11 +91,13 @@ std::vector<NamedPath> FindingsReport::files() const {
     add("--sarif", options_.sarif);
     add("--junit", options_.junit);
     add("--timings", options_.timings);
+    add("--report", options_.report);
     return named;
 }
 
 ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
-                               ExitCode runCode, std::ostream& err) const {
+                               ExitCode runCode, std::ostream& err,
+                               const FindingsWriting& writePage) const {
     // Nobody knows what faults the run itself could not keep: the worst is assumed.
     const std::optional<Severity> worstDropped =
         droppedFaults > 0 ? std::optional(Severity::kError) : list.worstDropped();
@@ -116,7 +118,7 @@ ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std
         return summary;
     };
     ExitCode code = codeOf(summarize(findings), worstDropped, runCode);
-    for (Finding& unwritten : writeReports(findings, summaryWith(code))) {
+    for (Finding& unwritten : writeReports(findings, summaryWith(code), writePage)) {
         findings.push_back(std::move(unwritten));
         code = ExitCode::kRunFailed;
     }
@@ -177,7 +179,8 @@ void FindingsReport::writeTo(std::ostream& out, const std::vector<Finding>& find
 }
 
 std::vector<Finding> FindingsReport::writeReports(const std::vector<Finding>& findings,
-                                                  const FindingSummary& summary) const {
+                                                  const FindingSummary& summary,
+                                                  const FindingsWriting& writePage) const {
     std::vector<Finding> unwritten;
     const auto write = [&](const std::optional<std::string>& path,
                            const std::function<void(std::ostream&)>& writeReport) {
@@ -197,6 +200,7 @@ std::vector<Finding> FindingsReport::writeReports(const std::vector<Finding>& fi
     write(options_.junit, [&](std::ostream& out) {
         writeJunit(out, findings, summary, {map_, currentFolder_, translatedWords()});
     });
+    write(options_.report, [&](std::ostream& out) { writePage(out, findings, summary); });
     return unwritten;
 }
 

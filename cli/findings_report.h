@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -14,6 +15,10 @@
 #include "findings/fold.h"
 
 namespace marrowpress {
+
+/// Writes findings, and what a run came to, in some form.
+using FindingsWriting =
+    std::function<void(std::ostream&, const std::vector<Finding>&, const FindingSummary&)>;
 
 /// The findings of a command, on their way to whoever is to read them.
 class FindingsReport {
@@ -34,9 +39,11 @@ public:
     ///
     /// A file that cannot be written is a finding of the form that comes last.
     ///
-    /// @param runCode  `kSuccess` or `kRunFailed`.
+    /// @param runCode    `kSuccess` or `kRunFailed`.
+    /// @param writePage  Writes the page of --report, if that is among the options.
     ExitCode write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
-                   ExitCode runCode, std::ostream& err) const;
+                   ExitCode runCode, std::ostream& err,
+                   const FindingsWriting& writePage = {}) const;
 
 private:
     ExitCode codeOf(const FindingSummary& summary, std::optional<Severity> worstDropped,
@@ -47,7 +54,8 @@ private:
                  const FindingSummary& summary, bool isTerminal) const;
     /// The files that cannot be written, as findings.
     std::vector<Finding> writeReports(const std::vector<Finding>& findings,
-                                      const FindingSummary& summary) const;
+                                      const FindingSummary& summary,
+                                      const FindingsWriting& writePage) const;
     void writeAnnotations(const std::vector<Finding>& findings, std::ostream& err) const;
 
     using Clock = std::chrono::steady_clock;

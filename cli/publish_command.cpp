@@ -21,6 +21,7 @@
 #include "cli/output_folder.h"
 #include "cli/profile_set.h"
 #include "cli/public_ids.h"
+#include "cli/publication_report.h"
 #include "cli/run_measures.h"
 #include "cli/standard_output_composite.h"
 #include "cli/unfinished_outputs.h"
@@ -73,6 +74,12 @@ public:
         if (options_.depfile) {
             dependencies_ = std::make_unique<DependencyList>(paths_.map);
         }
+        if (options_.diagnostics.report) {
+            page_ = std::make_unique<PublicationReport>(
+                ReportSetting{/*isCheck=*/false, options_.isForPrint, paths_.map,
+                              standardOutput_ ? std::string() : paths_.output.string(),
+                              namesOf(paths_.filters), fs::current_path().string()});
+        }
     }
 
     ExitCode run();
@@ -88,6 +95,7 @@ private:
     std::string finishResult(const RunOutcome& outcome, FindingCollector* collector) const;
     void makeMovable(const RunOutcome& outcome) const;
     RunSetting settingFor(const ProfileSet& profiles);
+    void gather(const Observation& observation) const;
     void writeDepfile() const;
     bool giveResult(const RunOutcome& outcome) const;
     std::string resultText(const RunOutcome& outcome) const;
@@ -101,7 +109,9 @@ private:
     std::unique_ptr<UnfinishedOutputs> unfinished_;
     std::unique_ptr<MovableResult> movable_;
     RunMeasures measures_;
-    std::unique_ptr<DependencyList> dependencies_;  ///< Null while nobody wants to know them.
+    // Null while nobody wants them.
+    std::unique_ptr<DependencyList> dependencies_;
+    std::unique_ptr<PublicationReport> page_;
 };
 
 ExitCode Publishing::run() {
@@ -155,12 +165,24 @@ RunSetting Publishing::settingFor(const ProfileSet& profiles) {
     RunSetting setting{
         buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}, {}, {}};
     setting.clock = measures_.clock();
-    if (dependencies_) {
-        setting.watch = [this](const Observation& met) { dependencies_->observe(met); };
+    if (dependencies_ || page_) {
+        setting.watch = [this](const Observation& met) { gather(met); };
         setting.watchReferences = setting.watch;
+    }
+    if (dependencies_) {
         setting.onCatalog = [this](const std::string& path) { dependencies_->addCatalog(path); };
     }
     return setting;
+}
+
+/// What is written beside the output.
+void Publishing::gather(const Observation& observation) const {
+    if (dependencies_) {
+        dependencies_->observe(observation);
+    }
+    if (page_) {
+        page_->observe(observation);
+    }
 }
 
 /// Writes the rule of the output, if anybody wants it.
@@ -213,7 +235,8 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     }
     return report.write(collector.list(), collector.facts().droppedFaults(),
                         collector.facts().topicCount(),
-                        failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed, streams_.err);
+                        failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed, streams_.err,
+                        writingOf(page_.get()));
 }
 
 /// Runs the request when no other run writes into the folder. What a run leaves unfinished goes

@@ -49,8 +49,10 @@ bool isSourceLike(const fs::path& path) {
     start.resize(static_cast<std::size_t>(file.gcount()));
     const bool isXml = start.find_first_not_of(" \t\r\n\xEF\xBB\xBF") == start.find('<') &&
                        start.find('<') != std::string::npos;
-    const bool isJunit = start.find("<testsuite") != std::string::npos;
-    return (isXml && !isJunit) || start.find('\0') != std::string::npos;
+    const bool isOwn =
+        start.find("<testsuite") != std::string::npos ||
+        start.find("name=\"generator\" content=\"marrowpress\"") != std::string::npos;
+    return (isXml && !isOwn) || start.find('\0') != std::string::npos;
 }
 
 std::optional<std::string> findPlaceFault(const NamedPath& report) {

@@ -15,8 +15,9 @@ struct Section {
     std::string_view opening;
     std::string_view closing;
 };
+constexpr std::string_view kEndTag = "</";
 constexpr std::array kSections{Section{"<!--", "-->"}, Section{"<![CDATA[", "]]>"},
-                               Section{"<?", "?>"}, Section{"</", ">"}};
+                               Section{"<?", "?>"}, Section{kEndTag, ">"}};
 
 /// How many bytes the tag has that `text` begins with; 0 when its end is not there.
 std::size_t tagSize(std::string_view text) {
@@ -78,10 +79,10 @@ std::string_view XmlPieces::window() const {
     return std::string_view(buffer_).substr(begin_, end_ - begin_);
 }
 
-XmlPiece XmlPieces::take(std::size_t size, bool isStartTag) {
+XmlPiece XmlPieces::take(std::size_t size, bool isStartTag, bool isEndTag) {
     const std::string_view bytes = window().substr(0, size);
     begin_ += size;
-    return {bytes, isStartTag};
+    return {bytes, isStartTag, isEndTag};
 }
 
 /// False at the end of the source. Ends what the window was before.
@@ -134,7 +135,7 @@ std::optional<XmlPiece> XmlPieces::takeMarkup() {
     for (const Section& section : kSections) {
         if (startsAs(section.opening)) {
             closing_ = section.closing;
-            return take(section.opening.size(), /*isStartTag=*/false);
+            return take(section.opening.size(), /*isStartTag=*/false, section.opening == kEndTag);
         }
     }
     const bool isStartTag = !startsAs("<!");

@@ -12,6 +12,7 @@ namespace marrowpress {
 struct XmlPiece {
     std::string_view bytes;
     bool isStartTag;  ///< A whole start tag, or that of an empty element. Else anything but one.
+    bool isEndTag = false;  ///< The first bytes of an end tag.
 };
 
 /// Cuts a well-formed document in UTF-8 into its start tags and what stands between them. All
@@ -35,7 +36,7 @@ public:
 
 private:
     std::string_view window() const;
-    XmlPiece take(std::size_t size, bool isStartTag);
+    XmlPiece take(std::size_t size, bool isStartTag, bool isEndTag = false);
     bool readMore();
     XmlPiece takeThroughEnd();
     std::optional<XmlPiece> takeMarkup();

@@ -106,5 +106,16 @@ TEST(XmlPiecesWindowTest, PassOnWhatTheSourceThrows) {
     EXPECT_THROW(pieces.next(), std::runtime_error);
 }
 
+TEST(XmlPiecesWindowTest, TellsEachEndTagOnce) {
+    for (const std::size_t step : {std::size_t{1}, std::size_t{1000000}}) {
+        XmlPieces source(inSteps("<a><b>x</b ><!-- </c> --><![CDATA[</d>]]><e/></a>", step));
+        std::size_t endTags = 0;
+        while (const std::optional<XmlPiece> piece = source.next()) {
+            endTags += piece->isEndTag ? 1 : 0;
+        }
+        EXPECT_EQ(endTags, 2U) << step;
+    }
+}
+
 }  // namespace
 }  // namespace marrowpress
