@@ -13,15 +13,15 @@ namespace {
 
 /// Where the last `count` parts of the path begin; 0 when it has not more.
 std::size_t startOfLast(std::string_view path, std::size_t count) {
-    std::size_t start = path.size();
-    while (count-- > 0 && start > 0) {
-        const std::size_t slash = path.rfind('/', start - 1);
+    std::size_t end = path.size();
+    for (std::size_t part = 0; part < count; ++part) {
+        const std::size_t slash = end == 0 ? std::string_view::npos : path.rfind('/', end - 1);
         if (slash == std::string_view::npos) {
             return 0;
         }
-        start = slash;
+        end = slash;
     }
-    return start == 0 ? 0 : start + 1;
+    return end + 1;
 }
 
 /// At level 0 the name without its ending, at each further one a part more of the path.

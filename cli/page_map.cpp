@@ -170,7 +170,7 @@ std::string exclusionRow(const ExcludedElement& element, const PageFiles& files)
     const std::string target =
         element.target.empty() || element.target == element.place.file
             ? std::string()
-            : files.linked(element.target,
+            : files.linked(element.target.substr(0, element.target.find('#')),
                            htmlText(shownPath(element.target, files.currentFolder())));
     return "<tr><td>" + files.linked(element.place) + "<td><code>" + htmlText(element.element) +
            "</code><td><code>" + htmlText(ruleText(element)) + "</code><td><code>" + target +

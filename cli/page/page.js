@@ -15,14 +15,16 @@ const entryAt = hash => {
   }
 };
 const titleOf = entry => entry.querySelector("summary").firstChild.textContent.trim();
+// Of many files, the map's tree alone has the titles.
 const hasTitle = entry => entry.querySelector("summary").firstChild.nodeType === Node.TEXT_NODE;
-for (const link of document.querySelectorAll(".tree a")) {
-  const entry = entryAt(link.hash);
-  if (!hasTitle(entry) && !/^(excluded|resource|unprinted|missing|other)$/.test(link.parentElement.className)) {
-    entry.querySelector("summary").prepend(link.textContent + " ");
+const copyTitles = () => {
+  for (const link of document.querySelectorAll(".tree li:not([class]) > a, .tree .map > a")) {
+    const entry = entryAt(link.hash);
+    if (entry && !hasTitle(entry)) {
+      entry.querySelector("summary").prepend(link.textContent + " ");
+    }
   }
-}
-
+};
 const outgoingWords = words.outgoing.split("|");
 const incomingWords = words.incoming.split("|");
 
@@ -298,6 +300,7 @@ const search = form => {
   form.hidden = false;
 };
 document.querySelectorAll(".search").forEach(search);
+addEventListener("load", () => setTimeout(copyTitles));
 
 document.addEventListener("keydown", event => {
   const isTyping = event.target.matches("input, select");
