@@ -167,7 +167,7 @@ std::string keysPart(const KeyList& keys, const PageFiles& files) {
                "</p>\n</section>\n";
     }
     html += searchForm("keys", translated("Schlüssel suchen"), choicesOf(keys)) +
-            "<div class=scroll role=region tabindex=0 aria-labelledby=keys-title>"
+            "<div class=scroll role=group tabindex=0 aria-labelledby=keys-title>"
             "<table>\n<thead><tr>" +
             columnHeads() + "\n<tbody>\n";
     for (const ListedKey& key : keys.keys()) {

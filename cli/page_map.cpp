@@ -201,7 +201,7 @@ std::string exclusionsPart(const ExclusionList& exclusions, const PageFiles& fil
                "</p>\n</section>\n";
     }
     html += searchForm("excluded", translated("Ausgeschlossenes suchen")) +
-            "<div class=scroll role=region tabindex=0 aria-labelledby=excluded-title>"
+            "<div class=scroll role=group tabindex=0 aria-labelledby=excluded-title>"
             "<table>\n<thead><tr><th scope=col>" +
             htmlText(translated("Stelle")) + "<th scope=col>" + htmlText(translated("Element")) +
             "<th scope=col>" + htmlText(translated("ausgeschlossen durch")) + "<th scope=col>" +

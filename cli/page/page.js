@@ -8,8 +8,9 @@ const filled = (pattern, ...texts) => pattern.replace(/\{(\d)\}/g, (place, numbe
 
 const entryOf = name => document.getElementById("f:" + name);
 const entryAt = hash => {
+  const name = hash.slice(1);
   try {
-    return document.getElementById(decodeURIComponent(hash.slice(1)));
+    return document.getElementById(name) ?? document.getElementById(decodeURIComponent(name));
   } catch {
     return null;
   }
