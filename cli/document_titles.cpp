@@ -44,10 +44,24 @@ bool isTitle(xmlTextReader& reader) {
            kTitles.end();
 }
 
-bool hasId(xmlTextReader& reader, const std::string& id) {
+std::string attributeOf(xmlTextReader& reader, const std::string& name) {
     const std::unique_ptr<xmlChar, FreeXmlText> value(
-        xmlTextReaderGetAttribute(&reader, asXml("id")));
-    return asText(value.get()) == id;
+        xmlTextReaderGetAttribute(&reader, asXml(name.c_str())));
+    return asText(value.get());
+}
+
+bool isLeftOut(xmlTextReader& reader, std::span<const ExcludedElement> leftOut) {
+    return std::any_of(leftOut.begin(), leftOut.end(), [&reader](const ExcludedElement& element) {
+        return !element.value.empty() &&
+               element.element == asText(xmlTextReaderConstName(&reader)) &&
+               element.value == attributeOf(reader, element.attribute);
+    });
+}
+
+/// The key that an empty element stands for; empty when there is none.
+std::string keyOf(xmlTextReader& reader) {
+    return xmlTextReaderIsEmptyElement(&reader) == 1 ? attributeOf(reader, "keyref")
+                                                     : std::string();
 }
 
 void appendWords(std::string& words, std::string_view text) {
@@ -75,30 +89,38 @@ std::string cutToMost(const std::string& text) {
 }
 
 /// The text inside the element that the reader stands on.
-std::string textInside(xmlTextReader& reader) {
+std::string textInside(xmlTextReader& reader, std::span<const ExcludedElement> leftOut) {
     const int depth = xmlTextReaderDepth(&reader);
     std::string text;
     if (xmlTextReaderIsEmptyElement(&reader) == 1) {
         return text;
     }
-    while (text.size() < kMostBytes && xmlTextReaderRead(&reader) == 1 &&
-           xmlTextReaderDepth(&reader) > depth) {
+    int result = xmlTextReaderRead(&reader);
+    while (text.size() < kMostBytes && result == 1 && xmlTextReaderDepth(&reader) > depth) {
+        if (isElement(reader) && isLeftOut(reader, leftOut)) {
+            result = xmlTextReaderNext(&reader);
+            continue;
+        }
         if (isText(reader)) {
             appendWords(text, asText(xmlTextReaderConstValue(&reader)));
+        } else if (isElement(reader) && !keyOf(reader).empty()) {
+            appendWords(text, "[" + keyOf(reader) + "]");
         }
+        result = xmlTextReaderRead(&reader);
     }
     return cutToMost(text.substr(0, text.find_last_not_of(' ') + 1));
 }
 
-std::string titleIn(xmlTextReader& reader, const std::string& id) {
+std::string titleIn(xmlTextReader& reader, const std::string& id,
+                    std::span<const ExcludedElement> leftOut) {
     bool isInTopic = id.empty();
     while (xmlTextReaderRead(&reader) == 1) {
         if (!isElement(reader)) {
             continue;
         }
-        isInTopic = isInTopic || hasId(reader, id);
+        isInTopic = isInTopic || attributeOf(reader, "id") == id;
         if (isInTopic && isTitle(reader)) {
-            return textInside(reader);
+            return textInside(reader, leftOut);
         }
     }
     return {};
@@ -106,7 +128,8 @@ std::string titleIn(xmlTextReader& reader, const std::string& id) {
 
 }  // namespace
 
-std::string titleOfDocument(const std::string& path, const std::string& id) {
+std::string titleOfDocument(const std::string& path, const std::string& id,
+                            std::span<const ExcludedElement> leftOut) {
     restrictLibxmlToLocalFiles();
     const RegularFile file(path);
     if (!file.isOpen()) {
@@ -119,7 +142,7 @@ std::string titleOfDocument(const std::string& path, const std::string& id) {
         throw std::bad_alloc();
     }
     xmlTextReaderSetStructuredErrorHandler(reader.get(), ignoreError, nullptr);
-    return titleIn(*reader, id);
+    return titleIn(*reader, id, leftOut);
 }
 
 }  // namespace marrowpress

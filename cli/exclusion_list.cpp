@@ -62,6 +62,16 @@ void ExclusionList::finish() {
     }
 }
 
+std::span<const ExcludedElement> ExclusionList::in(const std::string& file) const {
+    const auto begin = std::partition_point(
+        elements_.begin(), elements_.end(),
+        [&file](const ExcludedElement& element) { return element.place.file < file; });
+    const auto end = std::find_if(begin, elements_.end(), [&file](const ExcludedElement& element) {
+        return element.place.file != file;
+    });
+    return {begin, end};
+}
+
 const ExcludedElement* ExclusionList::find(const FindingPlace& place) const {
     const auto known = index_.find(place);
     return known == index_.end() ? nullptr : &elements_[known->second];

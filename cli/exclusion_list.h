@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,8 @@ public:
 
     /// By file and place.
     const std::vector<ExcludedElement>& elements() const noexcept { return elements_; }
+    /// Those of one file.
+    std::span<const ExcludedElement> in(const std::string& file) const;
     /// Null for an element that stays.
     const ExcludedElement* find(const FindingPlace& place) const;
     /// How many were not kept.

@@ -66,7 +66,7 @@ std::vector<std::string> incomingWords() {
             translated("über Schlüssel von")};
 }
 
-PageFiles::PageFiles(const Neighbourhood& neighbourhood,
+PageFiles::PageFiles(const Neighbourhood& neighbourhood, const ExclusionList& exclusions,
                      const std::unordered_set<std::string>& documents, std::string currentFolder)
     : neighbourhood_(neighbourhood),
       currentFolder_(std::move(currentFolder)),
@@ -74,8 +74,9 @@ PageFiles::PageFiles(const Neighbourhood& neighbourhood,
       showsIncoming_(bytesOfIncoming(neighbourhood, names_) <= kMostIncomingBytes) {
     titles_.reserve(names_.size());
     for (const FileNode& file : neighbourhood.files()) {
-        titles_.push_back(documents.contains(file.path) ? titleOfDocument(file.path)
-                                                        : std::string());
+        titles_.push_back(documents.contains(file.path)
+                              ? titleOfDocument(file.path, {}, exclusions.in(file.path))
+                              : std::string());
     }
 }
 

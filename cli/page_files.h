@@ -4,6 +4,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cli/exclusion_list.h"
 #include "cli/neighbourhood.h"
 #include "findings/finding.h"
 
@@ -21,10 +22,11 @@ public:
     static constexpr std::size_t kMostTitledFiles = 2'000;
 
     /// @param neighbourhood  Must outlive this object.
+    /// @param exclusions     Finished; what does not come into titles.
     /// @param documents      The paths of those that have a title.
     /// @param currentFolder  Absolute; paths are shown as seen from it.
-    PageFiles(const Neighbourhood& neighbourhood, const std::unordered_set<std::string>& documents,
-              std::string currentFolder);
+    PageFiles(const Neighbourhood& neighbourhood, const ExclusionList& exclusions,
+              const std::unordered_set<std::string>& documents, std::string currentFolder);
 
     std::size_t size() const noexcept { return names_.size(); }
 

@@ -30,7 +30,7 @@ void PublicationReport::write(std::ostream& out, const std::vector<Finding>& fin
     exclusions_.finish();
     outline_.finish();
     const Neighbourhood neighbourhood(dependencies_, keys_);
-    const PageFiles files(neighbourhood, documents_, setting_.currentFolder);
+    const PageFiles files(neighbourhood, exclusions_, documents_, setting_.currentFolder);
     const std::string map = setting_.map.string();
     out << reportPage({setting_.isCheck, map, setting_.output, setting_.profiles, findings, summary,
                        outline_, exclusions_, keys_, files});

@@ -87,19 +87,28 @@ const element = (name, attributes, ...children) => {
   made.append(...children);
   return made;
 };
-const box = { width: 240, height: 30, gap: 14, most: 12 };
-const cut = text => text.length > 30 ? text.slice(0, 29) + "…" : text;
+const box = { width: 250, height: 30, gap: 16, most: 12, label: 150 };
+const cut = (text, most) => text.length > most ? text.slice(0, most - 1) + "…" : text;
 
 const boxOf = (text, x, y, name) => {
   const shape = [
     element("rect", { x, y, width: box.width, height: box.height, rx: 3 }),
-    element("text", { x: x + 10, y: y + 20 }, cut(text)),
+    element("text", { x: x + 10, y: y + 20 }, cut(text, 30)),
   ];
   return name === undefined
     ? element("g", { class: "here" }, ...shape)
     : element("a", { href: "#" + encodeURIComponent("f:" + name) }, element("title", {}, text), ...shape);
 };
-const neighboursIn = groups => groups.flatMap(({ kind, names }) => names.map(name => ({ kind, name })));
+// Each neighbour once, with all the ways in which it is one.
+const neighboursIn = groups => {
+  const kindsOf = new Map();
+  for (const { kind, names } of groups) {
+    for (const name of names) {
+      (kindsOf.get(name) ?? kindsOf.set(name, []).get(name)).push(kind);
+    }
+  }
+  return [...kindsOf].map(([name, kinds]) => ({ name, kind: kinds.join(", ") }));
+};
 const labelOf = name => {
   const entry = entryOf(name);
   return entry ? titleOf(entry) : name;
@@ -111,7 +120,7 @@ const drawWide = (entry, incoming, outgoing) => {
   const rows = Math.max(incoming.length, outgoing.length, 1);
   const shownRows = Math.min(rows, box.most + 1);
   const height = shownRows * step + box.gap;
-  const columns = [4, 408, 812];
+  const columns = [4, 504, 1004];
   const middle = height / 2;
   const parts = [];
   const side = (neighbours, x, isIncoming) => {
@@ -120,14 +129,15 @@ const drawWide = (entry, incoming, outgoing) => {
     let y = middle - (count * step - box.gap) / 2;
     const edge = isIncoming ? x + box.width : x;
     const end = isIncoming ? columns[1] : columns[1] + box.width;
-    const bend = (edge + end) / 2;
+    const turn = isIncoming ? edge + box.label : edge - box.label;
+    const bend = (turn + end) / 2;
     for (const { kind, name } of shown) {
       const at = y + box.height / 2;
-      parts.push(element("path", { d: `M${edge} ${at}C${bend} ${at} ${bend} ${middle} ${end} ${middle}` }));
+      parts.push(element("path", { d: `M${edge} ${at}H${turn}C${bend} ${at} ${bend} ${middle} ${end} ${middle}` }));
       parts.push(boxOf(labelOf(name), x, y, name));
       parts.push(element("text", {
         class: "kind", x: isIncoming ? edge + 6 : edge - 6, y: at - 5, "text-anchor": isIncoming ? "start" : "end",
-      }, kind));
+      }, cut(kind, 24)));
       y += step;
     }
     if (shown.length < neighbours.length) {
@@ -137,7 +147,7 @@ const drawWide = (entry, incoming, outgoing) => {
   side(incoming, columns[0], true);
   side(outgoing, columns[2], false);
   parts.push(boxOf(titleOf(entry), columns[1], middle - box.height / 2));
-  return { width: 1056, height, parts };
+  return { width: 1258, height, parts };
 };
 
 // One column, the file between those that refer to it and those that it refers to.
@@ -175,7 +185,7 @@ const drawNarrow = (entry, incoming, outgoing) => {
   if (spine.at(-1) > here + box.height) {
     lines.push(element("path", { d: `M16 ${here + box.height}V${spine.at(-1)}` }));
   }
-  return { width: 288, height: y, parts: [...lines, ...parts] };
+  return { width: 298, height: y, parts: [...lines, ...parts] };
 };
 
 const isNarrow = matchMedia("(max-width: 44rem)");
@@ -185,7 +195,7 @@ const drawingOf = entry => {
   const drawing = element("svg", {
     viewBox: `0 0 ${width} ${height}`, role: "group", "aria-label": filled(words.drawing, titleOf(entry)),
   }, ...parts);
-  drawing.style.maxWidth = width * 1.1 + "px";
+  drawing.style.maxWidth = width + "px";
   return drawing;
 };
 

@@ -16,8 +16,8 @@ public:
         files_.refer(ReferenceKind::kTopic, "/w/m.ditamap", 2, "/w/t.dita");
         files_.list.finish();
         neighbourhood_ = std::make_unique<Neighbourhood>(files_.list, KeyList());
-        files =
-            std::make_unique<PageFiles>(*neighbourhood_, std::unordered_set<std::string>(), "/w");
+        files = std::make_unique<PageFiles>(*neighbourhood_, ExclusionList(),
+                                            std::unordered_set<std::string>(), "/w");
     }
 
     static bool holds(const std::string& text, const std::string& part) {

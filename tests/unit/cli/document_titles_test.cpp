@@ -50,6 +50,20 @@ TEST_F(TitleOfDocumentTest, ALongOneIsCutAtACharacter) {
     EXPECT_TRUE(title.ends_with("ü..."));
 }
 
+TEST_F(TitleOfDocumentTest, AKeyIsShownByItsName) {
+    EXPECT_EQ(
+        titleOf("<t><title>The <keyword keyref='product'/> and <ph keyref='k'>x</ph></title></t>"),
+        "The [product] and x");
+}
+
+TEST_F(TitleOfDocumentTest, WhatTheProfileTakesIsNotThere) {
+    const std::vector<ExcludedElement> leftOut{{{"t.dita", 1, 1}, "ph", "audience", "b", {}}};
+    const std::string path = folder.write(
+        "t.dita",
+        "<t><title><ph audience='a'>One</ph><ph audience='b'>Two<b>x</b></ph> end</title></t>");
+    EXPECT_EQ(titleOfDocument(path, {}, leftOut), "One end");
+}
+
 TEST_F(TitleOfDocumentTest, ReadsNoOtherFile) {
     folder.write("e.txt", "secret");
     EXPECT_EQ(titleOf("<!DOCTYPE t [<!ENTITY e SYSTEM 'e.txt'>]><t><title>A &e;</title></t>"), "A");

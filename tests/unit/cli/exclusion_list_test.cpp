@@ -47,6 +47,9 @@ TEST_F(ExclusionListTest, EachStartTagIsThereOnceAndByItsPlace) {
     EXPECT_EQ(list.elements()[0].place.file, "/w/a.dita");
     EXPECT_EQ(list.find({"/w/b.dita", 2, 3}), &list.elements()[1]);
     EXPECT_EQ(list.find({"/w/b.dita", 2, 4}), nullptr);
+    ASSERT_EQ(list.in("/w/b.dita").size(), 1U);
+    EXPECT_EQ(&list.in("/w/b.dita").front(), &list.elements()[1]);
+    EXPECT_TRUE(list.in("/w/aa.dita").empty());
 }
 
 TEST_F(ExclusionListTest, KeepsSoManyAndCountsTheRest) {

@@ -20,12 +20,13 @@ protected:
     PageFiles page(const std::unordered_set<std::string>& documents = {}) {
         files.list.finish();
         neighbourhood = std::make_unique<Neighbourhood>(files.list, keys);
-        return {*neighbourhood, documents, "/w"};
+        return {*neighbourhood, exclusions, documents, "/w"};
     }
 
     ChosenLanguage english{Language::kEnglish};
     ToldFiles files;
     KeyList keys;
+    ExclusionList exclusions;
     std::unique_ptr<Neighbourhood> neighbourhood;
 };
 
