@@ -46,6 +46,12 @@ if(MARROWPRESS_SANITIZE)
     target_link_options(marrowpress_build_flags INTERFACE ${sanitize})
 endif()
 
+# Such programs report what they meet, or count what they run.
+string(FIND "${CMAKE_CXX_FLAGS_DEBUG}" --coverage coverage)
+if(MARROWPRESS_SANITIZE OR MARROWPRESS_FUZZ OR NOT coverage EQUAL -1)
+    set(MARROWPRESS_IS_INSTRUMENTED ON)
+endif()
+
 if(MARROWPRESS_FUZZ)
     # The fuzzers see which branches an input takes.
     target_compile_options(marrowpress_build_flags INTERFACE -fsanitize=fuzzer-no-link)
