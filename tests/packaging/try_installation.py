@@ -12,6 +12,7 @@ missing.
 """
 
 import argparse
+import re
 import shlex
 import shutil
 import sys
@@ -24,6 +25,7 @@ TUTORIAL = Path(__file__).resolve().parent.parent / "docs" / "run_tutorial.py"
 ROOT = TUTORIAL.parent.parent.parent
 CATALOG = "/usr/share/dita-ot/catalog-dita.xml"
 NO_CATALOG = '<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog"/>\n'
+LINK = re.compile(r"\]\(([^)#:]+)[)#]")
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
 
 
@@ -50,6 +52,13 @@ def check_paths(installed, build):
                 require(str(folder).encode() not in content, f"{path} names {folder}")
 
 
+def check_links(installed):
+    """What a document refers to is installed, too."""
+    for document in installed.documents.glob("*.md"):
+        for target in LINK.findall(document.read_text(encoding="utf-8")):
+            require((document.parent / target).exists(), f"{document.name} leads to {target}")
+
+
 def check_command(installed, folder):
     shutil.copytree(installed.examples / "drill-guide", folder / "guide")
     require("Path is cut" in run(installed.command, "explain", "MP213", "--lang", "en"),
@@ -60,6 +69,14 @@ def check_command(installed, folder):
     require(printed.startswith(f"{output}\n") or f"\n{output}\n" in printed,
             f"publish doesn't name its output: {printed}")
     require("Bramble 12" in output.read_text(encoding="utf-8"), "the guide isn't in the output")
+
+
+def check_completion(installed):
+    """bash takes the file as it is, and completes the command by it."""
+    file = installed.prefix / "share" / "bash-completion" / "completions" / "marrowpress"
+    if file.exists():
+        rule = run("bash", "--norc", "-c", f"source '{file}' && complete -p marrowpress")
+        require(rule.rstrip().endswith(" marrowpress"), f"bash doesn't complete it: {rule}")
 
 
 def check_tutorial(installed):
@@ -127,7 +144,9 @@ def main():
             CONTENTS.write_text("".join(lines), encoding="utf-8")
         require_contents(installed.files())
         check_paths(installed, build)
+        check_links(installed)
         check_command(installed, folder)
+        check_completion(installed)
         check_tutorial(installed)
         check_find_package(arguments.cmake, installed, folder)
         check_pkg_config(installed, folder)
