@@ -9,22 +9,13 @@
 #include <string_view>
 
 #include "findings/regular_file.h"
-#include "findings/xml_characters.h"
+#include "host/libxml_handles.h"
 #include "host/local_xml_input.h"
 
 namespace marrowpress {
 namespace {
 
 constexpr std::size_t kMostBytes = 160;
-
-struct FreeReader {
-    void operator()(xmlTextReader* reader) const noexcept {
-        // The reader leaves its document to whoever asked for it.
-        xmlDoc* const document = xmlTextReaderCurrentDoc(reader);
-        xmlFreeTextReader(reader);
-        xmlFreeDoc(document);
-    }
-};
 
 void ignoreError(void* /*data*/, xmlError* /*error*/) {}
 
@@ -45,9 +36,8 @@ bool isTitle(xmlTextReader& reader) {
 }
 
 std::string attributeOf(xmlTextReader& reader, const std::string& name) {
-    const std::unique_ptr<xmlChar, FreeXmlText> value(
-        xmlTextReaderGetAttribute(&reader, asXml(name.c_str())));
-    return asText(value.get());
+    const LibxmlText value(xmlTextReaderGetAttribute(&reader, asXml(name.c_str())));
+    return std::string(asText(value.get()));
 }
 
 bool isLeftOut(xmlTextReader& reader, std::span<const ExcludedElement> leftOut) {
@@ -135,7 +125,7 @@ std::string titleOfDocument(const std::string& path, const std::string& id,
     if (!file.isOpen()) {
         return {};
     }
-    const std::unique_ptr<xmlTextReader, FreeReader> reader(
+    const LibxmlReader reader(
         xmlReaderForFd(file.descriptor(), nullptr, nullptr,
                        XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
     if (!reader) {

@@ -74,9 +74,8 @@ def check_command(installed, folder):
 def check_completion(installed):
     """bash takes the file as it is, and completes the command by it."""
     file = installed.prefix / "share" / "bash-completion" / "completions" / "marrowpress"
-    if file.exists():
-        rule = run("bash", "--norc", "-c", f"source '{file}' && complete -p marrowpress")
-        require(rule.rstrip().endswith(" marrowpress"), f"bash doesn't complete it: {rule}")
+    rule = run("bash", "--norc", "-c", f"source '{file}' && complete -p marrowpress")
+    require(rule.rstrip().endswith(" marrowpress"), f"bash doesn't complete it: {rule}")
 
 
 def check_tutorial(installed):
