@@ -96,7 +96,8 @@ std::string source(const FindingPlace& place, SourceLines& lines) {
     }
     const std::size_t begin = offsetOfCaret(excerpt);
     const std::size_t size = markedSize(shown.substr(begin));
-    return html + htmlOfShown(shown.substr(0, begin)) + "<mark>" +
+    const std::size_t indent = std::min(shown.find_first_not_of(" \t"), begin);
+    return html + htmlOfShown(shown.substr(indent, begin - indent)) + "<mark>" +
            htmlOfShown(shown.substr(begin, size)) + "</mark>" +
            htmlOfShown(shown.substr(begin + size)) + "</pre>";
 }

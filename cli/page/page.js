@@ -88,12 +88,20 @@ const element = (name, attributes, ...children) => {
   return made;
 };
 const box = { width: 250, height: 30, gap: 16, most: 12, label: 150 };
-const cut = (text, most) => text.length > most ? text.slice(0, most - 1) + "…" : text;
+const ruler = document.createElement("canvas").getContext("2d");
+const cut = (text, width) => {
+  ruler.font = "15px system-ui, sans-serif";
+  let end = text.length;
+  while (end > 1 && ruler.measureText(end < text.length ? text.slice(0, end) + "…" : text).width > width) {
+    --end;
+  }
+  return end < text.length ? text.slice(0, end) + "…" : text;
+};
 
 const boxOf = (text, x, y, name) => {
   const shape = [
     element("rect", { x, y, width: box.width, height: box.height, rx: 3 }),
-    element("text", { x: x + 10, y: y + 20 }, cut(text, 30)),
+    element("text", { x: x + 10, y: y + 20 }, cut(text, box.width - 20)),
   ];
   return name === undefined
     ? element("g", { class: "here" }, ...shape)
@@ -137,7 +145,7 @@ const drawWide = (entry, incoming, outgoing) => {
       parts.push(boxOf(labelOf(name), x, y, name));
       parts.push(element("text", {
         class: "kind", x: isIncoming ? edge + 6 : edge - 6, y: at - 5, "text-anchor": isIncoming ? "start" : "end",
-      }, cut(kind, 24)));
+      }, cut(kind, box.label)));
       y += step;
     }
     if (shown.length < neighbours.length) {

@@ -147,6 +147,9 @@ test("who refers is the same whether the page lists it or the script finds it", 
   assert.deepEqual(Object.fromEntries(groups), { "taken in by": 1, "linked from": 59 });
   const drawn = await page.$$eval("details[open] > svg > a", links => links.length);
   assert.equal(drawn, 24);
+  const tooWide = await page.$$eval("details[open] > svg > a", links => links.filter(link =>
+    link.querySelector("text").getBBox().width > link.querySelector("rect").getBBox().width - 10).length);
+  assert.equal(tooWide, 0);
 }));
 
 test("places of uses become links where they are opened", () => open(drill, async page => {
