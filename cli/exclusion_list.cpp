@@ -27,7 +27,7 @@ std::string valueIn(std::string_view line, const ExcludedElement& element) {
 }
 
 bool comesBefore(const ExcludedElement& left, const ExcludedElement& right) {
-    return left.place < right.place;
+    return PlaceOrder()(left.place, right.place);
 }
 
 }  // namespace

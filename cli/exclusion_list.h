@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/place_order.h"
 #include "findings/finding.h"
 #include "marrowpress/observer.h"
 
@@ -42,7 +43,7 @@ public:
 
 private:
     std::vector<ExcludedElement> elements_;
-    std::map<FindingPlace, std::size_t> index_;
+    std::map<FindingPlace, std::size_t, PlaceOrder> index_;
     std::size_t dropped_ = 0;
 };
 

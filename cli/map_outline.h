@@ -11,6 +11,7 @@
 
 #include "cli/exclusion_list.h"
 #include "cli/map_source.h"
+#include "cli/place_order.h"
 #include "findings/finding.h"
 #include "marrowpress/observer.h"
 
@@ -68,7 +69,7 @@ private:
         bool isNotPrinted;
         bool isOutside;  ///< Nothing in it is part of the tree.
     };
-    using PlaceTable = std::map<FindingPlace, std::string>;
+    using PlaceTable = std::map<FindingPlace, std::string, PlaceOrder>;
 
     void observeTopic(const Observation& observation);
     void observeReference(const Observation& observation);
@@ -93,8 +94,8 @@ private:
     PlaceTable targets_;  ///< Files that were looked for otherwise.
     std::unordered_set<std::string> unread_;
     /// Topics that a content reference has brought, by its place.
-    std::multimap<FindingPlace, FindingPlace> copies_;
-    std::set<FindingPlace> added_;
+    std::multimap<FindingPlace, FindingPlace, PlaceOrder> copies_;
+    std::set<FindingPlace, PlaceOrder> added_;
     std::map<std::string, std::vector<MapElement>> sources_;
     std::vector<std::string> openMaps_;
     std::vector<OutlineEntry> entries_;

@@ -5,6 +5,8 @@
 #include <tuple>
 #include <utility>
 
+#include "cli/place_order.h"
+
 namespace marrowpress {
 namespace {
 
@@ -34,8 +36,8 @@ std::string withoutFragment(const std::string& target) {
     return target.substr(0, target.find('#'));
 }
 
-std::set<FindingPlace> placesOfDefinitions(const KeyList& keys) {
-    std::set<FindingPlace> places;
+std::set<FindingPlace, PlaceOrder> placesOfDefinitions(const KeyList& keys) {
+    std::set<FindingPlace, PlaceOrder> places;
     for (const ListedKey& key : keys.keys()) {
         for (const KeyDefinition& definition : key.definitions) {
             places.insert(definition.place);
@@ -73,7 +75,7 @@ void Neighbourhood::addFiles(const DependencyList& dependencies) {
 
 void Neighbourhood::addEdges(const DependencyList& dependencies, const KeyList& keys) {
     // A link that somebody has by a key is told at the definition; it is not the map that links.
-    const std::set<FindingPlace> definitions = placesOfDefinitions(keys);
+    const std::set<FindingPlace, PlaceOrder> definitions = placesOfDefinitions(keys);
     for (const DependencyEdge& edge : dependencies.edges()) {
         const bool isOfUser =
             edge.kind == DependencyKind::kLink || edge.kind == DependencyKind::kImage;
