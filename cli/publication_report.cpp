@@ -53,6 +53,7 @@ FindingsWriting writingOf(PublicationReport* report) {
 
 std::vector<std::string> namesOf(const std::vector<std::filesystem::path>& paths) {
     std::vector<std::string> names;
+    names.reserve(paths.size());
     for (const std::filesystem::path& path : paths) {
         names.push_back(path.string());
     }
