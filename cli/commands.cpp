@@ -13,38 +13,37 @@ namespace {
 
 constexpr const char* kFlatBookExample =
     "  mkdir -p out/book\n"
-    "  build/release/bin/marrowpress publish \\\n"
+    "  marrowpress publish \\\n"
     "      examples/drill-guide/drill-guide.ditamap -f flatbook -o out/book \\\n"
     "      --one-location\n";
 
 constexpr const char* kCheckExample =
-    "  build/release/bin/marrowpress check examples/drill-guide/drill-guide.ditamap\n";
+    "  marrowpress check examples/drill-guide/drill-guide.ditamap\n";
 
 constexpr const char* kKeysExample =
-    "  build/release/bin/marrowpress keys examples/drill-guide/drill-guide.ditamap\n"
-    "  build/release/bin/marrowpress keys examples/drill-guide/drill-guide.ditamap \\\n"
+    "  marrowpress keys examples/drill-guide/drill-guide.ditamap\n"
+    "  marrowpress keys examples/drill-guide/drill-guide.ditamap \\\n"
     "      --explain product\n";
 
 constexpr const char* kDepsExample =
-    "  build/release/bin/marrowpress deps examples/drill-guide/drill-guide.ditamap\n"
-    "  build/release/bin/marrowpress deps examples/drill-guide/drill-guide.ditamap \\\n"
+    "  marrowpress deps examples/drill-guide/drill-guide.ditamap\n"
+    "  marrowpress deps examples/drill-guide/drill-guide.ditamap \\\n"
     "      --reverse examples/drill-guide/topics/safety.dita\n";
 
 constexpr const char* kDoctorExample =
-    "  build/release/bin/marrowpress doctor\n"
-    "  build/release/bin/marrowpress doctor examples/drill-guide/drill-guide.ditamap\n";
+    "  marrowpress doctor\n"
+    "  marrowpress doctor examples/drill-guide/drill-guide.ditamap\n";
 
 constexpr const char* kHostExample =
     "  printf '%s' '{\"type\":\"PublishComp\",\"params\":{\"ditaVal\":\"\",\"usePrint\":false,\n"
     "  \"ditamap\":\"examples/drill-guide/drill-guide.ditamap\",\n"
     "  \"output\":\"drill-guide.dita\",\"compositeDocDtd\":\"ditabase.dtd\",\n"
     "  \"keyspaceDocDtd\":\"map.dtd\"}}' |\n"
-    "      build/release/bin/marrowpress host -\n";
+    "      marrowpress host -\n";
 
-constexpr const char* kCompletionExample =
-    "  source <(build/release/bin/marrowpress completion bash)\n";
+constexpr const char* kCompletionExample = "  source <(marrowpress completion bash)\n";
 
-constexpr const char* kExplainExample = "  build/release/bin/marrowpress explain MP105\n";
+constexpr const char* kExplainExample = "  marrowpress explain MP105\n";
 
 void addCatalog(CommandArguments& arguments, std::vector<std::string>& target) {
     arguments.addList("--catalog", target,

@@ -11,7 +11,7 @@ namespace marrowpress {
 
 /// An example that publishes the guide of the project, for help texts.
 inline constexpr const char* kPublishExample =
-    "  build/release/bin/marrowpress publish \\\n"
+    "  marrowpress publish \\\n"
     "      examples/drill-guide/drill-guide.ditamap -f composite -o drill-guide.dita\n";
 
 inline constexpr const char* kVersionDescription = "Show the version, and those of the libraries";
