@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <string_view>
 
 #include "cli/options.h"
@@ -67,7 +68,7 @@ complete -F _marrowpress marrowpress
 )bash";
 
 /// All names of an option, with their dashes.
-std::vector<std::string> namesOf(const CLI::Option& option) {
+std::vector<std::string> spellingsOf(const CLI::Option& option) {
     std::vector<std::string> names;
     for (const std::string& name : option.get_snames()) {
         names.push_back("-" + name);
@@ -78,16 +79,8 @@ std::vector<std::string> namesOf(const CLI::Option& option) {
     return names;
 }
 
-std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
-    std::string all;
-    for (const std::string& text : texts) {
-        all.append(all.empty() ? "" : separator).append(text);
-    }
-    return all;
-}
-
 std::string wordsCall(const std::vector<std::string>& words) {
-    return "_marrowpress_words '" + joined(words, " ") + "'";
+    return "_marrowpress_words '" + boost::algorithm::join(words, " ") + "'";
 }
 
 bool takesValue(const CLI::Option& option) {
@@ -130,10 +123,10 @@ std::string commandPart(const Command& command) {
     std::vector<std::string> options;
     std::string cases;
     for (const CLI::Option* const option : command.app().get_options()) {
-        const std::vector<std::string> names = namesOf(*option);
+        const std::vector<std::string> names = spellingsOf(*option);
         options.insert(options.end(), names.begin(), names.end());
         if (!names.empty() && takesValue(*option)) {
-            cases += caseLine(joined(names, "|"), valueCall(command, *option));
+            cases += caseLine(boost::algorithm::join(names, "|"), valueCall(command, *option));
         }
     }
     std::string part = "    " + command.name() + ")\n";

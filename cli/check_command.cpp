@@ -87,7 +87,7 @@ std::unique_ptr<PublicationReport> Checking::makePage() const {
                                                              options_.isForPrint,
                                                              paths_.map,
                                                              {},
-                                                             namesOf(paths_.filters),
+                                                             pathTexts(paths_.filters),
                                                              fs::current_path().string()});
 }
 

@@ -1,19 +1,12 @@
 #include "cli/command_arguments.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 
 #include "findings/nearest.h"
 
 namespace marrowpress {
 namespace {
-
-std::string joined(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts) {
-        all += (all.empty() ? "" : ", ") + text;
-    }
-    return all;
-}
 
 /// Behind an unknown name: "; did you mean `that`?"
 std::string suggestion(const std::string& name, const std::vector<std::string>& names) {
@@ -46,7 +39,7 @@ std::string unknownValueText(const std::string& kind, const std::string& value,
                              const std::vector<std::string>& known) {
     const std::string near = suggestion(value, known);
     return "unknown " + kind + " `" + value + "`" +
-           (near.empty() ? "; known: " + joined(known) : near);
+           (near.empty() ? "; known: " + boost::algorithm::join(known, ", ") : near);
 }
 
 CLI::Option& CommandArguments::addText(const std::string& names, std::string& target,

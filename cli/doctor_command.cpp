@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kName = "doctor";
+constexpr const char* kDoctor = "doctor";
 
 /// The name of the character set that the environment asks for. The process has none of its own.
 std::string environmentCharset() {
@@ -71,7 +71,7 @@ ExitCode give(const DoctorReport& report, const Streams& streams) {
 
 ExitCode examineMachine(const DoctorOptions& options, const Streams& streams) {
     if (const std::optional<std::string> fault = findCatalogOptionFault(options.catalogs)) {
-        streams.err << usageErrorText(kName, *fault);
+        streams.err << usageErrorText(kDoctor, *fault);
         return ExitCode::kWrongUsage;
     }
     DoctorReport report;
@@ -95,7 +95,7 @@ ExitCode examineMap(const DoctorOptions& options, const Streams& streams) {
         addSurroundings(report, passingFolder());
         return give(report, streams);
     };
-    return runSurvey({kName,
+    return runSurvey({kDoctor,
                       options,
                       [&grammars](const Observation& met) { grammars.observe(met); },
                       {},

@@ -1,6 +1,7 @@
 #include "cli/doctor_report.h"
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 
 #include "cli/text_table.h"
 #include "findings/language.h"
@@ -14,14 +15,6 @@ constexpr const char* kUtf8 = "UTF-8";
 
 std::string stateOf(const CheckedPlace& place, const std::string& sound) {
     return place.fault.empty() ? sound : place.fault;
-}
-
-std::string joined(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts) {
-        all += (all.empty() ? "" : ", ") + text;
-    }
-    return all;
 }
 
 std::string installText() {
@@ -72,7 +65,7 @@ void DoctorReport::addTypes(const std::vector<TriedType>& types) {
         remarks_.push_back(
             translated("Für {0} brauchen Sie DTDs von DITA 1.3; nennen Sie ihren Katalog mit "
                        "--catalog",
-                       {joined(newer)}));
+                       {boost::algorithm::join(newer, ", ")}));
     }
 }
 
@@ -97,9 +90,11 @@ void DoctorReport::addEncodings(const std::vector<TriedEncoding>& encodings) {
     for (const TriedEncoding& encoding : encodings) {
         (encoding.canBeRead ? readable : others).push_back(encoding.name);
     }
-    std::string text = translated("Dokumente dürfen sein in: {0}", {joined(readable)}) + "\n";
+    std::string text =
+        translated("Dokumente dürfen sein in: {0}", {boost::algorithm::join(readable, ", ")}) +
+        "\n";
     if (!others.empty()) {
-        text += translated("nicht in: {0}", {joined(others)}) + "\n";
+        text += translated("nicht in: {0}", {boost::algorithm::join(others, ", ")}) + "\n";
         addFault(
             translated("Es lassen sich nicht alle üblichen Kodierungen lesen; Xerces-C muss "
                        "mit ICU gebaut sein, wie es in Debian ist"));

@@ -11,10 +11,10 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kIndent = "    ";
+constexpr const char* kInner = "    ";
 
 std::string indentedLine(const std::string& text) {
-    return text.empty() ? "" : kIndent + shownText(text) + "\n";
+    return text.empty() ? "" : kInner + shownText(text) + "\n";
 }
 
 /// Why it counts, or does not.
@@ -73,7 +73,7 @@ std::string chainText(const KeyDefinition& definition, const ListedKey& key, con
 std::string usesText(const ListedKey& key, const std::string& currentFolder) {
     std::string text = keyUseCountText(key.uses.size()) + "\n";
     for (const FindingPlace& use : key.uses) {
-        text += kIndent + placeText(use, currentFolder) + "\n";
+        text += kInner + placeText(use, currentFolder) + "\n";
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #include "cli/key_formats.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <boost/json/serialize.hpp>
 #include <functional>
 #include <string_view>
@@ -66,16 +67,9 @@ std::string stateOf(const Row& row) {
     return row.isOfKey ? nameOf(row.key.use()) : nameOf(row.definition->state);
 }
 
-std::string joined(const std::vector<std::string>& texts, std::string_view between) {
-    std::string all;
-    for (const std::string& text : texts) {
-        all.append(all.empty() ? "" : between).append(text);
-    }
-    return all;
-}
-
 std::string chainText(const KeyList& list, const Row& row) {
-    return row.isOfKey ? joined(list.chainOf(row.key), " > ") : row.definition->keyref;
+    return row.isOfKey ? boost::algorithm::join(list.chainOf(row.key), " > ")
+                       : row.definition->keyref;
 }
 
 /// What the definition leads to, else its text.
@@ -134,7 +128,7 @@ std::vector<std::string> csvCells(const KeyList& list, const Row& row) {
             chainText(list, row),
             row.isOfKey ? std::to_string(places.size()) : "",
             row.isOfKey ? std::to_string(row.key.definitions.size()) : "",
-            row.isOfKey ? joined(places, " ") : ""};
+            row.isOfKey ? boost::algorithm::join(places, " ") : ""};
 }
 
 boost::json::object definitionObject(const KeyDefinition& definition) {

@@ -51,7 +51,7 @@ FindingsWriting writingOf(PublicationReport* report) {
                     const FindingSummary& summary) { report->write(out, findings, summary); };
 }
 
-std::vector<std::string> namesOf(const std::vector<std::filesystem::path>& paths) {
+std::vector<std::string> pathTexts(const std::vector<std::filesystem::path>& paths) {
     std::vector<std::string> names;
     names.reserve(paths.size());
     for (const std::filesystem::path& path : paths) {

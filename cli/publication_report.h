@@ -57,6 +57,6 @@ std::function<void(const Observation&)> watchingFor(PublicationReport* report);
 FindingsWriting writingOf(PublicationReport* report);
 
 /// As texts.
-std::vector<std::string> namesOf(const std::vector<std::filesystem::path>& paths);
+std::vector<std::string> pathTexts(const std::vector<std::filesystem::path>& paths);
 
 }  // namespace marrowpress

@@ -78,7 +78,7 @@ public:
             page_ = std::make_unique<PublicationReport>(
                 ReportSetting{/*isCheck=*/false, options_.isForPrint, paths_.map,
                               standardOutput_ ? std::string() : paths_.output.string(),
-                              namesOf(paths_.filters), fs::current_path().string()});
+                              pathTexts(paths_.filters), fs::current_path().string()});
         }
     }
 

@@ -1,5 +1,6 @@
 #include "cli/report_page.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include "cli/html.h"
 #include "cli/page_findings.h"
 #include "cli/page_keys.h"
@@ -69,14 +70,6 @@ std::string facts(const ReportContent& content) {
     return html;
 }
 
-std::string joined(const std::vector<std::string>& words) {
-    std::string all;
-    for (const std::string& word : words) {
-        all += (all.empty() ? "" : "|") + word;
-    }
-    return htmlText(all);
-}
-
 std::string contentsLink(const char* part, const std::string& name, std::size_t count) {
     return "<a href=#" + std::string(part) + ">" + htmlText(name) + " <small>" +
            std::to_string(count) + "</small></a>\n";
@@ -109,8 +102,8 @@ std::string reportPage(const ReportContent& content) {
          {"verdict-class", verdictClass(content.summary)},
          {"counts", htmlText(counts(content.summary))},
          {"facts", facts(content)},
-         {"outgoing", joined(outgoingWords())},
-         {"incoming", joined(incomingWords())},
+         {"outgoing", htmlText(boost::algorithm::join(outgoingWords(), "|"))},
+         {"incoming", htmlText(boost::algorithm::join(incomingWords(), "|"))},
          {"shown", htmlText(translated("{0} von {1}"))},
          {"more", htmlText(translated("und {0} weitere"))},
          {"drawing", htmlText(translated("Nachbarn von {0}"))},

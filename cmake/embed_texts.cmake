@@ -1,13 +1,23 @@
-# Writes a source that defines texts as constants of a header:
+# embed_texts(SOURCE HEADER NAME=FILE...)
 #
-#   cmake -D OUTPUT=page_texts.cpp -D HEADER=cli/page_texts.h
-#         -D "TEXTS=kPageStyle=/path/page.css;..." -P embed_texts.cmake
-set(source "#include \"${HEADER}\"\n\nnamespace marrowpress {\n")
-foreach(entry IN LISTS TEXTS)
-    string(REGEX MATCH "^([^=]+)=(.+)$" matched "${entry}")
-    set(name ${CMAKE_MATCH_1})
-    file(READ "${CMAKE_MATCH_2}" text)
-    string(APPEND source "\nconst std::string_view ${name} = R\"embedded(${text})embedded\";\n")
-endforeach()
-string(APPEND source "\n}  // namespace marrowpress\n")
-file(WRITE "${OUTPUT}" "${source}")
+# Writes a source that defines the texts of files as the constants that HEADER declares. It is written
+# again, and built again, when one of them changes.
+function(embed_texts source header)
+    set(content "#include \"${header}\"\n\nnamespace marrowpress {\n")
+    foreach(entry IN LISTS ARGN)
+        string(REGEX MATCH "^([^=]+)=(.+)$" matched "${entry}")
+        set(name ${CMAKE_MATCH_1})
+        set(file ${CMAKE_CURRENT_SOURCE_DIR}/${CMAKE_MATCH_2})
+        set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+        file(READ ${file} text)
+        string(APPEND content "\nconst std::string_view ${name} = R\"embedded(${text})embedded\";\n")
+    endforeach()
+    string(APPEND content "\n}  // namespace marrowpress\n")
+    set(before "")
+    if(EXISTS ${source})
+        file(READ ${source} before)
+    endif()
+    if(NOT content STREQUAL before)
+        file(WRITE ${source} "${content}")
+    endif()
+endfunction()

@@ -38,12 +38,12 @@ Pieces cut(const std::string& text, std::size_t step) {
     return pieces;
 }
 
-struct Case {
+struct PiecesCase {
     std::string text;
     std::vector<std::string> tags;
 };
 
-class XmlPiecesTest : public testing::TestWithParam<Case> {};
+class XmlPiecesTest : public testing::TestWithParam<PiecesCase> {};
 
 TEST_P(XmlPiecesTest, AreTheStartTagsAndAllBytesBetween) {
     for (const std::size_t step :
@@ -57,28 +57,29 @@ TEST_P(XmlPiecesTest, AreTheStartTagsAndAllBytesBetween) {
 INSTANTIATE_TEST_SUITE_P(
     Documents, XmlPiecesTest,
     testing::Values(
-        Case{"", {}}, Case{"text", {}}, Case{"<a/>", {"<a/>"}},
-        Case{"\xEF\xBB\xBF<?xml version=\"1.0\"?>\r\n<a>x<b/>y</a>\r\n", {"<a>", "<b/>"}},
-        Case{"<a b='>' c=\"'>\" d = '\"'>&gt;</a >", {"<a b='>' c=\"'>\" d = '\"'>"}},
-        Case{"<a\n\tb='1'\n/>", {"<a\n\tb='1'\n/>"}},
-        Case{"<a><!-- <b/> > ' -- \" --><c/></a>", {"<a>", "<c/>"}},
-        Case{"<a><!--> --><c/><!----><d/></a>", {"<a>", "<c/>", "<d/>"}},
-        Case{"<a><![CDATA[<b href='/x'>]] ]>]]]><c/></a>", {"<a>", "<c/>"}},
-        Case{"<a><?Qs <b/> ' ? > ?><c/></a>", {"<a>", "<c/>"}},
-        Case{"<!DOCTYPE a PUBLIC \"-//x>//\" '[\">'><a/>", {"<a/>"}},
-        Case{"<!DOCTYPE a [<!ENTITY b \"<c/>]>\"><!-- ' ]> --><?p ' ]> ?><!ATTLIST a b CDATA '>'>]"
-             " ><a/>",
-             {"<a/>"}},
-        Case{"<!DOCTYPE a><a>'<b>\"</b></a>", {"<a>", "<b>"}}));
+        PiecesCase{"", {}}, PiecesCase{"text", {}}, PiecesCase{"<a/>", {"<a/>"}},
+        PiecesCase{"\xEF\xBB\xBF<?xml version=\"1.0\"?>\r\n<a>x<b/>y</a>\r\n", {"<a>", "<b/>"}},
+        PiecesCase{"<a b='>' c=\"'>\" d = '\"'>&gt;</a >", {"<a b='>' c=\"'>\" d = '\"'>"}},
+        PiecesCase{"<a\n\tb='1'\n/>", {"<a\n\tb='1'\n/>"}},
+        PiecesCase{"<a><!-- <b/> > ' -- \" --><c/></a>", {"<a>", "<c/>"}},
+        PiecesCase{"<a><!--> --><c/><!----><d/></a>", {"<a>", "<c/>", "<d/>"}},
+        PiecesCase{"<a><![CDATA[<b href='/x'>]] ]>]]]><c/></a>", {"<a>", "<c/>"}},
+        PiecesCase{"<a><?Qs <b/> ' ? > ?><c/></a>", {"<a>", "<c/>"}},
+        PiecesCase{"<!DOCTYPE a PUBLIC \"-//x>//\" '[\">'><a/>", {"<a/>"}},
+        PiecesCase{
+            "<!DOCTYPE a [<!ENTITY b \"<c/>]>\"><!-- ' ]> --><?p ' ]> ?><!ATTLIST a b CDATA '>'>]"
+            " ><a/>",
+            {"<a/>"}},
+        PiecesCase{"<!DOCTYPE a><a>'<b>\"</b></a>", {"<a>", "<b>"}}));
 
-INSTANTIATE_TEST_SUITE_P(CutOff, XmlPiecesTest,
-                         testing::Values(Case{"<", {}}, Case{"<a", {}}, Case{"<a b='>", {}},
-                                         Case{"<!", {}}, Case{"<!-", {}}, Case{"<!-- <a/> --", {}},
-                                         Case{"<![CDATA", {}}, Case{"<![CDATA[<a/>]]", {}},
-                                         Case{"<?a <b/>", {}}, Case{"</a", {}},
-                                         Case{"<!DOCTYPE a [<b/>]", {}},
-                                         Case{"<!DOCTYPE a [<!-- ]>", {}},
-                                         Case{"<a/><", {"<a/>"}}));
+INSTANTIATE_TEST_SUITE_P(
+    CutOff, XmlPiecesTest,
+    testing::Values(PiecesCase{"<", {}}, PiecesCase{"<a", {}}, PiecesCase{"<a b='>", {}},
+                    PiecesCase{"<!", {}}, PiecesCase{"<!-", {}}, PiecesCase{"<!-- <a/> --", {}},
+                    PiecesCase{"<![CDATA", {}}, PiecesCase{"<![CDATA[<a/>]]", {}},
+                    PiecesCase{"<?a <b/>", {}}, PiecesCase{"</a", {}},
+                    PiecesCase{"<!DOCTYPE a [<b/>]", {}}, PiecesCase{"<!DOCTYPE a [<!-- ]>", {}},
+                    PiecesCase{"<a/><", {"<a/>"}}));
 
 TEST(XmlPiecesWindowTest, TakesTagsAndTextsOfAnyLength) {
     const std::string tag = "<a b='" + std::string(1000000, '>') + "'>";
