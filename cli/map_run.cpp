@@ -18,6 +18,9 @@
 namespace marrowpress {
 namespace {
 
+/// As the observer names it.
+constexpr std::string_view kOutputPhase = "output";
+
 std::string withStatus(PublishStatus status) {
     return " (status " + std::to_string(status) + ")";
 }
@@ -41,6 +44,13 @@ bool isFailureTold(const std::vector<Finding>& findings) {
     });
 }
 
+void takeAnswer(const std::optional<TypedValues>& answer, RunOutcome& outcome) {
+    if (answer) {
+        outcome.status = statusOf(*answer);
+        outcome.components = componentsOf(*answer);
+    }
+}
+
 }  // namespace
 
 RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
@@ -58,6 +68,7 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             display.showReportLine(line);
         }
     };
+    bool isOutputNext = false;
     if (setting.clock) {
         host.onDocument = [&](std::string_view path) { setting.clock->visit(path); };
     }
@@ -66,6 +77,8 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             if (setting.clock) {
                 setting.clock->observe(observation);
             }
+            isOutputNext |=
+                observation.kind == ObservationKind::kPhase && observation.target == kOutputPhase;
             if (setting.watch) {
                 setting.watch(observation);
             }
@@ -76,20 +89,23 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
         };
     }
     host.onReference = setting.watchReferences;
-    host.isInterrupted = DeferredSignal::hasCome;
+    const auto hasAllThatIsWanted = [&] { return setting.endsBeforeOutput && isOutputNext; };
+    host.isInterrupted = [&] { return DeferredSignal::hasCome() || hasAllThatIsWanted(); };
     // It comes when the client has cleaned up, but before anybody takes the run for a failed one.
     const DeferredSignal deferred;
     ClientSession session(std::move(host));
-    const std::optional<TypedValues> answer = session.send(setting.request);
+    try {
+        takeAnswer(session.send(setting.request), outcome);
+    } catch (const RunInterrupted&) {
+        if (!hasAllThatIsWanted()) {
+            throw;
+        }
+        outcome.status = kPublished;
+    }
     display.end();
     if (setting.clock) {
         setting.clock->endRuns();
     }
-    if (!answer) {
-        return outcome;
-    }
-    outcome.status = statusOf(*answer);
-    outcome.components = componentsOf(*answer);
     return outcome;
 }
 

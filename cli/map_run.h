@@ -36,6 +36,9 @@ struct RunSetting {
     std::function<void(const std::string&)> onCatalog = {};
     /// Measures what the run does, unless it is null.
     RunClock* clock = nullptr;
+    /// Nobody wants an output: once all else is done the run ends, as if it had been written. For a
+    /// run that `watch` looks at.
+    bool endsBeforeOutput = false;
 };
 
 /// Why a run comes to nothing where another one does not end.

@@ -43,7 +43,8 @@ private:
                 run_.watch,
                 run_.watch,
                 run_.onCatalog,
-                run_.clock};
+                run_.clock,
+                run_.endsBeforeOutput};
     }
 
     const ScratchRun& run_;

@@ -34,6 +34,8 @@ struct ScratchRun {
     std::function<void(const std::string&)> onCatalog = {};
     /// Measures what the run does, unless it is null.
     RunClock* clock = nullptr;
+    /// As that of a `RunSetting`.
+    bool endsBeforeOutput = false;
 };
 
 /// Runs, and adds what was found to `total`.

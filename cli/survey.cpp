@@ -40,8 +40,9 @@ ExitCode run(const Survey& survey, const Streams& streams) {
     RunDisplay display(options.diagnostics, streams.err);
     const bool hasFindings = options.diagnostics.format != DiagnosticsFormat::kNone;
     RunTotal total;
-    runInScratch({options, paths, profiles, hasFindings, survey.watch, survey.onCatalog}, display,
-                 total);
+    runInScratch({options, paths, profiles, hasFindings, survey.watch, survey.onCatalog, nullptr,
+                  /*endsBeforeOutput=*/true},
+                 display, total);
     const ExitCode code =
         report.write(total.list, total.droppedFaults, total.topics, total.code, streams.err);
     return code == ExitCode::kSuccess ? survey.giveResult() : code;

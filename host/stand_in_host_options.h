@@ -46,7 +46,8 @@ struct StandInHostOptions {
     /// Takes the path of a document that the client begins with, and an empty one when it ends with
     /// the last: the commands "start" and "end" to "XmlUtilities".
     LineSink onDocument;
-    /// Asked at each operation of a request, whether its run is to end early.
+    /// Asked at each operation of a request, and when a phase has been observed, whether the run is
+    /// to end early.
     std::function<bool()> isInterrupted;
     /// Gets every host operation; must outlive the host.
     Trace* trace = nullptr;

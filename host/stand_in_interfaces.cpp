@@ -351,11 +351,16 @@ ComStatus StandInInterfaces::write(const char* text, std::int32_t* hostStatus) {
 }
 
 ComStatus StandInInterfaces::observe(const Observation* observation) {
-    return guarded([&] {
+    const ComStatus status = guarded([&] {
         if (observation && options_.onObservation) {
             options_.onObservation(*observation);
         }
     });
+    // A part may be long, and hold no other operation.
+    if (observation && observation->kind == ObservationKind::kPhase) {
+        requireGoingOn();
+    }
+    return status;
 }
 
 ComStatus StandInInterfaces::observeReference(const Observation* observation) {

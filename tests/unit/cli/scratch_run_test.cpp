@@ -31,13 +31,15 @@ protected:
                               output = met.target;
                           }
                       },
-                      [this](const std::string& path) { catalogs.push_back(path); }},
+                      [this](const std::string& path) { catalogs.push_back(path); }, nullptr,
+                      endsBeforeOutput},
                      display, total);
         return err.str();
     }
 
     TemporaryFolder folder;
     RunOptions options;
+    bool endsBeforeOutput = false;
     RunTotal total;
     std::string output;
     std::vector<std::string> catalogs;
@@ -59,6 +61,28 @@ TEST_F(ScratchRunTest, AddsWhatItFindsToTheTotal) {
     // The same again is folded.
     run();
     EXPECT_EQ(total.list.findings().size(), once);
+}
+
+TEST_F(ScratchRunTest, WithoutAnOutputTheFindingsAreTheSame) {
+    run();
+    const std::vector<Finding> withOutput = total.list.take();
+    output.clear();
+    endsBeforeOutput = true;
+    run();
+    EXPECT_EQ(output, "");
+    EXPECT_EQ(total.code, ExitCode::kSuccess);
+    const std::vector<Finding> without = total.list.take();
+    ASSERT_EQ(without.size(), withOutput.size());
+    for (std::size_t index = 0; index < without.size(); ++index) {
+        EXPECT_EQ(without[index].text, withOutput[index].text);
+    }
+}
+
+TEST_F(ScratchRunTest, WithoutAnOutputARunCanFailAllTheSame) {
+    folder.write("m.ditamap", "<map");
+    endsBeforeOutput = true;
+    run(false);
+    EXPECT_EQ(total.code, ExitCode::kRunFailed);
 }
 
 TEST_F(ScratchRunTest, WithoutFindingsReportLinesAreShown) {

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "tests/support/message_texts.h"
+#include "tests/support/observations.h"
 
 namespace marrowpress {
 namespace {
@@ -276,6 +277,23 @@ TEST_F(EarlyEndTest, EachOperationOfAnInterruptedRunThrows) {
     host().beginCall();
     EXPECT_EQ(countThrowing(), 0);
     EXPECT_EQ(host().endCall(), std::nullopt);
+}
+
+TEST_F(EarlyEndTest, ThePhaseThatInterruptsARunIsToldAndThrows) {
+    bool isInterrupted = false;
+    StandInHostOptions options;
+    options.onObservation = [&](const Observation& met) {
+        isInterrupted = met.kind == ObservationKind::kPhase;
+    };
+    options.isInterrupted = [&] { return isInterrupted; };
+    make(options);
+    host().beginCall();
+    const auto observer = query<IHostObserver>();
+    const Observation document = observationOf(ObservationKind::kDocumentRead, "/a.dita");
+    EXPECT_EQ(observer->observe(&document), kComOk);
+    const Observation phase = observationOf(ObservationKind::kPhase, "output");
+    EXPECT_THROW(observer->observe(&phase), RunInterrupted);
+    EXPECT_THROW(host().endCall(), RunInterrupted);
 }
 
 TEST_F(EarlyEndTest, OutsideOfARequestNothingIsInterrupted) {
