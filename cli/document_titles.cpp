@@ -35,16 +35,11 @@ bool isTitle(xmlTextReader& reader) {
            kTitles.end();
 }
 
-std::string attributeOf(xmlTextReader& reader, const std::string& name) {
-    const LibxmlText value(xmlTextReaderGetAttribute(&reader, asXml(name.c_str())));
-    return std::string(asText(value.get()));
-}
-
 bool isLeftOut(xmlTextReader& reader, std::span<const ExcludedElement> leftOut) {
     return std::any_of(leftOut.begin(), leftOut.end(), [&reader](const ExcludedElement& element) {
         return !element.value.empty() &&
                element.element == asText(xmlTextReaderConstName(&reader)) &&
-               element.value == attributeOf(reader, element.attribute);
+               element.value == attributeOf(reader, element.attribute.c_str());
     });
 }
 

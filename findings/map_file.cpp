@@ -100,10 +100,8 @@ DocumentStart readStart(xmlTextReader& reader) {
         if (xmlTextReaderNodeType(&reader) != XML_READER_TYPE_ELEMENT) {
             continue;
         }
-        const LibxmlText rootClass(
-            xmlTextReaderGetAttribute(&reader, reinterpret_cast<const xmlChar*>("class")));
         DocumentStart start{std::string(asText(xmlTextReaderConstName(&reader))),
-                            std::string(asText(rootClass.get())),
+                            attributeOf(reader, "class"),
                             {},
                             {}};
         const xmlDoc* const document = xmlTextReaderCurrentDoc(&reader);

@@ -36,11 +36,6 @@ private:
     std::set<std::string> names_;
 };
 
-std::string attributeOf(xmlTextReader& reader, const char* name) {
-    const LibxmlText value(xmlTextReaderGetAttribute(&reader, asXml(name)));
-    return std::string(asText(value.get()));
-}
-
 void KeyWalk::readAll(const std::string& path) {
     want(path);
     for (std::size_t index = 0; index < maps_.size() && !isOver(); ++index) {

@@ -4,6 +4,7 @@
 #include <libxml/xmlreader.h>
 
 #include <memory>
+#include <string>
 #include <string_view>
 
 /// What libxml2 hands out, with an owner, and its texts as others are.
@@ -36,6 +37,12 @@ inline const xmlChar* asXml(const char* text) {
 /// Empty for null.
 inline std::string_view asText(const xmlChar* text) {
     return text ? reinterpret_cast<const char*>(text) : std::string_view();
+}
+
+/// The attribute of the start tag that the reader is at; empty when there is none.
+inline std::string attributeOf(xmlTextReader& reader, const char* name) {
+    const LibxmlText value(xmlTextReaderGetAttribute(&reader, asXml(name)));
+    return std::string(asText(value.get()));
 }
 
 }  // namespace marrowpress
