@@ -14,20 +14,6 @@
 namespace marrowpress {
 namespace {
 
-const char* nameOf(KeyUse use) {
-    switch (use) {
-        case KeyUse::kUsed:
-            return "used";
-        case KeyUse::kUnused:
-            return "unused";
-        case KeyUse::kUndefined:
-            return "undefined";
-        case KeyUse::kExcluded:
-            break;
-    }
-    return "excluded";
-}
-
 const char* nameOf(KeyState state) {
     switch (state) {
         case KeyState::kEffective:

@@ -48,6 +48,20 @@ void sortByPlace(std::vector<KeyDefinition>& definitions) {
 
 }  // namespace
 
+const char* nameOf(KeyUse use) {
+    switch (use) {
+        case KeyUse::kUsed:
+            return "used";
+        case KeyUse::kUnused:
+            return "unused";
+        case KeyUse::kUndefined:
+            return "undefined";
+        case KeyUse::kExcluded:
+            break;
+    }
+    return "excluded";
+}
+
 const KeyDefinition* ListedKey::effective() const {
     const auto found = std::find_if(definitions.begin(), definitions.end(), isEffective);
     return found == definitions.end() ? nullptr : &*found;

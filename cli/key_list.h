@@ -30,6 +30,9 @@ enum class KeyUse {
     kExcluded,   ///< The profile leaves out each definition.
 };
 
+/// "used": in formats for programs.
+const char* nameOf(KeyUse use);
+
 /// A name that is defined, or that somebody refers to.
 struct ListedKey {
     std::string name;

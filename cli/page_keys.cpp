@@ -14,20 +14,6 @@ namespace {
 constexpr std::size_t kMostUses = 5;
 constexpr std::size_t kMostText = 120;
 
-const char* classOf(KeyUse use) {
-    switch (use) {
-        case KeyUse::kUsed:
-            return "used";
-        case KeyUse::kUnused:
-            return "unused";
-        case KeyUse::kUndefined:
-            return "undefined";
-        case KeyUse::kExcluded:
-            break;
-    }
-    return "excluded";
-}
-
 std::string wordOf(KeyUse use) {
     switch (use) {
         case KeyUse::kUsed:
@@ -127,7 +113,7 @@ std::string usesCell(const ListedKey& key, const PageFiles& files) {
 
 std::string keyRow(const KeyList& keys, const ListedKey& key, const PageFiles& files) {
     const KeyDefinition* const leading = key.leading();
-    const std::string use = classOf(key.use());
+    const std::string use = nameOf(key.use());
     return "<tr class=" + use + "><th>" + htmlText(key.name) + "<td>" +
            htmlText(wordOf(key.use())) + "<td>" + definitionCell(key, files) + "<td>" +
            (leading ? meaning(*leading, files) : "") + "<td>" + chainText(keys, key) + "<td>" +
@@ -141,7 +127,7 @@ std::vector<SearchChoice> choicesOf(const KeyList& keys) {
         const bool isThere = std::any_of(keys.keys().begin(), keys.keys().end(),
                                          [use](const ListedKey& key) { return key.use() == use; });
         if (isThere) {
-            choices.emplace_back(classOf(use), wordOf(use));
+            choices.emplace_back(nameOf(use), wordOf(use));
         }
     }
     return choices;

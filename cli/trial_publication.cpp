@@ -1,14 +1,12 @@
 #include "cli/trial_publication.h"
 
 #include <array>
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <ostream>
 #include <string_view>
 
 #include "cli/document_grammars.h"
-#include "cli/file_failure.h"
+#include "cli/file_replacement.h"
 #include "cli/options.h"
 #include "cli/profile_set.h"
 #include "cli/publish_paths.h"
@@ -85,14 +83,12 @@ public:
     fs::path write() const;
 
 private:
-    void writeFile(const fs::path& path, std::string_view text) const;
-
     const fs::path& folder_;
     std::string references_;
 };
 
 void TrialMap::add(const std::string& name, std::string_view text) {
-    writeFile(folder_ / name, text);
+    replaceFile(folder_ / name, text);
     // Classes as a DTD would give them: the map has to do without.
     references_ += "<topicref class=\"- map/topicref \" href=\"" + name + "\"" +
                    (name.ends_with(".ditamap") ? " format=\"ditamap\"" : "") + "/>\n";
@@ -100,18 +96,8 @@ void TrialMap::add(const std::string& name, std::string_view text) {
 
 fs::path TrialMap::write() const {
     fs::path map = folder_ / "trial.ditamap";
-    writeFile(map, "<map class=\"- map/map \">\n" + references_ + "</map>\n");
+    replaceFile(map, "<map class=\"- map/map \">\n" + references_ + "</map>\n");
     return map;
-}
-
-void TrialMap::writeFile(const fs::path& path, std::string_view text) const {
-    errno = 0;
-    std::ofstream out(path, std::ios::binary);
-    out << text;
-    out.close();
-    if (!out) {
-        throw FileFailure::ofLastCall(FileAction::kWrite, path.string());
-    }
 }
 
 std::string nameOf(const TriedType& type, std::size_t number) {
