@@ -202,13 +202,44 @@ private:
     CheckOptions options_;
 };
 
-class KeysCommand final : public Command {
+/// A command that tells what a run has met. Findings count for nothing.
+template <class Wish>
+class SurveyCommand : public Command {
+protected:
+    using Command::Command;
+
+    /// Adds what all of them take.
+    void addRun() {
+        addFilters(arguments(), options_);
+        addCatalog(arguments(), options_.catalogs);
+        addPrint(arguments(), options_);
+        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+    }
+
+    /// The sentence about options that make no sense together; empty when all do.
+    virtual std::optional<std::string> findFault() const {
+        return findDiagnosticsFault(options_.diagnostics);
+    }
+
+    Wish options_;
+
+private:
+    Options finish() override {
+        if (const std::optional<std::string> fault = findFault()) {
+            return wrongUsage(*fault);
+        }
+        return options_;
+    }
+};
+
+class KeysCommand final : public SurveyCommand<KeysOptions> {
 public:
     explicit KeysCommand(CLI::App& program)
-        : Command(program, "keys", "Tell the keys of a DITA map",
-                  footerText(kKeysExample,
-                             "Keys go to standard output. Findings go to standard error, and count "
-                             "for nothing.")) {
+        : SurveyCommand(
+              program, "keys", "Tell the keys of a DITA map",
+              footerText(kKeysExample,
+                         "Keys go to standard output. Findings go to standard error, and count "
+                         "for nothing.")) {
         addMap(arguments(), options_);
         const Choices<KeyFormat> formats{
             {"table", KeyFormat::kTable}, {"csv", KeyFormat::kCsv}, {"json", KeyFormat::kJson}};
@@ -219,30 +250,18 @@ public:
                             "Show this key only: all definitions in the order in which they are "
                             "met, which of them counts, and why",
                             "NAME");
-        addFilters(arguments(), options_);
-        addCatalog(arguments(), options_.catalogs);
-        addPrint(arguments(), options_);
-        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+        addRun();
     }
-
-private:
-    Options finish() override {
-        if (const std::optional<std::string> fault = findDiagnosticsFault(options_.diagnostics)) {
-            return wrongUsage(*fault);
-        }
-        return options_;
-    }
-
-    KeysOptions options_;
 };
 
-class DepsCommand final : public Command {
+class DepsCommand final : public SurveyCommand<DepsOptions> {
 public:
     explicit DepsCommand(CLI::App& program)
-        : Command(program, "deps", "Tell the files that the publication of a DITA map depends on",
-                  footerText(kDepsExample,
-                             "Files go to standard output. Findings go to standard error, and "
-                             "count for nothing.")) {
+        : SurveyCommand(
+              program, "deps", "Tell the files that the publication of a DITA map depends on",
+              footerText(kDepsExample,
+                         "Files go to standard output. Findings go to standard error, and "
+                         "count for nothing.")) {
         addMap(arguments(), options_);
         const Choices<DependencyFormat> formats{{"list", DependencyFormat::kList},
                                                 {"json", DependencyFormat::kJson},
@@ -258,14 +277,11 @@ public:
         arguments().addText("-o,--output", options_.output,
                             "make: the target of the rule; the map's name with .dita unless given",
                             "OUT");
-        addFilters(arguments(), options_);
-        addCatalog(arguments(), options_.catalogs);
-        addPrint(arguments(), options_);
-        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+        addRun();
     }
 
 private:
-    std::optional<std::string> findFault() const {
+    std::optional<std::string> findFault() const override {
         const bool isRule = options_.dependencyFormat == DependencyFormat::kMake;
         if (isRule && (options_.showsEdges || options_.reverse)) {
             return std::string(options_.showsEdges ? "--edges" : "--reverse") +
@@ -274,45 +290,36 @@ private:
         if (!isRule && !options_.output.empty()) {
             return "--output: this is for --format make only";
         }
-        return findDiagnosticsFault(options_.diagnostics);
+        return SurveyCommand::findFault();
     }
-
-    Options finish() override {
-        if (const std::optional<std::string> fault = findFault()) {
-            return wrongUsage(*fault);
-        }
-        return options_;
-    }
-
-    DepsOptions options_;
 };
 
-class DoctorCommand final : public Command {
+class DoctorCommand final : public SurveyCommand<DoctorOptions> {
 public:
     explicit DoctorCommand(CLI::App& program)
-        : Command(program, "doctor", "Tell what this machine lacks for publishing",
-                  footerText(kDoctorExample,
-                             "Without a map a small one of its own is published, with each of "
-                             "DITA's document types. Findings go to standard error, and count for "
-                             "nothing.")) {
+        : SurveyCommand(
+              program, "doctor", "Tell what this machine lacks for publishing",
+              footerText(kDoctorExample,
+                         "Without a map a small one of its own is published, with each of "
+                         "DITA's document types. Findings go to standard error, and count for "
+                         "nothing.")) {
         arguments().addText("MAP", options_.map,
                             "A DITA map: what its documents need is told, and nothing else",
                             "FILE");
-        addFilters(arguments(), options_);
-        addCatalog(arguments(), options_.catalogs);
-        addPrint(arguments(), options_);
-        addDiagnostics(arguments(), options_.diagnostics, FindingsCount::kForNothing);
+        addRun();
     }
 
 private:
-    Options finish() override {
-        if (const std::optional<std::string> fault = findDiagnosticsFault(options_.diagnostics)) {
-            return wrongUsage(*fault);
+    std::optional<std::string> findFault() const override {
+        const DiagnosticsOptions& diagnostics = options_.diagnostics;
+        const bool isOfFindings = diagnostics.file || diagnostics.sarif || diagnostics.junit;
+        if (options_.map.empty() && (isOfFindings || !options_.filters.empty())) {
+            return std::string("MAP: ") +
+                   (isOfFindings ? "there are findings of a map only"
+                                 : "--filter is about its documents, and there is none");
         }
-        return options_;
+        return SurveyCommand::findFault();
     }
-
-    DoctorOptions options_;
 };
 
 class HostCommand final : public Command {

@@ -247,8 +247,11 @@ TEST(DoctorArgumentsTest, TheMapMayBeMissing) {
     EXPECT_EQ(options.catalogs, Texts{"c"});
     EXPECT_TRUE(options.isForPrint);
     EXPECT_EQ(options.diagnostics.language, Language::kGerman);
-    expectFaults({{{"doctor", "m", "n"}, "there is no place for the argument `n`"},
-                  {{"doctor", "--fail-on", "error"}, "unknown option `--fail-on`"}});
+    expectFaults(
+        {{{"doctor", "--filter", "f"}, "MAP: --filter is about its documents, and there is none"},
+         {{"doctor", "--sarif", "s"}, "MAP: there are findings of a map only"},
+         {{"doctor", "m", "n"}, "there is no place for the argument `n`"},
+         {{"doctor", "--fail-on", "error"}, "unknown option `--fail-on`"}});
 }
 
 TEST(CompletionArgumentsTest, TheShellIsNamed) {
