@@ -31,9 +31,10 @@ CheckOptions withoutStandardOutput(CheckOptions options) {
 /// One call of the command.
 class Checking {
 public:
-    Checking(const CheckOptions& options, const Streams& streams)
+    Checking(const CheckOptions& options, const Streams& streams, const RunRecording* recording)
         : options_(withoutStandardOutput(options)),
           streams_(streams),
+          recording_(recording),
           paths_(resolvePublishPaths(options_)),
           measures_(options_.diagnostics) {}
 
@@ -41,6 +42,9 @@ public:
 
 private:
     std::unique_ptr<PublicationReport> makePage() const;
+    void startRecording();
+    void gather(const Observation& observation, PublicationReport* page) const;
+    ScratchRun runWith(const ProfileSet& profile, PublicationReport* page);
     std::vector<ProfileSet> readProfiles() const;
     std::optional<std::string> findFault(const std::vector<ProfileSet>& profiles,
                                          const FindingsReport& report) const;
@@ -48,8 +52,10 @@ private:
 
     CheckOptions options_;
     const Streams& streams_;
+    const RunRecording* recording_;
     PublishPaths paths_;
     RunMeasures measures_;
+    std::unique_ptr<ResultRecorder> recorder_;  ///< Null while nobody wants the result.
 };
 
 ExitCode Checking::run() {
@@ -62,20 +68,51 @@ ExitCode Checking::run() {
     }
     RunDisplay display(options_.diagnostics, streams_.err);
     const std::unique_ptr<PublicationReport> page = makePage();
+    startRecording();
     RunTotal total;
     for (const ProfileSet& profile : profiles) {
-        runInScratch({options_,
-                      paths_,
-                      profile,
-                      /*hasFindings=*/true,
-                      watchingFor(page.get()),
-                      {},
-                      measures_.clock()},
-                     display, total);
+        runInScratch(runWith(profile, page.get()), display, total);
+    }
+    FurtherWriting further{writingOf(page.get()), {}};
+    if (recorder_) {
+        recorder_->finishRun(total.status);
+        further.result = [this](const std::vector<Finding>& all, const FindingSummary& summary) {
+            recording_->take(recorder_->finish(all, summary, {}));
+        };
     }
     const ExitCode code = report.write(total.list, total.droppedFaults, total.topics, total.code,
-                                       streams_.err, writingOf(page.get()));
+                                       streams_.err, further);
     return measures_.finish(code, "marrowpress check", streams_);
+}
+
+void Checking::startRecording() {
+    if (recording_) {
+        PublishOptions publish;
+        static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options_);
+        recorder_ = std::make_unique<ResultRecorder>(recording_->id,
+                                                     identityOf("check", publish, paths_), paths_);
+    }
+}
+
+ScratchRun Checking::runWith(const ProfileSet& profile, PublicationReport* page) {
+    ScratchRun run{options_, paths_, profile, /*hasFindings=*/true, {}, {}, measures_.clock()};
+    if (page || recorder_) {
+        run.watch = [this, page](const Observation& met) { gather(met, page); };
+    }
+    if (recorder_) {
+        run.onCatalog = [this](const std::string& path) { recorder_->addCatalog(path); };
+    }
+    return run;
+}
+
+void Checking::gather(const Observation& observation, PublicationReport* page) const {
+    if (page) {
+        page->observe(observation);
+    }
+    if (recorder_) {
+        recorder_->observe(observation);
+        recording_->notePhase(observation);
+    }
 }
 
 /// Null unless somebody wants it.
@@ -152,9 +189,10 @@ std::optional<std::string> Checking::findOutputFault() const {
 
 }  // namespace
 
-ExitCode runCheck(const CheckOptions& options, const Streams& streams) {
+ExitCode runCheck(const CheckOptions& options, const Streams& streams,
+                  const RunRecording* recording) {
     try {
-        return Checking(options, streams).run();
+        return Checking(options, streams, recording).run();
     } catch (const ScratchError& failure) {
         streams.err << usageErrorText("check", failure.what());
         return ExitCode::kWrongUsage;

@@ -2,11 +2,15 @@
 
 #include "cli/exit_code.h"
 #include "cli/options.h"
+#include "cli/result_recorder.h"
 #include "cli/streams.h"
 
 namespace marrowpress {
 
 /// Looks for what is wrong with one map, and writes no output.
-ExitCode runCheck(const CheckOptions& options, const Streams& streams);
+///
+/// @param recording  May be null.
+ExitCode runCheck(const CheckOptions& options, const Streams& streams,
+                  const RunRecording* recording = nullptr);
 
 }  // namespace marrowpress

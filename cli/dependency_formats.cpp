@@ -10,7 +10,13 @@
 namespace marrowpress {
 namespace {
 
-const char* nameOf(DependencyKind kind) {
+std::string shownPlace(const FindingPlace& place, const std::string& currentFolder) {
+    return place.file.empty() ? "" : placeText(place, currentFolder);
+}
+
+}  // namespace
+
+const char* kindName(DependencyKind kind) {
     switch (kind) {
         case DependencyKind::kMap:
             return "map reference";
@@ -34,7 +40,7 @@ const char* nameOf(DependencyKind kind) {
     return "DITAVAL";
 }
 
-const char* nameOf(DependencyState state) {
+const char* stateName(DependencyState state) {
     switch (state) {
         case DependencyState::kRead:
             return "read";
@@ -46,18 +52,12 @@ const char* nameOf(DependencyState state) {
     return "unreadable";
 }
 
-std::string shownPlace(const FindingPlace& place, const std::string& currentFolder) {
-    return place.file.empty() ? "" : placeText(place, currentFolder);
-}
-
-}  // namespace
-
 std::string dependencyTable(const std::vector<const Dependency*>& files,
                             const std::string& currentFolder) {
     TextTable table({"FILE", "KIND", "STATE", "FROM"});
     for (const Dependency* const file : files) {
-        table.add({shownPath(file->file, currentFolder), nameOf(file->kind), nameOf(file->state),
-                   shownPlace(file->from, currentFolder)});
+        table.add({shownPath(file->file, currentFolder), kindName(file->kind),
+                   stateName(file->state), shownPlace(file->from, currentFolder)});
     }
     return table.text();
 }
@@ -66,7 +66,7 @@ std::string edgeTable(const std::vector<const DependencyEdge*>& edges,
                       const std::string& currentFolder) {
     TextTable table({"FROM", "KIND", "TO"});
     for (const DependencyEdge* const edge : edges) {
-        table.add({shownPlace(edge->place, currentFolder), nameOf(edge->kind),
+        table.add({shownPlace(edge->place, currentFolder), kindName(edge->kind),
                    shownPath(edge->to, currentFolder)});
     }
     return table.text();
@@ -78,8 +78,8 @@ std::string dependencyJson(const std::vector<const Dependency*>& files) {
         const boost::json::value from =
             file->from.file.empty() ? boost::json::value() : jsonPlace(file->from);
         const boost::json::object object{{"file", jsonText(file->file)},
-                                         {"kind", nameOf(file->kind)},
-                                         {"state", nameOf(file->state)},
+                                         {"kind", kindName(file->kind)},
+                                         {"state", stateName(file->state)},
                                          {"from", from}};
         text += boost::json::serialize(object) + "\n";
     }
@@ -92,7 +92,7 @@ std::string edgeJson(const std::vector<const DependencyEdge*>& edges) {
         const boost::json::value from =
             edge->from.empty() ? boost::json::value() : jsonPlace(edge->place);
         const boost::json::object object{
-            {"from", from}, {"kind", nameOf(edge->kind)}, {"to", jsonText(edge->to)}};
+            {"from", from}, {"kind", kindName(edge->kind)}, {"to", jsonText(edge->to)}};
         text += boost::json::serialize(object) + "\n";
     }
     return text;

@@ -8,6 +8,10 @@
 /// Files and references as texts, a line each.
 namespace marrowpress {
 
+/// As `deps` shows them: "map reference", "read".
+const char* kindName(DependencyKind kind);
+const char* stateName(DependencyState state);
+
 /// Paths are shown as seen from `currentFolder`.
 std::string dependencyTable(const std::vector<const Dependency*>& files,
                             const std::string& currentFolder);

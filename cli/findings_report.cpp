@@ -1,7 +1,5 @@
 #include "cli/findings_report.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -13,17 +11,14 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/findings_text.h"
 #include "cli/run_display.h"
-#include "cli/terminal.h"
 #include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
 #include "findings/github_writer.h"
-#include "findings/human_writer.h"
 #include "findings/json_reader.h"
-#include "findings/json_writer.h"
 #include "findings/junit_writer.h"
 #include "findings/sarif_writer.h"
-#include "findings/short_writer.h"
 #include "findings/translated_words.h"
 
 namespace marrowpress {
@@ -97,7 +92,7 @@ std::vector<NamedPath> FindingsReport::files() const {
 
 ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
                                ExitCode runCode, std::ostream& err,
-                               const FindingsWriting& writePage) const {
+                               const FurtherWriting& further) const {
     // Nobody knows what faults the run itself could not keep: the worst is assumed.
     const std::optional<Severity> worstDropped =
         droppedFaults > 0 ? std::optional(Severity::kError) : list.worstDropped();
@@ -118,13 +113,18 @@ ExitCode FindingsReport::write(FindingList& list, std::size_t droppedFaults, std
         return summary;
     };
     ExitCode code = codeOf(summarize(findings), worstDropped, runCode);
-    for (Finding& unwritten : writeReports(findings, summaryWith(code), writePage)) {
+    for (Finding& unwritten : writeReports(findings, summaryWith(code), further.page)) {
         findings.push_back(std::move(unwritten));
         code = ExitCode::kRunFailed;
     }
     writeAnnotations(findings, err);
-    const bool isWritten = writeMain(findings, summaryWith(code), err);
-    return isWritten ? code : ExitCode::kRunFailed;
+    if (!writeMain(findings, summaryWith(code), err)) {
+        code = ExitCode::kRunFailed;
+    }
+    if (further.result) {
+        further.result(findings, summaryWith(code));
+    }
+    return code;
 }
 
 ExitCode FindingsReport::codeOf(const FindingSummary& summary, std::optional<Severity> worstDropped,
@@ -142,40 +142,18 @@ ExitCode FindingsReport::codeOf(const FindingSummary& summary, std::optional<Sev
 bool FindingsReport::writeMain(const std::vector<Finding>& findings, const FindingSummary& summary,
                                std::ostream& err) const {
     if (options_.file) {
-        const std::optional<std::string> failure = writeFile(
-            *options_.file, [&](std::ostream& out) { writeTo(out, findings, summary, false); });
+        const std::optional<std::string> failure =
+            writeFile(*options_.file, [&](std::ostream& out) {
+                writeFindings(out, findings, summary, options_, {/*isTerminal=*/false, {}});
+            });
         if (failure) {
             err << "marrowpress: cannot write " << *options_.file << ": " << *failure << '\n';
         }
         return !failure;
     }
-    writeTo(err, findings, summary, true);
+    writeFindings(err, findings, summary, options_, {/*isTerminal=*/true, {}});
     err << std::flush;
     return static_cast<bool>(err);
-}
-
-void FindingsReport::writeTo(std::ostream& out, const std::vector<Finding>& findings,
-                             const FindingSummary& summary, bool isTerminal) const {
-    HumanOptions lines;
-    lines.currentFolder = currentFolder_;
-    lines.words = translatedWords();
-    lines.isColoured =
-        options_.color == ColorChoice::kAlways ||
-        (options_.color == ColorChoice::kAuto && isTerminal && isColoredByItself(STDERR_FILENO));
-    lines.width = isTerminal ? terminalWidth(STDERR_FILENO) : lines.width;
-    switch (options_.format) {
-        case DiagnosticsFormat::kHuman:
-            writeHuman(out, findings, summary, lines);
-            break;
-        case DiagnosticsFormat::kShort:
-            writeShort(out, findings, summary, lines);
-            break;
-        case DiagnosticsFormat::kJson:
-            writeJson(out, findings, summary);
-            break;
-        case DiagnosticsFormat::kNone:
-            break;
-    }
 }
 
 std::vector<Finding> FindingsReport::writeReports(const std::vector<Finding>& findings,

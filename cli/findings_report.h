@@ -20,6 +20,14 @@ namespace marrowpress {
 using FindingsWriting =
     std::function<void(std::ostream&, const std::vector<Finding>&, const FindingSummary&)>;
 
+/// What is written by whoever has more to tell than findings. Both may be empty.
+struct FurtherWriting {
+    /// The page of --report, if that is among the options.
+    FindingsWriting page;
+    /// Gets the findings and the exit code at the end, when nothing can change them.
+    std::function<void(const std::vector<Finding>&, const FindingSummary&)> result;
+};
+
 /// The findings of a command, on their way to whoever is to read them.
 class FindingsReport {
 public:
@@ -39,19 +47,15 @@ public:
     ///
     /// A file that cannot be written is a finding of the form that comes last.
     ///
-    /// @param runCode    `kSuccess` or `kRunFailed`.
-    /// @param writePage  Writes the page of --report, if that is among the options.
+    /// @param runCode  `kSuccess` or `kRunFailed`.
     ExitCode write(FindingList& list, std::size_t droppedFaults, std::size_t topics,
-                   ExitCode runCode, std::ostream& err,
-                   const FindingsWriting& writePage = {}) const;
+                   ExitCode runCode, std::ostream& err, const FurtherWriting& further = {}) const;
 
 private:
     ExitCode codeOf(const FindingSummary& summary, std::optional<Severity> worstDropped,
                     ExitCode runCode) const;
     bool writeMain(const std::vector<Finding>& findings, const FindingSummary& summary,
                    std::ostream& err) const;
-    void writeTo(std::ostream& out, const std::vector<Finding>& findings,
-                 const FindingSummary& summary, bool isTerminal) const;
     /// The files that cannot be written, as findings.
     std::vector<Finding> writeReports(const std::vector<Finding>& findings,
                                       const FindingSummary& summary,

@@ -1,13 +1,12 @@
 #include "cli/publish_command.h"
 
-#include <boost/json/object.hpp>
-#include <boost/json/serialize.hpp>
 #include <chrono>
 #include <memory>
 #include <ostream>
 #include <system_error>
 #include <utility>
 
+#include "cli/aside_composite.h"
 #include "cli/component_places.h"
 #include "cli/dependency_list.h"
 #include "cli/file_failure.h"
@@ -22,6 +21,7 @@
 #include "cli/profile_set.h"
 #include "cli/public_ids.h"
 #include "cli/publication_report.h"
+#include "cli/publish_request.h"
 #include "cli/run_measures.h"
 #include "cli/standard_output_composite.h"
 #include "cli/unfinished_outputs.h"
@@ -29,6 +29,7 @@
 #include "findings/catalogue.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
+#include "marrowpress/output_names.h"
 #include "marrowpress/publish_status.h"
 
 namespace marrowpress {
@@ -64,8 +65,11 @@ Finding findingOf(const FileFailure& failure) {
 /// One call of the command, from the checks to the exit code.
 class Publishing {
 public:
-    Publishing(const PublishOptions& options, const Streams& streams)
-        : options_(options), streams_(streams), measures_(options_.diagnostics) {
+    Publishing(const PublishOptions& options, const Streams& streams, const RunRecording* recording)
+        : options_(options),
+          streams_(streams),
+          recording_(recording),
+          measures_(options_.diagnostics) {
         if (options.output == kStandardOutput) {
             standardOutput_ = std::make_unique<StandardOutputComposite>();
             options_.output = standardOutput_->path().string();
@@ -92,19 +96,26 @@ private:
     std::optional<std::string> findRunFault(const RunOutcome& outcome) const;
     std::vector<std::string> wantedFiles(const RunOutcome& outcome) const;
     void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
-    std::string finishResult(const RunOutcome& outcome, FindingCollector* collector) const;
+    std::string finishResult(const RunOutcome& outcome, FindingCollector* collector);
     void makeMovable(const RunOutcome& outcome) const;
+    void takePlace(const RunOutcome& outcome);
+    void goAside();
+    void record(const std::vector<Finding>& findings, const FindingSummary& summary);
     RunSetting settingFor(const ProfileSet& profiles);
     void gather(const Observation& observation) const;
+    void noteOutcome(const RunOutcome& outcome);
     void writeDepfile() const;
+    FindingList takeFindings(FindingCollector& collector) const;
     bool giveResult(const RunOutcome& outcome) const;
     std::string resultText(const RunOutcome& outcome) const;
     std::string shownOutput() const;
 
     PublishOptions options_;
     const Streams& streams_;
+    const RunRecording* recording_;
     PublishPaths paths_;
     std::unique_ptr<StandardOutputComposite> standardOutput_;
+    std::unique_ptr<AsideComposite> aside_;
     std::unique_ptr<OutputFolder> folder_;
     std::unique_ptr<UnfinishedOutputs> unfinished_;
     std::unique_ptr<MovableResult> movable_;
@@ -112,6 +123,8 @@ private:
     // Null while nobody wants them.
     std::unique_ptr<DependencyList> dependencies_;
     std::unique_ptr<PublicationReport> page_;
+    std::unique_ptr<ResultRecorder> recorder_;
+    std::vector<std::string> written_;  ///< What a good run has written, in its place.
 };
 
 ExitCode Publishing::run() {
@@ -121,6 +134,13 @@ ExitCode Publishing::run() {
     if (const std::optional<std::string> fault = findFault(profiles, report)) {
         streams_.err << usageErrorText("publish", *fault);
         return ExitCode::kWrongUsage;
+    }
+    if (recording_) {
+        recorder_ = std::make_unique<ResultRecorder>(
+            recording_->id, identityOf("publish", options_, paths_), paths_);
+    }
+    if (recording_ && recording_->isMadeAside && !isFlatBook(options_)) {
+        goAside();
     }
     const ExitCode code =
         hasFindings(options_) ? runObserved(profiles, report) : runUnobserved(profiles);
@@ -160,17 +180,31 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
         reports, {sourcesOf(options_, paths_), outputsOf(options_, paths_), isFlatBook(options_)});
 }
 
+/// From here on the output is the one aside.
+void Publishing::goAside() {
+    aside_ = std::make_unique<AsideComposite>(paths_.output);
+    options_.output = aside_->path().string();
+    paths_.output = aside_->path();
+}
+
 /// Without findings.
 RunSetting Publishing::settingFor(const ProfileSet& profiles) {
     RunSetting setting{
         buildRequest(options_, paths_, profiles.file()), options_.catalogs, nullptr, {}, {}, {}};
     setting.clock = measures_.clock();
-    if (dependencies_ || page_) {
+    if (dependencies_ || page_ || recorder_) {
         setting.watch = [this](const Observation& met) { gather(met); };
         setting.watchReferences = setting.watch;
     }
-    if (dependencies_) {
-        setting.onCatalog = [this](const std::string& path) { dependencies_->addCatalog(path); };
+    if (dependencies_ || recorder_) {
+        setting.onCatalog = [this](const std::string& path) {
+            if (dependencies_) {
+                dependencies_->addCatalog(path);
+            }
+            if (recorder_) {
+                recorder_->addCatalog(path);
+            }
+        };
     }
     return setting;
 }
@@ -182,6 +216,10 @@ void Publishing::gather(const Observation& observation) const {
     }
     if (page_) {
         page_->observe(observation);
+    }
+    if (recorder_) {
+        recorder_->observe(observation);
+        recording_->notePhase(observation);
     }
 }
 
@@ -202,9 +240,51 @@ void Publishing::writeDepfile() const {
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
     RunDisplay display(options_.diagnostics, streams_.err);
     const RunOutcome outcome = runInTurn(settingFor(profiles), display);
+    noteOutcome(outcome);
     const std::string failure = finishResult(outcome, nullptr);
     streams_.err << failure;
-    return failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed;
+    const ExitCode code = failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed;
+    FindingSummary summary;
+    summary.exit = static_cast<int>(code);
+    record({}, summary);
+    return code;
+}
+
+/// What a run aside met has to be what it would meet in its place: there is the output of an
+/// earlier run, perhaps, and nobody else's key space document.
+void Publishing::noteOutcome(const RunOutcome& outcome) {
+    if (!recorder_) {
+        return;
+    }
+    recorder_->finishRun(outcome.status);
+    if (!aside_) {
+        return;
+    }
+    const fs::path keySpace = aside_->place().parent_path() / kKeySpaceDocName;
+    for (const std::string& path : {aside_->place().string(), keySpace.string()}) {
+        if (recorder_->dependencies().find(path)) {
+            throw NeedsItsPlace();
+        }
+    }
+}
+
+/// As of the place of the output.
+FindingList Publishing::takeFindings(FindingCollector& collector) const {
+    if (!aside_) {
+        return std::move(collector.list());
+    }
+    FindingList list;
+    list.addDropped(collector.list());
+    for (Finding& finding : collector.list().take()) {
+        list.add(aside_->asOfPlace(std::move(finding)));
+    }
+    return list;
+}
+
+void Publishing::record(const std::vector<Finding>& findings, const FindingSummary& summary) {
+    if (recorder_) {
+        recording_->take(recorder_->finish(findings, summary, written_));
+    }
 }
 
 ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsReport& report) {
@@ -225,6 +305,7 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
         }
     };
     const RunOutcome outcome = runInTurn(setting, display);
+    noteOutcome(outcome);
 
     collector.finish();
     components.addFindings(collector);
@@ -233,10 +314,12 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
     if (!isForTools(options_.diagnostics)) {
         streams_.err << failure;
     }
-    return report.write(collector.list(), collector.facts().droppedFaults(),
-                        collector.facts().topicCount(),
-                        failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed, streams_.err,
-                        writingOf(page_.get()));
+    FindingList findings = takeFindings(collector);
+    return report.write(
+        findings, collector.facts().droppedFaults(), collector.facts().topicCount(),
+        failure.empty() ? ExitCode::kSuccess : ExitCode::kRunFailed, streams_.err,
+        {writingOf(page_.get()), [this](const std::vector<Finding>& all,
+                                        const FindingSummary& summary) { record(all, summary); }});
 }
 
 /// Runs the request when no other run writes into the folder. What a run leaves unfinished goes
@@ -274,7 +357,7 @@ std::optional<std::string> Publishing::findRunFault(const RunOutcome& outcome) c
 
 /// Gives the result of a good run. Else says why there is none in a line, and in a finding for
 /// `collector`, which may be null.
-std::string Publishing::finishResult(const RunOutcome& outcome, FindingCollector* collector) const {
+std::string Publishing::finishResult(const RunOutcome& outcome, FindingCollector* collector) {
     if (const std::optional<std::string> fault = findRunFault(outcome)) {
         if (collector) {
             addRunFailure(outcome, *collector);
@@ -283,6 +366,7 @@ std::string Publishing::finishResult(const RunOutcome& outcome, FindingCollector
     }
     try {
         makeMovable(outcome);
+        takePlace(outcome);
         if (!giveResult(outcome)) {
             if (collector) {
                 collector->add(noStandardOutputFinding());
@@ -310,6 +394,19 @@ void Publishing::makeMovable(const RunOutcome& outcome) const {
         throw FileFailure(FileAction::kWrite, paths_.output.string(), kFolderIsTaken);
     }
     movable_->make(wantedFiles(outcome));
+}
+
+/// @throws FileFailure
+void Publishing::takePlace(const RunOutcome& outcome) {
+    written_ = wantedFiles(outcome);
+    if (!aside_) {
+        return;
+    }
+    if (aside_->isTold()) {
+        throw NeedsItsPlace();
+    }
+    aside_->moveToPlace();
+    written_ = {aside_->place().string()};
 }
 
 /// What a good run has written.
@@ -358,29 +455,6 @@ std::string Publishing::shownOutput() const {
 
 }  // namespace
 
-std::string buildRequest(const PublishOptions& options, const PublishPaths& paths,
-                         const std::optional<fs::path>& filter) {
-    boost::json::object params{{"ditamap", paths.map.string()}};
-    const char* type = nullptr;
-    switch (options.format) {
-        case OutputFormat::kComposite:
-            type = "PublishComp";
-            params["output"] = paths.output.string();
-            break;
-        case OutputFormat::kFlatBook:
-            type = "PublishFlatBook";
-            params["outputDir"] = paths.output.string();
-            params["generateQSComponentsAtOneLoc"] = options.isAtOneLocation;
-            break;
-    }
-    params["ditaVal"] = filter ? filter->string() : std::string();
-    params["keyspaceDocDtd"] = options.keySpaceDtd;
-    params["compositeDocDtd"] = options.compositeDtd;
-    params["usePrint"] = options.isForPrint;
-    return boost::json::serialize(
-        boost::json::object{{"type", type}, {"params", std::move(params)}});
-}
-
 std::optional<std::string> findMissingFile(const std::vector<std::string>& paths) {
     for (const std::string& path : paths) {
         std::error_code ignored;
@@ -392,9 +466,10 @@ std::optional<std::string> findMissingFile(const std::vector<std::string>& paths
     return std::nullopt;
 }
 
-ExitCode runPublish(const PublishOptions& options, const Streams& streams) {
+ExitCode runPublish(const PublishOptions& options, const Streams& streams,
+                    const RunRecording* recording) {
     try {
-        return Publishing(options, streams).run();
+        return Publishing(options, streams, recording).run();
     } catch (const ScratchError& failure) {
         streams.err << usageErrorText("publish", failure.what());
         return ExitCode::kWrongUsage;

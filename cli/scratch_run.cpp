@@ -8,7 +8,7 @@
 #include "cli/map_run.h"
 #include "cli/outside_fragments.h"
 #include "cli/public_ids.h"
-#include "cli/publish_command.h"
+#include "cli/publish_request.h"
 #include "cli/scratch_folder.h"
 
 namespace marrowpress {
@@ -54,6 +54,7 @@ private:
 };
 
 void noteOutcome(const RunOutcome& outcome, RunTotal& total) {
+    total.status = outcome.status;
     if (findStatusFault(outcome) || outcome.hasUnwrittenDocument) {
         total.code = ExitCode::kRunFailed;
     }

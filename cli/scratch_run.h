@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "cli/exit_code.h"
 #include "cli/options.h"
@@ -19,6 +21,7 @@ struct RunTotal {
     std::size_t droppedFaults = 0;
     std::size_t topics = 0;  ///< The most that a run had.
     ExitCode code = ExitCode::kSuccess;
+    std::optional<std::int32_t> status;  ///< That of the last run; empty without an answer.
 };
 
 /// A run for what it tells. Its output goes into a private folder, which is gone at the end.

@@ -25,4 +25,12 @@ std::string versionText() {
            xmlLibraryVersion() + "\n";
 }
 
+std::vector<std::pair<std::string, std::string>> libraryVersions() {
+    return {{"marrowpress", MARROWPRESS_VERSION},
+            {"xerces-c", MARROWPRESS_XERCES_VERSION},
+            {"icu", MARROWPRESS_ICU_VERSION},
+            {"boost", MARROWPRESS_BOOST_VERSION},
+            {"libxml2", xmlLibraryVersion()}};
+}
+
 }  // namespace marrowpress

@@ -279,6 +279,22 @@ latest -> topics)",
           R"(<keydef keys="speeds" href="speeds.xml#speeds"/>)",
           toTranslate("Geben Sie der Definition type=\"topic\" (oder \"concept\", \"task\", "
                       "\"reference\"), oder lassen Sie den Namen der Datei auf .dita enden.")},
+    Entry{"MP301", Severity::kError, toTranslate("Auftrag kam zu nichts"),
+          toTranslate("Ein Auftrag eines Stapels wurde nicht begonnen oder endete vorzeitig: durch "
+                      "ein Signal, nach der Zeit von --timeout, oder weil ein Argument nicht "
+                      "stimmt. Ausgaben hat er keine; was an ihrer Stelle stand, steht noch dort."),
+          R"(marrowpress batch project.xml --output out --timeout 60)",
+          toTranslate("Beheben Sie, was die Meldung nennt, und rufen Sie den Stapel mit "
+                      "--retry-failed noch einmal auf. Phase und Signal stehen im Ergebnis des "
+                      "Auftrags.")},
+    Entry{
+        "MP302", Severity::kError, toTranslate("Zwei Aufträge stören einander"),
+        toTranslate("Ein Auftrag eines Stapels schreibt eine Datei, die ein anderer liest oder "
+                    "auch schreibt. Was dabei herauskommt, hängt davon ab, welcher zuerst läuft; "
+                    "beide gelten als gescheitert."),
+        R"(<topicref href="../out/guide.dita"/>    <!-- out/guide.dita schreibt ein anderer Auftrag -->)",
+        toTranslate("Geben Sie den Aufträgen verschiedene Ausgaben. Soll der eine lesen, was der "
+                    "andere schreibt, dann rufen Sie den Stapel mit --serialize auf.")},
 };
 
 /// Null for an unknown id.

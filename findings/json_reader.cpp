@@ -123,23 +123,6 @@ Severity severityMember(const json::object& object) {
     return *severity;
 }
 
-Finding findingOf(const json::object& object) {
-    Finding finding;
-    finding.id = idOf(object);
-    finding.severity = severityMember(object);
-    finding.text = textOf(object, "text").value_or("");
-    finding.place = placeOf(object);
-    finding.element = textOf(object, "element").value_or("");
-    finding.target = textOf(object, "target").value_or("");
-    finding.hint = textOf(object, "hint").value_or("");
-    finding.via = objectsOf(object, "via", stepOf);
-    finding.places = objectsOf(object, "places", placeOf);
-    finding.profiles = textsOf(object, "profile");
-    finding.isArtefact = flagOf(object, "artefact");
-    finding.hostText = textOf(object, "hostText");
-    return finding;
-}
-
 FindingSummary summaryOf(const json::value& value) {
     if (!value.is_object()) {
         throwWrong("summary", "no object");
@@ -175,6 +158,23 @@ bool isBlank(const std::string& line) {
 
 }  // namespace
 
+Finding parseFinding(const json::object& object) {
+    Finding finding;
+    finding.id = idOf(object);
+    finding.severity = severityMember(object);
+    finding.text = textOf(object, "text").value_or("");
+    finding.place = placeOf(object);
+    finding.element = textOf(object, "element").value_or("");
+    finding.target = textOf(object, "target").value_or("");
+    finding.hint = textOf(object, "hint").value_or("");
+    finding.via = objectsOf(object, "via", stepOf);
+    finding.places = objectsOf(object, "places", placeOf);
+    finding.profiles = textsOf(object, "profile");
+    finding.isArtefact = flagOf(object, "artefact");
+    finding.hostText = textOf(object, "hostText");
+    return finding;
+}
+
 std::optional<FindingSummary> readJson(std::istream& in, const std::function<void(Finding)>& take) {
     std::optional<FindingSummary> summary;
     std::string line;
@@ -189,7 +189,7 @@ std::optional<FindingSummary> readJson(std::istream& in, const std::function<voi
             if (const json::value* const recorded = object.if_contains("summary")) {
                 summary = summaryOf(*recorded);
             } else {
-                take(findingOf(object));
+                take(parseFinding(object));
             }
         } catch (const std::runtime_error& fault) {
             throw std::runtime_error("line " + std::to_string(number) + ": " + fault.what());

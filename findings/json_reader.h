@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/json/object.hpp>
 #include <functional>
 #include <iosfwd>
 #include <optional>
@@ -7,6 +8,11 @@
 #include "findings/finding.h"
 
 namespace marrowpress {
+
+/// A finding from one object, as `readJson` reads it.
+///
+/// @throws std::runtime_error that says what is wrong.
+Finding parseFinding(const boost::json::object& object);
 
 /// Reads what `writeJson` wrote. Only `id` and `severity` have to be there; unknown members and
 /// blank lines are passed over.

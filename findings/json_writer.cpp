@@ -11,6 +11,23 @@
 namespace marrowpress {
 namespace {
 
+/// By hand, because Boost writes 1.8 as 1.8E0.
+std::string summaryLine(const FindingSummary& summary) {
+    std::string line = R"({"summary":{"errors":)" + std::to_string(summary.errors);
+    line += R"(,"warnings":)" + std::to_string(summary.warnings);
+    line += R"(,"notes":)" + std::to_string(summary.notes);
+    line += R"(,"topics":)" + std::to_string(summary.topics);
+    line += R"(,"files":)" + std::to_string(summary.files);
+    line += R"(,"seconds":)" + fixedText(summary.seconds, 3);
+    line += R"(,"exit":)" + std::to_string(summary.exit);
+    if (summary.dropped > 0) {
+        line += R"(,"dropped":)" + std::to_string(summary.dropped);
+    }
+    return line + "}}";
+}
+
+}  // namespace
+
 boost::json::object findingObject(const Finding& finding) {
     const FindingPlace& place = finding.place;
     return {{"id", jsonText(finding.id)},
@@ -29,29 +46,21 @@ boost::json::object findingObject(const Finding& finding) {
             {"hostText", finding.hostText ? jsonText(*finding.hostText) : boost::json::value()}};
 }
 
-/// By hand, because Boost writes 1.8 as 1.8E0.
-std::string summaryLine(const FindingSummary& summary) {
-    std::string line = R"({"summary":{"errors":)" + std::to_string(summary.errors);
-    line += R"(,"warnings":)" + std::to_string(summary.warnings);
-    line += R"(,"notes":)" + std::to_string(summary.notes);
-    line += R"(,"topics":)" + std::to_string(summary.topics);
-    line += R"(,"files":)" + std::to_string(summary.files);
-    line += R"(,"seconds":)" + fixedText(summary.seconds, 3);
-    line += R"(,"exit":)" + std::to_string(summary.exit);
-    if (summary.dropped > 0) {
-        line += R"(,"dropped":)" + std::to_string(summary.dropped);
-    }
-    return line + "}}";
-}
-
-}  // namespace
-
 void writeJson(std::ostream& out, const std::vector<Finding>& findings,
-               const FindingSummary& summary) {
+               const FindingSummary& summary, const std::string& job) {
+    const std::string jobMember =
+        job.empty() ? "" : R"({"job":)" + boost::json::serialize(jsonText(job)) + ",";
+    const auto writeLine = [&](const std::string& object) {
+        if (jobMember.empty()) {
+            out << object << '\n';
+        } else {
+            out << jobMember << std::string_view(object).substr(1) << '\n';
+        }
+    };
     for (const Finding& finding : findings) {
-        out << boost::json::serialize(findingObject(finding)) << '\n';
+        writeLine(boost::json::serialize(findingObject(finding)));
     }
-    out << summaryLine(summary) << '\n';
+    writeLine(summaryLine(summary));
 }
 
 }  // namespace marrowpress

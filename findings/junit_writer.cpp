@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <ostream>
 #include <unordered_map>
+#include <utility>
 
 #include "findings/characters.h"
 #include "findings/shown_path.h"
-#include "findings/xml_writer.h"
 
 namespace marrowpress {
 namespace {
@@ -24,11 +24,12 @@ struct TestCase {
 /// The files with findings, in the order in which they were met.
 class TestCases {
 public:
-    explicit TestCases(const JunitOptions& options) : options_(options) {}
+    /// @param map  Bears what has no file.
+    explicit TestCases(const std::string& map) : map_(map) {}
 
     void add(const Finding& finding) {
         const std::string& file = finding.place.file;
-        TestCase& testCase = caseOf(file.empty() ? options_.map : file);
+        TestCase& testCase = caseOf(file.empty() ? map_ : file);
         const bool isError = finding.severity == Severity::kError;
         (isError ? testCase.errors : testCase.others).push_back(&finding);
     }
@@ -45,7 +46,7 @@ public:
     const std::vector<TestCase>& all() const noexcept { return cases_; }
 
 private:
-    const JunitOptions& options_;
+    const std::string& map_;
     std::vector<TestCase> cases_;
     std::unordered_map<std::string, std::size_t> indexes_;
 };
@@ -68,82 +69,77 @@ std::string linesOf(const std::vector<const Finding*>& findings, const LineOptio
     return lines;
 }
 
-class JunitWriter {
-public:
-    JunitWriter(std::ostream& out, const JunitOptions& options)
-        : xml_(out), options_(options), lineOptions_{options.currentFolder, options.words} {}
+/// One for all errors of a file: most readers take a test case to fail once.
+void writeFailure(XmlWriter& xml, const std::vector<const Finding*>& errors,
+                  const LineOptions& options) {
+    const Finding& first = *errors.front();
+    xml.startElement("failure");
+    xml.attribute("message", textWithHint(first));
+    xml.attribute("type", first.id);
+    xml.text(linesOf(errors, options));
+    xml.endElement();
+}
 
-    void write(const TestCases& cases, const FindingSummary& summary) {
-        const std::size_t failures = failuresOf(cases);
-        hasFailedSilently_ = summary.exit == kExitOfFailedRun && failures == 0;
-        xml_.startElement("testsuites");
-        xml_.startElement("testsuite");
-        xml_.attribute("name", kSuite);
-        xml_.attribute("tests", std::to_string(cases.all().size()));
-        xml_.attribute("failures", std::to_string(failures));
-        xml_.attribute("errors", hasFailedSilently_ ? "1" : "0");
-        xml_.attribute("time", fixedText(summary.seconds, kDecimals));
-        for (const TestCase& testCase : cases.all()) {
-            writeCase(testCase, summary);
+}  // namespace
+
+JunitSuites::JunitSuites(std::ostream& out, LineOptions options)
+    : xml_(out), options_(std::move(options)) {
+    xml_.startElement("testsuites");
+}
+
+void JunitSuites::add(const std::string& name, const std::string& map,
+                      const std::vector<Finding>& findings, const FindingSummary& summary) {
+    TestCases cases(map);
+    for (const Finding& finding : findings) {
+        if (!finding.isArtefact) {
+            cases.add(finding);
         }
-        xml_.endElement();
-        xml_.endElement();
-        xml_.endDocument();
     }
-
-private:
-    void writeCase(const TestCase& testCase, const FindingSummary& summary) {
+    const std::size_t failures = failuresOf(cases);
+    const bool hasFailedSilently = summary.exit == kExitOfFailedRun && failures == 0;
+    if (cases.all().empty() || hasFailedSilently) {
+        cases.caseOf(map);
+    }
+    xml_.startElement("testsuite");
+    xml_.attribute("name", name);
+    xml_.attribute("tests", std::to_string(cases.all().size()));
+    xml_.attribute("failures", std::to_string(failures));
+    xml_.attribute("errors", hasFailedSilently ? "1" : "0");
+    xml_.attribute("time", fixedText(summary.seconds, kDecimals));
+    for (const TestCase& testCase : cases.all()) {
         xml_.startElement("testcase");
         xml_.attribute("name",
                        pathInside(testCase.file, options_.currentFolder).value_or(testCase.file));
-        xml_.attribute("classname", kSuite);
+        xml_.attribute("classname", name);
         xml_.attribute("time", fixedText(0, kDecimals));
         if (!testCase.errors.empty()) {
-            writeFailure(testCase.errors);
+            writeFailure(xml_, testCase.errors, options_);
         }
-        if (hasFailedSilently_ && testCase.file == options_.map) {
+        if (hasFailedSilently && testCase.file == map) {
             xml_.startElement("error");
             xml_.attribute("message", "exit " + std::to_string(summary.exit));
             xml_.endElement();
         }
         if (!testCase.others.empty()) {
             xml_.startElement("system-out");
-            xml_.text(linesOf(testCase.others, lineOptions_));
+            xml_.text(linesOf(testCase.others, options_));
             xml_.endElement();
         }
         xml_.endElement();
     }
+    xml_.endElement();
+}
 
-    /// One for all errors of a file: most readers take a test case to fail once.
-    void writeFailure(const std::vector<const Finding*>& errors) {
-        const Finding& first = *errors.front();
-        xml_.startElement("failure");
-        xml_.attribute("message", textWithHint(first));
-        xml_.attribute("type", first.id);
-        xml_.text(linesOf(errors, lineOptions_));
-        xml_.endElement();
-    }
-
-    XmlWriter xml_;
-    const JunitOptions& options_;
-    LineOptions lineOptions_;
-    bool hasFailedSilently_ = false;
-};
-
-}  // namespace
+void JunitSuites::end() {
+    xml_.endElement();
+    xml_.endDocument();
+}
 
 void writeJunit(std::ostream& out, const std::vector<Finding>& findings,
                 const FindingSummary& summary, const JunitOptions& options) {
-    TestCases cases(options);
-    for (const Finding& finding : findings) {
-        if (!finding.isArtefact) {
-            cases.add(finding);
-        }
-    }
-    if (cases.all().empty() || (summary.exit == kExitOfFailedRun && failuresOf(cases) == 0)) {
-        cases.caseOf(options.map);
-    }
-    JunitWriter(out, options).write(cases, summary);
+    JunitSuites suites(out, {options.currentFolder, options.words});
+    suites.add(kSuite, options.map, findings, summary);
+    suites.end();
 }
 
 }  // namespace marrowpress

@@ -12,6 +12,9 @@
 /// system for its sake.
 namespace marrowpress {
 
+/// The reason of a run that failed for want of memory.
+inline constexpr const char* kNotEnoughMemory = "there is not enough memory";
+
 /// A start tag in a source file, at its "<"; or a file as a whole.
 struct ObservedPlace {
     const char* file;      ///< absolute path; null when it is not known

@@ -21,13 +21,12 @@
 namespace marrowpress {
 namespace {
 
-constexpr const char* kOutOfMemory = "there is not enough memory";
 constexpr const char* kEndlessCopies = "references in copied content multiply beyond all bounds";
 
 /// Why a run that says nothing itself has failed; empty where that has been told.
 const char* reasonOfFailure() noexcept {
     if (isMemoryExhausted()) {
-        return kOutOfMemory;
+        return kNotEnoughMemory;
     }
     const CopiedReferences* const copied = RequestSingleton<CopiedReferences>::existing();
     return copied && copied->isSpent() ? kEndlessCopies : "";
@@ -70,7 +69,7 @@ std::unique_ptr<PublishResult> serveRequest(const char* text, PublishResult& fal
         fail(fallback, failure.code(), reasonOfFailure());
         result.reset();
     } catch (const std::bad_alloc&) {
-        fail(fallback, PublishException().code(), kOutOfMemory);
+        fail(fallback, PublishException().code(), kNotEnoughMemory);
         result.reset();
     } catch (const std::exception& failure) {
         fail(fallback, PublishException().code(), failure.what());

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/dependency_list.h"
+#include "cli/options.h"
+#include "cli/publish_paths.h"
+#include "findings/finding.h"
+#include "marrowpress/observer.h"
+#include "results/run_result.h"
+
+namespace marrowpress {
+
+/// Who wants to know what a run came to, and how it is made.
+struct RunRecording {
+    std::string id;
+    /// Gets the name of each phase as it begins; may be empty.
+    std::function<void(std::string_view)> onPhase;
+    /// Gets the result, unless the run was not even started.
+    std::function<void(const RunResult&)> take;
+    /// A composite is made in a private folder beside its place, so that runs into one folder do
+    /// not meet.
+    ///
+    /// @throws NeedsItsPlace out of the run when that makes a difference.
+    bool isMadeAside = false;
+
+    void notePhase(const Observation& observation) const {
+        if (onPhase && observation.kind == ObservationKind::kPhase) {
+            onPhase(observation.target);
+        }
+    }
+};
+
+/// The request and all else by which a result counts for a run: `options` as a JSON object. Two
+/// runs for which both are the same, over the same files, have one result.
+struct RunIdentity {
+    std::string request;
+    std::string options;
+};
+
+/// @param command  "publish", "check".
+RunIdentity identityOf(const std::string& command, const PublishOptions& options,
+                       const PublishPaths& paths);
+
+/// Of the program and the libraries that have a part in its results, as a JSON object.
+std::string versionsText();
+
+/// Gathers what there is to tell of one run.
+class ResultRecorder {
+public:
+    ResultRecorder(std::string id, RunIdentity identity, const PublishPaths& paths);
+
+    /// Takes references too.
+    void observe(const Observation& observation);
+    void addCatalog(const std::string& path) { dependencies_.addCatalog(path); }
+
+    /// The files that the run depends on, once `finishRun` was called.
+    const DependencyList& dependencies() const noexcept { return dependencies_; }
+    void finishRun(std::optional<std::int32_t> status);
+
+    /// @param outputs  Those that were written, absolute.
+    RunResult finish(const std::vector<Finding>& findings, const FindingSummary& summary,
+                     const std::vector<std::string>& outputs);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    RunResult result_;
+    DependencyList dependencies_;
+    std::vector<std::filesystem::path> filters_;
+    std::string phase_;
+    Clock::time_point start_ = Clock::now();
+};
+
+}  // namespace marrowpress

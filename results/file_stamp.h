@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+namespace marrowpress {
+
+/// What the system tells of a file without opening it. Times are nanoseconds since 1970.
+struct FileStamp {
+    std::uint64_t size = 0;
+    std::int64_t modified = 0;  ///< The content; `touch` and copies set it to anything.
+    std::int64_t changed = 0;   ///< The content or anything about it; by the system's clock.
+    std::uint64_t inode = 0;
+    std::uint64_t device = 0;
+
+    friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+/// Links are followed. Empty for what is no regular file.
+std::optional<FileStamp> stampOf(const std::filesystem::path& path);
+
+/// The clock by which the system stamps files, which ticks every few milliseconds: two changes
+/// within a tick have one time.
+std::int64_t fileClockNow();
+
+/// The longest tick of that clock.
+inline constexpr std::int64_t kFileClockTick = 10'000'000;
+
+}  // namespace marrowpress

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "findings/finding.h"
+#include "results/file_stamp.h"
+
+namespace marrowpress {
+
+enum class ResultState : std::uint8_t {
+    kClean,
+    kFindings,  ///< All was done, and findings count.
+    kFailed,
+};
+
+/// A file that a run has read, or has looked for. Kind and state are words, as `deps` has them.
+struct ResultDependency {
+    std::string file;  ///< Absolute.
+    std::string kind;
+    std::string state;
+    FindingPlace from;                  ///< No file for what the request names.
+    std::optional<std::string> sha256;  ///< Empty for a file that is not there.
+};
+
+struct ResultOutput {
+    std::string path;  ///< Absolute.
+    std::optional<std::string> sha256;
+};
+
+/// How a file was found when its run was over.
+struct KnownFile {
+    FileStamp stamp;
+    std::string xxh128;
+};
+
+/// What may differ from one run of a request to the next.
+struct ResultRun {
+    std::string plan;     ///< The digest of the plan; empty without one.
+    std::string started;  ///< "2026-01-31T12:00:00Z"; empty for a run that never began.
+    double seconds = 0;
+    double cpuSeconds = 0;
+    std::uint64_t memory = 0;  ///< Resident at most, in bytes.
+    unsigned tries = 1;
+    bool isMemoryShort = false;  ///< It failed for want of memory.
+    std::int64_t begin = 0;      ///< `fileClockNow` when the run began.
+    std::int64_t end = 0;        ///< The same when its outputs were there.
+    /// Of the dependencies and then the outputs, in their order; empty where there is no file.
+    std::vector<std::optional<KnownFile>> files;
+};
+
+/// All that there is to tell of one run, for whoever was not there. Texts are UTF-8.
+struct RunResult {
+    std::string id;
+    ResultState state = ResultState::kFailed;
+    int exit = 1;                        ///< 128 + n after the signal n.
+    std::optional<int> signal;           ///< That ended the run.
+    std::string phase;                   ///< In which it ended too early; empty where it did not.
+    std::optional<std::int32_t> status;  ///< The client's; empty without an answer.
+    std::string request;                 ///< As a JSON object.
+    std::string options;                 ///< What else the result depends on, as a JSON object.
+    std::vector<Finding> findings;
+    std::size_t topics = 0;
+    std::size_t dropped = 0;  ///< Findings that were met when no more were kept.
+    std::vector<ResultDependency> dependencies;
+    std::vector<ResultOutput> outputs;
+    std::string versions;  ///< Of the program and its libraries, as a JSON object.
+    ResultRun run;
+};
+
+const char* stateName(ResultState state);
+
+/// What a run that ended with `exit` has come to.
+ResultState stateOfExit(int exit);
+
+/// Numbers of findings for people, and the exit code.
+FindingSummary summaryOf(const RunResult& result);
+
+}  // namespace marrowpress

@@ -1,0 +1,80 @@
+#include "results/up_to_date.h"
+
+#include <algorithm>
+
+#include "results/file_digest.h"
+
+namespace marrowpress {
+namespace {
+
+std::int64_t lastTouch(const FileStamp& stamp) {
+    return std::max(stamp.modified, stamp.changed);
+}
+
+/// Whether the file was changed between the run's begin and end. A time still to come is the trace
+/// of a clock that was set back, and says nothing.
+bool isTouchedDuring(const ResultRun& run, const FileStamp& stamp) {
+    return (stamp.changed >= run.begin && stamp.changed <= run.end) ||
+           (stamp.modified >= run.begin && stamp.modified <= run.end);
+}
+
+}  // namespace
+
+const std::optional<FileStamp>& FileComparison::stampAt(const std::string& path) {
+    const auto [entry, isNew] = stamps_.try_emplace(path);
+    if (isNew) {
+        entry->second = stampOf(path);
+    }
+    return entry->second;
+}
+
+bool FileComparison::isSame(const std::string& path, const KnownFile& known, bool isStampEnough) {
+    const std::optional<FileStamp>& stamp = stampAt(path);
+    if (!stamp || stamp->size != known.stamp.size) {
+        return false;
+    }
+    if (isStampEnough && *stamp == known.stamp) {
+        return true;
+    }
+    const auto [entry, isNew] = digests_.try_emplace(path);
+    if (isNew) {
+        entry->second = quickDigestOf(path);
+    }
+    return entry->second == known.xxh128;
+}
+
+bool FileComparison::isUpToDate(const RunResult& result, const WantedRun& wanted) {
+    if (result.request != wanted.request || result.options != wanted.options ||
+        result.versions != wanted.versions || wasChangedMeanwhile(result)) {
+        return false;
+    }
+    const std::vector<std::optional<KnownFile>>& known = result.run.files;
+    for (std::size_t index = 0; index < result.dependencies.size(); ++index) {
+        const std::string& path = result.dependencies[index].file;
+        if (known[index] ? !isSame(path, *known[index], /*isStampEnough=*/true)
+                         : stampAt(path).has_value()) {
+            return false;
+        }
+    }
+    for (std::size_t index = 0; index < result.outputs.size(); ++index) {
+        const std::optional<KnownFile>& output = known[result.dependencies.size() + index];
+        // It was written shortly before the end: somebody else may have written within that tick.
+        const bool isOld = output && lastTouch(output->stamp) + kFileClockTick < result.run.end;
+        if (!output || !isSame(result.outputs[index].path, *output, isOld)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool wasChangedMeanwhile(const RunResult& result) {
+    for (std::size_t index = 0; index < result.dependencies.size(); ++index) {
+        const std::optional<KnownFile>& file = result.run.files[index];
+        if (file && isTouchedDuring(result.run, file->stamp)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace marrowpress
