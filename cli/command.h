@@ -23,6 +23,7 @@ public:
     virtual ~Command() = default;
 
     std::string name() const { return app_.get_name(); }
+    bool isHidden() const { return app_.get_group().empty(); }
 
     /// The command as the library knows it; it stays the program's.
     const CLI::App& app() const { return app_; }
@@ -49,6 +50,9 @@ protected:
 
     /// What the arguments ask for, once each has its value.
     virtual Options finish() = 0;
+
+    /// Leaves it out of what people are shown.
+    void hide() { app_.group(""); }
 
     UsageError wrongUsage(const std::string& fault) const;
     CommandArguments& arguments() { return arguments_; }

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cli/bash_completion.h"
+#include "cli/batch_commands.h"
 #include "cli/command.h"
 #include "cli/commands.h"
 #include "cli/help_formatter.h"
@@ -82,7 +83,8 @@ private:
             return text;
         }
         const std::string& name = arguments.front();
-        if (name.starts_with('-') || std::find(names.begin(), names.end(), name) != names.end()) {
+        if (name.starts_with('-') || name == "job" ||
+            std::find(names.begin(), names.end(), name) != names.end()) {
             return std::nullopt;
         }
         return unknownCommandText(app_, name);
@@ -111,7 +113,7 @@ private:
 }  // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments, std::size_t helpWidth) {
-    return Program(helpWidth).parse(arguments);
+    return Program(helpWidth).parse(withJoinedName(arguments));
 }
 
 }  // namespace marrowpress

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "cli/batch_commands.h"
 #include "cli/diagnostics_arguments.h"
 #include "cli/version_text.h"
 #include "findings/catalogue.h"
@@ -448,6 +449,7 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program) {
     commands.push_back(std::make_unique<KeysCommand>(program));
     commands.push_back(std::make_unique<DepsCommand>(program));
     commands.push_back(std::make_unique<DoctorCommand>(program));
+    addBatchCommands(program, commands);
     commands.push_back(std::make_unique<ExplainCommand>(program));
     commands.push_back(std::make_unique<HostCommand>(program));
     commands.push_back(std::make_unique<CompletionCommand>(program));
@@ -463,7 +465,9 @@ std::string unknownCommandText(const CLI::App& program, const std::string& name)
 std::vector<std::string> commandNames(const CLI::App& program) {
     std::vector<std::string> names;
     for (const CLI::App* const command : program.get_subcommands(nullptr)) {
-        names.push_back(command->get_name());
+        if (!command->get_group().empty()) {
+            names.push_back(command->get_name());
+        }
     }
     return names;
 }

@@ -10,6 +10,7 @@ namespace marrowpress {
 namespace {
 
 constexpr const char* kGroup = "Findings";
+constexpr const char* kTerminal = "Terminal";
 
 const Choices<DiagnosticsFormat> kFormats{{"human", DiagnosticsFormat::kHuman},
                                           {"short", DiagnosticsFormat::kShort},
@@ -85,7 +86,7 @@ void addFailOn(CommandArguments& arguments, DiagnosticsOptions& target) {
         .group(kGroup);
 }
 
-void addCounting(CommandArguments& arguments, DiagnosticsOptions& target) {
+void addSeverities(CommandArguments& arguments, DiagnosticsOptions& target) {
     arguments
         .addList(
             "--severity",
@@ -94,6 +95,10 @@ void addCounting(CommandArguments& arguments, DiagnosticsOptions& target) {
             "note; may be given several times",
             "ID=LEVEL")
         .group(kGroup);
+}
+
+void addCounting(CommandArguments& arguments, DiagnosticsOptions& target) {
+    addSeverities(arguments, target);
     arguments
         .addText("--baseline", target.baseline,
                  "Count only what is not among the findings in FILE, which an earlier run wrote "
@@ -107,12 +112,9 @@ void addCounting(CommandArguments& arguments, DiagnosticsOptions& target) {
         .group(kGroup);
 }
 
+}  // namespace
+
 void addTerminal(CommandArguments& arguments, DiagnosticsOptions& target) {
-    constexpr const char* kTerminal = "Terminal";
-    arguments
-        .addFlag("-v,--verbose", target.isVerbose,
-                 "Show a line for each step, also where standard error is no terminal")
-        .group(kTerminal);
     arguments.addFlag("-q,--quiet", target.isQuiet, "Show nothing but findings").group(kTerminal);
     arguments
         .addChoice("--color", "choice", target.color, kColors,
@@ -123,8 +125,6 @@ void addTerminal(CommandArguments& arguments, DiagnosticsOptions& target) {
         .group(kTerminal);
 }
 
-}  // namespace
-
 void addLanguage(CommandArguments& arguments, Language& target) {
     arguments
         .addChoice("--lang", "language", target, kLanguages,
@@ -134,13 +134,24 @@ void addLanguage(CommandArguments& arguments, Language& target) {
         .group(kGroup);
 }
 
-void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target, FindingsCount count) {
+void addDiagnosticsFormat(CommandArguments& arguments, DiagnosticsOptions& target) {
     arguments
         .addChoice("--diagnostics", "format", target.format, kFormats,
                    "How findings are shown: human (with the source line and a hint), short (a line "
                    "each), json (an object a line), or none (nobody looks for any)",
                    "FORMAT")
         .group(kGroup);
+}
+
+void addBatchDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target) {
+    addDiagnosticsFormat(arguments, target);
+    addLanguage(arguments, target.language);
+    addFailOn(arguments, target);
+    addSeverities(arguments, target);
+}
+
+void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target, FindingsCount count) {
+    addDiagnosticsFormat(arguments, target);
     addFiles(arguments, target);
     addLanguage(arguments, target.language);
     if (count == FindingsCount::kForExitCode) {
@@ -149,6 +160,10 @@ void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target, Fin
         target.failOn = FailOn::kNever;
     }
     addCounting(arguments, target);
+    arguments
+        .addFlag("-v,--verbose", target.isVerbose,
+                 "Show a line for each step, also where standard error is no terminal")
+        .group(kTerminal);
     addTerminal(arguments, target);
 }
 

@@ -21,6 +21,15 @@ enum class FindingsCount {
 void addDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target,
                     FindingsCount count = FindingsCount::kForExitCode);
 
+/// Adds `--diagnostics`.
+void addDiagnosticsFormat(CommandArguments& arguments, DiagnosticsOptions& target);
+
+/// Adds what decides on the findings of many runs at once.
+void addBatchDiagnostics(CommandArguments& arguments, DiagnosticsOptions& target);
+
+/// Adds what is shown on a terminal besides findings, and how.
+void addTerminal(CommandArguments& arguments, DiagnosticsOptions& target);
+
 /// Adds the options about what a run costs.
 void addMeasures(CommandArguments& arguments, DiagnosticsOptions& target);
 

@@ -3,6 +3,8 @@
 #include <exception>
 #include <iostream>
 
+#include "cli/batch/batch_command.h"
+#include "cli/batch/worker_command.h"
 #include "cli/check_command.h"
 #include "cli/command_line.h"
 #include "cli/deps_command.h"
@@ -45,6 +47,14 @@ struct Run {
     ExitCode operator()(const DoctorOptions& options) const {
         chooseLanguage(options.diagnostics.language);
         return runDoctor(options, streams);
+    }
+    ExitCode operator()(const BatchOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runBatch(options, streams);
+    }
+    ExitCode operator()(const WorkerOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runWorker(options, streams);
     }
     ExitCode operator()(const ExplainOptions& options) const {
         chooseLanguage(options.language);

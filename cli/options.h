@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "cli/batch_options.h"
 #include "cli/diagnostics_options.h"
 
 namespace marrowpress {
@@ -54,6 +55,7 @@ struct PublishOptions : RunOptions {
     bool isRelative = false;  ///< Local references lead on from the output that holds them.
     std::optional<std::string> mediaFolder;  ///< For copies; seen from the output's folder.
     std::optional<std::string> depfile;      ///< Gets the rule of the output.
+    std::optional<std::string> result;       ///< Gets all that there is to tell of the run.
 };
 
 /// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is
@@ -103,6 +105,16 @@ struct CompletionOptions {
     std::optional<std::string> map;  ///< Whose keys are wanted, and no script.
 };
 
+/// `marrowpress job`: how a batch runs one of its jobs. People have no use for it.
+struct WorkerOptions {
+    int batch = 0;  ///< Its process.
+    bool isCheck = false;
+    bool isInPlace = false;  ///< A composite, too, is made where it is to stand.
+    std::vector<std::string> catalogs;
+    std::optional<std::string> depfile;
+    DiagnosticsOptions diagnostics;
+};
+
 /// What `help` or `version` asks for.
 struct Information {
     std::string text;
@@ -113,9 +125,9 @@ struct UsageError {
     std::string text;
 };
 
-using Options =
-    std::variant<HostOptions, PublishOptions, CheckOptions, KeysOptions, DepsOptions, DoctorOptions,
-                 ExplainOptions, CompletionOptions, Information, UsageError>;
+using Options = std::variant<HostOptions, PublishOptions, CheckOptions, KeysOptions, DepsOptions,
+                             DoctorOptions, BatchOptions, WorkerOptions, ExplainOptions,
+                             CompletionOptions, Information, UsageError>;
 
 /// The text of a usage error of `command`: the fault, and the pointer to its help.
 std::string usageErrorText(const std::string& command, const std::string& fault);

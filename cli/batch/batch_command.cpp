@@ -1,0 +1,339 @@
+#include "cli/batch/batch_command.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <set>
+#include <system_error>
+
+#include "cli/aside_composite.h"
+#include "cli/batch/batch_reports.h"
+#include "cli/batch/batch_run.h"
+#include "cli/batch/batch_view.h"
+#include "cli/batch/job_conflicts.h"
+#include "cli/batch/job_results.h"
+#include "cli/batch/job_source.h"
+#include "cli/file_failure.h"
+#include "cli/file_replacement.h"
+#include "cli/public_ids.h"
+#include "cli/publish_paths.h"
+#include "cli/text_table.h"
+#include "findings/language.h"
+#include "findings/shown_path.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kBatchName = "batch";
+
+/// Where a job stands, and its name.
+std::string placeOfJob(const Job& job) {
+    return job.file.empty() ? job.id : job.file + ":" + std::to_string(job.line) + ": " + job.id;
+}
+
+const char* formatName(const Job& job) {
+    return isFlatBook(job.options) ? "flatbook" : "composite";
+}
+
+/// Ends the process by the signal that ended the batch.
+[[noreturn]] void endBy(int signal) {
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+    constexpr int kSignalBase = 128;
+    std::_Exit(kSignalBase + signal);
+}
+
+/// One call of the command.
+class Batch {
+public:
+    Batch(const BatchOptions& options, const Streams& streams)
+        : options_(options),
+          streams_(streams),
+          results_(options.results, [&streams](const std::string& sentence) {
+              streams.err << "marrowpress batch: " << sentence << ".\n";
+          }) {}
+
+    ExitCode run();
+
+private:
+    ExitCode list() const;
+    ExitCode writePlan() const;
+    ExitCode showDryRun() const;
+    ExitCode runJobs();
+    ExitCode merge();
+    void findOutputFaults() const;
+    void findConflicts() const;
+    void removeLeftFolders() const;
+    BatchSetting setting() const;
+    std::map<std::string, double> earlierTimes() const;
+    void failConflicts(BatchRun& run);
+    ExitCode exitOf(const std::vector<JobOutcome>& outcomes, bool isAnyResultLost) const;
+    std::vector<JobOutcome> knownOutcomes() const;
+
+    const BatchOptions& options_;
+    const Streams& streams_;
+    ResultFolder results_;
+    Plan plan_;
+    std::vector<std::size_t> indexes_;
+};
+
+ExitCode Batch::run() {
+    if (options_.action == BatchAction::kMerge) {
+        plan_ = readPlan(options_.plan);
+        indexes_ = selectedJobs({}, plan_);
+        return merge();
+    }
+    plan_ = planOf(options_);
+    indexes_ = selectedJobs(options_, plan_);
+    chooseLanguage(plan_.diagnostics.language);
+    switch (options_.action) {
+        case BatchAction::kList:
+            return list();
+        case BatchAction::kPlan:
+            return writePlan();
+        default:
+            break;
+    }
+    if (const std::optional<std::string> fault = findCatalogOptionFault(plan_.catalogs)) {
+        throw BatchFault(*fault);
+    }
+    if (!plan_.isCheck) {
+        findOutputFaults();
+        findConflicts();
+    }
+    return options_.isDryRun ? showDryRun() : runJobs();
+}
+
+ExitCode Batch::list() const {
+    const std::string folder = fs::current_path().string();
+    TextTable table({"JOB", "FORMAT", "MAP", "FILTERS", "OUTPUT"});
+    for (const std::size_t index : indexes_) {
+        const Job& job = plan_.jobs[index];
+        std::string filters;
+        for (const std::string& filter : job.options.filters) {
+            filters += (filters.empty() ? "" : ", ") + shownPath(filter, folder);
+        }
+        table.add({job.id, job.transtype.empty() ? formatName(job) : job.transtype,
+                   shownPath(job.options.map, folder), filters,
+                   shownPath(job.options.output, folder)});
+    }
+    return writeResult(streams_, table.text()) ? ExitCode::kSuccess : ExitCode::kRunFailed;
+}
+
+ExitCode Batch::writePlan() const {
+    std::vector<Job> jobs;
+    for (const std::size_t index : indexes_) {
+        jobs.push_back(plan_.jobs[index]);
+    }
+    const Plan selected =
+        makePlan(std::move(jobs), plan_.isCheck, plan_.catalogs, plan_.diagnostics);
+    if (options_.plan == kStandardOutput) {
+        return writeResult(streams_, planText(selected)) ? ExitCode::kSuccess
+                                                         : ExitCode::kRunFailed;
+    }
+    replaceFile(fs::absolute(options_.plan), planText(selected));
+    return ExitCode::kSuccess;
+}
+
+ExitCode Batch::showDryRun() const {
+    const std::string folder = fs::current_path().string();
+    std::string text;
+    for (const std::size_t index : indexes_) {
+        const Job& job = plan_.jobs[index];
+        text += jobLine(job);
+        std::error_code ignored;
+        const bool isReplaced =
+            !plan_.isCheck && !isFlatBook(job.options) && fs::exists(job.options.output, ignored);
+        if (!plan_.isCheck) {
+            text += "  " + shownPath(job.options.output, folder) +
+                    (isReplaced ? " (is replaced)\n" : "\n");
+        }
+    }
+    return writeResult(streams_, text) ? ExitCode::kSuccess : ExitCode::kRunFailed;
+}
+
+/// What `publish` would refuse is refused before anything is started.
+///
+/// @throws BatchFault
+void Batch::findOutputFaults() const {
+    for (const std::size_t index : indexes_) {
+        const Job& job = plan_.jobs[index];
+        PublishOptions options = job.options;
+        options.catalogs = plan_.catalogs;
+        const PublishPaths paths = resolvePublishPaths(options);
+        std::error_code ignored;
+        if (!fs::exists(outputFolderOf(options, paths).path, ignored)) {
+            continue;
+        }
+        if (const std::optional<std::string> fault = findPublishFault(options, paths)) {
+            throw BatchFault(placeOfJob(job) + ": " + *fault);
+        }
+    }
+}
+
+/// @throws BatchFault
+void Batch::findConflicts() const {
+    JobConflicts conflicts;
+    for (const std::size_t index : indexes_) {
+        conflicts.add(plan_.jobs[index]);
+        if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
+            conflicts.add(*result);
+        }
+    }
+    for (const JobConflict& conflict : conflicts.find()) {
+        if (!conflict.isRead || !options_.serializes) {
+            throw BatchFault(conflictText(conflict));
+        }
+    }
+}
+
+void Batch::removeLeftFolders() const {
+    std::set<fs::path> folders;
+    for (const std::size_t index : indexes_) {
+        const PublishOptions& options = plan_.jobs[index].options;
+        if (!plan_.isCheck && !isFlatBook(options)) {
+            folders.insert(fs::path(options.output).parent_path());
+        }
+    }
+    for (const fs::path& folder : folders) {
+        removeLeftAside(folder);
+    }
+}
+
+BatchSetting Batch::setting() const {
+    BatchSetting setting;
+    setting.width = options_.width;
+    setting.failsFast = options_.failsFast;
+    setting.isNice = options_.isNice;
+    setting.longest = options_.longest;
+    setting.resumes = options_.resumes;
+    setting.retriesFailed = options_.retriesFailed;
+    if (options_.reports.pageFolder) {
+        setting.pageFolder = fs::absolute(*options_.reports.pageFolder).string();
+    }
+    if (options_.depfile) {
+        setting.depfile = fs::absolute(*options_.depfile).string();
+    }
+    return setting;
+}
+
+/// For what is left to do; nobody sees it but on a terminal.
+std::map<std::string, double> Batch::earlierTimes() const {
+    std::map<std::string, double> times;
+    if (isTerminal(STDERR_FILENO)) {
+        for (const std::size_t index : indexes_) {
+            if (const auto result = results_.find(plan_.jobs[index].id)) {
+                times[result->id] = result->run.seconds;
+            }
+        }
+    }
+    return times;
+}
+
+ExitCode Batch::runJobs() {
+    removeLeftFolders();
+    if (options_.reports.pageFolder) {
+        fs::create_directories(*options_.reports.pageFolder);
+    }
+    const BatchSetting how = setting();
+    BatchView view(plan_, indexes_, options_.diagnostics, earlierTimes(), streams_);
+    BatchRun run(plan_, how, results_, view);
+    const int signal = run.run(indexes_);
+    view.finish();
+    if (signal != 0) {
+        endBy(signal);
+    }
+    std::vector<JobOutcome> outcomes = run.outcomes();
+    if (!plan_.isCheck) {
+        failConflicts(run);
+        outcomes = run.outcomes();
+    }
+    const ExitCode code = exitOf(outcomes, run.isAnyResultLost());
+    writeBatchReports(options_.reports, plan_, indexes_, results_, static_cast<int>(code));
+    return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
+}
+
+/// Jobs that got into each other's way as only their runs have shown.
+void Batch::failConflicts(BatchRun& run) {
+    JobConflicts conflicts;
+    for (const std::size_t index : indexes_) {
+        if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
+            conflicts.add(*result);
+        }
+    }
+    for (const JobConflict& conflict : conflicts.find()) {
+        if (!conflict.isRead || !options_.serializes) {
+            run.fail(conflict.writer, conflict.other, conflict.path);
+            run.fail(conflict.other, conflict.writer, conflict.path);
+        }
+    }
+}
+
+ExitCode Batch::exitOf(const std::vector<JobOutcome>& outcomes, bool isAnyResultLost) const {
+    bool hasFindings = false;
+    for (const std::size_t index : indexes_) {
+        const JobOutcome& outcome = outcomes[index];
+        if (!outcome.isDone() || outcome.hasFailed()) {
+            return ExitCode::kRunFailed;
+        }
+        hasFindings |= outcome.result == ResultState::kFindings;
+    }
+    if (isAnyResultLost) {
+        return ExitCode::kRunFailed;
+    }
+    return hasFindings ? ExitCode::kFindings : ExitCode::kSuccess;
+}
+
+/// What the results say of the jobs.
+///
+/// @throws BatchFault when they are of another plan.
+std::vector<JobOutcome> Batch::knownOutcomes() const {
+    std::vector<JobOutcome> outcomes(plan_.jobs.size());
+    for (const std::size_t index : indexes_) {
+        const std::optional<RunResult> result = results_.find(plan_.jobs[index].id);
+        if (!result) {
+            continue;
+        }
+        if (result->run.plan != plan_.digest) {
+            throw BatchFault(results_.pathOf(result->id).string() +
+                             ": this result is of another plan, or the plan was changed since");
+        }
+        outcomes[index] = outcomeOf(*result);
+    }
+    return outcomes;
+}
+
+ExitCode Batch::merge() {
+    chooseLanguage(plan_.diagnostics.language);
+    results_ = ResultFolder(options_.file, [this](const std::string& sentence) {
+        streams_.err << "marrowpress batch: " << sentence << ".\n";
+    });
+    const std::vector<JobOutcome> outcomes = knownOutcomes();
+    const ExitCode code = exitOf(outcomes, false);
+    writeBatchReports(options_.reports, plan_, indexes_, results_, static_cast<int>(code));
+    const BatchView view(plan_, indexes_, options_.diagnostics, {}, streams_);
+    return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
+}
+
+}  // namespace
+
+ExitCode runBatch(const BatchOptions& options, const Streams& streams) {
+    try {
+        return Batch(options, streams).run();
+    } catch (const BatchFault& fault) {
+        streams.err << usageErrorText(kBatchName, fault.what());
+        return ExitCode::kWrongUsage;
+    } catch (const FileFailure& failure) {
+        streams.err << "marrowpress batch: " << failure.what() << ".\n";
+        return ExitCode::kRunFailed;
+    }
+}
+
+}  // namespace marrowpress

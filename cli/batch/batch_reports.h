@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/batch/plan.h"
+#include "cli/batch/result_folder.h"
+#include "cli/batch_options.h"
+
+namespace marrowpress {
+
+/// Writes what was asked for of the merged reports, from the results in their folder alone, so that
+/// whoever ran the jobs makes no difference.
+///
+/// @param indexes  Those jobs of the plan that count.
+/// @param exit     What the batch comes to.
+/// @throws FileFailure
+void writeBatchReports(const BatchReports& reports, const Plan& plan,
+                       const std::vector<std::size_t>& indexes, const ResultFolder& results,
+                       int exit);
+
+}  // namespace marrowpress

@@ -1,0 +1,274 @@
+#include "cli/batch/batch_run.h"
+
+#include <sched.h>
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <utility>
+
+#include "cli/batch/job_results.h"
+#include "cli/batch/placement.h"
+#include "cli/batch/system_memory.h"
+#include "cli/batch/worker_arguments.h"
+#include "cli/batch/worker_channels.h"
+#include "results/up_to_date.h"
+
+namespace marrowpress {
+namespace {
+
+using Clock = JobProcess::Clock;
+
+/// What a job is taken to need until one has shown more.
+constexpr std::uint64_t kUsualMemory = std::uint64_t{256} << 20;
+/// How often whoever watches is shown something although nothing happens.
+constexpr std::chrono::milliseconds kLookPause{200};
+constexpr int kNiceness = 10;
+
+/// The signals that a batch takes one after the other, when it has time for them.
+sigset_t batchSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&signals, signal);
+    }
+    return signals;
+}
+
+/// Holds those back while it lives.
+class BlockedSignals {
+public:
+    BlockedSignals() {
+        const sigset_t signals = batchSignals();
+        sigprocmask(SIG_BLOCK, &signals, &earlier_);
+    }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+    ~BlockedSignals() { sigprocmask(SIG_SETMASK, &earlier_, nullptr); }
+
+private:
+    sigset_t earlier_{};
+};
+
+std::size_t coreCount() {
+    cpu_set_t cores;
+    const int count = sched_getaffinity(0, sizeof cores, &cores) == 0 ? CPU_COUNT(&cores) : 1;
+    return static_cast<std::size_t>(std::max(count, 1));
+}
+
+timespec timespecOf(std::chrono::nanoseconds time) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
+    return {seconds.count(), (time - seconds).count()};
+}
+
+}  // namespace
+
+/// A job that is at work.
+struct BatchRun::Running {
+    Running(std::size_t job, bool isRunInPlace, const JobCall& call)
+        : index(job), isInPlace(isRunInPlace), process(call) {}
+
+    std::size_t index;
+    bool isInPlace;
+    JobProcess process;
+};
+
+BatchRun::BatchRun(const Plan& plan, const BatchSetting& setting, const ResultFolder& results,
+                   BatchWatcher& watcher)
+    : plan_(plan),
+      setting_(setting),
+      results_(results),
+      watcher_(watcher),
+      outcomes_(plan.jobs.size()),
+      largest_(kUsualMemory),
+      memoryKills_(memoryKillCount()) {}
+
+BatchRun::~BatchRun() = default;
+
+int BatchRun::run(const std::vector<std::size_t>& indexes) {
+    const BlockedSignals blocked;
+    if (setting_.resumes || setting_.retriesFailed) {
+        skipUpToDate(indexes);
+    }
+    std::vector<std::size_t> together;
+    for (const std::size_t index : indexes) {
+        if (outcomes_[index].isDone()) {
+            continue;
+        }
+        const bool isAlone =
+            !plan_.isCheck && needsItsPlace(plan_.jobs[index], results_.find(plan_.jobs[index].id));
+        if (isAlone) {
+            alone_.push_back(index);
+        } else {
+            together.push_back(index);
+        }
+    }
+    runTogether(std::move(together));
+    runAlone();
+    return signal_;
+}
+
+void BatchRun::skipUpToDate(const std::vector<std::size_t>& indexes) {
+    FileComparison files;
+    for (const std::size_t index : indexes) {
+        const std::optional<RunResult> result = results_.find(plan_.jobs[index].id);
+        if (!result || (setting_.retriesFailed && result->state == ResultState::kFailed) ||
+            !files.isUpToDate(*result, wantedRunOf(plan_, plan_.jobs[index]))) {
+            continue;
+        }
+        JobOutcome& outcome = outcomes_[index];
+        outcome = outcomeOf(*result);
+        outcome.state = JobOutcome::State::kUpToDate;
+        watcher_.end(index, outcome, *result);
+    }
+}
+
+void BatchRun::runTogether(std::vector<std::size_t> indexes) {
+    std::reverse(indexes.begin(), indexes.end());
+    while (!running_.empty() || (!indexes.empty() && !isEnding())) {
+        while (!indexes.empty() && !isEnding() && mayStart()) {
+            start(indexes.back(), /*isInPlace=*/plan_.isCheck);
+            indexes.pop_back();
+        }
+        waitForSomething();
+    }
+}
+
+void BatchRun::runAlone() {
+    while (!alone_.empty() && !isEnding()) {
+        start(alone_.front(), /*isInPlace=*/true);
+        alone_.pop_front();
+        while (!running_.empty()) {
+            waitForSomething();
+        }
+    }
+}
+
+bool BatchRun::mayStart() const {
+    if (running_.empty()) {
+        return true;
+    }
+    if (setting_.width > 0) {
+        return running_.size() < setting_.width;
+    }
+    if (running_.size() >= coreCount()) {
+        return false;
+    }
+    std::uint64_t memory = availableMemory();
+    for (const std::unique_ptr<Running>& running : running_) {
+        memory += running->process.residentMemory();
+    }
+    return (running_.size() + 1) * largest_ <= memory;
+}
+
+void BatchRun::start(std::size_t index, bool isInPlace) {
+    const Job& job = plan_.jobs[index];
+    try {
+        // Until the job has ended it has not happened.
+        results_.remove(job.id);
+        JobCall call{workerArguments(plan_, setting_, job, isInPlace), jobLine(job),
+                     setting_.isNice ? kNiceness : 0, setting_.longest};
+        running_.push_back(std::make_unique<Running>(index, isInPlace, call));
+        outcomes_[index].state = JobOutcome::State::kRunning;
+    } catch (const std::exception& fault) {
+        isAnyResultLost_ = true;
+        watcher_.warn("`" + job.id + "` was not started: " + fault.what());
+    }
+    watcher_.look(outcomes_);
+}
+
+/// Waits for the end of a job, for a signal, or until somebody has to be looked at.
+void BatchRun::waitForSomething() {
+    const Clock::time_point now = Clock::now();
+    Clock::time_point next = now + kLookPause;
+    for (const std::unique_ptr<Running>& running : running_) {
+        next = std::min(next, running->process.deadline().value_or(next));
+    }
+    const sigset_t signals = batchSignals();
+    const timespec pause = timespecOf(std::max(next - now, Clock::duration::zero()));
+    const int signal = sigtimedwait(&signals, nullptr, &pause);
+    if (signal > 0 && signal != SIGCHLD) {
+        signal_ = signal_ == 0 ? signal : signal_;
+        for (const std::unique_ptr<Running>& running : running_) {
+            running->process.stop();
+        }
+    }
+    collectEnds();
+    for (const std::unique_ptr<Running>& running : running_) {
+        running->process.lookAtTime(Clock::now());
+    }
+    watcher_.look(outcomes_);
+}
+
+void BatchRun::collectEnds() {
+    for (std::size_t at = 0; at < running_.size();) {
+        const std::optional<JobEnd> end = running_[at]->process.findEnd();
+        if (!end) {
+            ++at;
+            continue;
+        }
+        const std::unique_ptr<Running> ended = std::move(running_[at]);
+        running_.erase(running_.begin() + static_cast<std::ptrdiff_t>(at));
+        finish(*ended, *end);
+    }
+}
+
+void BatchRun::finish(Running& running, const JobEnd& end) {
+    JobOutcome& outcome = outcomes_[running.index];
+    outcome.state = JobOutcome::State::kWaiting;
+    largest_ = std::max(largest_, end.memory);
+    if (end.isStopped) {
+        // What it may have been about to tell is not asked for: it did not happen.
+        return;
+    }
+    if (end.exit == kNeedsItsPlaceExit && !running.isInPlace) {
+        alone_.push_back(running.index);
+        return;
+    }
+    const std::uint64_t earlierKills = std::exchange(memoryKills_, memoryKillCount());
+    const bool isKilledForMemory =
+        end.signal == SIGKILL && !end.isOutOfTime && memoryKills_ > earlierKills;
+    RunResult result = resultOf(plan_, plan_.jobs[running.index], end,
+                                setting_.longest.value_or(std::chrono::seconds(0)));
+    if ((isKilledForMemory || result.run.isMemoryShort) && outcome.tries == 1) {
+        ++outcome.tries;
+        alone_.push_back(running.index);
+        return;
+    }
+    conclude(running.index, std::move(result), end);
+}
+
+void BatchRun::conclude(std::size_t index, RunResult result, const JobEnd& end) {
+    result.run.plan = plan_.digest;
+    result.run.tries = std::max(result.run.tries, outcomes_[index].tries);
+    result.run.seconds = end.seconds;
+    result.run.cpuSeconds = end.cpuSeconds;
+    result.run.memory = end.memory;
+    JobOutcome outcome = outcomeOf(result);
+    outcome.state = JobOutcome::State::kEnded;
+    try {
+        results_.put(result);
+    } catch (const std::exception& fault) {
+        isAnyResultLost_ = true;
+        watcher_.warn(std::string(fault.what()) + "; `" + result.id + "` counts as not run");
+    }
+    outcomes_[index] = outcome;
+    isStopped_ |= setting_.failsFast && outcome.hasFailed();
+    watcher_.end(index, outcome, result);
+}
+
+void BatchRun::fail(const std::string& id, const std::string& other, const std::string& path) {
+    for (std::size_t index = 0; index < plan_.jobs.size(); ++index) {
+        std::optional<RunResult> result =
+            plan_.jobs[index].id == id ? results_.find(id) : std::nullopt;
+        if (!result) {
+            continue;
+        }
+        const RunResult failed = withConflict(std::move(*result), other, path);
+        results_.put(failed);
+        outcomes_[index] = outcomeOf(failed);
+        watcher_.warn("`" + id + "` and `" + other + "` write and read " + path);
+    }
+}
+
+}  // namespace marrowpress

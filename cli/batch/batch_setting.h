@@ -1,0 +1,23 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace marrowpress {
+
+/// How a batch is run.
+struct BatchSetting {
+    std::size_t width = 0;  ///< Jobs at one time; 0 for as many as the machine can take.
+    bool failsFast = false;
+    bool isNice = false;
+    std::optional<std::chrono::seconds> longest;  ///< For each job.
+    bool resumes = false;                         ///< Results that are up to date stay.
+    bool retriesFailed = false;                   ///< As above, but failed jobs run again.
+    bool serializes = false;  ///< A job may read what another one writes, and runs after it.
+    std::optional<std::string> pageFolder;  ///< For a page of each job.
+    std::optional<std::string> depfile;     ///< For the only job.
+};
+
+}  // namespace marrowpress

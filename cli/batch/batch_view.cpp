@@ -1,0 +1,189 @@
+#include "cli/batch/batch_view.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iomanip>
+#include <ostream>
+#include <sstream>
+#include <utility>
+
+#include "cli/findings_text.h"
+#include "cli/run_display.h"
+#include "cli/text_table.h"
+#include "findings/finding_lines.h"
+
+namespace marrowpress {
+namespace {
+
+using State = JobOutcome::State;
+
+/// More rows than people read are those of jobs that have something to say.
+constexpr std::size_t kMostCleanRows = 40;
+
+std::string wordOf(const JobOutcome& outcome) {
+    switch (outcome.state) {
+        case State::kWaiting:
+            return "not run";
+        case State::kRunning:
+            return "running";
+        case State::kUpToDate:
+        case State::kEnded:
+            break;
+    }
+    return stateName(outcome.result);
+}
+
+std::string countText(std::size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+/// Behind the state: how many findings there are, and how long it took.
+std::string detailText(const JobOutcome& outcome) {
+    std::string text;
+    if (outcome.errors > 0) {
+        text += ", " + countText(outcome.errors, "error", "errors");
+    }
+    if (outcome.warnings > 0) {
+        text += ", " + countText(outcome.warnings, "warning", "warnings");
+    }
+    text +=
+        outcome.state == State::kUpToDate ? ", up to date" : ", " + durationText(outcome.seconds);
+    return text;
+}
+
+std::string memoryText(std::uint64_t bytes) {
+    constexpr std::uint64_t kMegabyte = std::uint64_t{1} << 20;
+    return std::to_string((bytes + kMegabyte / 2) / kMegabyte) + " MB";
+}
+
+}  // namespace
+
+BatchView::BatchView(const Plan& plan, const std::vector<std::size_t>& indexes,
+                     const DiagnosticsOptions& options, std::map<std::string, double> earlierTimes,
+                     const Streams& streams)
+    : plan_(plan),
+      indexes_(indexes),
+      options_(options),
+      earlierTimes_(std::move(earlierTimes)),
+      streams_(streams),
+      live_(streams.err, STDERR_FILENO),
+      isLive_(isTerminal(STDERR_FILENO) && !options.hasNoProgress && !options.isQuiet &&
+              !isForTools(options)) {}
+
+void BatchView::look(const std::vector<JobOutcome>& outcomes) {
+    if (isLive_) {
+        live_.show(liveText(outcomes));
+    }
+}
+
+void BatchView::end(std::size_t index, const JobOutcome& outcome, const RunResult& result) {
+    ++done_;
+    live_.clear();
+    const bool isWorthALine = !isLive_ || outcome.result != ResultState::kClean;
+    if (isWorthALine && !options_.isQuiet && !isForTools(options_)) {
+        streams_.err << "[" << done_ << "/" << indexes_.size() << "] " << plan_.jobs[index].id
+                     << ": " << wordOf(outcome) << detailText(outcome) << "\n";
+    }
+    showFindings(result);
+    streams_.err << std::flush;
+}
+
+void BatchView::warn(const std::string& sentence) {
+    live_.clear();
+    streams_.err << "marrowpress batch: " << sentence << ".\n" << std::flush;
+}
+
+void BatchView::showFindings(const RunResult& result) {
+    if (result.findings.empty() && !isForTools(options_)) {
+        return;
+    }
+    writeFindings(streams_.err, result.findings, summaryOf(result), options_,
+                  FindingsTarget{/*isTerminal=*/true, result.id});
+}
+
+/// What is left to do by the times of the last run; negative when nobody knows.
+double BatchView::secondsLeft(const std::vector<JobOutcome>& outcomes) const {
+    double known = 0;
+    double done = 0;
+    for (const std::size_t index : indexes_) {
+        const auto time = earlierTimes_.find(plan_.jobs[index].id);
+        if (time == earlierTimes_.end()) {
+            return -1;
+        }
+        known += time->second;
+        done += outcomes[index].isDone() ? time->second : 0;
+    }
+    const double elapsed = std::chrono::duration<double>(Clock::now() - start_).count();
+    return done > 0 ? elapsed * (known - done) / done : -1;
+}
+
+std::string BatchView::liveText(const std::vector<JobOutcome>& outcomes) const {
+    std::size_t running = 0;
+    std::size_t failed = 0;
+    for (const std::size_t index : indexes_) {
+        running += outcomes[index].state == State::kRunning ? 1 : 0;
+        failed += outcomes[index].hasFailed() ? 1 : 0;
+    }
+    std::string text = std::to_string(done_) + " of " + std::to_string(indexes_.size()) +
+                       " done, " + std::to_string(running) + " running, " + std::to_string(failed) +
+                       " failed";
+    const double left = secondsLeft(outcomes);
+    return left < 0 ? text : text + ", " + durationText(left) + " left";
+}
+
+std::string BatchView::tableText(const std::vector<JobOutcome>& outcomes) const {
+    TextTable table({"JOB", "STATE", "EXIT", "ERRORS", "WARNINGS", "TIME", "MEMORY"});
+    std::map<std::string, std::size_t> counts;
+    bool hasRows = false;
+    for (const std::size_t index : indexes_) {
+        const JobOutcome& outcome = outcomes[index];
+        ++counts[wordOf(outcome)];
+        if (indexes_.size() > kMostCleanRows && outcome.isDone() &&
+            outcome.result == ResultState::kClean) {
+            continue;
+        }
+        hasRows = true;
+        const bool isDone = outcome.isDone();
+        table.add({plan_.jobs[index].id, wordOf(outcome),
+                   isDone ? std::to_string(outcome.exit) : "",
+                   isDone ? std::to_string(outcome.errors) : "",
+                   isDone ? std::to_string(outcome.warnings) : "",
+                   isDone ? durationText(outcome.seconds) : "",
+                   isDone ? memoryText(outcome.memory) : ""});
+    }
+    std::string text = hasRows ? table.text() + "\n" : std::string();
+    text += countText(indexes_.size(), "job", "jobs") + ":";
+    const char* separator = " ";
+    for (const char* const word : {"clean", "findings", "failed", "not run"}) {
+        if (counts[word] > 0) {
+            text += separator + std::to_string(counts[word]) + " " +
+                    (std::string_view(word) == "findings" ? "with findings" : word);
+            separator = ", ";
+        }
+    }
+    const double seconds = std::chrono::duration<double>(Clock::now() - start_).count();
+    return text + "; " + durationText(seconds) + "\n";
+}
+
+std::string durationText(double seconds) {
+    constexpr double kMinute = 60;
+    constexpr long kMinutesPerHour = 60;
+    if (seconds < kMinute) {
+        return fixedText(seconds, 1) + " s";
+    }
+    const long whole = std::lround(seconds);
+    const long minutes = whole / kMinutesPerHour;
+    std::ostringstream text;
+    text << std::setfill('0');
+    if (minutes < kMinutesPerHour) {
+        text << minutes << ":" << std::setw(2) << whole % kMinutesPerHour << " min";
+    } else {
+        text << minutes / kMinutesPerHour << ":" << std::setw(2) << minutes % kMinutesPerHour << ":"
+             << std::setw(2) << whole % kMinutesPerHour << " h";
+    }
+    return text.str();
+}
+
+}  // namespace marrowpress

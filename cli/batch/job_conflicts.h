@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "cli/batch/job.h"
+#include "results/run_result.h"
+
+namespace marrowpress {
+
+/// A file that one job writes and another one writes or reads.
+struct JobConflict {
+    std::string writer;
+    std::string other;
+    std::string path;
+    bool isRead = false;  ///< The other one reads it.
+};
+
+/// Finds jobs that get into each other's way: what they are to write and read is told first, then
+/// what their results say.
+class JobConflicts {
+public:
+    /// What the request says: a composite's output, the map, the profiles.
+    void add(const Job& job);
+
+    /// What a run has shown.
+    void add(const RunResult& result);
+
+    /// In the order of their paths.
+    std::vector<JobConflict> find() const;
+
+private:
+    /// Jobs by their number, each once and in the order in which they were told.
+    struct Use {
+        std::vector<std::uint32_t> writers;
+        std::vector<std::uint32_t> readers;
+    };
+
+    std::uint32_t numberOf(const std::string& id);
+
+    std::vector<std::string> ids_;
+    std::unordered_map<std::string, std::uint32_t> numbers_;
+    std::unordered_map<std::string, Use> uses_;  ///< By path.
+};
+
+/// As a sentence that names both.
+std::string conflictText(const JobConflict& conflict);
+
+}  // namespace marrowpress

@@ -1,0 +1,118 @@
+#include "cli/batch/job_results.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "cli/publish_paths.h"
+#include "cli/result_recorder.h"
+#include "findings/catalogue.h"
+#include "findings/fold.h"
+#include "findings/language.h"
+#include "results/result_json.h"
+
+namespace marrowpress {
+namespace {
+
+Finding batchFinding(const std::string& id, const std::string& text, const std::string& file) {
+    Finding finding;
+    finding.id = id;
+    finding.severity = *defaultSeverity(id);
+    finding.text = text;
+    finding.place.file = file;
+    return finding;
+}
+
+/// The first line that a process wrote, without what every such line begins with.
+std::string sentenceIn(const std::string& errors) {
+    std::string line = errors.substr(0, errors.find('\n'));
+    if (line.starts_with(kProgramName)) {
+        const std::size_t colon = line.find(": ");
+        line.erase(0, colon == std::string::npos ? 0 : colon + 2);
+    }
+    return line;
+}
+
+std::string endText(const JobEnd& end, std::chrono::seconds longest) {
+    if (end.isOutOfTime) {
+        return translated("Der Auftrag hat länger gedauert als {0} Sekunden und wurde beendet",
+                          {std::to_string(longest.count())});
+    }
+    if (end.signal) {
+        return translated("Der Auftrag wurde vom Signal {0} beendet",
+                          {std::to_string(*end.signal)});
+    }
+    const std::string sentence = sentenceIn(end.errors);
+    return sentence.empty() ? translated("Der Auftrag endete ohne Ergebnis mit dem Code {0}",
+                                         {std::to_string(end.exit)})
+                            : translated("Der Auftrag kam zu nichts: {0}", {sentence});
+}
+
+std::optional<RunResult> toldResult(const JobEnd& end) {
+    if (end.result.empty() || end.signal) {
+        return std::nullopt;
+    }
+    try {
+        return parseResult(end.result);
+    } catch (const ResultError&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+WantedRun wantedRunOf(const Plan& plan, const Job& job) {
+    PublishOptions options = job.options;
+    options.catalogs = plan.catalogs;
+    options.diagnostics = plan.diagnostics;
+    RunIdentity identity =
+        identityOf(plan.isCheck ? "check" : "publish", options, resolvePublishPaths(options));
+    return {std::move(identity.request), std::move(identity.options), versionsText()};
+}
+
+RunResult resultOf(const Plan& plan, const Job& job, const JobEnd& end,
+                   std::chrono::seconds longest) {
+    if (std::optional<RunResult> told = toldResult(end)) {
+        return std::move(*told);
+    }
+    WantedRun wanted = wantedRunOf(plan, job);
+    RunResult result;
+    result.id = job.id;
+    result.exit = end.exit == 0 ? 1 : end.exit;
+    result.signal = end.signal;
+    result.phase = end.phase;
+    result.request = std::move(wanted.request);
+    result.options = std::move(wanted.options);
+    result.versions = std::move(wanted.versions);
+    result.findings.push_back(batchFinding("MP301", endText(end, longest), job.options.map));
+    return result;
+}
+
+JobOutcome outcomeOf(const RunResult& result) {
+    const FindingSummary summary = summarize(result.findings);
+    JobOutcome outcome;
+    outcome.state = JobOutcome::State::kEnded;
+    outcome.result = result.state;
+    outcome.exit = result.exit;
+    outcome.errors = summary.errors;
+    outcome.warnings = summary.warnings;
+    outcome.seconds = result.run.seconds;
+    outcome.cpuSeconds = result.run.cpuSeconds;
+    outcome.memory = result.run.memory;
+    return outcome;
+}
+
+RunResult withConflict(RunResult result, const std::string& other, const std::string& path) {
+    constexpr int kExitOfFailedJob = 1;
+    result.state = ResultState::kFailed;
+    result.exit = kExitOfFailedJob;
+    result.findings.push_back(batchFinding(
+        "MP302",
+        translated("Dieser Auftrag und `{0}` stören einander: der eine schreibt, was der "
+                   "andere liest",
+                   {other}),
+        path));
+    return result;
+}
+
+}  // namespace marrowpress

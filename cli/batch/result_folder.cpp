@@ -1,0 +1,64 @@
+#include "cli/batch/result_folder.h"
+
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+#include "cli/file_failure.h"
+#include "cli/file_replacement.h"
+#include "results/result_json.h"
+
+namespace marrowpress {
+
+namespace fs = std::filesystem;
+
+ResultFolder::ResultFolder(fs::path folder, Warning warn)
+    : folder_(fs::absolute(folder).lexically_normal()), warn_(std::move(warn)) {}
+
+fs::path ResultFolder::pathOf(const std::string& id) const {
+    return folder_ / (id + ".json");
+}
+
+std::optional<RunResult> ResultFolder::find(const std::string& id) const {
+    const fs::path path = pathOf(id);
+    std::error_code ignored;
+    if (!fs::exists(path, ignored)) {
+        return std::nullopt;
+    }
+    try {
+        RunResult result = readResult(path);
+        if (result.id == id) {
+            return result;
+        }
+        warn_(path.string() + " counts as absent: it is the result of `" + result.id + "`");
+    } catch (const ResultError& fault) {
+        warn_(path.string() + " counts as absent: " + fault.what());
+    }
+    return std::nullopt;
+}
+
+std::string ResultFolder::textOf(const std::string& id) const {
+    std::ifstream in(pathOf(id), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void ResultFolder::put(const RunResult& result) const {
+    std::error_code error;
+    fs::create_directories(folder_, error);
+    if (error) {
+        throw FileFailure(FileAction::kWrite, folder_.string(), error.message());
+    }
+    replaceFile(pathOf(result.id), resultText(result));
+}
+
+void ResultFolder::remove(const std::string& id) const {
+    std::error_code error;
+    fs::remove(pathOf(id), error);
+    if (error) {
+        throw FileFailure(FileAction::kWrite, pathOf(id).string(), error.message());
+    }
+}
+
+}  // namespace marrowpress

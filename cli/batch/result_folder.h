@@ -1,0 +1,44 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "results/run_result.h"
+
+namespace marrowpress {
+
+/// The folder in which a batch keeps the results of its jobs: a file "ID.json" for each.
+class ResultFolder {
+public:
+    using Warning = std::function<void(const std::string&)>;
+
+    /// @param warn  Gets a sentence about a file that is no result, and counts as absent.
+    ResultFolder(std::filesystem::path folder, Warning warn);
+
+    /// Absolute.
+    const std::filesystem::path& path() const noexcept { return folder_; }
+    std::filesystem::path pathOf(const std::string& id) const;
+
+    /// Empty when the job has none.
+    std::optional<RunResult> find(const std::string& id) const;
+    /// The bytes of a result that `find` has found.
+    std::string textOf(const std::string& id) const;
+
+    /// Makes the folder if it is not there, and replaces the job's result.
+    ///
+    /// @throws FileFailure
+    void put(const RunResult& result) const;
+
+    /// After this the job has not happened.
+    ///
+    /// @throws FileFailure
+    void remove(const std::string& id) const;
+
+private:
+    std::filesystem::path folder_;
+    Warning warn_;
+};
+
+}  // namespace marrowpress

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/batch/batch_setting.h"
+#include "cli/batch/plan.h"
+
+namespace marrowpress {
+
+/// The arguments, from the command's name on, of the process that runs the job.
+std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& setting,
+                                         const Job& job, bool isInPlace);
+
+}  // namespace marrowpress

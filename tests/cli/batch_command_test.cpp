@@ -1,0 +1,507 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <boost/json/parse.hpp>
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "tests/cli/command_fixture.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+namespace json = boost::json;
+
+/// Many deliverables by one call.
+class BatchTest : public CommandTest {
+protected:
+    BatchTest() {
+        for (const char* const name : {"one", "two"}) {
+            writeTopic(name, name);
+            folder_.write(std::string("docs/") + name + ".ditamap", mapOf(name));
+        }
+    }
+
+    static std::string mapOf(const std::string& topic) {
+        return R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd"><map><topicref href=")" +
+               topic + R"(.dita"/></map>)";
+    }
+
+    /// A line of a file of jobs.
+    static std::string job(const std::string& id, const std::string& map, const std::string& output,
+                           const std::string& tags = "[]") {
+        return R"({"id":")" + id + R"(","request":{"type":"PublishComp","params":{"ditamap":")" +
+               map + R"(","output":")" + output +
+               R"(","ditaVal":"","keyspaceDocDtd":"map.dtd","compositeDocDtd":"ditabase.dtd",)" +
+               R"("usePrint":false}},"tags":)" + tags + "}\n";
+    }
+
+    static std::string bookJob(const std::string& id, const std::string& map,
+                               const std::string& folder) {
+        return R"({"id":")" + id +
+               R"(","request":{"type":"PublishFlatBook","params":{"ditamap":")" + map +
+               R"(","outputDir":")" + folder +
+               R"(","generateQSComponentsAtOneLoc":true,"ditaVal":"","keyspaceDocDtd":"map.dtd",)" +
+               R"("compositeDocDtd":"ditabase.dtd","usePrint":false}}})" + "\n";
+    }
+
+    void writeTwoJobs() const {
+        folder_.write("jobs.jsonl", job("one", "docs/one.ditamap", "out/one.dita", R"(["a"])") +
+                                        job("two", "docs/two.ditamap", "out/two.dita"));
+    }
+
+    CommandResult batch(const Texts& more = {}, const CommandSetting& setting = {}) const {
+        Texts arguments{"batch", "jobs.jsonl", "--catalog", "catalog.xml"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments, setting);
+    }
+
+    json::object result(const std::string& id,
+                        const std::string& folder = "marrowpress-results") const {
+        return json::parse(folder_.read(folder + "/" + id + ".json")).as_object();
+    }
+
+    /// What does not differ from one run of the job to the next.
+    std::string lasting(const std::string& id,
+                        const std::string& folder = "marrowpress-results") const {
+        json::object object = result(id, folder);
+        object.erase("run");
+        return json::serialize(object);
+    }
+
+    std::vector<std::string> namesIn(const std::string& folder) const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder_.path() / folder)) {
+            // It is there from the beginning.
+            if (entry.path().filename() != "keep.txt") {
+                names.push_back(entry.path().filename().string());
+            }
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+TEST_F(BatchTest, EachJobsOutputIsThatOfItsOwnPublish) {
+    writeTwoJobs();
+    const CommandResult result = batch({"-j", "2"});
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(namesIn("out"), Texts({"one.dita", "two.dita"})) << "no private folder is left";
+    for (const std::string name : {"one", "two"}) {
+        ASSERT_EQ(run({"publish", "docs/" + name + ".ditamap", "-f", "composite", "-o",
+                       "alone.dita", "--catalog", "catalog.xml"})
+                      .code,
+                  0);
+        EXPECT_EQ(folder_.read("out/" + name + ".dita"), folder_.read("alone.dita"));
+    }
+}
+
+TEST_F(BatchTest, TheTableAndTheLinesTellWhatEachJobCameTo) {
+    writeTwoJobs();
+    const CommandResult result = batch({"-j", "1"});
+    EXPECT_TRUE(result.out.starts_with("JOB  STATE  EXIT  ERRORS  WARNINGS  TIME   MEMORY\n"))
+        << result.out;
+    EXPECT_NE(result.out.find("\n2 jobs: 2 clean; "), std::string::npos) << result.out;
+    EXPECT_NE(result.err.find("[1/2] one: clean, "), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find("[2/2] two: clean, "), std::string::npos) << result.err;
+}
+
+TEST_F(BatchTest, AResultTellsAllOfItsJob) {
+    writeTwoJobs();
+    ASSERT_EQ(batch().code, 0);
+    const json::object one = result("one");
+    EXPECT_EQ(one.at("id"), "one");
+    EXPECT_EQ(one.at("state"), "clean");
+    EXPECT_EQ(one.at("exit"), 0);
+    EXPECT_TRUE(one.at("signal").is_null());
+    EXPECT_TRUE(one.at("phase").is_null());
+    EXPECT_EQ(one.at("status"), 0);
+    EXPECT_EQ(one.at("request").at("params").at("output"),
+              json::value(folder_.file("out/one.dita")));
+    ASSERT_EQ(one.at("outputs").as_array().size(), 1U);
+    EXPECT_EQ(one.at("outputs").at(0).at("path"), json::value(folder_.file("out/one.dita")));
+    std::size_t sources = 0;
+    for (const json::value& file : one.at("dependencies").as_array()) {
+        const std::string path(file.at("file").as_string());
+        sources += path == folder_.file("docs/one.ditamap") || path == folder_.file("docs/one.dita")
+                       ? 1U
+                       : 0U;
+    }
+    EXPECT_EQ(sources, 2U);
+}
+
+TEST_F(BatchTest, WhateverTheWidthTheResultsAreTheSameApartFromTheRun) {
+    writeTwoJobs();
+    ASSERT_EQ(batch({"-j", "1", "--results", "alone"}).code, 0);
+    ASSERT_EQ(batch({"-j", "2", "--results", "together"}).code, 0);
+    for (const char* const id : {"one", "two"}) {
+        EXPECT_EQ(lasting(id, "alone"), lasting(id, "together"));
+    }
+}
+
+TEST_F(BatchTest, FindingsEndItWithThreeAndAFailedJobWithOne) {
+    writeTopic("two", R"(<ph keyref="nowhere"/>)");
+    writeTwoJobs();
+    EXPECT_EQ(batch().code, 3);
+    EXPECT_EQ(result("two").at("state"), "findings");
+    folder_.write("docs/two.ditamap", "<map><topicref href=");
+    const CommandResult failed = batch();
+    EXPECT_EQ(failed.code, 1) << failed.err;
+    EXPECT_EQ(result("two").at("state"), "failed");
+    EXPECT_EQ(result("one").at("state"), "clean") << "the others go on";
+    EXPECT_EQ(batch({"--fail-on", "never"}).code, 1);
+}
+
+TEST_F(BatchTest, WithFailFastNoJobStartsAfterAFailedOne) {
+    folder_.write("docs/one.ditamap", "<map><topicref href=");
+    writeTwoJobs();
+    const CommandResult result = batch({"-j", "1", "--fail-fast"});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_NE(result.out.find("1 failed, 1 not run"), std::string::npos) << result.out;
+    EXPECT_FALSE(folder_.exists("marrowpress-results/two.json"));
+}
+
+TEST_F(BatchTest, ResumePassesOverWhatIsUpToDate) {
+    writeTwoJobs();
+    ASSERT_EQ(batch().code, 0);
+    const std::string first = folder_.read("marrowpress-results/one.json");
+    const CommandResult again = batch({"--resume"});
+    EXPECT_EQ(again.code, 0);
+    EXPECT_NE(again.err.find("one: clean, up to date"), std::string::npos) << again.err;
+    EXPECT_EQ(folder_.read("marrowpress-results/one.json"), first);
+}
+
+TEST_F(BatchTest, ResumeRunsAJobWhoseTopicOrOutputHasChanged) {
+    writeTwoJobs();
+    ASSERT_EQ(batch().code, 0);
+    writeTopic("one", "changed");
+    fs::remove(folder_.path() / "out/two.dita");
+    const CommandResult again = batch({"--resume"});
+    EXPECT_EQ(again.err.find("up to date"), std::string::npos) << again.err;
+    EXPECT_NE(folder_.read("out/one.dita").find("changed"), std::string::npos);
+    EXPECT_TRUE(folder_.exists("out/two.dita"));
+}
+
+TEST_F(BatchTest, ResumeRunsAJobWhenAMissingFileHasCome) {
+    folder_.write("docs/one.ditamap", mapOf("later"));
+    writeTwoJobs();
+    ASSERT_EQ(batch().code, 3);
+    EXPECT_EQ(batch({"--resume"}).code, 3) << "its exit code counts again";
+    writeTopic("later", "here");
+    const CommandResult again = batch({"--resume"});
+    EXPECT_EQ(again.code, 0) << again.err;
+    EXPECT_NE(again.err.find("two: clean, up to date"), std::string::npos) << again.err;
+}
+
+TEST_F(BatchTest, RetryFailedRunsFailedJobsThatResumePassesOver) {
+    folder_.write("docs/one.ditamap", "<map><topicref href=");
+    writeTwoJobs();
+    ASSERT_EQ(batch().code, 1);
+    EXPECT_NE(batch({"--resume"}).err.find("one: failed, 1 error, up to date"), std::string::npos);
+    const CommandResult retried = batch({"--retry-failed"});
+    EXPECT_EQ(retried.code, 1);
+    EXPECT_EQ(retried.err.find("one: failed, 1 error, up to date"), std::string::npos);
+    EXPECT_NE(retried.err.find("two: clean, up to date"), std::string::npos) << retried.err;
+}
+
+TEST_F(BatchTest, AResultThatIsCutOffCountsAsAbsentWithAWarning) {
+    writeTwoJobs();
+    ASSERT_EQ(batch().code, 0);
+    const fs::path file = folder_.path() / "marrowpress-results/one.json";
+    fs::resize_file(file, fs::file_size(file) / 2);
+    const CommandResult again = batch({"--resume"});
+    EXPECT_EQ(again.code, 0);
+    EXPECT_NE(again.err.find("one.json counts as absent"), std::string::npos) << again.err;
+    EXPECT_EQ(result("one").at("state"), "clean");
+}
+
+TEST_F(BatchTest, SelectAndTagTakeSomeOfTheJobs) {
+    writeTwoJobs();
+    EXPECT_EQ(batch({"--select", "t*"}).code, 0);
+    EXPECT_EQ(namesIn("out"), Texts({"two.dita"}));
+    EXPECT_EQ(batch({"--tag", "a"}).code, 0);
+    EXPECT_EQ(namesIn("out"), Texts({"one.dita", "two.dita"}));
+    EXPECT_EQ(batch({"--tag", "none"}).code, 2);
+}
+
+TEST_F(BatchTest, ListAndDryRunWriteNothing) {
+    writeTwoJobs();
+    folder_.write("out/one.dita", "");
+    const CommandResult listed = run({"batch", "list", "jobs.jsonl"});
+    EXPECT_EQ(listed.code, 0);
+    EXPECT_NE(listed.out.find("one  composite  docs/one.ditamap"), std::string::npos) << listed.out;
+    const CommandResult dry = batch({"--dry-run"});
+    EXPECT_EQ(dry.code, 0) << dry.err;
+    EXPECT_NE(dry.out.find("out/one.dita (is replaced)\n"), std::string::npos) << dry.out;
+    EXPECT_NE(dry.out.find("out/two.dita\n"), std::string::npos) << dry.out;
+    EXPECT_EQ(namesIn("out"), Texts({"one.dita"}));
+    EXPECT_FALSE(folder_.exists("marrowpress-results"));
+}
+
+TEST_F(BatchTest, CheckWritesResultsAndNoOutput) {
+    writeTopic("two", R"(<ph keyref="nowhere"/>)");
+    writeTwoJobs();
+    const CommandResult checked = run({"batch", "check", "jobs.jsonl", "--catalog", "catalog.xml"});
+    EXPECT_EQ(checked.code, 3) << checked.err;
+    EXPECT_NE(checked.err.find("[MP105]"), std::string::npos) << checked.err;
+    EXPECT_EQ(namesIn("out"), Texts());
+    EXPECT_TRUE(result("one").at("outputs").as_array().empty());
+}
+
+TEST_F(BatchTest, JsonFindingsNameTheirJob) {
+    writeTopic("two", R"(<ph keyref="nowhere"/>)");
+    writeTwoJobs();
+    const CommandResult result = batch({"--diagnostics", "json", "-j", "1"});
+    EXPECT_NE(result.err.find(R"({"job":"two","id":"MP105",)"), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find(R"({"job":"one","summary":)"), std::string::npos) << result.err;
+    EXPECT_TRUE(result.err.starts_with("{")) << "nothing but JSON";
+}
+
+TEST_F(BatchTest, AFlatBookRunsInItsPlace) {
+    folder_.write("jobs.jsonl", bookJob("book", "docs/one.ditamap", folder_.file("book")) +
+                                    job("two", "docs/two.ditamap", "out/two.dita"));
+    ASSERT_EQ(batch({"-j", "2"}).code, 0);
+    EXPECT_EQ(namesIn("book"), Texts({"one.qs"}));
+    EXPECT_EQ(result("book").at("outputs").at(0).at("path"),
+              json::value(folder_.file("book/one.qs")));
+}
+
+TEST_F(BatchTest, ACompositeThatReadsItsOwnPlaceIsMadeThere) {
+    folder_.write("docs/one.ditamap",
+                  R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd"><map>)"
+                  R"(<topicref href="one.dita"/><topicref href="../out/one.dita"/></map>)");
+    writeTwoJobs();
+    const CommandResult result = batch({"-j", "2", "--fail-on", "never"});
+    const std::string made = folder_.read("out/one.dita");
+    fs::remove(folder_.path() / "out/one.dita");
+    ASSERT_EQ(run({"publish", "docs/one.ditamap", "-f", "composite", "-o", "out/one.dita",
+                   "--catalog", "catalog.xml", "--fail-on", "never"})
+                  .code,
+              result.code);
+    EXPECT_EQ(made, folder_.read("out/one.dita"));
+}
+
+TEST_F(BatchTest, WhatARelativeSystemIdentifierLeadsToIsFoundFromThePlace) {
+    folder_.write("out/own.dtd", "");
+    folder_.write("jobs.jsonl",
+                  R"({"id":"one","request":{"type":"PublishComp","params":{"ditamap":)"
+                  R"("docs/one.ditamap","output":"out/one.dita","ditaVal":"","keyspaceDocDtd":)"
+                  R"("map.dtd","compositeDocDtd":"own.dtd","usePrint":false}}})"
+                  "\n");
+    const CommandResult result = batch();
+    ASSERT_EQ(run({"publish", "docs/one.ditamap", "-f", "composite", "-o", "out/alone.dita",
+                   "--composite-dtd", "own.dtd", "--catalog", "catalog.xml"})
+                  .code,
+              result.code);
+    EXPECT_EQ(folder_.read("out/one.dita"), folder_.read("out/alone.dita"));
+}
+
+TEST_F(BatchTest, TwoJobsOntoOneOutputAreRefused) {
+    folder_.write("jobs.jsonl", job("one", "docs/one.ditamap", "out/same.dita") +
+                                    job("two", "docs/two.ditamap", "out/same.dita"));
+    const CommandResult result = batch();
+    EXPECT_EQ(result.code, 2);
+    EXPECT_NE(result.err.find("`one` and `two` write the same file"), std::string::npos)
+        << result.err;
+    EXPECT_EQ(namesIn("out"), Texts()) << "nothing was started";
+}
+
+TEST_F(BatchTest, AnOutputThatAnotherJobReadsIsRefusedWhenAResultTellsAndFailsBothElse) {
+    folder_.write("docs/two.ditamap", mapOf("../out/one"));
+    writeTwoJobs();
+    const CommandResult first = batch({"-j", "1"});
+    EXPECT_EQ(first.code, 1) << first.err;
+    for (const char* const id : {"one", "two"}) {
+        EXPECT_EQ(result(id).at("state"), "failed");
+        EXPECT_EQ(result(id).at("findings").as_array().back().at("id"), "MP302");
+    }
+    const CommandResult second = batch({"-j", "1"});
+    EXPECT_EQ(second.code, 2);
+    EXPECT_NE(second.err.find("`two` reads what `one` writes"), std::string::npos) << second.err;
+}
+
+TEST_F(BatchTest, AFileThatNoRunWroteIsNotReplaced) {
+    writeTwoJobs();
+    folder_.write("out/two.dita", "<mine/>");
+    const CommandResult result = batch();
+    EXPECT_EQ(result.code, 2) << result.err;
+    EXPECT_NE(result.err.find("jobs.jsonl:2: two: --output"), std::string::npos) << result.err;
+    EXPECT_EQ(folder_.read("out/two.dita"), "<mine/>");
+    EXPECT_FALSE(folder_.exists("out/one.dita"));
+}
+
+TEST_F(BatchTest, APlanRunByItsPartsMergesToWhatALocalBatchGives) {
+    writeTopic("two", R"(<ph keyref="nowhere"/>)");
+    writeTwoJobs();
+    ASSERT_EQ(batch({"--results", "local", "--summary", "local.json", "--sarif", "local.sarif",
+                     "--junit", "local.xml"})
+                  .code,
+              3);
+    ASSERT_EQ(
+        run({"batch", "plan", "jobs.jsonl", "--plan", "plan.jsonl", "--catalog", "catalog.xml"})
+            .code,
+        0);
+    EXPECT_EQ(run({"batch", "run", "plan.jsonl", "--index", "1", "--results", "parts"}).code, 3);
+    EXPECT_EQ(run({"batch", "merge", "parts", "--plan", "plan.jsonl"}).code, 1)
+        << "a job without a result has failed";
+    EXPECT_EQ(run({"batch", "run", "plan.jsonl", "--shard", "1/2", "--results", "parts"}).code, 0);
+    const CommandResult merged = run({"batch", "merge", "parts", "--plan", "plan.jsonl",
+                                      "--summary", "parts.json", "--sarif", "parts.sarif"});
+    EXPECT_EQ(merged.code, 3) << merged.err;
+    for (const char* const id : {"one", "two"}) {
+        EXPECT_EQ(lasting(id, "local"), lasting(id, "parts"));
+    }
+    EXPECT_EQ(folder_.read("local.sarif"), folder_.read("parts.sarif"));
+    json::value summary = json::parse(folder_.read("parts.json"));
+    EXPECT_EQ(summary.at("exit"), 3);
+    EXPECT_EQ(summary.at("jobs").at(0).at("id"), "one");
+    EXPECT_EQ(summary.at("jobs").at(1).at("id"), "two");
+    EXPECT_NE(folder_.read("local.xml").find(R"(<testsuite name="two")"), std::string::npos);
+}
+
+TEST_F(BatchTest, TheIndexMayComeFromAnEngine) {
+    writeTwoJobs();
+    ASSERT_EQ(
+        run({"batch", "plan", "jobs.jsonl", "--plan", "plan.jsonl", "--catalog", "catalog.xml"})
+            .code,
+        0);
+    const Texts command{"batch", "run", "plan.jsonl", "--index", "env"};
+    const auto with = [](std::map<std::string, std::string> variables) {
+        CommandSetting setting;
+        setting.variables = std::move(variables);
+        return setting;
+    };
+    EXPECT_EQ(run(command).code, 2) << "none is set";
+    EXPECT_EQ(run(command, with({{"PARALLEL_SEQ", "2"}, {"CI_NODE_INDEX", "1"}})).code, 2);
+    EXPECT_EQ(run(command, with({{"SLURM_ARRAY_TASK_ID", "2"}})).code, 2) << "outside the plan";
+    EXPECT_EQ(run(command, with({{"PARALLEL_SEQ", "2"}})).code, 0);
+    EXPECT_EQ(namesIn("out"), Texts({"two.dita"}));
+    EXPECT_EQ(run(command, with({{"JOB_COMPLETION_INDEX", "0"}})).code, 0);
+    EXPECT_EQ(namesIn("out"), Texts({"one.dita", "two.dita"}));
+}
+
+TEST_F(BatchTest, APlanThatWasChangedOrIsOfAnotherVersionIsRefused) {
+    writeTwoJobs();
+    ASSERT_EQ(
+        run({"batch", "plan", "jobs.jsonl", "--plan", "plan.jsonl", "--catalog", "catalog.xml"})
+            .code,
+        0);
+    const std::string plan = folder_.read("plan.jsonl");
+    ASSERT_EQ(run({"batch", "run", "plan.jsonl"}).code, 0);
+    std::string changed = plan;
+    changed.replace(changed.find(R"("usePrint":false)"), 16, R"("usePrint":true )");
+    folder_.write("plan.jsonl", changed);
+    const CommandResult byHand = run({"batch", "run", "plan.jsonl"});
+    EXPECT_EQ(byHand.code, 2);
+    EXPECT_NE(byHand.err.find("the plan was changed"), std::string::npos) << byHand.err;
+    folder_.write("plan.jsonl", "{\"plan\":99" + plan.substr(std::string("{\"plan\":1").size()));
+    const CommandResult newer = run({"batch", "run", "plan.jsonl"});
+    EXPECT_EQ(newer.code, 2);
+    EXPECT_NE(newer.err.find("a plan of another version"), std::string::npos) << newer.err;
+    folder_.write("jobs.jsonl", job("one", "docs/two.ditamap", "out/one.dita"));
+    ASSERT_EQ(run({"batch", "plan", "jobs.jsonl", "--plan", "other.jsonl"}).code, 0);
+    const CommandResult merged =
+        run({"batch", "merge", "marrowpress-results", "--plan", "other.jsonl"});
+    EXPECT_EQ(merged.code, 2);
+    EXPECT_NE(merged.err.find("of another plan"), std::string::npos) << merged.err;
+}
+
+TEST_F(BatchTest, AJobThatTakesTooLongIsEndedAndTheOthersGoOn) {
+    folder_.write("book/.keep", "");
+    folder_.write("jobs.jsonl", bookJob("book", "docs/one.ditamap", folder_.file("book")) +
+                                    job("two", "docs/two.ditamap", "out/two.dita"));
+    // A run waits for ten seconds for a folder that another one holds.
+    const int held = open(folder_.file("book").c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    const CommandResult ended = batch({"--timeout", "1"});
+    close(held);
+    EXPECT_EQ(ended.code, 1) << ended.err;
+    EXPECT_NE(ended.err.find("took longer than 1 seconds"), std::string::npos) << ended.err;
+    EXPECT_EQ(result("book").at("state"), "failed");
+    EXPECT_EQ(result("book").at("signal"), SIGTERM);
+    EXPECT_EQ(result("book").at("exit"), 128 + SIGTERM);
+    EXPECT_EQ(result("two").at("state"), "clean");
+}
+
+TEST_F(BatchTest, ACatalogThatCannotBeUsedStartsNothing) {
+    writeTwoJobs();
+    const CommandResult refused = run({"batch", "jobs.jsonl", "--catalog", "none.xml"});
+    EXPECT_EQ(refused.code, 2);
+    EXPECT_NE(refused.err.find("--catalog"), std::string::npos) << refused.err;
+    EXPECT_FALSE(folder_.exists("marrowpress-results"));
+}
+
+TEST_F(BatchTest, ASignalEndsTheRunningJobsWhichLeaveNothing) {
+    std::string lines;
+    for (int number = 0; number < 60; ++number) {
+        const std::string name = "j" + std::to_string(number);
+        lines += job(name, "docs/one.ditamap", "out/" + name + ".dita");
+    }
+    folder_.write("jobs.jsonl", lines);
+    RunningCommand running(folder_, {"batch", "jobs.jsonl", "--catalog", "catalog.xml", "-j", "2"});
+    while (!folder_.exists("marrowpress-results/j3.json")) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    running.send(SIGTERM);
+    EXPECT_EQ(running.wait().code, 1000 + SIGTERM);
+    std::size_t results = 0;
+    for (const std::string& name : namesIn("out")) {
+        EXPECT_FALSE(name.starts_with(".")) << name;
+    }
+    for (const std::string& name : namesIn("marrowpress-results")) {
+        EXPECT_TRUE(name.ends_with(".json")) << name;
+        ++results;
+    }
+    EXPECT_LT(results, 60U);
+    EXPECT_EQ(batch({"--resume"}).code, 0);
+    EXPECT_EQ(namesIn("out").size(), 60U);
+}
+
+TEST_F(BatchTest, APrivateFolderOfAKilledJobGoesWithTheNextBatchAndForeignOnesStay) {
+    writeTwoJobs();
+    folder_.write("out/.marrowpress-killed/owner",
+                  "A private folder of marrowpress, which removes it.\n");
+    folder_.write("out/.marrowpress-killed/work/one.dita", "half");
+    folder_.write("out/.marrowpress-mine/file", "mine");
+    ASSERT_EQ(batch().code, 0);
+    EXPECT_EQ(namesIn("out"), Texts({".marrowpress-mine", "one.dita", "two.dita"}));
+}
+
+TEST_F(BatchTest, PagesOfTheJobsHaveAnIndex) {
+    writeTwoJobs();
+    ASSERT_EQ(batch({"--report", "pages"}).code, 0);
+    EXPECT_EQ(namesIn("pages"), Texts({"index.html", "one.html", "two.html"}));
+    EXPECT_NE(folder_.read("pages/index.html").find(R"(<a href="./two.html">two</a>)"),
+              std::string::npos);
+    EXPECT_EQ(folder_.read("pages/one.html").find(".marrowpress-"), std::string::npos);
+}
+
+TEST_F(BatchTest, WrongFilesOfJobsStartNothing) {
+    const auto errorOf = [this](const std::string& text) {
+        folder_.write("jobs.jsonl", text);
+        const CommandResult result = batch();
+        EXPECT_EQ(result.code, 2) << text;
+        EXPECT_FALSE(folder_.exists("marrowpress-results")) << text;
+        return result.err;
+    };
+    EXPECT_NE(errorOf("{\"id\":\"a\"}\n").find("jobs.jsonl:1: \"request\" is missing"),
+              std::string::npos);
+    EXPECT_NE(errorOf("\n{\"id\":\n").find("jobs.jsonl:2: this is no JSON"), std::string::npos);
+    EXPECT_NE(errorOf("").find("there are no jobs"), std::string::npos);
+    EXPECT_EQ(run({"batch", "none.jsonl"}).code, 2);
+}
+
+}  // namespace
+}  // namespace marrowpress
