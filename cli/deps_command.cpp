@@ -13,6 +13,7 @@
 #include "cli/survey.h"
 #include "findings/nearest.h"
 #include "findings/shown_path.h"
+#include "runs/dependency_json.h"
 
 namespace marrowpress {
 namespace {

@@ -10,11 +10,11 @@
 #include "cli/doctor_report.h"
 #include "cli/document_grammars.h"
 #include "cli/output_folder.h"
-#include "cli/public_ids.h"
 #include "cli/scratch_folder.h"
 #include "cli/survey.h"
 #include "cli/trial_publication.h"
 #include "host/catalog_resolver.h"
+#include "runs/public_ids.h"
 
 namespace marrowpress {
 namespace {

@@ -13,13 +13,13 @@
 
 #include "cli/findings_text.h"
 #include "cli/run_display.h"
-#include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
 #include "findings/github_writer.h"
 #include "findings/json_reader.h"
 #include "findings/junit_writer.h"
 #include "findings/sarif_writer.h"
 #include "findings/translated_words.h"
+#include "runs/unwritten_file.h"
 
 namespace marrowpress {
 namespace {

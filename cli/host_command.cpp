@@ -10,13 +10,13 @@
 #include <system_error>
 
 #include "cli/file_place.h"
-#include "cli/public_ids.h"
 #include "cli/removal_on_signal.h"
 #include "cli/request_files.h"
 #include "host/client_session.h"
 #include "host/file_text.h"
 #include "host/open_documents.h"
 #include "host/trace.h"
+#include "runs/public_ids.h"
 
 namespace marrowpress {
 namespace {

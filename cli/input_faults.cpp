@@ -1,8 +1,8 @@
 #include "cli/input_faults.h"
 
-#include "cli/public_ids.h"
 #include "findings/map_file.h"
 #include "findings/profile_remarks.h"
+#include "runs/public_ids.h"
 
 namespace marrowpress {
 namespace {

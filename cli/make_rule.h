@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/dependency_list.h"
+#include "runs/dependency_list.h"
 
 /// What make and ninja are told of a run, as compilers tell them of theirs.
 namespace marrowpress {

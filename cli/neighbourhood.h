@@ -7,8 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "cli/dependency_list.h"
 #include "cli/key_list.h"
+#include "runs/dependency_list.h"
 
 namespace marrowpress {
 

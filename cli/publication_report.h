@@ -7,13 +7,13 @@
 #include <unordered_set>
 #include <vector>
 
-#include "cli/dependency_list.h"
 #include "cli/exclusion_list.h"
 #include "cli/findings_report.h"
 #include "cli/key_list.h"
 #include "cli/map_outline.h"
 #include "findings/finding.h"
 #include "marrowpress/observer.h"
+#include "runs/dependency_list.h"
 
 namespace marrowpress {
 

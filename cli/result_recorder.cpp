@@ -9,13 +9,13 @@
 #include <ctime>
 #include <utility>
 
-#include "cli/dependency_formats.h"
-#include "cli/public_ids.h"
 #include "cli/publish_request.h"
 #include "cli/version_text.h"
 #include "findings/json_values.h"
 #include "findings/severity.h"
 #include "results/file_digest.h"
+#include "runs/dependency_json.h"
+#include "runs/public_ids.h"
 
 namespace marrowpress {
 namespace {
@@ -23,7 +23,7 @@ namespace {
 namespace fs = std::filesystem;
 namespace json = boost::json;
 
-const char* nameOf(FailOn failOn) {
+const char* failOnWord(FailOn failOn) {
     switch (failOn) {
         case FailOn::kError:
             return "error";
@@ -102,7 +102,7 @@ RunIdentity identityOf(const std::string& command, const PublishOptions& options
                                {"relative", options.isRelative},
                                {"media", jsonTextOrNull(options.mediaFolder.value_or(""))},
                                {"findings", diagnostics.format != DiagnosticsFormat::kNone},
-                               {"failOn", nameOf(diagnostics.failOn)},
+                               {"failOn", failOnWord(diagnostics.failOn)},
                                {"severities", severityMembers(diagnostics.severities)},
                                {"baseline", optionalPath(diagnostics.baseline)},
                                {"all", diagnostics.showsAll},
@@ -155,8 +155,8 @@ RunResult ResultRecorder::finish(const std::vector<Finding>& findings,
     result_.topics = summary.topics;
     result_.dropped = summary.dropped;
     for (const Dependency& file : dependencies_.files()) {
-        result_.dependencies.push_back({file.file, kindName(file.kind), stateName(file.state),
-                                        file.from, addFile(file.file, result_.run)});
+        result_.dependencies.push_back({file.file, nameOf(file.kind), nameOf(file.state), file.from,
+                                        addFile(file.file, result_.run)});
     }
     for (const std::string& path : outputs) {
         result_.outputs.push_back({path, addFile(path, result_.run)});

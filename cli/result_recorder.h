@@ -9,12 +9,12 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/dependency_list.h"
 #include "cli/options.h"
 #include "cli/publish_paths.h"
 #include "findings/finding.h"
 #include "marrowpress/observer.h"
 #include "results/run_result.h"
+#include "runs/dependency_list.h"
 
 namespace marrowpress {
 

@@ -6,8 +6,8 @@
 
 #include "cli/diagnostics_options.h"
 #include "cli/exit_code.h"
-#include "cli/run_clock.h"
 #include "cli/streams.h"
+#include "runs/run_clock.h"
 
 namespace marrowpress {
 

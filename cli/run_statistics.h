@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "cli/run_clock.h"
+#include "runs/run_clock.h"
 
 namespace marrowpress {
 

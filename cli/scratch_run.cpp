@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "cli/component_places.h"
-#include "cli/map_run.h"
+#include "cli/displayed_run.h"
 #include "cli/outside_fragments.h"
-#include "cli/public_ids.h"
 #include "cli/publish_request.h"
 #include "cli/scratch_folder.h"
+#include "runs/public_ids.h"
 
 namespace marrowpress {
 namespace {

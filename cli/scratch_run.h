@@ -9,9 +9,9 @@
 #include "cli/options.h"
 #include "cli/profile_set.h"
 #include "cli/publish_paths.h"
-#include "cli/run_clock.h"
 #include "cli/run_display.h"
 #include "findings/fold.h"
+#include "runs/run_clock.h"
 
 namespace marrowpress {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "cli/run_clock.h"
+#include "runs/run_clock.h"
 
 namespace marrowpress {
 

@@ -20,11 +20,11 @@
 #include "cli/batch/job_source.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
-#include "cli/public_ids.h"
 #include "cli/publish_paths.h"
 #include "cli/text_table.h"
 #include "findings/language.h"
 #include "findings/shown_path.h"
+#include "runs/public_ids.h"
 
 namespace marrowpress {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "cli/dependency_list.h"
+#include "runs/dependency_list.h"
 #include "tests/support/observations.h"
 
 namespace marrowpress {

@@ -4,7 +4,7 @@
 
 #include "tests/support/chosen_language.h"
 #include "tests/support/observations.h"
-#include "tests/unit/cli/set_clock.h"
+#include "tests/unit/runs/set_clock.h"
 
 namespace marrowpress {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/observations.h"
-#include "tests/unit/cli/set_clock.h"
+#include "tests/unit/runs/set_clock.h"
 
 namespace marrowpress {
 namespace {

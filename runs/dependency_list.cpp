@@ -1,4 +1,4 @@
-#include "cli/dependency_list.h"
+#include "runs/dependency_list.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "cli/unwritten_file.h"
+#include "runs/unwritten_file.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cli/run_clock.h"
+#include "runs/run_clock.h"
 
 #include <filesystem>
 #include <system_error>

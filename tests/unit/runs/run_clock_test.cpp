@@ -1,10 +1,10 @@
-#include "cli/run_clock.h"
+#include "runs/run_clock.h"
 
 #include <gtest/gtest.h>
 
 #include "tests/support/observations.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/unit/cli/set_clock.h"
+#include "tests/unit/runs/set_clock.h"
 
 namespace marrowpress {
 namespace {

@@ -1,4 +1,4 @@
-#include "cli/public_ids.h"
+#include "runs/public_ids.h"
 
 #include <cstdlib>
 #include <memory>

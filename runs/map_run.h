@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/run_clock.h"
-#include "cli/run_display.h"
 #include "findings/collector.h"
+#include "host/stand_in_host_options.h"
 #include "host/typed_record.h"
+#include "runs/run_clock.h"
 
 namespace marrowpress {
 
@@ -41,15 +41,27 @@ struct RunSetting {
     bool endsBeforeOutput = false;
 };
 
+/// Who looks on while a run lasts. Every member may be left as it is.
+struct RunSinks {
+    /// Gets the text of each progress line of the client.
+    StandInHostOptions::LineSink onProgress = {};
+    /// Gets each report line of the client, in a run without a collector.
+    StandInHostOptions::LineSink onReport = {};
+    /// Gets what an observed run meets, after the setting's collector.
+    StandInHostOptions::ObservationSink onObservation = {};
+    /// Asked at each operation of the request whether the run is to end early, without an output.
+    std::function<bool()> isInterrupted = {};
+};
+
 /// Why a run comes to nothing where another one does not end.
 inline constexpr const char* kFolderIsTaken = "another run writes into the same folder";
 
-/// Sends one request through the client module. A signal ends the process when the run has ended,
-/// which it does early then.
+/// Sends one request through the client module.
 ///
-/// @throws std::runtime_error when the client cannot be started, and std::system_error when the
-///         catalogs cannot be read for want of descriptors or memory.
-RunOutcome runRequest(const RunSetting& setting, RunDisplay& display);
+/// @throws std::runtime_error when the client cannot be started, std::system_error when the
+///         catalogs cannot be read for want of descriptors or memory, and RunInterrupted when
+///         `sinks` wanted the run to end.
+RunOutcome runRequest(const RunSetting& setting, const RunSinks& sinks);
 
 /// The paths of a flat book's components in the client's answer, in its order, each once. Empty
 /// when the answer has no such list.

@@ -1,19 +1,18 @@
-#include "cli/map_run.h"
+#include "runs/map_run.h"
 
 #include <algorithm>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 
-#include "cli/public_ids.h"
-#include "cli/removal_on_signal.h"
-#include "cli/unwritten_file.h"
 #include "findings/catalogue.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
 #include "host/client_session.h"
 #include "marrowpress/messages.h"
 #include "marrowpress/publish_status.h"
+#include "runs/public_ids.h"
+#include "runs/unwritten_file.h"
 
 namespace marrowpress {
 namespace {
@@ -53,19 +52,21 @@ void takeAnswer(const std::optional<TypedValues>& answer, RunOutcome& outcome) {
 
 }  // namespace
 
-RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
+RunOutcome runRequest(const RunSetting& setting, const RunSinks& sinks) {
     RunOutcome outcome;
     StandInHostOptions host;
     host.resolvePublicId = makePublicIdResolver(setting.catalogs, setting.onCatalog);
     host.onProgress = [&](std::string_view line) {
         outcome.hasBegun = true;
-        display.showProgressLine(line);
+        if (sinks.onProgress) {
+            sinks.onProgress(line);
+        }
     };
     host.onConsole = [&](std::optional<MessageId> message, std::string_view line) {
         outcome.hasBegun = true;
         outcome.hasUnwrittenDocument |= message == MessageId::kCannotWrite;
-        if (!setting.collector) {
-            display.showReportLine(line);
+        if (!setting.collector && sinks.onReport) {
+            sinks.onReport(line);
         }
     };
     bool isOutputNext = false;
@@ -85,14 +86,16 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
             if (setting.collector) {
                 setting.collector->observe(observation);
             }
-            display.observe(observation);
+            if (sinks.onObservation) {
+                sinks.onObservation(observation);
+            }
         };
     }
     host.onReference = setting.watchReferences;
     const auto hasAllThatIsWanted = [&] { return setting.endsBeforeOutput && isOutputNext; };
-    host.isInterrupted = [&] { return DeferredSignal::hasCome() || hasAllThatIsWanted(); };
-    // It comes when the client has cleaned up, but before anybody takes the run for a failed one.
-    const DeferredSignal deferred;
+    host.isInterrupted = [&] {
+        return (sinks.isInterrupted && sinks.isInterrupted()) || hasAllThatIsWanted();
+    };
     ClientSession session(std::move(host));
     try {
         takeAnswer(session.send(setting.request), outcome);
@@ -102,7 +105,6 @@ RunOutcome runRequest(const RunSetting& setting, RunDisplay& display) {
         }
         outcome.status = kPublished;
     }
-    display.end();
     if (setting.clock) {
         setting.clock->endRuns();
     }
