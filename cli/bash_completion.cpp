@@ -142,14 +142,33 @@ std::string commandPart(const Command& command) {
 
 std::string bashCompletion(const std::vector<std::unique_ptr<Command>>& commands) {
     std::vector<std::string> names;
-    std::string parts;
+    std::vector<std::string> partNames;
+    std::string cases;
     for (const std::unique_ptr<Command>& command : commands) {
-        names.push_back(command->name());
-        parts += commandPart(*command);
+        if (command->isHidden()) {
+            continue;
+        }
+        if (command->isPart()) {
+            partNames.push_back(command->name().substr(command->name().find('-') + 1));
+        } else {
+            names.push_back(command->name());
+        }
+        cases += commandPart(*command);
     }
     std::string script(kFunctions);
     script += "    if ((COMP_CWORD == 1)); then\n        " + wordsCall(names) +
-              "\n        return\n    fi\n    case ${COMP_WORDS[1]} in\n" + parts + "    esac\n";
+              "\n        return\n    fi\n    local command=${COMP_WORDS[1]}\n"
+              "    if [[ $command == batch ]]; then\n"
+              "        case ${COMP_WORDS[2]} in\n        " +
+              boost::algorithm::join(partNames, "|") +
+              ")\n            ((COMP_CWORD > 2)) && command+=-${COMP_WORDS[2]} ;;\n"
+              "        esac\n    fi\n    case $command in\n" +
+              cases + "    esac\n";
+    // What a file of jobs may be is open; the parts are words.
+    script +=
+        "    if [[ $command == batch ]] && ((COMP_CWORD == 2)) && [[ $word != -* ]]; then\n"
+        "        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -W '" +
+        boost::algorithm::join(partNames, " ") + "' -- \"$word\")\n    fi\n";
     return script.append(kEnd);
 }
 

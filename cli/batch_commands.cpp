@@ -36,6 +36,9 @@ protected:
               const std::string& description, const std::string& footer)
         : Command(program, name, description, footer) {
         options_.action = action;
+        if (action != BatchAction::kPublish) {
+            setGroup("Parts of batch");
+        }
     }
 
     void addFile(const std::string& description) {
@@ -279,7 +282,7 @@ class WorkerCommand final : public Command {
 public:
     explicit WorkerCommand(CLI::App& program)
         : Command(program, "job", "Run one job of a batch", "") {
-        hide();
+        setGroup("");
         arguments().addList(
             "--batch", [this](const std::string& value) { return takeBatch(value); },
             "The process of the batch", "PID");

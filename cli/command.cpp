@@ -21,7 +21,7 @@ std::string footerText(const std::string& example, const std::string& remark) {
 Command::Command(CLI::App& program, const std::string& name, const std::string& description,
                  const std::string& footer)
     : app_(*program.add_subcommand(name, description)), arguments_(app_) {
-    app_.group("Commands");
+    app_.group(kCommandGroup);
     app_.set_help_flag("-h,--help", kHelpDescription);
     app_.footer(footer);
 }

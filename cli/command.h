@@ -11,6 +11,9 @@ namespace marrowpress {
 
 inline constexpr const char* kHelpDescription = "Show this help";
 
+/// The group of commands that are not parts of another one.
+inline constexpr const char* kCommandGroup = "Commands";
+
 /// The end of a help text: an example, in lines that begin with blanks, a remark, and what the exit
 /// codes mean. Example and remark may be empty.
 std::string footerText(const std::string& example, const std::string& remark);
@@ -24,6 +27,7 @@ public:
 
     std::string name() const { return app_.get_name(); }
     bool isHidden() const { return app_.get_group().empty(); }
+    bool isPart() const { return !isHidden() && app_.get_group() != kCommandGroup; }
 
     /// The command as the library knows it; it stays the program's.
     const CLI::App& app() const { return app_; }
@@ -51,8 +55,9 @@ protected:
     /// What the arguments ask for, once each has its value.
     virtual Options finish() = 0;
 
-    /// Leaves it out of what people are shown.
-    void hide() { app_.group(""); }
+    /// Puts it among others than all commands; the empty text leaves it out of what people are
+    /// shown.
+    void setGroup(const std::string& name) { app_.group(name); }
 
     UsageError wrongUsage(const std::string& fault) const;
     CommandArguments& arguments() { return arguments_; }

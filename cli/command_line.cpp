@@ -83,8 +83,7 @@ private:
             return text;
         }
         const std::string& name = arguments.front();
-        if (name.starts_with('-') || name == "job" ||
-            std::find(names.begin(), names.end(), name) != names.end()) {
+        if (name.starts_with('-') || hasCommand(app_, name)) {
             return std::nullopt;
         }
         return unknownCommandText(app_, name);

@@ -420,8 +420,7 @@ private:
             const CLI::AppFormatMode mode = CLI::AppFormatMode::Normal;
             return Information{program_.get_formatter()->make_help(&program_, kProgramName, mode)};
         }
-        const std::vector<std::string> names = commandNames(program_);
-        if (std::find(names.begin(), names.end(), *topic_) == names.end()) {
+        if (!hasCommand(program_, *topic_)) {
             return wrongUsage(unknownCommandText(program_, *topic_));
         }
         return Information{program_.get_subcommand(*topic_)->help(kProgramName)};
@@ -462,10 +461,16 @@ std::string unknownCommandText(const CLI::App& program, const std::string& name)
     return unknownValueText("command", name, commandNames(program));
 }
 
+bool hasCommand(const CLI::App& program, const std::string& name) {
+    const std::vector<const CLI::App*> commands = program.get_subcommands(nullptr);
+    return std::any_of(commands.begin(), commands.end(),
+                       [&name](const CLI::App* command) { return command->get_name() == name; });
+}
+
 std::vector<std::string> commandNames(const CLI::App& program) {
     std::vector<std::string> names;
     for (const CLI::App* const command : program.get_subcommands(nullptr)) {
-        if (!command->get_group().empty()) {
+        if (command->get_group() == kCommandGroup) {
             names.push_back(command->get_name());
         }
     }

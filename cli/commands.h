@@ -22,7 +22,10 @@ std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program);
 /// The sentence about a command that `program` doesn't have.
 std::string unknownCommandText(const CLI::App& program, const std::string& name);
 
-/// The names of all commands of `program`.
+/// Whether `program` has a command of that name, shown or not.
+bool hasCommand(const CLI::App& program, const std::string& name);
+
+/// The names of all commands of `program` that are shown, without the parts of one.
 std::vector<std::string> commandNames(const CLI::App& program);
 
 }  // namespace marrowpress

@@ -18,8 +18,8 @@ std::string dependencyTable(const std::vector<const Dependency*>& files,
                             const std::string& currentFolder) {
     TextTable table({"FILE", "KIND", "STATE", "FROM"});
     for (const Dependency* const file : files) {
-        table.add({shownPath(file->file, currentFolder), nameOf(file->kind),
-                   nameOf(file->state), shownPlace(file->from, currentFolder)});
+        table.add({shownPath(file->file, currentFolder), nameOf(file->kind), nameOf(file->state),
+                   shownPlace(file->from, currentFolder)});
     }
     return table.text();
 }

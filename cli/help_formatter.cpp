@@ -4,9 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/replace.hpp>
 #include <charconv>
 #include <cstdlib>
 #include <sstream>
+
+#include "cli/options.h"
 
 namespace marrowpress {
 namespace {
@@ -117,7 +120,10 @@ std::string HelpFormatter::make_help(const CLI::App* app, std::string name,
 }
 
 std::string HelpFormatter::make_usage(const CLI::App* app, std::string name) const {
-    return paragraphs("\n" + CLI::Formatter::make_usage(app, std::move(name)));
+    // The library writes the command's own name.
+    std::string usage = CLI::Formatter::make_usage(app, std::move(name));
+    boost::algorithm::replace_first(usage, app->get_name(), shownCommand(app->get_name()));
+    return paragraphs("\n" + usage);
 }
 
 std::string HelpFormatter::make_description(const CLI::App* app) const {
@@ -129,7 +135,7 @@ std::string HelpFormatter::make_footer(const CLI::App* app) const {
 }
 
 std::string HelpFormatter::make_subcommand(const CLI::App* command) const {
-    return entry(command->get_name(), command->get_description());
+    return entry(shownCommand(command->get_name()), command->get_description());
 }
 
 std::string HelpFormatter::make_option(const CLI::Option* option, bool /*isPositional*/) const {

@@ -129,6 +129,10 @@ using Options = std::variant<HostOptions, PublishOptions, CheckOptions, KeysOpti
                              DoctorOptions, BatchOptions, WorkerOptions, ExplainOptions,
                              CompletionOptions, Information, UsageError>;
 
+/// A command's name as people write it: the parts of `batch` are two words, "batch check" for
+/// "batch-check".
+std::string shownCommand(const std::string& name);
+
 /// The text of a usage error of `command`: the fault, and the pointer to its help.
 std::string usageErrorText(const std::string& command, const std::string& fault);
 

@@ -127,7 +127,7 @@ ResultRecorder::ResultRecorder(std::string id, RunIdentity identity, const Publi
     result_.options = std::move(identity.options);
     result_.versions = versionsText();
     result_.run.started = utcNow();
-    result_.run.begin = fileClockNow();
+    result_.run.begin = earliestStampFromNow();
 }
 
 void ResultRecorder::observe(const Observation& observation) {
@@ -161,7 +161,7 @@ RunResult ResultRecorder::finish(const std::vector<Finding>& findings,
     for (const std::string& path : outputs) {
         result_.outputs.push_back({path, addFile(path, result_.run)});
     }
-    result_.run.end = fileClockNow();
+    result_.run.end = latestStampUntilNow();
     result_.run.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
     measure(result_.run);
     return std::move(result_);

@@ -17,7 +17,8 @@ struct Explanation {
     std::string remedy;   ///< Some sentences: what to do.
 };
 
-/// All ids, in their order: "MP105" to "MP111", "MP201" to "MP218".
+/// All ids, in their order: "MP105" to "MP111", "MP201" to "MP218", and of batches "MP301" and
+/// "MP302".
 const std::vector<std::string>& findingIds();
 
 /// The severity that a finding of that id has unless told otherwise; MP201 and MP202 are

@@ -13,6 +13,12 @@ std::int64_t nanoseconds(const timespec& time) {
     return std::int64_t{time.tv_sec} * kNanosecondsPerSecond + time.tv_nsec;
 }
 
+std::int64_t clockTime(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return nanoseconds(now);
+}
+
 }  // namespace
 
 std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
@@ -24,10 +30,12 @@ std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
                      nanoseconds(status.st_ctim), status.st_ino, status.st_dev};
 }
 
-std::int64_t fileClockNow() {
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME_COARSE, &now);
-    return nanoseconds(now);
+std::int64_t earliestStampFromNow() {
+    return clockTime(CLOCK_REALTIME_COARSE);
+}
+
+std::int64_t latestStampUntilNow() {
+    return clockTime(CLOCK_REALTIME);
 }
 
 }  // namespace marrowpress

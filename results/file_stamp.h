@@ -20,9 +20,14 @@ struct FileStamp {
 /// Links are followed. Empty for what is no regular file.
 std::optional<FileStamp> stampOf(const std::filesystem::path& path);
 
-/// The clock by which the system stamps files, which ticks every few milliseconds: two changes
-/// within a tick have one time.
-std::int64_t fileClockNow();
+// Files are stamped by a clock that ticks every few milliseconds, or where the system can tell more
+// exactly, by a finer one.
+
+/// A file that is changed from now on has no earlier stamp.
+std::int64_t earliestStampFromNow();
+
+/// No file has had a later stamp until now.
+std::int64_t latestStampUntilNow();
 
 /// The longest tick of that clock.
 inline constexpr std::int64_t kFileClockTick = 10'000'000;

@@ -45,8 +45,8 @@ struct ResultRun {
     std::uint64_t memory = 0;  ///< Resident at most, in bytes.
     unsigned tries = 1;
     bool isMemoryShort = false;  ///< It failed for want of memory.
-    std::int64_t begin = 0;      ///< `fileClockNow` when the run began.
-    std::int64_t end = 0;        ///< The same when its outputs were there.
+    std::int64_t begin = 0;      ///< `earliestStampFromNow` when the run began.
+    std::int64_t end = 0;        ///< `latestStampUntilNow` when its outputs were there.
     /// Of the dependencies and then the outputs, in their order; empty where there is no file.
     std::vector<std::optional<KnownFile>> files;
 };

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -69,11 +70,12 @@ private:
     ExitCode runJobs();
     ExitCode merge();
     void findOutputFaults() const;
-    void findConflicts() const;
+    void findConflicts();
     void removeLeftFolders() const;
     BatchSetting setting() const;
     std::map<std::string, double> earlierTimes() const;
-    void failConflicts(BatchRun& run);
+    int settleConflicts(BatchRun& run);
+    std::vector<std::size_t> newReaders(const std::vector<std::string>& ids) const;
     ExitCode exitOf(const std::vector<JobOutcome>& outcomes, bool isAnyResultLost) const;
     std::vector<JobOutcome> knownOutcomes() const;
 
@@ -82,6 +84,7 @@ private:
     ResultFolder results_;
     Plan plan_;
     std::vector<std::size_t> indexes_;
+    std::vector<std::size_t> late_;  ///< Those that read what others write, in their order.
 };
 
 ExitCode Batch::run() {
@@ -178,19 +181,33 @@ void Batch::findOutputFaults() const {
     }
 }
 
+/// Jobs that get into each other's way as far as requests and earlier results tell.
+///
 /// @throws BatchFault
-void Batch::findConflicts() const {
+void Batch::findConflicts() {
     JobConflicts conflicts;
+    std::map<std::string, std::size_t> indexOf;
     for (const std::size_t index : indexes_) {
+        const std::string& id = plan_.jobs[index].id;
+        indexOf[id] = index;
         conflicts.add(plan_.jobs[index]);
-        if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
+        if (const std::optional<RunResult> result = results_.find(id)) {
             conflicts.add(*result);
         }
     }
-    for (const JobConflict& conflict : conflicts.find()) {
+    const std::vector<JobConflict> found = conflicts.find();
+    for (const JobConflict& conflict : found) {
         if (!conflict.isRead || !options_.serializes) {
             throw BatchFault(conflictText(conflict));
         }
+    }
+    const std::optional<std::vector<std::string>> order = JobConflicts::orderOf(found);
+    if (!order) {
+        throw BatchFault("--serialize: jobs read each other's outputs in a circle: " +
+                         conflictText(found.front()));
+    }
+    for (const std::string& id : *order) {
+        late_.push_back(indexOf.at(id));
     }
 }
 
@@ -215,6 +232,7 @@ BatchSetting Batch::setting() const {
     setting.longest = options_.longest;
     setting.resumes = options_.resumes;
     setting.retriesFailed = options_.retriesFailed;
+    setting.late = late_;
     if (options_.reports.pageFolder) {
         setting.pageFolder = fs::absolute(*options_.reports.pageFolder).string();
     }
@@ -245,35 +263,52 @@ ExitCode Batch::runJobs() {
     const BatchSetting how = setting();
     BatchView view(plan_, indexes_, options_.diagnostics, earlierTimes(), streams_);
     BatchRun run(plan_, how, results_, view);
-    const int signal = run.run(indexes_);
+    int signal = run.run(indexes_);
+    if (signal == 0 && !plan_.isCheck) {
+        signal = settleConflicts(run);
+    }
     view.finish();
     if (signal != 0) {
         endBy(signal);
     }
-    std::vector<JobOutcome> outcomes = run.outcomes();
-    if (!plan_.isCheck) {
-        failConflicts(run);
-        outcomes = run.outcomes();
-    }
+    const std::vector<JobOutcome>& outcomes = run.outcomes();
     const ExitCode code = exitOf(outcomes, run.isAnyResultLost());
     writeBatchReports(options_.reports, plan_, indexes_, results_, static_cast<int>(code));
     return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
 }
 
-/// Jobs that got into each other's way as only their runs have shown.
-void Batch::failConflicts(BatchRun& run) {
+/// What only the runs have shown: jobs that got into each other's way have failed, and those that
+/// may read what others write run again behind them.
+///
+/// @return  As `BatchRun::run`.
+int Batch::settleConflicts(BatchRun& run) {
     JobConflicts conflicts;
     for (const std::size_t index : indexes_) {
         if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
             conflicts.add(*result);
         }
     }
-    for (const JobConflict& conflict : conflicts.find()) {
-        if (!conflict.isRead || !options_.serializes) {
+    const std::vector<JobConflict> found = conflicts.find();
+    const std::optional<std::vector<std::string>> order = JobConflicts::orderOf(found);
+    for (const JobConflict& conflict : found) {
+        if (!conflict.isRead || !options_.serializes || !order) {
             run.fail(conflict.writer, conflict.other, conflict.path);
             run.fail(conflict.other, conflict.writer, conflict.path);
         }
     }
+    return options_.serializes && order ? run.runAgain(newReaders(*order)) : 0;
+}
+
+/// Those of `ids` that did not run late already.
+std::vector<std::size_t> Batch::newReaders(const std::vector<std::string>& ids) const {
+    std::vector<std::size_t> readers;
+    for (const std::string& id : ids) {
+        const auto isIt = [&](std::size_t index) { return plan_.jobs[index].id == id; };
+        if (std::none_of(late_.begin(), late_.end(), isIt)) {
+            readers.push_back(*std::find_if(indexes_.begin(), indexes_.end(), isIt));
+        }
+    }
+    return readers;
 }
 
 ExitCode Batch::exitOf(const std::vector<JobOutcome>& outcomes, bool isAnyResultLost) const {

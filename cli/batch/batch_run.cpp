@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <csignal>
 #include <exception>
+#include <set>
 #include <utility>
 
 #include "cli/batch/job_results.h"
@@ -90,9 +91,10 @@ int BatchRun::run(const std::vector<std::size_t>& indexes) {
     if (setting_.resumes || setting_.retriesFailed) {
         skipUpToDate(indexes);
     }
+    const std::set<std::size_t> late(setting_.late.begin(), setting_.late.end());
     std::vector<std::size_t> together;
     for (const std::size_t index : indexes) {
-        if (outcomes_[index].isDone()) {
+        if (outcomes_[index].isDone() || late.contains(index)) {
             continue;
         }
         const bool isAlone =
@@ -104,6 +106,21 @@ int BatchRun::run(const std::vector<std::size_t>& indexes) {
         }
     }
     runTogether(std::move(together));
+    for (const std::size_t index : setting_.late) {
+        if (!outcomes_[index].isDone()) {
+            alone_.push_back(index);
+        }
+    }
+    runAlone();
+    return signal_;
+}
+
+int BatchRun::runAgain(const std::vector<std::size_t>& indexes) {
+    const BlockedSignals blocked;
+    for (const std::size_t index : indexes) {
+        outcomes_[index] = JobOutcome();
+        alone_.push_back(index);
+    }
     runAlone();
     return signal_;
 }

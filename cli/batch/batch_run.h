@@ -49,6 +49,12 @@ public:
     /// @return  The signal by which the batch is to end; 0 when none came.
     int run(const std::vector<std::size_t>& indexes);
 
+    /// Runs those jobs once more, one after the other, since they have read what others wrote
+    /// meanwhile.
+    ///
+    /// @return  As `run`.
+    int runAgain(const std::vector<std::size_t>& indexes);
+
     /// Makes a job that has a result a failed one, since what it wrote or read is another one's.
     ///
     /// @throws FileFailure

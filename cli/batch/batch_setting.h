@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace marrowpress {
 
@@ -15,7 +16,8 @@ struct BatchSetting {
     std::optional<std::chrono::seconds> longest;  ///< For each job.
     bool resumes = false;                         ///< Results that are up to date stay.
     bool retriesFailed = false;                   ///< As above, but failed jobs run again.
-    bool serializes = false;  ///< A job may read what another one writes, and runs after it.
+    /// Jobs of the plan that read what others write, in an order in which they can run.
+    std::vector<std::size_t> late;
     std::optional<std::string> pageFolder;  ///< For a page of each job.
     std::optional<std::string> depfile;     ///< For the only job.
 };

@@ -1,6 +1,8 @@
 #include "cli/batch/job_conflicts.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <tuple>
 
 #include "cli/file_place.h"
@@ -78,6 +80,30 @@ std::vector<JobConflict> JobConflicts::find() const {
                   return key(left) < key(right);
               });
     return found;
+}
+
+std::optional<std::vector<std::string>> JobConflicts::orderOf(
+    const std::vector<JobConflict>& conflicts) {
+    std::map<std::string, std::set<std::string>> awaited;  // By reader.
+    for (const JobConflict& conflict : conflicts) {
+        if (conflict.isRead) {
+            awaited[conflict.other].insert(conflict.writer);
+        }
+    }
+    std::vector<std::string> order;
+    while (!awaited.empty()) {
+        const auto next = std::find_if(awaited.begin(), awaited.end(), [&](const auto& waiting) {
+            return std::none_of(
+                waiting.second.begin(), waiting.second.end(),
+                [&](const std::string& writer) { return awaited.contains(writer); });
+        });
+        if (next == awaited.end()) {
+            return std::nullopt;
+        }
+        order.push_back(next->first);
+        awaited.erase(next);
+    }
+    return order;
 }
 
 std::string conflictText(const JobConflict& conflict) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -30,6 +31,11 @@ public:
 
     /// In the order of their paths.
     std::vector<JobConflict> find() const;
+
+    /// The jobs that read what others write, each behind those whose outputs it reads; empty when
+    /// jobs wait for each other in a circle.
+    static std::optional<std::vector<std::string>> orderOf(
+        const std::vector<JobConflict>& conflicts);
 
 private:
     /// Jobs by their number, each once and in the order in which they were told.

@@ -332,6 +332,21 @@ TEST_F(BatchTest, AnOutputThatAnotherJobReadsIsRefusedWhenAResultTellsAndFailsBo
     EXPECT_NE(second.err.find("`two` reads what `one` writes"), std::string::npos) << second.err;
 }
 
+TEST_F(BatchTest, SerializedAJobReadsWhatAnotherOneHasWritten) {
+    folder_.write("jobs.jsonl", job("reader", "docs/reader.ditamap", "out/reader.dita") +
+                                    job("one", "docs/one.ditamap", "out/one.dita"));
+    folder_.write("docs/reader.ditamap",
+                  R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd"><map>)"
+                  R"(<topicref href="../out/one.dita"/></map>)");
+    EXPECT_EQ(batch({"--serialize", "--fail-on", "never"}).code, 0);
+    EXPECT_NE(folder_.read("out/reader.dita").find(">one<"), std::string::npos)
+        << "what nobody knew before the first run, either";
+    EXPECT_EQ(batch({"--fail-on", "never"}).code, 2) << "without it that is a fault";
+    writeTopic("one", "made first");
+    EXPECT_EQ(batch({"--serialize", "--fail-on", "never"}).code, 0);
+    EXPECT_NE(folder_.read("out/reader.dita").find("made first"), std::string::npos);
+}
+
 TEST_F(BatchTest, AFileThatNoRunWroteIsNotReplaced) {
     writeTwoJobs();
     folder_.write("out/two.dita", "<mine/>");

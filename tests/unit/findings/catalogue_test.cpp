@@ -11,9 +11,9 @@ namespace {
 
 TEST(FindingIdsTest, AreSortedAndDiffer) {
     const std::vector<std::string>& ids = findingIds();
-    EXPECT_EQ(ids.size(), 25U);
+    EXPECT_EQ(ids.size(), 27U);
     EXPECT_EQ(ids.front(), "MP105");
-    EXPECT_EQ(ids.back(), "MP218");
+    EXPECT_EQ(ids.back(), "MP302");
     EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()));
     EXPECT_EQ(std::adjacent_find(ids.begin(), ids.end()), ids.end());
 }
