@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "cli/key_list.h"
+#include "runs/key_list.h"
 
 namespace marrowpress {
 

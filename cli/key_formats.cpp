@@ -1,32 +1,17 @@
 #include "cli/key_formats.h"
 
 #include <boost/algorithm/string/join.hpp>
-#include <boost/json/serialize.hpp>
 #include <functional>
 #include <string_view>
 
 #include "cli/text_table.h"
 #include "findings/finding_lines.h"
-#include "findings/json_values.h"
 #include "findings/shown_path.h"
 #include "host/utf8.h"
+#include "runs/key_json.h"
 
 namespace marrowpress {
 namespace {
-
-const char* nameOf(KeyState state) {
-    switch (state) {
-        case KeyState::kEffective:
-            return "effective";
-        case KeyState::kShadowed:
-            return "shadowed";
-        case KeyState::kExcluded:
-            return "excluded";
-        case KeyState::kLost:
-            break;
-    }
-    return "lost";
-}
 
 /// A line of a table or of CSV.
 struct Row {
@@ -117,32 +102,6 @@ std::vector<std::string> csvCells(const KeyList& list, const Row& row) {
             row.isOfKey ? boost::algorithm::join(places, " ") : ""};
 }
 
-boost::json::object definitionObject(const KeyDefinition& definition) {
-    boost::json::object object = jsonPlace(definition.place);
-    object["state"] = nameOf(definition.state);
-    object["element"] = jsonTextOrNull(definition.element);
-    object["target"] = jsonTextOrNull(definition.target);
-    object["text"] = jsonTextOrNull(definition.text);
-    object["keyref"] = jsonTextOrNull(definition.keyref);
-    object["via"] = jsonArray(definition.via, jsonStep);
-    return object;
-}
-
-boost::json::object keyObject(const KeyList& list, const ListedKey& key) {
-    static const KeyDefinition kNone;
-    const KeyDefinition& leading = key.leading() ? *key.leading() : kNone;
-    boost::json::object object{{"key", jsonText(key.name)}, {"state", nameOf(key.use())}};
-    for (const auto& [name, value] : jsonPlace(leading.place)) {
-        object[name] = value;
-    }
-    object["target"] = jsonTextOrNull(leading.target);
-    object["text"] = jsonTextOrNull(leading.text);
-    object["chain"] = jsonArray(list.chainOf(key), jsonText);
-    object["uses"] = jsonArray(key.uses, jsonPlace);
-    object["definitions"] = jsonArray(key.definitions, definitionObject);
-    return object;
-}
-
 }  // namespace
 
 std::string keyTable(const KeyList& list, const std::vector<const ListedKey*>& keys,
@@ -162,14 +121,6 @@ std::string keyCsv(const KeyList& list, const std::vector<const ListedKey*>& key
         text += csvLine(csvCells(list, row));
     }
     return toValidUtf8(text);
-}
-
-std::string keyJson(const KeyList& list, const std::vector<const ListedKey*>& keys) {
-    std::string text;
-    for (const ListedKey* const key : keys) {
-        text += boost::json::serialize(keyObject(list, *key)) + "\n";
-    }
-    return text;
 }
 
 }  // namespace marrowpress

@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/key_list.h"
+#include "runs/key_list.h"
 
-/// Keys as texts: a line for each key, and in a table and in CSV behind it one for each further
-/// definition, with the state of that.
+/// Keys as texts: a line for each key, and behind it one for each further definition, with the
+/// state of that.
 namespace marrowpress {
 
 /// `keys` are those of `list` that are wanted. Paths are shown as seen from `currentFolder`.
@@ -15,8 +15,5 @@ std::string keyTable(const KeyList& list, const std::vector<const ListedKey*>& k
 
 /// With a first line that names the columns. Paths are absolute, texts are UTF-8.
 std::string keyCsv(const KeyList& list, const std::vector<const ListedKey*>& keys);
-
-/// An object a line for each key. Paths are absolute.
-std::string keyJson(const KeyList& list, const std::vector<const ListedKey*>& keys);
 
 }  // namespace marrowpress

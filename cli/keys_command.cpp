@@ -7,9 +7,9 @@
 
 #include "cli/key_explanation.h"
 #include "cli/key_formats.h"
-#include "cli/key_list.h"
 #include "cli/survey.h"
 #include "findings/nearest.h"
+#include "runs/key_json.h"
 
 namespace marrowpress {
 namespace {

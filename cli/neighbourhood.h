@@ -7,8 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "cli/key_list.h"
 #include "runs/dependency_list.h"
+#include "runs/key_list.h"
 
 namespace marrowpress {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "cli/key_list.h"
 #include "cli/page_files.h"
+#include "runs/key_list.h"
 
 namespace marrowpress {
 

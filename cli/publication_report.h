@@ -9,11 +9,11 @@
 
 #include "cli/exclusion_list.h"
 #include "cli/findings_report.h"
-#include "cli/key_list.h"
 #include "cli/map_outline.h"
 #include "findings/finding.h"
 #include "marrowpress/observer.h"
 #include "runs/dependency_list.h"
+#include "runs/key_list.h"
 
 namespace marrowpress {
 

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "cli/aside_composite.h"
-#include "cli/component_places.h"
 #include "cli/displayed_run.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
@@ -28,6 +27,7 @@
 #include "findings/wording.h"
 #include "marrowpress/output_names.h"
 #include "marrowpress/publish_status.h"
+#include "runs/component_places.h"
 #include "runs/dependency_list.h"
 #include "runs/public_ids.h"
 #include "runs/unwritten_file.h"

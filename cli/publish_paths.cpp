@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "cli/output_folder.h"
-#include "cli/written_composite.h"
 #include "host/utf8.h"
 #include "marrowpress/output_names.h"
 #include "runs/public_ids.h"
+#include "runs/written_composite.h"
 
 namespace marrowpress {
 namespace {

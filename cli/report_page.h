@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "cli/exclusion_list.h"
-#include "cli/key_list.h"
 #include "cli/map_outline.h"
 #include "cli/page_files.h"
 #include "findings/finding.h"
+#include "runs/key_list.h"
 
 namespace marrowpress {
 

@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <utility>
 
-#include "cli/component_places.h"
 #include "cli/displayed_run.h"
-#include "cli/outside_fragments.h"
 #include "cli/publish_request.h"
 #include "cli/scratch_folder.h"
+#include "runs/component_places.h"
+#include "runs/outside_fragments.h"
 #include "runs/public_ids.h"
 
 namespace marrowpress {

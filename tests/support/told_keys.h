@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "cli/key_list.h"
+#include "runs/key_list.h"
 #include "tests/support/observations.h"
 
 namespace marrowpress {
@@ -57,6 +57,14 @@ public:
         refer("a", "/w/t.dita", 7);
         refer("a", "/w/t.dita", 6);
         list.finish();
+    }
+
+    std::vector<const ListedKey*> all() const {
+        std::vector<const ListedKey*> keys;
+        for (const ListedKey& key : list.keys()) {
+            keys.push_back(&key);
+        }
+        return keys;
     }
 
     KeyList list;

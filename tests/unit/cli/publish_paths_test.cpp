@@ -5,8 +5,8 @@
 
 #include <cstdlib>
 
+#include "tests/support/composite_doctype.h"
 #include "tests/support/temporary_folder.h"
-#include "tests/unit/cli/composite_doctype.h"
 
 namespace marrowpress {
 namespace {

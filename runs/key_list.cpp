@@ -1,4 +1,4 @@
-#include "cli/key_list.h"
+#include "runs/key_list.h"
 
 #include <algorithm>
 #include <string_view>

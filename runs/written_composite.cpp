@@ -1,4 +1,4 @@
-#include "cli/written_composite.h"
+#include "runs/written_composite.h"
 
 #include <algorithm>
 #include <fstream>

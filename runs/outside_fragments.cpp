@@ -1,4 +1,4 @@
-#include "cli/outside_fragments.h"
+#include "runs/outside_fragments.h"
 
 #include <libxml/xmlreader.h>
 

@@ -1,4 +1,4 @@
-#include "cli/component_places.h"
+#include "runs/component_places.h"
 
 #include <gtest/gtest.h>
 

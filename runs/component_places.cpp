@@ -1,14 +1,14 @@
-#include "cli/component_places.h"
+#include "runs/component_places.h"
 
 #include <system_error>
 #include <utility>
 
-#include "cli/written_composite.h"
 #include "findings/catalogue.h"
 #include "findings/run_facts.h"
 #include "findings/shown_path.h"
 #include "findings/wording.h"
 #include "marrowpress/output_names.h"
+#include "runs/written_composite.h"
 
 namespace marrowpress {
 namespace {

@@ -1,11 +1,11 @@
-#include "cli/written_composite.h"
+#include "runs/written_composite.h"
 
 #include <gtest/gtest.h>
 
+#include "tests/support/composite_doctype.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/texts.h"
-#include "tests/unit/cli/composite_doctype.h"
 
 namespace marrowpress {
 namespace {
