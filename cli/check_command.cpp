@@ -12,6 +12,7 @@
 #include "cli/profile_set.h"
 #include "cli/publication_report.h"
 #include "cli/publish_paths.h"
+#include "cli/repeated_run.h"
 #include "cli/run_measures.h"
 #include "cli/scratch_run.h"
 
@@ -26,6 +27,15 @@ CheckOptions withoutStandardOutput(CheckOptions options) {
         options.output.clear();
     }
     return options;
+}
+
+/// With the filters of runs of their own behind the others.
+PublishOptions asPublish(const CheckOptions& options) {
+    PublishOptions publish;
+    static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options);
+    publish.filters.insert(publish.filters.end(), options.eachFilters.begin(),
+                           options.eachFilters.end());
+    return publish;
 }
 
 /// One call of the command.
@@ -66,6 +76,11 @@ ExitCode Checking::run() {
         streams_.err << usageErrorText("check", *fault);
         return ExitCode::kWrongUsage;
     }
+    if (recording_) {
+        if (const std::optional<ExitCode> known = recording_->answer(report)) {
+            return measures_.finish(*known, "marrowpress check", streams_);
+        }
+    }
     RunDisplay display(options_.diagnostics, streams_.err);
     const std::unique_ptr<PublicationReport> page = makePage();
     startRecording();
@@ -87,10 +102,11 @@ ExitCode Checking::run() {
 
 void Checking::startRecording() {
     if (recording_) {
-        PublishOptions publish;
-        static_cast<RunOptions&>(publish) = static_cast<const RunOptions&>(options_);
-        recorder_ = std::make_unique<ResultRecorder>(recording_->id,
-                                                     identityOf("check", publish, paths_), paths_);
+        const PublishOptions publish = asPublish(options_);
+        const PublishPaths paths = resolvePublishPaths(publish);
+        recorder_ = std::make_unique<ResultRecorder>(
+            recording_->id, identityOf("check", publish, paths, options_.eachFilters.size()),
+            paths);
     }
 }
 
@@ -192,7 +208,13 @@ std::optional<std::string> Checking::findOutputFault() const {
 ExitCode runCheck(const CheckOptions& options, const Streams& streams,
                   const RunRecording* recording) {
     try {
-        return Checking(options, streams, recording).run();
+        if (recording || !isRepeated(options)) {
+            return Checking(options, streams, recording).run();
+        }
+        const PublishOptions publish = asPublish(options);
+        return runRepeated(
+            {"check", publish, options.eachFilters.size()}, streams,
+            [&](const RunRecording& own) { return Checking(options, streams, &own).run(); });
     } catch (const ScratchError& failure) {
         streams.err << usageErrorText("check", failure.what());
         return ExitCode::kWrongUsage;

@@ -88,6 +88,16 @@ void addPrint(CommandArguments& arguments, RunOptions& target) {
                       "Leave out what the map marks with print=\"no\"");
 }
 
+void addRepetition(CommandArguments& arguments, RunOptions& target) {
+    arguments.addFlag("--if-changed", target.isOnlyIfChanged,
+                      "Do nothing but show the last run's findings again when nothing has changed "
+                      "since: the request, the files that it read or missed, its outputs");
+    arguments.addText("--result", target.result,
+                      "Keep the run's result in FILE: its findings, the files that it depends on, "
+                      "its outputs. Without it --if-changed keeps one for itself",
+                      "FILE");
+}
+
 /// The sentence about options that contradict each other; empty when none do.
 std::optional<std::string> findContradiction(const RunOptions& options) {
     if (options.format == OutputFormat::kComposite && options.isAtOneLocation) {
@@ -95,6 +105,9 @@ std::optional<std::string> findContradiction(const RunOptions& options) {
     }
     if (options.format == OutputFormat::kFlatBook && options.output == "-") {
         return "--output: a flat book is several files; standard output (-) takes a composite";
+    }
+    if (options.output == kStandardOutput && (options.isOnlyIfChanged || options.result)) {
+        return "--output: what goes to standard output (-) is not there the next time";
     }
     return findDiagnosticsFault(options.diagnostics);
 }
@@ -130,6 +143,7 @@ public:
                             "Write a rule for make and ninja to FILE: OUT, as it is given here, "
                             "and the files that it depends on",
                             "FILE");
+        addRepetition(arguments(), options_);
         addDiagnostics(arguments(), options_.diagnostics);
         addMeasures(arguments(), options_.diagnostics);
         addReport(arguments(), options_.diagnostics);
@@ -182,6 +196,7 @@ public:
                             "FILE");
         addCatalog(arguments(), options_.catalogs);
         addPrint(arguments(), options_);
+        addRepetition(arguments(), options_);
         addDiagnostics(arguments(), options_.diagnostics);
         addMeasures(arguments(), options_.diagnostics);
         addReport(arguments(), options_.diagnostics);

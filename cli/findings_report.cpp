@@ -178,7 +178,9 @@ std::vector<Finding> FindingsReport::writeReports(const std::vector<Finding>& fi
     write(options_.junit, [&](std::ostream& out) {
         writeJunit(out, findings, summary, {map_, currentFolder_, translatedWords()});
     });
-    write(options_.report, [&](std::ostream& out) { writePage(out, findings, summary); });
+    if (writePage) {
+        write(options_.report, [&](std::ostream& out) { writePage(out, findings, summary); });
+    }
     return unwritten;
 }
 

@@ -157,4 +157,13 @@ fs::path MediaCopies::place(const fs::path& source) {
     }
 }
 
+std::vector<std::string> MediaCopies::paths() const {
+    std::vector<std::string> paths;
+    for (const auto& [number, path] : copies_) {
+        paths.push_back(path.string());
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
 }  // namespace marrowpress

@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace marrowpress {
 
@@ -25,6 +26,9 @@ public:
     /// @throws FileFailure when the file can't be read, or the copy can't be made. Neither it nor
     ///         part of it is there then.
     std::optional<std::filesystem::path> copyOf(const std::filesystem::path& path);
+
+    /// The paths of all copies.
+    std::vector<std::string> paths() const;
 
 private:
     using FileNumber = std::pair<dev_t, ino_t>;

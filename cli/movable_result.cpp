@@ -80,7 +80,7 @@ void MovableResult::openCopies(const PublishOptions& options, const PublishPaths
     }
 }
 
-void MovableResult::make(const std::vector<std::string>& files) const {
+std::vector<std::string> MovableResult::make(const std::vector<std::string>& files) const {
     std::vector<std::unique_ptr<RemovalOnSignal>> unfinished;
     unfinished.reserve(files.size());
     for (const std::string& file : files) {
@@ -94,6 +94,7 @@ void MovableResult::make(const std::vector<std::string>& files) const {
         references.rewriteFile(files[index], folder.string());
         unfinished[index].reset();
     }
+    return copies.paths();
 }
 
 }  // namespace marrowpress

@@ -36,7 +36,8 @@ public:
     ///
     /// @throws FileFailure when a file can't be read or written. It stays as the client wrote it,
     ///         and so do those behind it.
-    void make(const std::vector<std::string>& files) const;
+    /// @return  The paths of the copies.
+    std::vector<std::string> make(const std::vector<std::string>& files) const;
 
 private:
     void openCopies(const PublishOptions& options, const PublishPaths& paths);

@@ -40,6 +40,9 @@ struct RunOptions {
     bool allowsMissingFilter = false;   ///< A filter that cannot be read is done without.
     std::vector<std::string> catalogs;  ///< Empty: the default catalogs.
     bool isForPrint = false;
+    bool isOnlyIfChanged = false;  ///< No run where the last one still holds.
+    std::optional<std::string>
+        result;  ///< Where the last run's result is, and the next one's goes.
     DiagnosticsOptions diagnostics;
 };
 
@@ -55,7 +58,6 @@ struct PublishOptions : RunOptions {
     bool isRelative = false;  ///< Local references lead on from the output that holds them.
     std::optional<std::string> mediaFolder;  ///< For copies; seen from the output's folder.
     std::optional<std::string> depfile;      ///< Gets the rule of the output.
-    std::optional<std::string> result;       ///< Gets all that there is to tell of the run.
 };
 
 /// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is

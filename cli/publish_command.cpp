@@ -19,6 +19,7 @@
 #include "cli/profile_set.h"
 #include "cli/publication_report.h"
 #include "cli/publish_request.h"
+#include "cli/repeated_run.h"
 #include "cli/run_measures.h"
 #include "cli/standard_output_composite.h"
 #include "cli/unfinished_outputs.h"
@@ -97,7 +98,7 @@ private:
     std::vector<std::string> wantedFiles(const RunOutcome& outcome) const;
     void addRunFailure(const RunOutcome& outcome, FindingCollector& collector) const;
     std::string finishResult(const RunOutcome& outcome, FindingCollector* collector);
-    void makeMovable(const RunOutcome& outcome) const;
+    void makeMovable(const RunOutcome& outcome);
     void takePlace(const RunOutcome& outcome);
     void goAside();
     void record(const std::vector<Finding>& findings, const FindingSummary& summary);
@@ -125,6 +126,7 @@ private:
     std::unique_ptr<PublicationReport> page_;
     std::unique_ptr<ResultRecorder> recorder_;
     std::vector<std::string> written_;  ///< What a good run has written, in its place.
+    std::vector<std::string> copies_;   ///< Of media.
 };
 
 ExitCode Publishing::run() {
@@ -136,6 +138,9 @@ ExitCode Publishing::run() {
         return ExitCode::kWrongUsage;
     }
     if (recording_) {
+        if (const std::optional<ExitCode> known = recording_->answer(report)) {
+            return measures_.finish(*known, "marrowpress publish", streams_);
+        }
         recorder_ = std::make_unique<ResultRecorder>(
             recording_->id, identityOf("publish", options_, paths_), paths_);
     }
@@ -283,7 +288,9 @@ FindingList Publishing::takeFindings(FindingCollector& collector) const {
 
 void Publishing::record(const std::vector<Finding>& findings, const FindingSummary& summary) {
     if (recorder_) {
-        recording_->take(recorder_->finish(findings, summary, written_));
+        std::vector<std::string> outputs = written_;
+        outputs.insert(outputs.end(), copies_.begin(), copies_.end());
+        recording_->take(recorder_->finish(findings, summary, outputs));
     }
 }
 
@@ -384,7 +391,7 @@ std::string Publishing::finishResult(const RunOutcome& outcome, FindingCollector
 }
 
 /// @throws FileFailure
-void Publishing::makeMovable(const RunOutcome& outcome) const {
+void Publishing::makeMovable(const RunOutcome& outcome) {
     if (!movable_->isWanted()) {
         return;
     }
@@ -393,7 +400,7 @@ void Publishing::makeMovable(const RunOutcome& outcome) const {
     if (hold.isTaken()) {
         throw FileFailure(FileAction::kWrite, paths_.output.string(), kFolderIsTaken);
     }
-    movable_->make(wantedFiles(outcome));
+    copies_ = movable_->make(wantedFiles(outcome));
 }
 
 /// @throws FileFailure
@@ -469,7 +476,12 @@ std::optional<std::string> findMissingFile(const std::vector<std::string>& paths
 ExitCode runPublish(const PublishOptions& options, const Streams& streams,
                     const RunRecording* recording) {
     try {
-        return Publishing(options, streams, recording).run();
+        if (recording || !isRepeated(options)) {
+            return Publishing(options, streams, recording).run();
+        }
+        return runRepeated({"publish", options}, streams, [&](const RunRecording& own) {
+            return Publishing(options, streams, &own).run();
+        });
     } catch (const ScratchError& failure) {
         streams.err << usageErrorText("publish", failure.what());
         return ExitCode::kWrongUsage;

@@ -89,7 +89,7 @@ std::optional<std::string> addFile(const std::string& path, ResultRun& run) {
 }  // namespace
 
 RunIdentity identityOf(const std::string& command, const PublishOptions& options,
-                       const PublishPaths& paths) {
+                       const PublishPaths& paths, std::size_t ownFilters) {
     const bool isOneFilter = paths.filters.size() == 1;
     const DiagnosticsOptions& diagnostics = options.diagnostics;
     const bool isGerman =
@@ -97,6 +97,7 @@ RunIdentity identityOf(const std::string& command, const PublishOptions& options
         (diagnostics.language == Language::kAuto && environmentLanguage() == Language::kGerman);
     const json::object members{{"command", command},
                                {"filters", pathMembers(paths.filters)},
+                               {"ownFilters", ownFilters},
                                {"allowMissingFilter", options.allowsMissingFilter},
                                {"catalogs", pathMembers(catalogFiles(options.catalogs))},
                                {"relative", options.isRelative},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -9,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/exit_code.h"
 #include "cli/options.h"
 #include "cli/publish_paths.h"
 #include "findings/finding.h"
@@ -18,6 +20,8 @@
 
 namespace marrowpress {
 
+class FindingsReport;
+
 /// Who wants to know what a run came to, and how it is made.
 struct RunRecording {
     std::string id;
@@ -25,11 +29,18 @@ struct RunRecording {
     std::function<void(std::string_view)> onPhase;
     /// Gets the result, unless the run was not even started.
     std::function<void(const RunResult&)> take;
+    /// Asked before the run is made, when it may be; gives the exit code where an earlier result
+    /// serves, and the run is not made. May be empty.
+    std::function<std::optional<ExitCode>(const FindingsReport&)> findAnswer;
     /// A composite is made in a private folder beside its place, so that runs into one folder do
     /// not meet.
     ///
     /// @throws NeedsItsPlace out of the run when that makes a difference.
     bool isMadeAside = false;
+
+    std::optional<ExitCode> answer(const FindingsReport& report) const {
+        return findAnswer ? findAnswer(report) : std::nullopt;
+    }
 
     void notePhase(const Observation& observation) const {
         if (onPhase && observation.kind == ObservationKind::kPhase) {
@@ -45,9 +56,10 @@ struct RunIdentity {
     std::string options;
 };
 
-/// @param command  "publish", "check".
+/// @param command     "publish", "check".
+/// @param ownFilters  How many filters, from the last, are for a run of their own each.
 RunIdentity identityOf(const std::string& command, const PublishOptions& options,
-                       const PublishPaths& paths);
+                       const PublishPaths& paths, std::size_t ownFilters = 0);
 
 /// Of the program and the libraries that have a part in its results, as a JSON object.
 std::string versionsText();

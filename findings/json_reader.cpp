@@ -59,13 +59,13 @@ bool flagOf(const json::object& object, const std::string& name) {
     return member != nullptr && member->get_bool();
 }
 
-FindingPlace placeOf(const json::object& object) {
+FindingPlace placeMember(const json::object& object) {
     return {textOf(object, "file").value_or(""), numberOf<std::uint32_t>(object, "line"),
             numberOf<std::uint32_t>(object, "column")};
 }
 
-FindingStep stepOf(const json::object& object) {
-    return {placeOf(object), textOf(object, "what").value_or("")};
+FindingStep stepMember(const json::object& object) {
+    return {placeMember(object), textOf(object, "what").value_or("")};
 }
 
 /// The items of an array, each of them made by `convert`; none where there is no such member.
@@ -163,12 +163,12 @@ Finding parseFinding(const json::object& object) {
     finding.id = idOf(object);
     finding.severity = severityMember(object);
     finding.text = textOf(object, "text").value_or("");
-    finding.place = placeOf(object);
+    finding.place = placeMember(object);
     finding.element = textOf(object, "element").value_or("");
     finding.target = textOf(object, "target").value_or("");
     finding.hint = textOf(object, "hint").value_or("");
-    finding.via = objectsOf(object, "via", stepOf);
-    finding.places = objectsOf(object, "places", placeOf);
+    finding.via = objectsOf(object, "via", stepMember);
+    finding.places = objectsOf(object, "places", placeMember);
     finding.profiles = textsOf(object, "profile");
     finding.isArtefact = flagOf(object, "artefact");
     finding.hostText = textOf(object, "hostText");

@@ -48,6 +48,7 @@ std::string sarifText(const Plan& plan, const std::vector<std::size_t>& indexes,
     FindingList all;
     forEachResult(plan, indexes, results, [&](RunResult result) {
         for (Finding& finding : result.findings) {
+            finding.isPerFile = true;
             all.add(std::move(finding));
         }
     });

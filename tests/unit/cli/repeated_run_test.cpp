@@ -1,0 +1,159 @@
+#include "cli/repeated_run.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <thread>
+
+#include "cli/findings_report.h"
+#include "cli/publish_paths.h"
+#include "results/file_digest.h"
+#include "results/result_json.h"
+#include "tests/support/temporary_folder.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Runs that only say what they have read and written.
+class RepeatedRunTest : public testing::Test {
+protected:
+    RepeatedRunTest() {
+        folder_.write("m.ditamap", "map");
+        folder_.write("o.dita", "output");
+        options_.map = folder_.file("m.ditamap");
+        options_.output = folder_.file("o.dita");
+        options_.result = folder_.file("r.json");
+        options_.isOnlyIfChanged = true;
+        waitATick();
+    }
+
+    /// So that what was changed is not taken for what the run was reading.
+    static void waitATick() {
+        std::this_thread::sleep_for(std::chrono::nanoseconds(2 * kFileClockTick));
+    }
+
+    ExitCode repeat() {
+        return runRepeated({"publish", options_}, {out_, err_}, [this](const RunRecording& own) {
+            const FindingsReport report(options_.diagnostics, options_.map,
+                                        folder_.path().string());
+            if (const std::optional<ExitCode> known = own.answer(report)) {
+                return *known;
+            }
+            ++runs_;
+            const PublishPaths paths = resolvePublishPaths(options_);
+            ResultRecorder recorder(own.id, identityOf("publish", options_, paths), paths);
+            recorder.finishRun(0);
+            if (touchesTheMap_) {
+                folder_.write("m.ditamap", std::string(runs_, 'x'));
+            }
+            FindingSummary summary;
+            summary.exit = 3;
+            Finding finding;
+            finding.id = "MP105";
+            finding.text = "what is wrong";
+            own.take(recorder.finish({finding}, summary, {options_.output}));
+            return ExitCode::kFindings;
+        });
+    }
+
+    TemporaryFolder folder_;
+    PublishOptions options_;
+    std::ostringstream out_;
+    std::ostringstream err_;
+    std::size_t runs_ = 0;
+    bool touchesTheMap_ = false;
+};
+
+TEST_F(RepeatedRunTest, IsWhatKeepsAResult) {
+    PublishOptions plain;
+    EXPECT_FALSE(isRepeated(plain));
+    EXPECT_TRUE(isRepeated(options_));
+    options_.isOnlyIfChanged = false;
+    EXPECT_TRUE(isRepeated(options_));
+}
+
+TEST_F(RepeatedRunTest, WhereNothingHasChangedTheLastRunIsShownAgain) {
+    EXPECT_EQ(repeat(), ExitCode::kFindings);
+    EXPECT_EQ(runs_, 1U);
+    EXPECT_EQ(repeat(), ExitCode::kFindings) << "its exit code counts again";
+    EXPECT_EQ(runs_, 1U);
+    EXPECT_NE(err_.str().find("what is wrong [MP105]"), std::string::npos) << err_.str();
+    EXPECT_TRUE(err_.str().ends_with("up to date\n")) << err_.str();
+    EXPECT_EQ(out_.str(), options_.output + "\n");
+}
+
+TEST_F(RepeatedRunTest, AChangeMakesAnotherRun) {
+    repeat();
+    folder_.write("m.ditamap", "MAP");
+    waitATick();
+    repeat();
+    EXPECT_EQ(runs_, 2U);
+    fs::remove(options_.output);
+    folder_.write("o.dita", "OUTPUT");
+    repeat();
+    EXPECT_EQ(runs_, 3U);
+    options_.isForPrint = true;
+    repeat();
+    EXPECT_EQ(runs_, 4U);
+}
+
+TEST_F(RepeatedRunTest, WithoutIfChangedTheResultIsOnlyKept) {
+    options_.isOnlyIfChanged = false;
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 2U);
+    EXPECT_EQ(readResult(*options_.result).id, "m");
+}
+
+TEST_F(RepeatedRunTest, ARunThatReadWhatWasBeingChangedIsMadeAgain) {
+    touchesTheMap_ = true;
+    repeat();
+    EXPECT_EQ(runs_, 3U);
+    EXPECT_EQ(readResult(*options_.result).run.tries, 3U);
+    touchesTheMap_ = false;
+    waitATick();
+    repeat();
+    EXPECT_EQ(runs_, 4U) << "nobody knows what the last one read";
+}
+
+TEST_F(RepeatedRunTest, AResultThatIsNoneCountsAsAbsentWithAWarning) {
+    folder_.write("r.json", "{");
+    repeat();
+    EXPECT_EQ(runs_, 1U);
+    EXPECT_NE(err_.str().find("r.json counts as absent: "), std::string::npos) << err_.str();
+}
+
+TEST_F(RepeatedRunTest, AFileThatNoResultRemembersHasToBeThere) {
+    options_.diagnostics.report = folder_.file("page.html");
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 2U);
+    folder_.write("page.html", "");
+    repeat();
+    EXPECT_EQ(runs_, 2U);
+}
+
+TEST_F(RepeatedRunTest, AResultThatCannotBeKeptFailsTheRunOnlyWhereItWasAskedFor) {
+    options_.result = folder_.file("none/r.json");
+    EXPECT_EQ(repeat(), ExitCode::kRunFailed);
+    EXPECT_NE(err_.str().find("cannot write"), std::string::npos) << err_.str();
+    options_.result.reset();
+    folder_.write("file", "");
+    setenv("XDG_STATE_HOME", folder_.file("file").c_str(), 1);
+    EXPECT_EQ(repeat(), ExitCode::kFindings);
+    setenv("XDG_STATE_HOME", folder_.file("state").c_str(), 1);
+    EXPECT_EQ(repeat(), ExitCode::kFindings);
+    const std::size_t runs = runs_;
+    EXPECT_EQ(repeat(), ExitCode::kFindings);
+    unsetenv("XDG_STATE_HOME");
+    EXPECT_EQ(runs_, runs) << "it was kept there";
+    EXPECT_TRUE(folder_.exists("state/marrowpress"));
+}
+
+}  // namespace
+}  // namespace marrowpress
