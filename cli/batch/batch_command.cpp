@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -93,7 +94,12 @@ ExitCode Batch::run() {
         indexes_ = selectedJobs({}, plan_);
         return merge();
     }
-    plan_ = planOf(options_);
+    std::vector<std::string> passedOver;
+    plan_ = planOf(options_, passedOver);
+    if (!passedOver.empty() && !options_.diagnostics.isQuiet) {
+        streams_.err << "marrowpress batch: passed over, being of other transtypes: "
+                     << boost::algorithm::join(passedOver, ", ") << ".\n";
+    }
     indexes_ = selectedJobs(options_, plan_);
     chooseLanguage(plan_.diagnostics.language);
     switch (options_.action) {

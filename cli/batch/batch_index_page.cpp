@@ -44,7 +44,7 @@ std::string cell(const std::string& html) {
 std::string jobName(const std::string& id, const std::string& folder) {
     std::error_code ignored;
     const std::string page = id + ".html";
-    const std::string shown = htmlText(id);
+    std::string shown = htmlText(id);
     if (!fs::exists(fs::path(folder) / page, ignored)) {
         return shown;
     }

@@ -284,7 +284,9 @@ void BatchRun::fail(const std::string& id, const std::string& other, const std::
         const RunResult failed = withConflict(std::move(*result), other, path);
         results_.put(failed);
         outcomes_[index] = outcomeOf(failed);
-        watcher_.warn("`" + id + "` and `" + other + "` write and read " + path);
+        std::string sentence = "`" + id;
+        sentence.append("` and `").append(other).append("` write and read ").append(path);
+        watcher_.warn(sentence);
     }
 }
 

@@ -10,7 +10,7 @@
 
 namespace marrowpress {
 
-/// A file of jobs that was read.
+/// What is read, and what for.
 struct JobFileSetting {
     std::string text;
     std::string path;                            ///< As it was given; "-" for standard input.
@@ -19,9 +19,13 @@ struct JobFileSetting {
     std::map<std::string, std::string> formats;  ///< By transtype.
 };
 
-/// The jobs of a project file or of JSON Lines.
+/// The jobs of a project file, in XML or JSON, or of JSON Lines. Their ids are file names, and
+/// differ in more than letter case.
 ///
 /// @throws JobFileError
 std::vector<Job> readJobFile(const JobFileSetting& setting);
+
+/// Whether there is something to make of the job's transtype.
+bool canBePublished(const Job& job, const std::map<std::string, std::string>& formats);
 
 }  // namespace marrowpress

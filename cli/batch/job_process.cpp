@@ -88,7 +88,7 @@ pid_t spawn(const std::vector<std::string>& arguments, const FileActions& action
     return pid;
 }
 
-double secondsOf(const timeval& time) {
+double cpuTimeOf(const timeval& time) {
     constexpr double kMicrosecond = 1e-6;
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * kMicrosecond;
 }
@@ -195,7 +195,7 @@ std::optional<JobEnd> JobProcess::findEnd() {
     end.phase = lastLine(phases_.text());
     end.errors = errors_.text();
     end.seconds = std::chrono::duration<double>(Clock::now() - start_).count();
-    end.cpuSeconds = secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+    end.cpuSeconds = cpuTimeOf(usage.ru_utime) + cpuTimeOf(usage.ru_stime);
     end.memory = static_cast<std::uint64_t>(usage.ru_maxrss) * kKilobyte;
     return end;
 }

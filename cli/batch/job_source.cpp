@@ -3,6 +3,7 @@
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <charconv>
 #include <cstdlib>
 #include <optional>
@@ -120,9 +121,26 @@ bool isForCheck(const BatchOptions& options) {
     return options.action == BatchAction::kCheck || options.isPlanForCheck;
 }
 
+/// Leaves out what cannot be published, and tells its ids with their transtypes.
+void passOver(std::vector<Job>& jobs, const BatchOptions& options, const std::string& shown,
+              std::vector<std::string>& passedOver) {
+    std::erase_if(jobs, [&](const Job& job) {
+        const bool isOther = !canBePublished(job, options.formats);
+        if (isOther) {
+            passedOver.push_back(job.id + " (" + job.transtype + ")");
+        }
+        return isOther;
+    });
+    if (jobs.empty() && !passedOver.empty()) {
+        throw BatchFault(shown + ": no deliverable has the transtype composite or flatbook: " +
+                         boost::algorithm::join(passedOver, ", ") +
+                         "; `--as` says what to make of another one, and `batch check` checks all");
+    }
+}
+
 }  // namespace
 
-Plan planOf(const BatchOptions& options) {
+Plan planOf(const BatchOptions& options, std::vector<std::string>& passedOver) {
     const std::string text = textOfSource(options.file);
     const std::string shown = shownSource(options.file);
     try {
@@ -134,6 +152,9 @@ Plan planOf(const BatchOptions& options) {
         }
         std::vector<Job> jobs =
             readJobFile({text, options.file, shown, options.outputFolder, options.formats});
+        if (options.action != BatchAction::kList && !isForCheck(options)) {
+            passOver(jobs, options, shown, passedOver);
+        }
         return makePlan(std::move(jobs), isForCheck(options), options.catalogs,
                         options.diagnostics);
     } catch (const PlanError& fault) {
@@ -147,7 +168,8 @@ Plan readPlan(const std::string& path) {
     BatchOptions options;
     options.action = BatchAction::kRun;
     options.file = path;
-    return planOf(options);
+    std::vector<std::string> passedOver;
+    return planOf(options, passedOver);
 }
 
 std::vector<std::size_t> selectedJobs(const BatchOptions& options, const Plan& plan) {

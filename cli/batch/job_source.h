@@ -18,8 +18,9 @@ public:
 
 /// The jobs that the options name, as a plan: that of a plan's file, or one made of a file of jobs.
 ///
+/// @param passedOver  Gets those that are not among them, because their transtype is another one.
 /// @throws BatchFault
-Plan planOf(const BatchOptions& options);
+Plan planOf(const BatchOptions& options, std::vector<std::string>& passedOver);
 
 /// The plan in the file of `--plan`.
 ///

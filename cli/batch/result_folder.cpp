@@ -14,7 +14,7 @@ namespace marrowpress {
 
 namespace fs = std::filesystem;
 
-ResultFolder::ResultFolder(fs::path folder, Warning warn)
+ResultFolder::ResultFolder(const fs::path& folder, Warning warn)
     : folder_(fs::absolute(folder).lexically_normal()), warn_(std::move(warn)) {}
 
 fs::path ResultFolder::pathOf(const std::string& id) const {

@@ -15,7 +15,7 @@ public:
     using Warning = std::function<void(const std::string&)>;
 
     /// @param warn  Gets a sentence about a file that is no result, and counts as absent.
-    ResultFolder(std::filesystem::path folder, Warning warn);
+    ResultFolder(const std::filesystem::path& folder, Warning warn);
 
     /// Absolute.
     const std::filesystem::path& path() const noexcept { return folder_; }

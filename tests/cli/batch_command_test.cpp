@@ -503,6 +503,39 @@ TEST_F(BatchTest, PagesOfTheJobsHaveAnIndex) {
     EXPECT_EQ(folder_.read("pages/one.html").find(".marrowpress-"), std::string::npos);
 }
 
+TEST_F(BatchTest, AProjectFileIsPublishedAsFarAsItIsOursAndCheckedAsAWhole) {
+    folder_.write("project.xml", R"(<project xmlns="https://www.dita-ot.org/project">
+<deliverable id="ours"><context><input href="docs/one.ditamap"/></context><output href="."/>
+<publication transtype="composite"/></deliverable>
+<deliverable id="site"><context><input href="docs/two.ditamap"/></context><output href="site"/>
+<publication transtype="html5"/></deliverable></project>)");
+    const Texts common{"project.xml", "--catalog", "catalog.xml", "--output", "out"};
+    const auto call = [&](Texts command, const Texts& more = {}) {
+        command.insert(command.end(), common.begin(), common.end());
+        command.insert(command.end(), more.begin(), more.end());
+        return run(command);
+    };
+    const CommandResult published = call({"batch"});
+    EXPECT_EQ(published.code, 0) << published.err;
+    EXPECT_NE(published.err.find("passed over, being of other transtypes: site (html5)."),
+              std::string::npos)
+        << published.err;
+    EXPECT_EQ(namesIn("out"), Texts({"one.dita"}));
+    EXPECT_NE(call({"batch", "check"}).out.find("2 jobs: 2 clean"), std::string::npos);
+    EXPECT_EQ(call({"batch"}, {"--as", "html5=composite"}).code, 0);
+    EXPECT_TRUE(folder_.exists("out/site/two.dita"));
+    const CommandResult none = call({"batch"}, {"--select", "site"});
+    EXPECT_EQ(none.code, 2) << "what is passed over cannot be selected";
+    folder_.write("project.xml", R"(<project xmlns="https://www.dita-ot.org/project">
+<deliverable id="site"><context><input href="docs/two.ditamap"/></context><output href="site"/>
+<publication transtype="html5"/></deliverable></project>)");
+    const CommandResult refused = call({"batch"});
+    EXPECT_EQ(refused.code, 2);
+    EXPECT_NE(refused.err.find("no deliverable has the transtype composite or flatbook: site"),
+              std::string::npos)
+        << refused.err;
+}
+
 TEST_F(BatchTest, WrongFilesOfJobsStartNothing) {
     const auto errorOf = [this](const std::string& text) {
         folder_.write("jobs.jsonl", text);
@@ -513,7 +546,7 @@ TEST_F(BatchTest, WrongFilesOfJobsStartNothing) {
     };
     EXPECT_NE(errorOf("{\"id\":\"a\"}\n").find("jobs.jsonl:1: \"request\" is missing"),
               std::string::npos);
-    EXPECT_NE(errorOf("\n{\"id\":\n").find("jobs.jsonl:2: this is no JSON"), std::string::npos);
+    EXPECT_NE(errorOf("\n{\"id\":\n").find("jobs.jsonl:3: this is not well-formed JSON"), std::string::npos);
     EXPECT_NE(errorOf("").find("there are no jobs"), std::string::npos);
     EXPECT_EQ(run({"batch", "none.jsonl"}).code, 2);
 }

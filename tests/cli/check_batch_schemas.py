@@ -81,6 +81,36 @@ def broken_heads(head):
         yield f"{name} is {value!r}", {**head, name: value}
 
 
+def project(ditamap):
+    return {"contexts": [{"id": "c", "input": str(ditamap), "profiles": {"ditavals": []}}],
+            "publications": [{"id": "p", "transtype": "composite",
+                              "params": [{"name": "print", "value": "yes"}]}],
+            "deliverables": [{"id": "d", "context": {"idref": "c"}, "output": "out",
+                              "publication": {"idref": "p"}}]}
+
+
+def broken_projects(whole):
+    for name in ("contexts", "publications", "deliverables", "includes"):
+        yield f"{name} is no list", {**whole, name: {}}
+        yield f"{name} is a list of numbers", {**whole, name: [7]}
+    for name, value in {"id": 7, "context": [], "output": 7, "publication": "p"}.items():
+        deliverable = {**whole["deliverables"][0], name: value}
+        yield f"{name} is {value!r}", {**whole, "deliverables": [deliverable]}
+
+
+def faults_of_projects(schemas, ditamap, run_on):
+    """The schema and the command are of one opinion."""
+    validator = schemas.validator("project.schema.json")
+    good = project(ditamap)
+    for what, whole, is_good in [("a good one", good, True),
+                                 *((what, broken, False) for what, broken in broken_projects(good))]:
+        if validator.is_valid(whole) != is_good:
+            yield f"project.schema.json: {what}: valid is {not is_good}"
+        code = run_on(json.dumps(whole, indent=1))
+        if code != (0 if is_good else 2):
+            yield f"project.schema.json: {what}: the command ends with {code}"
+
+
 def faults_of(schemas, name, values, broken):
     validator = schemas.validator(name)
     for number, value in enumerate(values, 1):
@@ -112,7 +142,13 @@ def main():
         results = [json.loads((folder / "results" / f"{name}.json").read_text())
                    for name in ("good", "failing")]
         summary = json.loads((folder / "all.json").read_text())
-    faults = [] if codes == [0, 1, 1] else [f"the exit codes are {codes}"]
+
+        def list_project(text):
+            (folder / "project.json").write_text(text, encoding="utf-8")
+            return run("batch", "list", "project.json")
+
+        faults = list(faults_of_projects(schemas, ditamap, list_project))
+    faults += [] if codes == [0, 1, 1] else [f"the exit codes are {codes}"]
     faults += faults_of(schemas, "job.schema.json", jobs + lines, broken_jobs)
     faults += faults_of(schemas, "plan.schema.json", [head], broken_heads)
     faults += faults_of(schemas, "result.schema.json", results, broken_results)

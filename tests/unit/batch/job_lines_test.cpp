@@ -20,7 +20,7 @@ std::vector<Job> jobsOf(const std::string& text) {
     return readJobLines(in, "jobs.jsonl");
 }
 
-std::string faultOf(const std::string& text) {
+std::string lineFault(const std::string& text) {
     try {
         jobsOf(text);
     } catch (const JobFileError& fault) {
@@ -63,24 +63,25 @@ TEST(JobLinesTest, APlansLineMayHaveSeveralFiltersAndATranstype) {
 }
 
 TEST(JobLinesTest, FaultsNameTheLineAndTheMember) {
-    EXPECT_EQ(faultOf("\nx\n"), "jobs.jsonl:2: this is no JSON");
-    EXPECT_EQ(faultOf("[]\n"), "jobs.jsonl:1: this is no JSON object");
-    EXPECT_EQ(faultOf("{\"request\":{}}\n"), "jobs.jsonl:1: \"id\" is missing");
-    EXPECT_EQ(faultOf("{\"id\":7}\n"), "jobs.jsonl:1: \"id\" is no string");
-    EXPECT_EQ(faultOf(R"({"id":"a\u0000"})"),
+    EXPECT_EQ(lineFault("\nx\n"), "jobs.jsonl:2: this is no JSON");
+    EXPECT_EQ(lineFault("[]\n"), "jobs.jsonl:1: this is no JSON object");
+    EXPECT_EQ(lineFault("{\"request\":{}}\n"), "jobs.jsonl:1: \"id\" is missing");
+    EXPECT_EQ(lineFault("{\"id\":7}\n"), "jobs.jsonl:1: \"id\" is no string");
+    EXPECT_EQ(lineFault(R"({"id":"a\u0000"})"),
               "jobs.jsonl:1: \"id\" holds a character of the number 0");
-    EXPECT_EQ(faultOf(lineWith("7")), "jobs.jsonl:1: \"request\" is no object");
-    EXPECT_EQ(faultOf(lineWith(R"({"type":"PublishPdf","params":{}})")),
+    EXPECT_EQ(lineFault(lineWith("7")), "jobs.jsonl:1: \"request\" is no object");
+    EXPECT_EQ(lineFault(lineWith(R"({"type":"PublishPdf","params":{}})")),
               "jobs.jsonl:1: \"type\" is neither PublishComp nor PublishFlatBook");
-    EXPECT_EQ(faultOf(lineWith(kComposite, R"(,"tags":"x")")),
+    EXPECT_EQ(lineFault(lineWith(kComposite, R"(,"tags":"x")")),
               "jobs.jsonl:1: \"tags\" is no array");
-    EXPECT_EQ(faultOf(lineWith(kComposite, R"(,"tags":[1])")),
+    EXPECT_EQ(lineFault(lineWith(kComposite, R"(,"tags":[1])")),
               "jobs.jsonl:1: \"tags\" is no array of strings");
-    EXPECT_EQ(faultOf(lineWith(kComposite, R"(,"odd":1)")),
+    EXPECT_EQ(lineFault(lineWith(kComposite, R"(,"odd":1)")),
               "jobs.jsonl:1: \"odd\" is an unknown member");
     std::string wrongFlag = kComposite;
     wrongFlag.replace(wrongFlag.find("true"), 4, "\"yes\"");
-    EXPECT_EQ(faultOf(lineWith(wrongFlag)), "jobs.jsonl:1: \"usePrint\" is neither true nor false");
+    EXPECT_EQ(lineFault(lineWith(wrongFlag)),
+              "jobs.jsonl:1: \"usePrint\" is neither true nor false");
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ Plan samplePlan() {
     return makePlan(twoJobs(), /*isCheck=*/false, {"c.xml", "file:///d.xml"}, diagnostics);
 }
 
-std::string faultOf(const std::string& text) {
+std::string planFault(const std::string& text) {
     try {
         parsePlan(text, "plan.jsonl");
     } catch (const PlanError& fault) {
@@ -78,12 +78,13 @@ TEST(PlanTest, TheDigestIsOfAllThatCounts) {
 TEST(PlanTest, WhatIsNoPlanSaysSo) {
     const std::string text = planText(samplePlan());
     EXPECT_FALSE(isPlan("{\"id\":1}"));
-    EXPECT_EQ(faultOf("{}"), "plan.jsonl: this is no plan");
-    EXPECT_EQ(faultOf("{\"plan\":2}\n"), "plan.jsonl: this is a plan of another version");
-    EXPECT_EQ(faultOf(text.substr(0, text.find('\n') + 1)),
+    EXPECT_EQ(planFault("{}"), "plan.jsonl: this is no plan");
+    EXPECT_EQ(planFault("{\"plan\":2}\n"), "plan.jsonl: this is a plan of another version");
+    EXPECT_EQ(planFault(text.substr(0, text.find('\n') + 1)),
               "plan.jsonl: the plan was changed, or is cut off");
-    EXPECT_TRUE(faultOf("{\"plan\":1}\n").starts_with("plan.jsonl: ")) << faultOf("{\"plan\":1}\n");
-    EXPECT_TRUE(faultOf(text + "x\n").starts_with("plan.jsonl:4: ")) << faultOf(text + "x\n");
+    EXPECT_TRUE(planFault("{\"plan\":1}\n").starts_with("plan.jsonl: "))
+        << planFault("{\"plan\":1}\n");
+    EXPECT_TRUE(planFault(text + "x\n").starts_with("plan.jsonl:4: ")) << planFault(text + "x\n");
 }
 
 }  // namespace
