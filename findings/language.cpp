@@ -1,55 +1,24 @@
 #include "findings/language.h"
 
-#include <libintl.h>
-#include <locale.h>
-
 #include <cstdlib>
-#include <filesystem>
-#include <system_error>
+
+#include "findings/translations.h"
+#include "host/own_place.h"
 
 namespace marrowpress {
 namespace {
 
-constexpr const char* kDomain = "marrowpress";
-
 Language chosen = Language::kGerman;
 
-/// The folder of translations: beside the program, as in a build, or where it was installed.
-std::filesystem::path translationFolder() {
-    std::error_code ignored;
-    const std::filesystem::path program =
-        std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
-    std::filesystem::path beside = program / "locale";
-    if (std::filesystem::is_directory(beside, ignored)) {
-        return beside;
-    }
-    return (program / MARROWPRESS_LOCALE_FOLDER).lexically_normal();
-}
+/// As gettext names the files of a language, below the folder of translations.
+constexpr const char* kEnglishFile = "en/LC_MESSAGES/marrowpress.mo";
+const InstalledPaths kInstalledTranslations{MARROWPRESS_LOCALE_FROM_PROGRAM,
+                                            MARROWPRESS_LOCALE_FROM_LIBRARY};
 
-/// Makes the thread's messages translatable for the length of a scope.
-///
-/// In the locale "C", which the process has, nothing is translated. This one, which the C library
-/// has built in, is "C" in all else.
-class TranslatingScope {
-public:
-    TranslatingScope() : before_(uselocale(translating())) {}
-    TranslatingScope(const TranslatingScope&) = delete;
-    TranslatingScope& operator=(const TranslatingScope&) = delete;
-    ~TranslatingScope() { uselocale(before_); }
-
-private:
-    static locale_t translating() {
-        static const locale_t locale = newlocale(LC_MESSAGES_MASK, "C.UTF-8", nullptr);
-        return locale;
-    }
-
-    locale_t before_;
-};
-
-void prepareEnglish() {
-    setenv("LANGUAGE", "en", 1);
-    bindtextdomain(kDomain, translationFolder().c_str());
-    bind_textdomain_codeset(kDomain, "UTF-8");
+const Translations& english() {
+    static const Translations texts(findBesideOrInstalled("locale", kInstalledTranslations) /
+                                    kEnglishFile);
+    return texts;
 }
 
 /// The environment's value; null when it is not there or empty.
@@ -73,17 +42,10 @@ Language environmentLanguage() {
 
 void chooseLanguage(Language language) {
     chosen = language == Language::kAuto ? environmentLanguage() : language;
-    if (chosen == Language::kEnglish) {
-        prepareEnglish();
-    }
 }
 
 std::string translated(const char* german) {
-    if (chosen == Language::kGerman) {
-        return german;
-    }
-    const TranslatingScope scope;
-    return dgettext(kDomain, german);
+    return chosen == Language::kGerman ? german : english().find(german, 1);
 }
 
 std::string translated(const char* german, std::initializer_list<std::string_view> arguments) {
@@ -98,8 +60,7 @@ std::string translatedCount(const char* germanOne, const char* germanMany, std::
     if (chosen == Language::kGerman) {
         return filledIn(count == 1 ? germanOne : germanMany, all);
     }
-    const TranslatingScope scope;
-    return filledIn(dngettext(kDomain, germanOne, germanMany, count), all);
+    return filledIn(english().find(germanOne, count, germanMany), all);
 }
 
 std::string filledIn(std::string_view pattern, const std::vector<std::string_view>& arguments) {

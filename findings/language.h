@@ -21,8 +21,8 @@ Language environmentLanguage();
 
 /// The language of all texts from now on; German until this is called. Not for several threads.
 ///
-/// No locale of the process is changed, so that nothing else reads or writes in another way;
-/// English sets the environment's LANGUAGE, by which the translations are found.
+/// Neither a locale nor the environment of the process is changed, so that nothing else reads or
+/// writes in another way.
 void chooseLanguage(Language language);
 
 /// The text in the language that was chosen. The texts in the code are German; a text without a

@@ -4,12 +4,15 @@
 
 #include <stdexcept>
 #include <string>
-#include <system_error>
+
+#include "host/own_place.h"
 
 namespace marrowpress {
 namespace {
 
 constexpr const char* kModuleName = "marrowpress_client.so";
+const InstalledPaths kInstalledModule{MARROWPRESS_MODULE_FROM_PROGRAM,
+                                      MARROWPRESS_MODULE_FROM_LIBRARY};
 
 std::string lastLoaderError() {
     const char* const text = dlerror();
@@ -36,16 +39,7 @@ ClientModule::ClientModule(const std::filesystem::path& path, AtEnd atEnd)
 }
 
 std::filesystem::path defaultModulePath() {
-    const std::filesystem::path folder =
-        std::filesystem::read_symlink("/proc/self/exe").parent_path();
-    std::filesystem::path beside = folder / kModuleName;
-    std::filesystem::path installed =
-        (folder / MARROWPRESS_MODULE_FOLDER / kModuleName).lexically_normal();
-    std::error_code ignored;
-    if (!std::filesystem::exists(beside, ignored) && std::filesystem::exists(installed, ignored)) {
-        return installed;
-    }
-    return beside;
+    return findBesideOrInstalled(kModuleName, kInstalledModule);
 }
 
 }  // namespace marrowpress

@@ -33,8 +33,9 @@ private:
     ClientEntry entry_;
 };
 
-/// Where the module stands: beside the running executable as in a build folder, else where an
-/// installation has it. The first that exists, the path beside the executable when none does.
+/// Where the module stands: beside the running executable or the library that this is part of, as
+/// in a build folder, else where an installation has it. The first that exists, the path beside
+/// them when none does.
 std::filesystem::path defaultModulePath();
 
 }  // namespace marrowpress

@@ -157,14 +157,25 @@ void noteStructuredError(void*, xmlErrorPtr error) {
     }
 }
 
-bool installRestrictions() {
+bool isRestricted = false;
+
+/// What the thread had before.
+xmlGenericErrorFunc earlierErrorFunction = nullptr;
+void* earlierErrorContext = nullptr;
+xmlStructuredErrorFunc earlierStructuredFunction = nullptr;
+void* earlierStructuredContext = nullptr;
+
+void installRestrictions() {
     xmlInitParser();
+    earlierErrorFunction = xmlGenericError;
+    earlierErrorContext = xmlGenericErrorContext;
+    earlierStructuredFunction = xmlStructuredError;
+    earlierStructuredContext = xmlStructuredErrorContext;
     // The built-in handlers, those for http and ftp among them, go first.
     xmlCleanupInputCallbacks();
     xmlRegisterInputCallbacks(matchesEveryName, openLocalFile, readLocalFile, closeLocalFile);
     xmlSetGenericErrorFunc(nullptr, ignoreError);
     xmlSetStructuredErrorFunc(nullptr, noteStructuredError);
-    return true;
 }
 
 }  // namespace
@@ -208,8 +219,19 @@ std::optional<std::string> fileUriToPath(std::string_view uri) {
 }
 
 void restrictLibxmlToLocalFiles() {
-    static const bool installed = installRestrictions();
-    static_cast<void>(installed);
+    if (!std::exchange(isRestricted, true)) {
+        installRestrictions();
+    }
+}
+
+void endLibxmlRestrictions() {
+    if (!std::exchange(isRestricted, false)) {
+        return;
+    }
+    xmlCleanupInputCallbacks();
+    xmlRegisterDefaultInputCallbacks();
+    xmlSetGenericErrorFunc(earlierErrorContext, earlierErrorFunction);
+    xmlSetStructuredErrorFunc(earlierStructuredContext, earlierStructuredFunction);
 }
 
 LibxmlFileSink::LibxmlFileSink(const std::function<void(const std::string&)>& onFile) {

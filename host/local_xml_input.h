@@ -15,9 +15,14 @@ std::string toFileUri(std::string_view absolutePath);
 /// other scheme, for a host other than "localhost", and for what names no path.
 std::optional<std::string> fileUriToPath(std::string_view uri);
 
-/// Takes libxml2 off the network and off the terminal, once for the process: it opens regular
-/// files on this machine only, whatever a catalog points to, and keeps its diagnostics to itself.
+/// Takes libxml2 off the network and off the terminal, for the process: it opens regular files on
+/// this machine only, whatever a catalog points to, and keeps its diagnostics to itself. Does
+/// nothing where that is so already.
 void restrictLibxmlToLocalFiles();
+
+/// Gives libxml2 back to a process that uses it as well, as it came. What others have registered
+/// for its input is not there again. On the thread that restricted it.
+void endLibxmlRestrictions();
 
 /// While it lives, `onFile`, which may be empty and must outlive it, gets the path of each local
 /// file that libxml2 looks for. One may live at a time.

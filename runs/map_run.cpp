@@ -43,10 +43,22 @@ bool isFailureTold(const std::vector<Finding>& findings) {
     });
 }
 
+StandInHostOptions::PublicIdResolver resolverOf(const RunSetting& setting) {
+    auto catalogs = makePublicIdResolver(setting.catalogs, setting.onCatalog);
+    if (!setting.resolvePublicId) {
+        return catalogs;
+    }
+    return [first = setting.resolvePublicId, catalogs](std::string_view publicId) {
+        std::optional<std::string> path = first(publicId);
+        return path ? path : catalogs(publicId);
+    };
+}
+
 void takeAnswer(const std::optional<TypedValues>& answer, RunOutcome& outcome) {
     if (answer) {
         outcome.status = statusOf(*answer);
         outcome.components = componentsOf(*answer);
+        outcome.answer = *answer;
     }
 }
 
@@ -55,7 +67,8 @@ void takeAnswer(const std::optional<TypedValues>& answer, RunOutcome& outcome) {
 RunOutcome runRequest(const RunSetting& setting, const RunSinks& sinks) {
     RunOutcome outcome;
     StandInHostOptions host;
-    host.resolvePublicId = makePublicIdResolver(setting.catalogs, setting.onCatalog);
+    host.openDocuments = setting.openDocuments;
+    host.resolvePublicId = resolverOf(setting);
     host.onProgress = [&](std::string_view line) {
         outcome.hasBegun = true;
         if (sinks.onProgress) {

@@ -20,6 +20,7 @@ struct RunOutcome {
     std::optional<std::vector<std::string>> components;  ///< A flat book's, once it was published.
     bool hasBegun = false;                               ///< It has told something of its work.
     bool isFolderTaken = false;  ///< Another run wrote into the folder all the while.
+    TypedValues answer;          ///< The client's; empty when it gave none.
 };
 
 /// How a request is sent.
@@ -39,6 +40,10 @@ struct RunSetting {
     /// Nobody wants an output: once all else is done the run ends, as if it had been written. For a
     /// run that `watch` looks at.
     bool endsBeforeOutput = false;
+    /// Those of the host's session.
+    std::vector<OpenDocument> openDocuments = {};
+    /// Asked for a public identifier before the catalogs are.
+    StandInHostOptions::PublicIdResolver resolvePublicId = {};
 };
 
 /// Who looks on while a run lasts. Every member may be left as it is.

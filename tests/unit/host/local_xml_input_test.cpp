@@ -71,5 +71,28 @@ TEST(LibxmlFailureTest, IsWantOfHandlesAndNotAMissingFile) {
     EXPECT_FALSE(takeLibxmlFailure());
 }
 
+void countError(void* count, const char* /*format*/, ...) {
+    ++*static_cast<int*>(count);
+}
+
+TEST(LibxmlRestrictionTest, EndsWithWhatTheProcessHadBefore) {
+    const TemporaryFolder folder;
+    int told = 0;
+    endLibxmlRestrictions();
+    xmlSetGenericErrorFunc(&told, countError);
+    restrictLibxmlToLocalFiles();
+    endLibxmlRestrictions();
+    endLibxmlRestrictions();
+    const std::string path = folder.write("bad.xml", "<a>");
+    EXPECT_EQ(xmlReadFile(path.c_str(), nullptr, 0), nullptr);
+    EXPECT_GT(told, 0);
+    told = 0;
+    restrictLibxmlToLocalFiles();
+    EXPECT_EQ(xmlReadFile(path.c_str(), nullptr, 0), nullptr);
+    EXPECT_EQ(told, 0);
+    endLibxmlRestrictions();
+    xmlSetGenericErrorFunc(nullptr, nullptr);
+}
+
 }  // namespace
 }  // namespace marrowpress

@@ -1,0 +1,93 @@
+#include <memory>
+#include <xercesc/dom/DOM.hpp>
+#include <xercesc/framework/MemBufInputSource.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+
+#include "tests/library/library_fixture.h"
+
+namespace marrowpress {
+namespace {
+
+/// The engine, as a caller uses it.
+class OwnEngine {
+public:
+    OwnEngine() { xercesc::XMLPlatformUtils::Initialize(); }
+    OwnEngine(const OwnEngine&) = delete;
+    OwnEngine& operator=(const OwnEngine&) = delete;
+    ~OwnEngine() { xercesc::XMLPlatformUtils::Terminate(); }
+};
+
+/// A document of the caller's.
+class OwnDocument {
+public:
+    OwnDocument() {
+        const std::string text = "<a><b>text</b><b/><b/></a>";
+        const xercesc::MemBufInputSource source(reinterpret_cast<const XMLByte*>(text.data()),
+                                                text.size(), "own");
+        parser_.parse(source);
+    }
+
+    /// Whether it is as it was, and can be changed.
+    bool isWhole() {
+        xercesc::DOMDocument& document = *parser_.getDocument();
+        xercesc::DOMElement& root = *document.getDocumentElement();
+        root.appendChild(document.createElement(u"c"));
+        ++added_;
+        return root.getChildElementCount() == 3 + added_ &&
+               xercesc::XMLString::equals(root.getFirstElementChild()->getTextContent(), u"text");
+    }
+
+private:
+    xercesc::XercesDOMParser parser_;
+    std::size_t added_ = 0;
+};
+
+class EngineTest : public LibraryTest {
+protected:
+    /// Runs of either outcome, and one that meets the limit of a document's memory.
+    void runAll() {
+        EXPECT_EQ(mp_result_status(run(composite()).get()), 0);
+        EXPECT_EQ(mp_result_status(run("{}").get()), -43);
+        EXPECT_EQ(mp_result_status(run(flatBook()).get()), 0);
+    }
+};
+
+TEST_F(EngineTest, ACallerThatWasFirstKeepsItsDocuments) {
+    const OwnEngine engine;
+    OwnDocument before;
+    runAll();
+    EXPECT_TRUE(before.isWhole());
+    OwnDocument after;
+    runAll();
+    EXPECT_TRUE(before.isWhole());
+    EXPECT_TRUE(after.isWhole());
+}
+
+TEST_F(EngineTest, ACallerThatComesSecondKeepsItsDocuments) {
+    runAll();
+    {
+        const OwnEngine engine;
+        OwnDocument document;
+        runAll();
+        EXPECT_TRUE(document.isWhole());
+    }
+    runAll();
+}
+
+TEST_F(EngineTest, ACallerMayUseItsDocumentsFromACallback) {
+    const OwnEngine engine;
+    OwnDocument document;
+    bool isWhole = false;
+    onProgress([&](const char*) {
+        const OwnEngine again;
+        OwnDocument other;
+        isWhole = document.isWhole() && other.isWhole();
+    });
+    runAll();
+    EXPECT_TRUE(isWhole);
+    EXPECT_TRUE(document.isWhole());
+}
+
+}  // namespace
+}  // namespace marrowpress
