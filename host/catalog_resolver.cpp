@@ -29,6 +29,9 @@ std::string toCatalogUri(const std::string& catalog) {
 /// Resolvers that are alive.
 int resolverCount = 0;
 
+/// What the process preferred before there was a resolver.
+xmlCatalogPrefer earlierPreference = XML_CATA_PREFER_NONE;
+
 /// Why libxml2 keeps a catalog as unreadable that may be readable.
 std::error_code keptFailure;
 
@@ -59,13 +62,18 @@ void CatalogResolver::FreeCatalog::operator()(void* catalog) const noexcept {
 }
 
 CatalogResolver::SharedCatalogs::SharedCatalogs() {
-    ++resolverCount;
+    if (resolverCount++ == 0) {
+        earlierPreference = xmlCatalogSetDefaultPrefer(XML_CATA_PREFER_PUBLIC);
+    }
     // What others did with libxml2 has nothing to do with catalogs.
     static_cast<void>(takeLibxmlFailure());
 }
 
 CatalogResolver::SharedCatalogs::~SharedCatalogs() {
     --resolverCount;
+    if (resolverCount == 0) {
+        xmlCatalogSetDefaultPrefer(earlierPreference);
+    }
     if (resolverCount == 0 && keptFailure) {
         xmlCatalogCleanup();
         keptFailure.clear();
@@ -75,7 +83,6 @@ CatalogResolver::SharedCatalogs::~SharedCatalogs() {
 CatalogResolver::CatalogResolver(const std::vector<std::string>& catalogs, PathSink onCatalog)
     : onCatalog_(std::move(onCatalog)) {
     restrictLibxmlToLocalFiles();
-    xmlCatalogSetDefaultPrefer(XML_CATA_PREFER_PUBLIC);
     for (const std::string& catalog : catalogs) {
         const std::string uri = toCatalogUri(catalog);
         // One list for each: within one list, an entry that delegates would keep the catalogs
@@ -113,6 +120,12 @@ std::optional<std::string> CatalogResolver::ask(const std::string& publicId) con
                                                    : std::string(text));
     }
     return std::nullopt;
+}
+
+void forgetCatalogs() {
+    if (resolverCount == 0) {
+        xmlCatalogCleanup();
+    }
 }
 
 std::vector<std::string> defaultCatalogs() {

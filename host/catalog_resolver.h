@@ -66,6 +66,10 @@ private:
     std::unordered_map<std::string, std::optional<std::string>> answers_;
 };
 
+/// Makes the next resolver read all catalogs anew, unless one lives. What others have made libxml2
+/// load is forgotten, too.
+void forgetCatalogs();
+
 /// The catalogs that are asked when none is named: those of the blank-separated list in the
 /// environment variable XML_CATALOG_FILES, else the system's and the DITA Open Toolkit's.
 std::vector<std::string> defaultCatalogs();

@@ -29,9 +29,9 @@ bool isInLibrary() {
 std::filesystem::path ownPath() {
     const std::string library = libraryPath();
     // Once, since a relative path is one of the folder that was current when it was loaded.
-    static const std::filesystem::path path =
-        library.empty() ? std::filesystem::read_symlink("/proc/self/exe")
-                        : std::filesystem::canonical(library);
+    static const std::filesystem::path path = library.empty()
+                                                  ? std::filesystem::read_symlink("/proc/self/exe")
+                                                  : std::filesystem::canonical(library);
     return path;
 }
 

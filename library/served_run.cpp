@@ -11,6 +11,7 @@
 #include "findings/collector.h"
 #include "findings/json_writer.h"
 #include "findings/profile.h"
+#include "host/catalog_resolver.h"
 #include "host/local_xml_input.h"
 #include "host/utf8.h"
 #include "library/failure.h"
@@ -36,7 +37,11 @@ public:
     LibxmlLoan() = default;
     LibxmlLoan(const LibxmlLoan&) = delete;
     LibxmlLoan& operator=(const LibxmlLoan&) = delete;
-    ~LibxmlLoan() { endLibxmlRestrictions(); }
+    ~LibxmlLoan() {
+        // A catalog may be another one at the next run, and is a file that that depends on.
+        forgetCatalogs();
+        endLibxmlRestrictions();
+    }
 };
 
 template <class Item>

@@ -179,7 +179,8 @@ inline mp_options mp_make_options() noexcept {
  *          where there is no memory even for that. Null itself is MP_INVALID.
  *
  * While it runs, libxml2 opens local files alone, for the whole process; input callbacks that
- * others have registered there are gone afterwards. Who needs them calls mp_spawn.
+ * others have registered there, and catalogs that they have loaded, are gone afterwards. Who needs
+ * them calls mp_spawn.
  */
 int mp_run(const char *request, const mp_options *options, mp_result **result);
 
@@ -228,6 +229,19 @@ const char *mp_result_key(const mp_result *result, size_t index);
 /* The absolute paths of what a run with the status 0 has written. */
 size_t mp_result_output_count(const mp_result *result);
 const char *mp_result_output(const mp_result *result, size_t index);
+
+/*
+ * XML catalogs, for a host of its own over the bare interfaces; mp_run brings them by itself. One
+ * call at a time, and none beside mp_run. While some are open, dependencies list no catalogs.
+ */
+typedef struct mp_catalogs mp_catalogs;
+
+/* `names` as in mp_options; `catalogs` is set to what mp_catalogs_free frees, or to null. */
+int mp_catalogs_open(const char *const *names, size_t count, mp_catalogs **catalogs);
+void mp_catalogs_free(mp_catalogs *catalogs);
+
+/* As mp_entity_function; 0 as well for null, and for a path that does not fit. */
+int mp_catalogs_find(mp_catalogs *catalogs, const char *public_id, char *path, size_t size);
 
 /* What a code means, as a constant text; that of an unknown code says so. */
 const char *mp_code_text(int code);

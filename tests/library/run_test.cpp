@@ -71,6 +71,13 @@ TEST_F(RunTest, DependenciesAndKeysAreThereWhereTheyAreWanted) {
     EXPECT_EQ(boost::json::parse(mp_result_key(result.get(), 0)).at("key"), "k");
 }
 
+TEST_F(RunTest, ASecondRunListsTheSameFiles) {
+    options.flags = MP_DEPENDENCIES;
+    const std::size_t count = mp_result_dependency_count(run(composite()).get());
+    EXPECT_EQ(mp_result_dependency_count(run(composite()).get()), count);
+    EXPECT_EQ(mp_result_dependency_count(spawn(composite()).get()), count);
+}
+
 TEST_F(RunTest, ATrialLeavesNothing) {
     for (const std::uint32_t flag : {MP_CHECK, MP_SURVEY}) {
         options.flags = flag;
