@@ -546,7 +546,8 @@ TEST_F(BatchTest, WrongFilesOfJobsStartNothing) {
     };
     EXPECT_NE(errorOf("{\"id\":\"a\"}\n").find("jobs.jsonl:1: \"request\" is missing"),
               std::string::npos);
-    EXPECT_NE(errorOf("\n{\"id\":\n").find("jobs.jsonl:3: this is not well-formed JSON"), std::string::npos);
+    EXPECT_NE(errorOf("\n{\"id\":\n").find("jobs.jsonl:3: this is not well-formed JSON"),
+              std::string::npos);
     EXPECT_NE(errorOf("").find("there are no jobs"), std::string::npos);
     EXPECT_EQ(run({"batch", "none.jsonl"}).code, 2);
 }
