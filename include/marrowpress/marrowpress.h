@@ -74,42 +74,42 @@ typedef struct mp_result mp_result;
 
 /* Something that whoever publishes has to know. What is not known is empty, or 0. */
 typedef struct mp_finding {
-    const char *id;       /* "MP208" */
-    const char *severity; /* "error", "warning" or "note" */
-    const char *text;
-    const char *hint;
-    const char *file; /* Absolute. */
+    const char* id;       /* "MP208" */
+    const char* severity; /* "error", "warning" or "note" */
+    const char* text;
+    const char* hint;
+    const char* file; /* Absolute. */
     uint32_t line;    /* From 1. */
     uint32_t column;  /* From 1, in UTF-16 code units. */
-    const char *json; /* All of it: findings.schema.json. */
+    const char* json; /* All of it: findings.schema.json. */
 } mp_finding;
 
 /* A file that the run has read, or has looked for. */
 typedef struct mp_dependency {
-    const char *file;  /* Absolute. */
-    const char *kind;  /* "map reference", "topic", ...: dependencies.schema.json */
-    const char *state; /* "read", "absent" or "unreadable" */
-    const char *from;  /* The file of the first reference to it; may be empty. */
+    const char* file;  /* Absolute. */
+    const char* kind;  /* "map reference", "topic", ...: dependencies.schema.json */
+    const char* state; /* "read", "absent" or "unreadable" */
+    const char* from;  /* The file of the first reference to it; may be empty. */
     uint32_t line;     /* The place of that reference; 0 where it is not known. */
     uint32_t column;
-    const char *json; /* All of it: dependencies.schema.json. */
+    const char* json; /* All of it: dependencies.schema.json. */
 } mp_dependency;
 
 /* A value of the answer. What its type does not have is 0, or null. */
 typedef struct mp_value {
-    uint32_t type;               /* 1, 3, 6 or 15 */
-    int32_t integer;             /* 1 */
-    const char *text;            /* 3 */
-    size_t count;                /* 6 and 15: how many there are of the following. */
-    const char *const *texts;    /* 6 */
-    const int32_t *integers;     /* 15 */
+    uint32_t type;            /* 1, 3, 6 or 15 */
+    int32_t integer;          /* 1 */
+    const char* text;         /* 3 */
+    size_t count;             /* 6 and 15: how many there are of the following. */
+    const char* const* texts; /* 6 */
+    const int32_t* integers;  /* 15 */
 } mp_value;
 
 /* A document that is open in the caller. */
 typedef struct mp_document {
     uint32_t id;      /* Not 0, and each once. */
     int32_t flag;     /* Divides used documents in the answer, as property 131 does. */
-    const char *path; /* Copied before the next call. */
+    const char* path; /* Copied before the next call. */
 } mp_document;
 
 /*
@@ -119,18 +119,18 @@ typedef struct mp_document {
  */
 
 /* Gets each finding. They are folded, and so known when the run is over: all come at the end. */
-typedef void (*mp_finding_function)(void *user, const mp_finding *finding);
+typedef void (*mp_finding_function)(void* user, const mp_finding* finding);
 
 /* Gets each progress line, without a line end. */
-typedef void (*mp_progress_function)(void *user, const char *line);
+typedef void (*mp_progress_function)(void* user, const char* line);
 
 /* Says which file a public identifier stands for: writes the absolute path, and a NUL, into the
    `size` bytes at `path`, and gives 1; gives 0 where it does not know, and catalogs are asked. */
-typedef int (*mp_entity_function)(void *user, const char *public_id, char *path, size_t size);
+typedef int (*mp_entity_function)(void* user, const char* public_id, char* path, size_t size);
 
 /* Fills in the document number `index`, from 0, and gives 1; gives 0 when there are no more.
    Called before the run begins. */
-typedef int (*mp_document_function)(void *user, size_t index, mp_document *document);
+typedef int (*mp_document_function)(void* user, size_t index, mp_document* document);
 
 /*
  * All but `size` may be 0. `size` is that of the structure as the caller knows it: what a smaller
@@ -141,18 +141,18 @@ typedef struct mp_options {
     uint32_t flags;
     int32_t language;
     /* XML catalogs, as paths or file: URIs. None: XML_CATALOG_FILES, or the usual ones. */
-    const char *const *catalogs;
+    const char* const* catalogs;
     size_t catalog_count;
     mp_finding_function on_finding;
-    void *finding_user;
+    void* finding_user;
     mp_progress_function on_progress;
-    void *progress_user;
+    void* progress_user;
     mp_entity_function resolve_entity;
-    void *entity_user;
+    void* entity_user;
     mp_document_function open_document;
-    void *document_user;
+    void* document_user;
     /* Looked at between documents, by an atomic load; any other value than 0 ends the run. */
-    const int32_t *cancel;
+    const int32_t* cancel;
     /* mp_spawn alone: the most bytes of address space of the child, 0 for no limit; and the
        most milliseconds that it may take, 0 for no limit. */
     uint64_t memory_limit;
@@ -167,7 +167,8 @@ inline mp_options mp_make_options() noexcept {
 }
 #define MP_OPTIONS_INIT mp_make_options()
 #else
-#define MP_OPTIONS_INIT {.size = sizeof(mp_options)}
+#define MP_OPTIONS_INIT \
+    { .size = sizeof(mp_options) }
 #endif
 
 /*
@@ -182,7 +183,7 @@ inline mp_options mp_make_options() noexcept {
  * others have registered there, and catalogs that they have loaded, are gone afterwards. Who needs
  * them calls mp_spawn.
  */
-int mp_run(const char *request, const mp_options *options, mp_result **result);
+int mp_run(const char* request, const mp_options* options, mp_result** result);
 
 /*
  * As mp_run, in a child process: so a crash, or a limit of memory, costs the request and not the
@@ -191,44 +192,44 @@ int mp_run(const char *request, const mp_options *options, mp_result **result);
  * The child is waited for by its number: a process that ignores SIGCHLD, or waits for all children,
  * gets the same answer, but of a crash not the signal. It has nothing open of the caller.
  */
-int mp_spawn(const char *request, const mp_options *options, mp_result **result);
+int mp_spawn(const char* request, const mp_options* options, mp_result** result);
 
 /* Null is no fault, and changes nothing. */
-void mp_result_free(mp_result *result);
+void mp_result_free(mp_result* result);
 
 /*
  * What a result holds, which lives until it is freed. Of a null result, and behind the last index,
  * there is nothing: 0, null, or an empty text where a text is given.
  */
 
-int mp_result_code(const mp_result *result);
+int mp_result_code(const mp_result* result);
 
 /* A sentence about what went wrong; empty when nothing did. Null: that there is no memory. */
-const char *mp_result_error(const mp_result *result);
+const char* mp_result_error(const mp_result* result);
 
 /* 0, -42 or -43 as in the answer of the module; MP_NO_STATUS without one. */
-int32_t mp_result_status(const mp_result *result);
+int32_t mp_result_status(const mp_result* result);
 
 /* 0, or the signal that ended the child. */
-int mp_result_signal(const mp_result *result);
+int mp_result_signal(const mp_result* result);
 
-size_t mp_result_value_count(const mp_result *result);
-const mp_value *mp_result_value(const mp_result *result, size_t index);
+size_t mp_result_value_count(const mp_result* result);
+const mp_value* mp_result_value(const mp_result* result, size_t index);
 
 /* Without artefacts. */
-size_t mp_result_finding_count(const mp_result *result);
-const mp_finding *mp_result_finding(const mp_result *result, size_t index);
+size_t mp_result_finding_count(const mp_result* result);
+const mp_finding* mp_result_finding(const mp_result* result, size_t index);
 
-size_t mp_result_dependency_count(const mp_result *result);
-const mp_dependency *mp_result_dependency(const mp_result *result, size_t index);
+size_t mp_result_dependency_count(const mp_result* result);
+const mp_dependency* mp_result_dependency(const mp_result* result, size_t index);
 
 /* A key as a JSON object: keys.schema.json. */
-size_t mp_result_key_count(const mp_result *result);
-const char *mp_result_key(const mp_result *result, size_t index);
+size_t mp_result_key_count(const mp_result* result);
+const char* mp_result_key(const mp_result* result, size_t index);
 
 /* The absolute paths of what a run with the status 0 has written. */
-size_t mp_result_output_count(const mp_result *result);
-const char *mp_result_output(const mp_result *result, size_t index);
+size_t mp_result_output_count(const mp_result* result);
+const char* mp_result_output(const mp_result* result, size_t index);
 
 /*
  * XML catalogs, for a host of its own over the bare interfaces; mp_run brings them by itself. One
@@ -237,17 +238,17 @@ const char *mp_result_output(const mp_result *result, size_t index);
 typedef struct mp_catalogs mp_catalogs;
 
 /* `names` as in mp_options; `catalogs` is set to what mp_catalogs_free frees, or to null. */
-int mp_catalogs_open(const char *const *names, size_t count, mp_catalogs **catalogs);
-void mp_catalogs_free(mp_catalogs *catalogs);
+int mp_catalogs_open(const char* const* names, size_t count, mp_catalogs** catalogs);
+void mp_catalogs_free(mp_catalogs* catalogs);
 
 /* As mp_entity_function; 0 as well for null, and for a path that does not fit. */
-int mp_catalogs_find(mp_catalogs *catalogs, const char *public_id, char *path, size_t size);
+int mp_catalogs_find(mp_catalogs* catalogs, const char* public_id, char* path, size_t size);
 
 /* What a code means, as a constant text; that of an unknown code says so. */
-const char *mp_code_text(int code);
+const char* mp_code_text(int code);
 
 /* "0.1.0" */
-const char *mp_version(void);
+const char* mp_version(void);
 
 #pragma GCC visibility pop
 

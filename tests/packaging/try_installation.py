@@ -4,7 +4,8 @@
     try_installation.py [--update] CMAKE BUILD
 
 The installation holds what contents.txt lists. The command finds its module and its texts; the tutorial
-runs with what is installed; and examples/host is built by find_package and by pkg-config, and publishes.
+runs with what is installed; examples/host and the programs over the library are built by find_package
+and by pkg-config, and publish; and so does the one in Python. The library has no symbols but its own.
 Ends with 1 where anything is otherwise, and with 77 where BUILD has no manual pages, since help2man is
 missing.
 
@@ -26,6 +27,7 @@ ROOT = TUTORIAL.parent.parent.parent
 CATALOG = "/usr/share/dita-ot/catalog-dita.xml"
 NO_CATALOG = '<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog"/>\n'
 LINK = re.compile(r"\]\(([^)#:]+)[)#]")
+PYTHON = "/usr/bin/python3"
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
 
 
@@ -124,6 +126,61 @@ def check_pkg_config(installed, folder):
     check_host(installed, program, folder)
 
 
+def check_embedding(installed, name, folder, *command):
+    """A program over the library publishes, and tells where a fault is; and why it cannot."""
+    example = installed.examples / "drill-guide" / "drill-guide.ditamap"
+    output = folder / f"{name}.dita"
+    printed = run(*command, example, output)
+    require(f"{output}\n" in printed, f"{name}: no output is named: {printed}")
+    require("topics/safety.dita:17: " in printed and "[MP208]" in printed,
+            f"{name}: a fault is not told: {printed}")
+    require("MP201" not in printed, f"{name}: a DTD is not found: {printed}")
+    require("Bramble 12" in output.read_text(encoding="utf-8"), f"{name}: the guide isn't there")
+    require("MP106" in run(*command, folder / "none.ditamap", output, wants=1),
+            f"{name}: a missing map is not told")
+
+
+def check_embedding_by_cmake(cmake, installed, folder):
+    for name, flags in (("embed-c", "-DCMAKE_C_FLAGS="), ("embed-cpp", "-DCMAKE_CXX_FLAGS=")):
+        build = folder / name
+        run(cmake, "-S", installed.examples / name, "-B", build,
+            f"-DCMAKE_PREFIX_PATH={installed.prefix}", flags + " ".join(WARNINGS))
+        run(cmake, "--build", build)
+        check_embedding(installed, name, folder, build / name)
+
+
+def check_embedding_by_pkg_config(installed, folder):
+    packages = next(installed.prefix.rglob("libmarrowpress.pc")).parent
+    flags = shlex.split(run("env", f"PKG_CONFIG_PATH={packages}", "pkg-config", "--cflags", "--libs",
+                            "libmarrowpress"))
+    program = folder / "c-by-pkg-config"
+    run("cc", "-std=c11", *WARNINGS, installed.examples / "embed-c" / "main.c", "-o", program, *flags)
+    check_embedding(installed, "c-by-pkg-config", folder, "env",
+                    f"LD_LIBRARY_PATH={packages.parent}", program)
+
+
+def check_python(installed, folder):
+    """The package finds its library by where it stands."""
+    packages = next(installed.prefix.rglob("dist-packages"))
+    python = ["env", f"PYTHONPATH={packages}", "PYTHONDONTWRITEBYTECODE=1", PYTHON]
+    check_embedding(installed, "embed-python", folder, *python,
+                    installed.examples / "embed-python" / "publish.py")
+
+
+def check_symbols(installed):
+    """The library has the functions of its header, the helper's, and nothing else."""
+    [library] = [path for path in installed.prefix.rglob("libmarrowpress.so.*.*")]
+    lines = run("nm", "--dynamic", "--defined-only", library).splitlines()
+    found = {line.split()[-1].partition("@")[0] for line in lines}
+    header = (installed.prefix / "include" / "marrowpress" / "marrowpress.h").read_text(
+        encoding="utf-8")
+    declared = set(re.findall(r"\b(mp_\w+)\((?:const |int |void|mp_)", header))
+    wanted = {name for name in declared if not name.endswith("_function")} - {"mp_make_options"}
+    wanted |= {"mp_serve", "MARROWPRESS_0"}
+    require(found == wanted, f"other symbols: {sorted(found ^ wanted)}")
+    require("libmarrowpress.so.0" in run("readelf", "--dynamic", library), "the SONAME is another")
+
+
 def main():
     parser = argparse.ArgumentParser(description="Uses an installation.")
     parser.add_argument("--update", action="store_true")
@@ -149,6 +206,10 @@ def main():
         check_tutorial(installed)
         check_find_package(arguments.cmake, installed, folder)
         check_pkg_config(installed, folder)
+        check_symbols(installed)
+        check_embedding_by_cmake(arguments.cmake, installed, folder)
+        check_embedding_by_pkg_config(installed, folder)
+        check_python(installed, folder)
     return 0
 
 

@@ -1,0 +1,94 @@
+"""The options of a call, as the library takes them."""
+
+from __future__ import annotations
+
+import ctypes
+import json
+import os
+from typing import Any, Callable, Optional
+
+from . import _library
+from ._types import CancelFlag, Finding, Options, PathLike
+
+
+def encoded(path: PathLike) -> bytes:
+    """A path as UTF-8."""
+    return os.fspath(path).encode("utf-8")
+
+
+class Call:
+    """Keeps alive what the library points to, and what a callback has raised."""
+
+    def __init__(self, options: Options, flags: int) -> None:
+        self._options = options
+        self._raised: Optional[BaseException] = None
+        self._cancel = options.cancel or CancelFlag()
+        self._paths = [encoded(document.path) for document in options.open_documents]
+        made = _library.Options()
+        made.size = ctypes.sizeof(made)
+        made.flags = flags | (_library.WAIT if options.wait else 0)
+        made.language = _library.LANGUAGES[options.language]
+        names = [encoded(catalog) for catalog in options.catalogs]
+        self._catalogs = (ctypes.c_char_p * len(names))(*names)
+        made.catalogs = ctypes.cast(self._catalogs, ctypes.POINTER(ctypes.c_char_p))
+        made.catalog_count = len(names)
+        made.cancel = ctypes.pointer(self._cancel.value)
+        made.memory_limit = options.memory_limit
+        made.time_limit = round(options.time_limit * 1000)
+        if options.on_finding:
+            made.on_finding = _library.FINDING_FUNCTION(self._tell_finding)
+        if options.on_progress:
+            made.on_progress = _library.PROGRESS_FUNCTION(self._tell_progress)
+        if options.resolve_entity:
+            made.resolve_entity = _library.ENTITY_FUNCTION(self._resolve)
+        if options.open_documents:
+            made.open_document = _library.DOCUMENT_FUNCTION(self._open_document)
+        self.options = made
+
+    def reraise(self) -> None:
+        """Raises what a callback has raised."""
+        if self._raised is not None:
+            raise self._raised
+
+    def _guarded(self, work: Callable[[], int]) -> int:
+        if self._raised is not None:
+            return 0
+        try:
+            return work()
+        except BaseException as raised:  # pylint: disable=broad-exception-caught
+            self._raised = raised
+            self._cancel.set()
+            return 0
+
+    def _tell_finding(self, _user: Any, finding: Any) -> None:
+        def work() -> int:
+            assert self._options.on_finding
+            self._options.on_finding(Finding.of(json.loads(finding.contents.json)))
+            return 0
+        self._guarded(work)
+
+    def _tell_progress(self, _user: Any, line: bytes) -> None:
+        def work() -> int:
+            assert self._options.on_progress
+            self._options.on_progress(line.decode("utf-8", "replace"))
+            return 0
+        self._guarded(work)
+
+    def _resolve(self, _user: Any, public_id: bytes, path: int, size: int) -> int:
+        def work() -> int:
+            assert self._options.resolve_entity
+            found = self._options.resolve_entity(public_id.decode("utf-8", "replace"))
+            if found is None or len(encoded(found)) >= size:
+                return 0
+            ctypes.memmove(path, encoded(found) + b"\0", len(encoded(found)) + 1)
+            return 1
+        return self._guarded(work)
+
+    def _open_document(self, _user: Any, index: int, document: Any) -> int:
+        if index >= len(self._paths):
+            return 0
+        given = self._options.open_documents[index]
+        document.contents.id = given.id
+        document.contents.flag = given.flag
+        document.contents.path = self._paths[index]
+        return 1
