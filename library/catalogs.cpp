@@ -33,6 +33,7 @@ int mp_catalogs_open(const char* const* names, size_t count, mp_catalogs** catal
         marrowpress::endLibxmlRestrictions();
         return MP_OK;
     } catch (const std::bad_alloc&) {
+        marrowpress::endLibxmlRestrictions();
         return MP_NO_MEMORY;
     } catch (...) {
         marrowpress::endLibxmlRestrictions();
@@ -44,14 +45,14 @@ void mp_catalogs_free(mp_catalogs* catalogs) {
     const std::unique_ptr<mp_catalogs> owner(catalogs);
 }
 
-int mp_catalogs_find(mp_catalogs* catalogs, const char* public_id, char* path, size_t size) {
-    if (!catalogs || !public_id || !path) {
+int mp_catalogs_find(mp_catalogs* catalogs, const char* id, char* path, size_t size) {
+    if (!catalogs || !id || !path) {
         return 0;
     }
     std::optional<std::string> found;
     try {
         marrowpress::restrictLibxmlToLocalFiles();
-        found = catalogs->resolve(public_id);
+        found = catalogs->resolve(id);
     } catch (...) {
         // Nothing is known then.
         found.reset();

@@ -80,6 +80,7 @@ private:
 ChildProcess::ChildProcess(const std::vector<std::string>& command, int socket) {
     std::vector<std::string> words = command;
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

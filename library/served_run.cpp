@@ -47,6 +47,7 @@ public:
 template <class Item>
 std::vector<const Item*> pointersTo(const std::vector<Item>& items) {
     std::vector<const Item*> pointers;
+    pointers.reserve(items.size());
     for (const Item& item : items) {
         pointers.push_back(&item);
     }

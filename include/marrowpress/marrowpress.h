@@ -20,6 +20,8 @@
  * called from any thread.
  */
 
+/* NOLINTBEGIN(readability-identifier-naming): the names are C's. */
+
 #include <stddef.h>
 #include <stdint.h>
 
@@ -242,7 +244,7 @@ int mp_catalogs_open(const char* const* names, size_t count, mp_catalogs** catal
 void mp_catalogs_free(mp_catalogs* catalogs);
 
 /* As mp_entity_function; 0 as well for null, and for a path that does not fit. */
-int mp_catalogs_find(mp_catalogs* catalogs, const char* public_id, char* path, size_t size);
+int mp_catalogs_find(mp_catalogs* catalogs, const char* id, char* path, size_t size);
 
 /* What a code means, as a constant text; that of an unknown code says so. */
 const char* mp_code_text(int code);
@@ -255,5 +257,7 @@ const char* mp_version(void);
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(readability-identifier-naming) */
 
 #endif

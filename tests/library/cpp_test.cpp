@@ -135,7 +135,24 @@ TEST_F(HostBaseTest, AProcessMayHaveTheLibraryAndAHostOfItsOwn) {
     EXPECT_EQ(host->publish(entry(), module, composite()), kPublished);
 }
 
-TEST(CatalogsTest, BadInputIsACode) {
+using CatalogsTest = CppTest;
+
+TEST_F(CatalogsTest, KnowWhatTheirFilesSay) {
+    const std::string catalog =
+        folder.write("c.xml", R"(<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog">)"
+                              R"(<public publicId="own" uri="own.dtd"/></catalog>)");
+    const char* const name = catalog.c_str();
+    mp_catalogs* catalogs = nullptr;
+    ASSERT_EQ(mp_catalogs_open(&name, 1, &catalogs), MP_OK);
+    char path[PATH_MAX] = "";
+    EXPECT_EQ(mp_catalogs_find(catalogs, "other", path, sizeof(path)), 0);
+    EXPECT_EQ(mp_catalogs_find(catalogs, "own", path, 4), 0) << "it does not fit";
+    EXPECT_EQ(mp_catalogs_find(catalogs, "own", path, sizeof(path)), 1);
+    EXPECT_EQ(path, folder.file("own.dtd"));
+    mp_catalogs_free(catalogs);
+}
+
+TEST(BadCatalogsTest, BadInputIsACode) {
     mp_catalogs* catalogs = nullptr;
     const char* const bad = "\xFF";
     EXPECT_EQ(mp_catalogs_open(nullptr, 0, nullptr), MP_INVALID);

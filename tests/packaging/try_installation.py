@@ -28,6 +28,9 @@ CATALOG = "/usr/share/dita-ot/catalog-dita.xml"
 NO_CATALOG = '<catalog xmlns="urn:oasis:names:tc:entity:xmlns:xml:catalog"/>\n'
 LINK = re.compile(r"\]\(([^)#:]+)[)#]")
 PYTHON = "/usr/bin/python3"
+# Its own exit code would be another one than the tests want.
+VALGRIND = ["valgrind", "--quiet", "--error-exitcode=99", "--leak-check=full",
+            "--errors-for-leak-kinds=definite"]
 WARNINGS = ["-Wall", "-Wextra", "-Wpedantic", "-Werror"]
 
 
@@ -157,6 +160,9 @@ def check_embedding_by_pkg_config(installed, folder):
     run("cc", "-std=c11", *WARNINGS, installed.examples / "embed-c" / "main.c", "-o", program, *flags)
     check_embedding(installed, "c-by-pkg-config", folder, "env",
                     f"LD_LIBRARY_PATH={packages.parent}", program)
+    if shutil.which("valgrind"):
+        check_embedding(installed, "c-in-valgrind", folder, "env",
+                        f"LD_LIBRARY_PATH={packages.parent}", *VALGRIND, program)
 
 
 def check_python(installed, folder):
