@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <set>
@@ -22,6 +23,7 @@
 #include "cli/batch/job_source.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
+#include "cli/output_folder.h"
 #include "cli/publish_paths.h"
 #include "cli/text_table.h"
 #include "findings/language.h"
@@ -64,6 +66,9 @@ public:
 
     ExitCode run();
 
+    /// By which the process is to end then; 0 for none.
+    int signal() const noexcept { return signal_; }
+
 private:
     ExitCode list() const;
     ExitCode writePlan() const;
@@ -72,7 +77,7 @@ private:
     ExitCode merge();
     void findOutputFaults() const;
     void findConflicts();
-    void removeLeftFolders() const;
+    std::vector<std::unique_ptr<OutputFolder>> openFolders() const;
     BatchSetting setting() const;
     std::map<std::string, double> earlierTimes() const;
     int settleConflicts(BatchRun& run);
@@ -86,6 +91,7 @@ private:
     Plan plan_;
     std::vector<std::size_t> indexes_;
     std::vector<std::size_t> late_;  ///< Those that read what others write, in their order.
+    int signal_ = 0;
 };
 
 ExitCode Batch::run() {
@@ -217,17 +223,28 @@ void Batch::findConflicts() {
     }
 }
 
-void Batch::removeLeftFolders() const {
-    std::set<fs::path> folders;
+/// The folders of outputs. They are made here, since a job that fails takes away those that it has
+/// made itself, perhaps just before another one writes there.
+///
+/// @throws BatchFault
+std::vector<std::unique_ptr<OutputFolder>> Batch::openFolders() const {
+    std::vector<std::unique_ptr<OutputFolder>> opened;
+    std::set<fs::path> known;
     for (const std::size_t index : indexes_) {
-        const PublishOptions& options = plan_.jobs[index].options;
-        if (!plan_.isCheck && !isFlatBook(options)) {
-            folders.insert(fs::path(options.output).parent_path());
+        const Job& job = plan_.jobs[index];
+        const NamedPath folder = outputFolderOf(job.options, resolvePublishPaths(job.options));
+        if (plan_.isCheck || !known.insert(folder.path).second) {
+            continue;
+        }
+        opened.push_back(std::make_unique<OutputFolder>(folder.path, folder.shown));
+        if (opened.back()->fault()) {
+            throw BatchFault(placeOfJob(job) + ": " + *opened.back()->fault());
+        }
+        if (!isFlatBook(job.options)) {
+            removeLeftAside(folder.path);
         }
     }
-    for (const fs::path& folder : folders) {
-        removeLeftAside(folder);
-    }
+    return opened;
 }
 
 BatchSetting Batch::setting() const {
@@ -262,20 +279,21 @@ std::map<std::string, double> Batch::earlierTimes() const {
 }
 
 ExitCode Batch::runJobs() {
-    removeLeftFolders();
+    const std::vector<std::unique_ptr<OutputFolder>> folders = openFolders();
+    results_.make();
     if (options_.reports.pageFolder) {
         fs::create_directories(*options_.reports.pageFolder);
     }
     const BatchSetting how = setting();
     BatchView view(plan_, indexes_, options_.diagnostics, earlierTimes(), streams_);
     BatchRun run(plan_, how, results_, view);
-    int signal = run.run(indexes_);
-    if (signal == 0 && !plan_.isCheck) {
-        signal = settleConflicts(run);
+    signal_ = run.run(indexes_);
+    if (signal_ == 0 && !plan_.isCheck) {
+        signal_ = settleConflicts(run);
     }
     view.finish();
-    if (signal != 0) {
-        endBy(signal);
+    if (signal_ != 0) {
+        return ExitCode::kRunFailed;
     }
     const std::vector<JobOutcome>& outcomes = run.outcomes();
     const ExitCode code = exitOf(outcomes, run.isAnyResultLost());
@@ -366,8 +384,14 @@ ExitCode Batch::merge() {
 }  // namespace
 
 ExitCode runBatch(const BatchOptions& options, const Streams& streams) {
+    int signal = 0;
     try {
-        return Batch(options, streams).run();
+        Batch batch(options, streams);
+        const ExitCode code = batch.run();
+        signal = batch.signal();
+        if (signal == 0) {
+            return code;
+        }
     } catch (const BatchFault& fault) {
         streams.err << usageErrorText(kBatchName, fault.what());
         return ExitCode::kWrongUsage;
@@ -375,6 +399,8 @@ ExitCode runBatch(const BatchOptions& options, const Streams& streams) {
         streams.err << "marrowpress batch: " << failure.what() << ".\n";
         return ExitCode::kRunFailed;
     }
+    // All that was to be cleaned up is gone by now.
+    endBy(signal);
 }
 
 }  // namespace marrowpress

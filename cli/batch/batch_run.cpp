@@ -80,6 +80,7 @@ BatchRun::BatchRun(const Plan& plan, const BatchSetting& setting, const ResultFo
       setting_(setting),
       results_(results),
       watcher_(watcher),
+      lock_(results.path()),
       outcomes_(plan.jobs.size()),
       largest_(kUsualMemory),
       memoryKills_(memoryKillCount()) {}
@@ -105,7 +106,9 @@ int BatchRun::run(const std::vector<std::size_t>& indexes) {
             together.push_back(index);
         }
     }
-    runTogether(std::move(together));
+    if (!together.empty() && waitForLock(RunLock::Kind::kShared)) {
+        runTogether(std::move(together));
+    }
     for (const std::size_t index : setting_.late) {
         if (!outcomes_[index].isDone()) {
             alone_.push_back(index);
@@ -151,7 +154,21 @@ void BatchRun::runTogether(std::vector<std::size_t> indexes) {
     }
 }
 
+/// False when the batch ends before.
+bool BatchRun::waitForLock(RunLock::Kind kind) {
+    while (!isEnding()) {
+        if (lock_.tryToHold(kind)) {
+            return true;
+        }
+        waitForSomething();
+    }
+    return false;
+}
+
 void BatchRun::runAlone() {
+    if (alone_.empty() || !waitForLock(RunLock::Kind::kAlone)) {
+        return;
+    }
     while (!alone_.empty() && !isEnding()) {
         start(alone_.front(), /*isInPlace=*/true);
         alone_.pop_front();

@@ -13,6 +13,7 @@
 #include "cli/batch/job_process.h"
 #include "cli/batch/plan.h"
 #include "cli/batch/result_folder.h"
+#include "cli/batch/run_lock.h"
 #include "results/run_result.h"
 
 namespace marrowpress {
@@ -37,6 +38,7 @@ public:
 /// runs alone, when the others are done.
 class BatchRun {
 public:
+    /// @param results  Its folder is there.
     BatchRun(const Plan& plan, const BatchSetting& setting, const ResultFolder& results,
              BatchWatcher& watcher);
     BatchRun(const BatchRun&) = delete;
@@ -72,6 +74,7 @@ private:
     void skipUpToDate(const std::vector<std::size_t>& indexes);
     void runTogether(std::vector<std::size_t> indexes);
     void runAlone();
+    bool waitForLock(RunLock::Kind kind);
     bool mayStart() const;
     void start(std::size_t index, bool isInPlace);
     void waitForSomething();
@@ -84,6 +87,7 @@ private:
     const BatchSetting& setting_;
     const ResultFolder& results_;
     BatchWatcher& watcher_;
+    RunLock lock_;
     std::vector<JobOutcome> outcomes_;
     std::vector<std::unique_ptr<Running>> running_;
     std::deque<std::size_t> alone_;  ///< Those that are left for the end.

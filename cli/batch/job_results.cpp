@@ -1,5 +1,6 @@
 #include "cli/batch/job_results.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <utility>
@@ -9,6 +10,7 @@
 #include "findings/catalogue.h"
 #include "findings/fold.h"
 #include "findings/language.h"
+#include "results/file_digest.h"
 #include "results/result_json.h"
 
 namespace marrowpress {
@@ -48,6 +50,25 @@ std::string endText(const JobEnd& end, std::chrono::seconds longest) {
                             : translated("Der Auftrag kam zu nichts: {0}", {sentence});
 }
 
+/// What is known of a job that told nothing: when one of these changes, it may come to something.
+void addSources(const Job& job, RunResult& result) {
+    const PublishPaths paths = resolvePublishPaths(job.options);
+    result.dependencies.push_back({paths.map.string(), "map reference", "absent", {}, {}});
+    for (const std::filesystem::path& filter : paths.filters) {
+        result.dependencies.push_back({filter.string(), "DITAVAL", "absent", {}, {}});
+    }
+    for (ResultDependency& file : result.dependencies) {
+        const std::optional<FileStamp> stamp = stampOf(file.file);
+        const std::optional<FileDigest> digest = stamp ? digestOf(file.file) : std::nullopt;
+        result.run.files.emplace_back();
+        if (digest) {
+            file.state = "read";
+            file.sha256 = digest->sha256;
+            result.run.files.back() = KnownFile{*stamp, digest->xxh128};
+        }
+    }
+}
+
 std::optional<RunResult> toldResult(const JobEnd& end) {
     if (end.result.empty() || end.signal) {
         return std::nullopt;
@@ -85,6 +106,7 @@ RunResult resultOf(const Plan& plan, const Job& job, const JobEnd& end,
     result.options = std::move(wanted.options);
     result.versions = std::move(wanted.versions);
     result.findings.push_back(batchFinding("MP301", endText(end, longest), job.options.map));
+    addSources(job, result);
     return result;
 }
 

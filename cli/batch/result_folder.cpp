@@ -44,12 +44,16 @@ std::string ResultFolder::textOf(const std::string& id) const {
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-void ResultFolder::put(const RunResult& result) const {
+void ResultFolder::make() const {
     std::error_code error;
     fs::create_directories(folder_, error);
     if (error) {
         throw FileFailure(FileAction::kWrite, folder_.string(), error.message());
     }
+}
+
+void ResultFolder::put(const RunResult& result) const {
+    make();
     replaceFile(pathOf(result.id), resultText(result));
 }
 

@@ -26,6 +26,11 @@ public:
     /// The bytes of a result that `find` has found.
     std::string textOf(const std::string& id) const;
 
+    /// Makes the folder if it is not there.
+    ///
+    /// @throws FileFailure
+    void make() const;
+
     /// Makes the folder if it is not there, and replaces the job's result.
     ///
     /// @throws FileFailure

@@ -332,6 +332,17 @@ TEST_F(BatchTest, AnOutputThatAnotherJobReadsIsRefusedWhenAResultTellsAndFailsBo
     EXPECT_NE(second.err.find("`two` reads what `one` writes"), std::string::npos) << second.err;
 }
 
+TEST_F(BatchTest, AMissingFolderIsMadeAndStaysForThoseThatWriteThere) {
+    folder_.write("docs/one.ditamap", "<map><topicref href=");
+    folder_.write("jobs.jsonl", job("one", "docs/one.ditamap", "new/sub/one.dita") +
+                                    job("two", "docs/two.ditamap", "new/sub/two.dita"));
+    EXPECT_EQ(batch({"-j", "1"}).code, 1);
+    EXPECT_EQ(namesIn("new/sub"), Texts({"two.dita"}));
+    folder_.write("jobs.jsonl", job("one", "docs/one.ditamap", "other/sub/one.dita"));
+    EXPECT_EQ(batch().code, 1);
+    EXPECT_FALSE(folder_.exists("other")) << "nothing came into it";
+}
+
 TEST_F(BatchTest, SerializedAJobReadsWhatAnotherOneHasWritten) {
     folder_.write("jobs.jsonl", job("reader", "docs/reader.ditamap", "out/reader.dita") +
                                     job("one", "docs/one.ditamap", "out/one.dita"));

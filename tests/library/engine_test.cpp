@@ -45,7 +45,7 @@ private:
 
 class EngineTest : public LibraryTest {
 protected:
-    /// Runs of either outcome, and one that meets the limit of a document's memory.
+    /// Runs of either outcome.
     void runAll() {
         EXPECT_EQ(mp_result_status(run(composite()).get()), 0);
         EXPECT_EQ(mp_result_status(run("{}").get()), -43);
