@@ -80,7 +80,7 @@ protected:
                             "An OASIS XML catalog that says where DTDs stand, as for publish",
                             "FILE");
         addBatchDiagnostics(arguments(), options_.diagnostics);
-        if (options_.action != BatchAction::kPlan) {
+        if (options_.action != BatchAction::kPlan && options_.action != BatchAction::kEmit) {
             addTerminal(arguments(), options_.diagnostics);
         }
     }
@@ -256,8 +256,8 @@ public:
         addRepeating();
         addPages();
         arguments().addText("--depfile", options_.depfile,
-                            "With --index: write a rule for make and ninja to FILE: the result, "
-                            "and the files that it depends on",
+                            "With --index: write a rule for make and ninja to FILE: the job's "
+                            "result, and the files that it depends on",
                             "FILE");
         addDiagnosticsFormat(arguments(), options_.diagnostics);
         addTerminal(arguments(), options_.diagnostics);
@@ -278,6 +278,32 @@ public:
     }
 };
 
+class BatchEmitCommand final : public BatchPart {
+public:
+    explicit BatchEmitCommand(CLI::App& program)
+        : BatchPart(
+              program, BatchAction::kEmit, "batch-emit",
+              "Show a script by which another engine runs the jobs of a plan",
+              footerText("  marrowpress batch emit ninja project.xml --output out >build.ninja\n"
+                         "  marrowpress batch emit slurm plan.jsonl >night.sh\n",
+                         "Only ninja and make make the plan themselves; for the others FILE "
+                         "is one.")) {
+        const Choices<Engine> engines{
+            {"ninja", Engine::kNinja},           {"make", Engine::kMake},
+            {"parallel", Engine::kParallel},     {"slurm", Engine::kSlurm},
+            {"kubernetes", Engine::kKubernetes}, {"github", Engine::kGithub}};
+        arguments()
+            .addChoice("ENGINE", "engine", options_.engine, engines,
+                       "ninja, make, parallel (GNU parallel), slurm (a job array), kubernetes (an "
+                       "Indexed Job) or github (a workflow with a matrix)",
+                       "ENGINE")
+            .required();
+        addJobs();
+        addResults();
+        addResultOptions();
+    }
+};
+
 class WorkerCommand final : public Command {
 public:
     explicit WorkerCommand(CLI::App& program)
@@ -290,7 +316,6 @@ public:
         arguments().addFlag("--in-place", options_.isInPlace,
                             "Make a composite where it is to stand");
         arguments().addList("--catalog", options_.catalogs, "As for publish", "FILE");
-        arguments().addText("--depfile", options_.depfile, "As for publish", "FILE");
         addDiagnostics(arguments(), options_.diagnostics);
         addReport(arguments(), options_.diagnostics);
     }
@@ -315,11 +340,12 @@ void addBatchCommands(CLI::App& program, std::vector<std::unique_ptr<Command>>& 
     commands.push_back(std::make_unique<BatchPlanCommand>(program));
     commands.push_back(std::make_unique<BatchRunCommand>(program));
     commands.push_back(std::make_unique<BatchMergeCommand>(program));
+    commands.push_back(std::make_unique<BatchEmitCommand>(program));
     commands.push_back(std::make_unique<WorkerCommand>(program));
 }
 
 std::vector<std::string> withJoinedName(std::vector<std::string> arguments) {
-    constexpr std::string_view kParts[] = {"check", "list", "plan", "run", "merge"};
+    constexpr std::string_view kParts[] = {"check", "list", "plan", "run", "merge", "emit"};
     // "batch help" and "help batch check" are asked alike.
     const std::size_t at = !arguments.empty() && arguments.front() == "help" ? 1 : 0;
     if (arguments.size() > at + 1 && arguments[at] == "batch" &&

@@ -16,7 +16,10 @@ namespace marrowpress {
 inline constexpr const char* kUsualResultFolder = "marrowpress-results";
 
 /// What `marrowpress batch` and its parts are to do.
-enum class BatchAction : std::uint8_t { kPublish, kCheck, kList, kPlan, kRun, kMerge };
+enum class BatchAction : std::uint8_t { kPublish, kCheck, kList, kPlan, kRun, kMerge, kEmit };
+
+/// What runs the jobs of a plan in the place of a batch.
+enum class Engine : std::uint8_t { kNinja, kMake, kParallel, kSlurm, kKubernetes, kGithub };
 
 /// The merged reports of a batch. Paths stand as they were given.
 struct BatchReports {
@@ -52,6 +55,7 @@ struct BatchOptions {
     std::string index;  ///< Of the only job to run: a number, or "env".
     std::string shard;  ///< "2/5"
     std::optional<std::string> depfile;
+    Engine engine = Engine::kNinja;
 };
 
 }  // namespace marrowpress

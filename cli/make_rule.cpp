@@ -8,9 +8,14 @@
 namespace marrowpress {
 namespace {
 
-/// `name` as a rule names it. A backslash counts as one, unless a character follows that has a
-/// meaning of its own.
-std::string escaped(const std::string& name) {
+bool canBeNamed(const std::string& name) {
+    return name.find_first_of("\r\n") == std::string::npos;
+}
+
+}  // namespace
+
+/// A backslash counts as one, unless a character follows that has a meaning of its own.
+std::string makeName(const std::string& name) {
     std::string text;
     std::size_t backslashes = 0;
     for (const char character : name) {
@@ -25,19 +30,13 @@ std::string escaped(const std::string& name) {
     return text;
 }
 
-bool canBeNamed(const std::string& name) {
-    return name.find_first_of("\r\n") == std::string::npos;
-}
-
-}  // namespace
-
 std::string makeRule(const std::string& target, const std::vector<std::string>& prerequisites) {
-    std::string rule = escaped(target) + ":";
+    std::string rule = makeName(target) + ":";
     std::string phonies;
     for (const std::string& prerequisite : prerequisites) {
         if (canBeNamed(prerequisite)) {
-            rule += " \\\n  " + escaped(prerequisite);
-            phonies += "\n" + escaped(prerequisite) + ":\n";
+            rule += " \\\n  " + makeName(prerequisite);
+            phonies += "\n" + makeName(prerequisite) + ":\n";
         }
     }
     return rule + "\n" + phonies;

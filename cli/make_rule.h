@@ -8,6 +8,9 @@
 /// What make and ninja are told of a run, as compilers tell them of theirs.
 namespace marrowpress {
 
+/// A file's name as rules have it.
+std::string makeName(const std::string& name);
+
 /// A rule without a recipe: `target` is to be made again when one of `prerequisites` has changed.
 /// Each of these is a target, too, so that one that is gone is no error. The names are escaped; one
 /// with a line end, which no rule can name, is left out.

@@ -113,7 +113,6 @@ struct WorkerOptions {
     bool isCheck = false;
     bool isInPlace = false;  ///< A composite, too, is made where it is to stand.
     std::vector<std::string> catalogs;
-    std::optional<std::string> depfile;
     DiagnosticsOptions diagnostics;
 };
 

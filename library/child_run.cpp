@@ -39,7 +39,7 @@ const InstalledPaths kInstalledHelper{MARROWPRESS_HELPER_FROM_PROGRAM,
                                       MARROWPRESS_HELPER_FROM_LIBRARY};
 
 /// How often a parent looks whether it is to wait no longer.
-constexpr auto kPause = 20ms;
+constexpr auto kChildPause = 20ms;
 /// What a child gets for cleaning up.
 constexpr auto kGrace = 5s;
 
@@ -109,7 +109,7 @@ ResultData ChildRun::serve() {
     sockets_.theirs.reset();
     sockets_.ours->send(toJsonLine(order_));
     while (!result_ && !sockets_.ours->isAtEnd()) {
-        if (const std::optional<std::string> line = sockets_.ours->receive(kPause)) {
+        if (const std::optional<std::string> line = sockets_.ours->receive(kChildPause)) {
             take(*line);
         }
         lookAtLimits();

@@ -18,9 +18,11 @@
 #include "cli/batch/batch_reports.h"
 #include "cli/batch/batch_run.h"
 #include "cli/batch/batch_view.h"
+#include "cli/batch/engine_scripts.h"
 #include "cli/batch/job_conflicts.h"
 #include "cli/batch/job_results.h"
 #include "cli/batch/job_source.h"
+#include "cli/batch/worker_arguments.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
 #include "cli/output_folder.h"
@@ -28,6 +30,7 @@
 #include "cli/text_table.h"
 #include "findings/language.h"
 #include "findings/shown_path.h"
+#include "host/file_text.h"
 #include "runs/public_ids.h"
 
 namespace marrowpress {
@@ -72,6 +75,8 @@ public:
 private:
     ExitCode list() const;
     ExitCode writePlan() const;
+    ExitCode emit() const;
+    std::string planCommand(const std::string& program, const std::string& planFile) const;
     ExitCode showDryRun() const;
     ExitCode runJobs();
     ExitCode merge();
@@ -113,6 +118,8 @@ ExitCode Batch::run() {
             return list();
         case BatchAction::kPlan:
             return writePlan();
+        case BatchAction::kEmit:
+            return emit();
         default:
             break;
     }
@@ -153,8 +160,57 @@ ExitCode Batch::writePlan() const {
         return writeResult(streams_, planText(selected)) ? ExitCode::kSuccess
                                                          : ExitCode::kRunFailed;
     }
-    replaceFile(fs::absolute(options_.plan), planText(selected));
+    // One that is the same stays as it is, so that what is made of it need not be made again.
+    const std::string text = planText(selected);
+    std::error_code ignored;
+    if (!fs::is_regular_file(options_.plan, ignored) || readFile(options_.plan) != text) {
+        replaceFile(fs::absolute(options_.plan), text);
+    }
     return ExitCode::kSuccess;
+}
+
+/// The arguments by which `batch plan` makes the same plan again.
+std::string Batch::planCommand(const std::string& program, const std::string& planFile) const {
+    std::string command = shellWord(program) + " batch plan " +
+                          shellWord(fs::absolute(options_.file).string()) + " --plan " +
+                          shellWord(planFile) + " --output " +
+                          shellWord(fs::absolute(options_.outputFolder.value_or(".")).string());
+    const auto add = [&command](const char* option, const std::string& value) {
+        command += std::string(" ") + option + " " + shellWord(value);
+    };
+    for (const auto& [transtype, format] : options_.formats) {
+        add("--as", transtype + "=" + format);
+    }
+    for (const std::string& pattern : options_.idPatterns) {
+        add("--select", pattern);
+    }
+    for (const std::string& tag : options_.tags) {
+        add("--tag", tag);
+    }
+    for (const std::string& argument : planArguments(plan_)) {
+        command += " " + shellWord(argument);
+    }
+    return command;
+}
+
+/// @throws BatchFault
+ExitCode Batch::emit() const {
+    const bool isPlanThere = isPlanFile(options_.file);
+    const bool makesPlan = options_.engine == Engine::kNinja || options_.engine == Engine::kMake;
+    if (!isPlanThere && (!makesPlan || options_.file == kStandardOutput)) {
+        throw BatchFault("FILE: " + options_.file +
+                         " is no plan; `marrowpress batch plan` makes one");
+    }
+    const std::string program = fs::read_symlink("/proc/self/exe").string();
+    const std::string file = fs::absolute(options_.file).lexically_normal().string();
+    EngineScript script{options_.engine, plan_, program, file, results_.path().string(), {}, {}};
+    if (!isPlanThere) {
+        script.planFile = (results_.path() / "plan.jsonl").string();
+        script.planCommand = "mkdir -p " + shellWord(script.results) + " && " +
+                             planCommand(program, script.planFile);
+        script.planSource = file;
+    }
+    return writeResult(streams_, engineScript(script)) ? ExitCode::kSuccess : ExitCode::kRunFailed;
 }
 
 ExitCode Batch::showDryRun() const {

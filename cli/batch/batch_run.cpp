@@ -13,6 +13,8 @@
 #include "cli/batch/system_memory.h"
 #include "cli/batch/worker_arguments.h"
 #include "cli/batch/worker_channels.h"
+#include "cli/file_replacement.h"
+#include "cli/make_rule.h"
 #include "results/up_to_date.h"
 
 namespace marrowpress {
@@ -60,6 +62,17 @@ std::size_t coreCount() {
 timespec timespecOf(std::chrono::nanoseconds time) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(time);
     return {seconds.count(), (time - seconds).count()};
+}
+
+/// The rule of a result: the files that make and ninja can ask for.
+std::string ruleOf(const std::string& target, const RunResult& result) {
+    std::vector<std::string> prerequisites;
+    for (const ResultDependency& file : result.dependencies) {
+        if (file.sha256) {
+            prerequisites.push_back(file.file);
+        }
+    }
+    return makeRule(target, prerequisites);
 }
 
 }  // namespace
@@ -282,6 +295,9 @@ void BatchRun::conclude(std::size_t index, RunResult result, const JobEnd& end) 
     outcome.state = JobOutcome::State::kEnded;
     try {
         results_.put(result);
+        if (setting_.depfile) {
+            replaceFile(*setting_.depfile, ruleOf(results_.pathOf(result.id).string(), result));
+        }
     } catch (const std::exception& fault) {
         isAnyResultLost_ = true;
         watcher_.warn(std::string(fault.what()) + "; `" + result.id + "` counts as not run");

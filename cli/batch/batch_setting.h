@@ -19,7 +19,7 @@ struct BatchSetting {
     /// Jobs of the plan that read what others write, in an order in which they can run.
     std::vector<std::size_t> late;
     std::optional<std::string> pageFolder;  ///< For a page of each job.
-    std::optional<std::string> depfile;     ///< For the only job.
+    std::optional<std::string> depfile;     ///< Gets the rule of the only job's result.
 };
 
 }  // namespace marrowpress

@@ -164,6 +164,10 @@ Plan planOf(const BatchOptions& options, std::vector<std::string>& passedOver) {
     }
 }
 
+bool isPlanFile(const std::string& path) {
+    return path != kStandardOutput && isPlan(textOfSource(path));
+}
+
 Plan readPlan(const std::string& path) {
     BatchOptions options;
     options.action = BatchAction::kRun;

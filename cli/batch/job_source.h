@@ -22,6 +22,9 @@ public:
 /// @throws BatchFault
 Plan planOf(const BatchOptions& options, std::vector<std::string>& passedOver);
 
+/// Whether the file at `path` begins as plans do.
+bool isPlanFile(const std::string& path);
+
 /// The plan in the file of `--plan`.
 ///
 /// @throws BatchFault

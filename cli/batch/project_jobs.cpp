@@ -237,6 +237,7 @@ private:
     static std::vector<PlacedPath> placed(const std::vector<ProjectText>& paths,
                                           const std::string& file) {
         std::vector<PlacedPath> all;
+        all.reserve(paths.size());
         for (const ProjectText& path : paths) {
             all.push_back({file, path});
         }

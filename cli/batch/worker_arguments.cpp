@@ -23,19 +23,12 @@ const char* wordFor(FailOn failOn) {
 
 }  // namespace
 
-std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& setting,
-                                         const Job& job, bool isInPlace) {
+std::vector<std::string> planArguments(const Plan& plan) {
     const DiagnosticsOptions& diagnostics = plan.diagnostics;
-    std::vector<std::string> arguments{"job", "--batch", std::to_string(getpid())};
+    std::vector<std::string> arguments;
     const auto add = [&arguments](const char* option, const std::string& value) {
         arguments.insert(arguments.end(), {option, value});
     };
-    if (plan.isCheck) {
-        arguments.emplace_back("--check");
-    }
-    if (isInPlace) {
-        arguments.emplace_back("--in-place");
-    }
     for (const std::string& catalog : plan.catalogs) {
         add("--catalog", catalog);
     }
@@ -45,11 +38,25 @@ std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& s
         add("--severity", id + "=" + std::string(severityName(severity)));
     }
     add("--lang", diagnostics.language == Language::kGerman ? "de" : "en");
-    if (setting.pageFolder) {
-        add("--report", (std::filesystem::path(*setting.pageFolder) / (job.id + ".html")).string());
+    return arguments;
+}
+
+std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& setting,
+                                         const Job& job, bool isInPlace) {
+    std::vector<std::string> arguments{"job", "--batch", std::to_string(getpid())};
+    if (plan.isCheck) {
+        arguments.emplace_back("--check");
     }
-    if (setting.depfile) {
-        add("--depfile", *setting.depfile);
+    if (isInPlace) {
+        arguments.emplace_back("--in-place");
+    }
+    for (const std::string& argument : planArguments(plan)) {
+        arguments.push_back(argument);
+    }
+    if (setting.pageFolder) {
+        arguments.emplace_back("--report");
+        arguments.push_back(
+            (std::filesystem::path(*setting.pageFolder) / (job.id + ".html")).string());
     }
     return arguments;
 }

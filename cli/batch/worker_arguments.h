@@ -12,4 +12,7 @@ namespace marrowpress {
 std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& setting,
                                          const Job& job, bool isInPlace);
 
+/// What decides on the results of a plan's jobs, besides them, as arguments.
+std::vector<std::string> planArguments(const Plan& plan);
+
 }  // namespace marrowpress

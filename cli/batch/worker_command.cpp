@@ -49,7 +49,6 @@ ExitCode runOnce(const WorkerOptions& options, const Job& job, const RunRecordin
     PublishOptions publish = job.options;
     publish.catalogs = options.catalogs;
     publish.diagnostics = options.diagnostics;
-    publish.depfile = options.depfile;
     if (!options.isCheck) {
         return runPublish(publish, streams, &recording);
     }

@@ -17,7 +17,6 @@ TEST(WorkerArgumentsTest, TheCommandReadsThemAsTheyAreMeant) {
     plan.diagnostics.severities["MP208"] = Severity::kNote;
     BatchSetting setting;
     setting.pageFolder = "/pages";
-    setting.depfile = "/a.d";
     Job job;
     job.id = "guide";
     const Options read = parseOptions(workerArguments(plan, setting, job, /*isInPlace=*/true));
@@ -31,7 +30,6 @@ TEST(WorkerArgumentsTest, TheCommandReadsThemAsTheyAreMeant) {
     EXPECT_EQ(options->diagnostics.language, Language::kGerman);
     EXPECT_EQ(options->diagnostics.severities.at("MP208"), Severity::kNote);
     EXPECT_EQ(options->diagnostics.report, "/pages/guide.html");
-    EXPECT_EQ(options->depfile, "/a.d");
 }
 
 TEST(WorkerArgumentsTest, WithoutFindingsNobodyLooksForThem) {

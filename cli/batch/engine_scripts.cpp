@@ -1,0 +1,213 @@
+#include "cli/batch/engine_scripts.h"
+
+#include <algorithm>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/json/serialize.hpp>
+#include <boost/json/value.hpp>
+#include <filesystem>
+#include <string_view>
+
+#include "cli/make_rule.h"
+
+namespace marrowpress {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// More jobs than these no matrix of GitHub has.
+constexpr std::size_t kLargestMatrix = 256;
+
+/// As a path in a build statement of ninja.
+std::string ninjaPath(std::string path) {
+    for (const char* const character : {"$", " ", ":"}) {
+        boost::replace_all(path, character, std::string("$") + character);
+    }
+    return path;
+}
+
+/// As part of a command that make or ninja hands to a shell.
+std::string dollarsDoubled(std::string command) {
+    boost::replace_all(command, "$", "$$");
+    return command;
+}
+
+std::string yamlText(const std::string& text) {
+    // A text of JSON is one of YAML.
+    return boost::json::serialize(boost::json::value(text));
+}
+
+std::string resultOf(const EngineScript& script, const Job& job) {
+    return (fs::path(script.results) / (job.id + ".json")).string();
+}
+
+std::string runCommand(const EngineScript& script, const std::string& more) {
+    return shellWord(script.program) + " batch run " + shellWord(script.planFile) + " --results " +
+           shellWord(script.results) + " --diagnostics short " + more;
+}
+
+std::string jobCommand(const EngineScript& script, std::size_t index) {
+    const std::string result = resultOf(script, script.plan.jobs[index]);
+    // A job with findings has a result, too, but is to be made again: as if it were very old.
+    return runCommand(script, "--index " + std::to_string(index) + " --depfile " +
+                                  shellWord(result + ".d")) +
+           " || { code=$?; touch -c -t 197001020000 " + shellWord(result) + "; exit $code; }";
+}
+
+std::string mergeComment(const EngineScript& script) {
+    return "# Then: " + shellWord(script.program) + " batch merge " + shellWord(script.results) +
+           " --plan " + shellWord(script.planFile) + "\n";
+}
+
+std::string ninjaText(const EngineScript& script) {
+    std::string text =
+        "# For ninja: ninja -k 0 -f FILE. A job runs again when a file that it has read "
+        "changes.\n" +
+        mergeComment(script) + "ninja_required_version = 1.8\n\nrule job\n  command = $call\n" +
+        "  depfile = $out.d\n  description = $id\n\n";
+    if (!script.planCommand.empty()) {
+        text += "rule plan\n  command = " + dollarsDoubled(script.planCommand) +
+                "\n  restat = 1\n  generator = 1\n\nbuild " + ninjaPath(script.planFile) +
+                ": plan " + ninjaPath(script.planSource) + "\n\n";
+    }
+    for (std::size_t index = 0; index < script.plan.jobs.size(); ++index) {
+        const Job& job = script.plan.jobs[index];
+        text += "build " + ninjaPath(resultOf(script, job)) + ": job | " +
+                ninjaPath(script.planFile) +
+                "\n  call = " + dollarsDoubled(jobCommand(script, index)) +
+                "\n  id = " + dollarsDoubled(job.id) + "\n";
+    }
+    return text;
+}
+
+std::string makeText(const EngineScript& script) {
+    std::string text =
+        "# For make: make --keep-going -f FILE. A job runs again when a file that it has read "
+        "changes.\n" +
+        mergeComment(script) + ".PHONY: all\nall:\n\n";
+    const std::string plan = makeName(script.planFile);
+    if (!script.planCommand.empty()) {
+        text += plan + ": " + makeName(script.planSource) + "\n\t" +
+                dollarsDoubled(script.planCommand) + "\n\ttouch " +
+                dollarsDoubled(shellWord(script.planFile)) + "\n\n";
+    }
+    for (std::size_t index = 0; index < script.plan.jobs.size(); ++index) {
+        const std::string result = makeName(resultOf(script, script.plan.jobs[index]));
+        text += "all: " + result + "\n" + result + ": " + plan + "\n\t" +
+                dollarsDoubled(jobCommand(script, index)) + "\n-include " + result + ".d\n";
+    }
+    return text;
+}
+
+std::string lastIndex(const EngineScript& script) {
+    return std::to_string(script.plan.jobs.size() - 1);
+}
+
+std::string parallelText(const EngineScript& script) {
+    const std::string log = shellWord((fs::path(script.results) / "parallel.log").string());
+    return "#!/bin/sh\n# For GNU parallel: sh FILE. Its exit status is the number of failed jobs, "
+           "and the log has the\n# code of each; sh FILE --retry-failed runs only those again.\n" +
+           mergeComment(script) + "mkdir -p " + shellWord(script.results) +
+           "\nif [ \"$1\" = --retry-failed ]; then\n    exec parallel --retry-failed --joblog " +
+           log + "\nfi\nseq 0 " + lastIndex(script) + " | exec parallel --joblog " + log +
+           " --memfree 256M \"$@\" " + shellWord(runCommand(script, "--index {}")) + "\n";
+}
+
+std::string slurmText(const EngineScript& script) {
+    return "#!/bin/sh\n#SBATCH --job-name=marrowpress\n#SBATCH --array=0-" + lastIndex(script) +
+           "\n#SBATCH --requeue\n# For Slurm: sbatch FILE. Each task is a job of the plan.\n" +
+           mergeComment(script) + "exec " + runCommand(script, "--index env") + "\n";
+}
+
+/// The folder that has all that the jobs read and write, as far as the plan tells.
+fs::path commonFolder(const EngineScript& script) {
+    fs::path common = fs::path(script.planFile).parent_path();
+    const auto include = [&common](const fs::path& path) {
+        const auto [end, ignored] =
+            std::mismatch(common.begin(), common.end(), path.begin(), path.end());
+        fs::path shorter;
+        for (auto part = common.begin(); part != end; ++part) {
+            shorter /= *part;
+        }
+        common = shorter;
+    };
+    include(script.results);
+    for (const Job& job : script.plan.jobs) {
+        include(job.options.map);
+        include(job.options.output);
+    }
+    return common;
+}
+
+std::string kubernetesText(const EngineScript& script) {
+    const std::string count = std::to_string(script.plan.jobs.size());
+    const std::string folder = yamlText(commonFolder(script).string());
+    std::string arguments;
+    for (const std::string& argument :
+         {std::string("marrowpress"), std::string("batch"), std::string("run"), script.planFile,
+          std::string("--results"), script.results, std::string("--index"), std::string("env")}) {
+        arguments += (arguments.empty() ? "" : ", ") + yamlText(argument);
+    }
+    return "# For Kubernetes: kubectl apply -f FILE. Each completion index is a job of the plan. "
+           "Put\n"
+           "# your image's name and your volume in the places of these.\n" +
+           mergeComment(script) +
+           "apiVersion: batch/v1\nkind: Job\nmetadata:\n  name: marrowpress\nspec:\n"
+           "  completionMode: Indexed\n  completions: " +
+           count + "\n  parallelism: 4\n  backoffLimitPerIndex: 0\n  maxFailedIndexes: " + count +
+           "\n  template:\n    spec:\n      restartPolicy: Never\n      containers:\n"
+           "        - name: marrowpress\n          image: marrowpress\n          command: [" +
+           arguments +
+           "]\n          volumeMounts:\n            - name: files\n"
+           "              mountPath: " +
+           folder +
+           "\n      volumes:\n        - name: files\n          hostPath:\n            path: " +
+           folder + "\n";
+}
+
+std::string githubText(const EngineScript& script) {
+    const std::size_t parts = std::min(script.plan.jobs.size(), kLargestMatrix);
+    std::string numbers;
+    for (std::size_t part = 1; part <= parts; ++part) {
+        numbers += (part == 1 ? "" : ", ") + std::to_string(part);
+    }
+    return "# For GitHub: a workflow whose matrix runs the plan part by part, on a machine that "
+           "has the\n"
+           "# plan and its files.\n" +
+           mergeComment(script) +
+           "name: marrowpress\non: workflow_dispatch\njobs:\n  publish:\n    runs-on: self-hosted\n"
+           "    strategy:\n      fail-fast: false\n      matrix:\n        part: [" +
+           numbers + "]\n    steps:\n      - run: " +
+           yamlText(runCommand(script, "--shard ${{ matrix.part }}/" + std::to_string(parts))) +
+           "\n";
+}
+
+}  // namespace
+
+std::string engineScript(const EngineScript& script) {
+    switch (script.engine) {
+        case Engine::kNinja:
+            return ninjaText(script);
+        case Engine::kMake:
+            return makeText(script);
+        case Engine::kParallel:
+            return parallelText(script);
+        case Engine::kSlurm:
+            return slurmText(script);
+        case Engine::kKubernetes:
+            return kubernetesText(script);
+        case Engine::kGithub:
+            break;
+    }
+    return githubText(script);
+}
+
+std::string shellWord(const std::string& text) {
+    constexpr std::string_view kPlain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+./:=@%,";
+    if (!text.empty() && text.find_first_not_of(kPlain) == std::string::npos) {
+        return text;
+    }
+    return "'" + boost::replace_all_copy(text, "'", "'\\''") + "'";
+}
+
+}  // namespace marrowpress

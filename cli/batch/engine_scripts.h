@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "cli/batch/plan.h"
+#include "cli/batch_options.h"
+
+namespace marrowpress {
+
+/// What a script for an engine is made of. Paths are absolute.
+struct EngineScript {
+    Engine engine;
+    const Plan& plan;
+    std::string program;   ///< The command `marrowpress`.
+    std::string planFile;  ///< Where the plan is, or is made by the script.
+    std::string results;   ///< The folder of results.
+    /// The command that makes the plan, for make and ninja; empty for a plan that is there.
+    std::string planCommand;
+    std::string planSource;  ///< What the plan is made of.
+};
+
+/// A script or manifest by which the engine runs each job of the plan, with comments that say how
+/// it is called. The same index always means the same job.
+std::string engineScript(const EngineScript& script);
+
+/// `text` as one word for a POSIX shell.
+std::string shellWord(const std::string& text);
+
+}  // namespace marrowpress

@@ -1,0 +1,89 @@
+#include "cli/batch/engine_scripts.h"
+
+#include <gtest/gtest.h>
+
+namespace marrowpress {
+namespace {
+
+class EngineScriptsTest : public testing::Test {
+protected:
+    EngineScriptsTest() {
+        for (const char* const id : {"a b", "c$d"}) {
+            plan_.jobs.emplace_back();
+            plan_.jobs.back().id = id;
+            plan_.jobs.back().options.map = "/n/docs/m.ditamap";
+            plan_.jobs.back().options.output = "/n/out/m.dita";
+        }
+    }
+
+    std::string scriptFor(Engine engine) const {
+        return engineScript(
+            {engine, plan_, "/bin/marrowpress", "/n/night/plan.jsonl", "/n/night/results", "", ""});
+    }
+
+    bool has(Engine engine, const std::string& text) const {
+        const std::string script = scriptFor(engine);
+        EXPECT_NE(script.find(text), std::string::npos) << script;
+        return script.find(text) != std::string::npos;
+    }
+
+    Plan plan_;
+};
+
+TEST_F(EngineScriptsTest, AWordForTheShellIsQuotedWhereItHasTo) {
+    EXPECT_EQ(shellWord("/a/b-c_1.json"), "/a/b-c_1.json");
+    EXPECT_EQ(shellWord("a b"), "'a b'");
+    EXPECT_EQ(shellWord("$x"), "'$x'");
+    EXPECT_EQ(shellWord("it's"), "'it'\\''s'");
+    EXPECT_EQ(shellWord(""), "''");
+}
+
+TEST_F(EngineScriptsTest, NinjaAndMakeHaveARuleForEachResult) {
+    EXPECT_TRUE(
+        has(Engine::kNinja, "build /n/night/results/a$ b.json: job | /n/night/plan.jsonl\n"));
+    EXPECT_TRUE(has(Engine::kNinja, "/n/night/results/c$$d.json: job"));
+    EXPECT_TRUE(has(Engine::kNinja, "--index 1 --depfile '/n/night/results/c$$d.json.d'"));
+    EXPECT_TRUE(has(Engine::kMake,
+                    "all: /n/night/results/a\\ b.json\n"
+                    "/n/night/results/a\\ b.json: /n/night/plan.jsonl\n"));
+    EXPECT_TRUE(has(Engine::kMake, "-include /n/night/results/a\\ b.json.d\n"));
+    EXPECT_TRUE(has(Engine::kMake, "--index 1 --depfile '/n/night/results/c$$d.json.d'"));
+}
+
+TEST_F(EngineScriptsTest, ThoseThatMakeThePlanHaveARuleForIt) {
+    EngineScript script{Engine::kNinja, plan_, "/m", "/r/plan.jsonl", "/r", "make it", "/p x.xml"};
+    EXPECT_NE(engineScript(script).find("build /r/plan.jsonl: plan /p$ x.xml\n"),
+              std::string::npos);
+    script.engine = Engine::kMake;
+    EXPECT_NE(engineScript(script).find("/r/plan.jsonl: /p\\ x.xml\n\tmake it\n"),
+              std::string::npos);
+    EXPECT_EQ(scriptFor(Engine::kNinja).find("rule plan"), std::string::npos);
+}
+
+TEST_F(EngineScriptsTest, TheOthersTakeEachIndexOnce) {
+    EXPECT_TRUE(has(Engine::kParallel, "seq 0 1 | exec parallel"));
+    EXPECT_TRUE(has(Engine::kParallel, "--index {}"));
+    EXPECT_TRUE(has(Engine::kSlurm, "#SBATCH --array=0-1\n"));
+    EXPECT_TRUE(has(Engine::kSlurm, "--index env\n"));
+    EXPECT_TRUE(has(Engine::kKubernetes, "  completions: 2\n"));
+    EXPECT_TRUE(has(Engine::kKubernetes, R"("--index", "env")"));
+    EXPECT_TRUE(has(Engine::kKubernetes, "path: \"/n\"\n")) << "what all files are in";
+    EXPECT_TRUE(has(Engine::kGithub, "        part: [1, 2]\n"));
+    EXPECT_TRUE(has(Engine::kGithub, "--shard ${{ matrix.part }}/2"));
+}
+
+TEST_F(EngineScriptsTest, AMatrixIsNoLargerThanItMayBe) {
+    plan_.jobs.resize(1000);
+    EXPECT_TRUE(has(Engine::kGithub, ", 255, 256]\n"));
+    EXPECT_TRUE(has(Engine::kGithub, "--shard ${{ matrix.part }}/256"));
+}
+
+TEST_F(EngineScriptsTest, EachSaysHowItEndsInAMerge) {
+    for (const Engine engine : {Engine::kNinja, Engine::kMake, Engine::kParallel, Engine::kSlurm,
+                                Engine::kKubernetes, Engine::kGithub}) {
+        EXPECT_TRUE(has(engine, "batch merge /n/night/results --plan /n/night/plan.jsonl\n"));
+    }
+}
+
+}  // namespace
+}  // namespace marrowpress
