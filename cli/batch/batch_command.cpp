@@ -176,7 +176,7 @@ std::string Batch::planCommand(const std::string& program, const std::string& pl
                           shellWord(planFile) + " --output " +
                           shellWord(fs::absolute(options_.outputFolder.value_or(".")).string());
     const auto add = [&command](const char* option, const std::string& value) {
-        command += std::string(" ") + option + " " + shellWord(value);
+        command.append(" ").append(option).append(" ").append(shellWord(value));
     };
     for (const auto& [transtype, format] : options_.formats) {
         add("--as", transtype + "=" + format);
@@ -188,7 +188,7 @@ std::string Batch::planCommand(const std::string& program, const std::string& pl
         add("--tag", tag);
     }
     for (const std::string& argument : planArguments(plan_)) {
-        command += " " + shellWord(argument);
+        command.append(" ").append(shellWord(argument));
     }
     return command;
 }

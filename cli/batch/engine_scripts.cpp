@@ -71,10 +71,10 @@ std::string ninjaText(const EngineScript& script) {
     }
     for (std::size_t index = 0; index < script.plan.jobs.size(); ++index) {
         const Job& job = script.plan.jobs[index];
-        text += "build " + ninjaPath(resultOf(script, job)) + ": job | " +
-                ninjaPath(script.planFile) +
-                "\n  call = " + dollarsDoubled(jobCommand(script, index)) +
-                "\n  id = " + dollarsDoubled(job.id) + "\n";
+        text.append("build ").append(ninjaPath(resultOf(script, job))).append(": job | ");
+        text.append(ninjaPath(script.planFile)).append("\n  call = ");
+        text.append(dollarsDoubled(jobCommand(script, index))).append("\n  id = ");
+        text.append(dollarsDoubled(job.id)).append("\n");
     }
     return text;
 }
@@ -92,8 +92,9 @@ std::string makeText(const EngineScript& script) {
     }
     for (std::size_t index = 0; index < script.plan.jobs.size(); ++index) {
         const std::string result = makeName(resultOf(script, script.plan.jobs[index]));
-        text += "all: " + result + "\n" + result + ": " + plan + "\n\t" +
-                dollarsDoubled(jobCommand(script, index)) + "\n-include " + result + ".d\n";
+        text.append("all: ").append(result).append("\n").append(result).append(": ");
+        text.append(plan).append("\n\t").append(dollarsDoubled(jobCommand(script, index)));
+        text.append("\n-include ").append(result).append(".d\n");
     }
     return text;
 }
