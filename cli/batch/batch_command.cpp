@@ -179,7 +179,7 @@ std::string Batch::planCommand(const std::string& program, const std::string& pl
         command.append(" ").append(option).append(" ").append(shellWord(value));
     };
     for (const auto& [transtype, format] : options_.formats) {
-        add("--as", transtype + "=" + format);
+        add("--as", std::string(transtype).append("=").append(format));
     }
     for (const std::string& pattern : options_.idPatterns) {
         add("--select", pattern);
