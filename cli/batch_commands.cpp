@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cli/diagnostics_arguments.h"
+#include "cli/watch/watch_arguments.h"
 
 namespace marrowpress {
 namespace {
@@ -140,6 +141,9 @@ private:
     Options finish() override {
         if (keepsGoing_ && options_.failsFast) {
             return wrongUsage("--keep-going, --fail-fast: only one of them can be");
+        }
+        if (options_.action == BatchAction::kWatch && options_.file == kStandardOutput) {
+            return wrongUsage("FILE: standard input (-) cannot be watched");
         }
         if (!options_.index.empty() && !options_.shard.empty()) {
             return wrongUsage("--index, --shard: only one of them can be");
@@ -304,6 +308,22 @@ public:
     }
 };
 
+class BatchWatchCommand final : public BatchPart {
+public:
+    explicit BatchWatchCommand(CLI::App& program)
+        : BatchPart(program, BatchAction::kWatch, "batch-watch",
+                    "Publish many deliverables, and again those whose sources change",
+                    footerText("  marrowpress batch watch project.xml --output out\n",
+                               "Jobs whose last results are up to date are not run. Ctrl-C ends "
+                               "the watch.")) {
+        addJobs();
+        addRunning();
+        addPolling(arguments(), options_.polls);
+        addResultOptions();
+        addReports();
+    }
+};
+
 class WorkerCommand final : public Command {
 public:
     explicit WorkerCommand(CLI::App& program)
@@ -341,11 +361,13 @@ void addBatchCommands(CLI::App& program, std::vector<std::unique_ptr<Command>>& 
     commands.push_back(std::make_unique<BatchRunCommand>(program));
     commands.push_back(std::make_unique<BatchMergeCommand>(program));
     commands.push_back(std::make_unique<BatchEmitCommand>(program));
+    commands.push_back(std::make_unique<BatchWatchCommand>(program));
     commands.push_back(std::make_unique<WorkerCommand>(program));
 }
 
 std::vector<std::string> withJoinedName(std::vector<std::string> arguments) {
-    constexpr std::string_view kParts[] = {"check", "list", "plan", "run", "merge", "emit"};
+    constexpr std::string_view kParts[] = {"check", "list", "plan", "run",
+                                           "merge", "emit", "watch"};
     // "batch help" and "help batch check" are asked alike.
     const std::size_t at = !arguments.empty() && arguments.front() == "help" ? 1 : 0;
     if (arguments.size() > at + 1 && arguments[at] == "batch" &&

@@ -16,7 +16,16 @@ namespace marrowpress {
 inline constexpr const char* kUsualResultFolder = "marrowpress-results";
 
 /// What `marrowpress batch` and its parts are to do.
-enum class BatchAction : std::uint8_t { kPublish, kCheck, kList, kPlan, kRun, kMerge, kEmit };
+enum class BatchAction : std::uint8_t {
+    kPublish,
+    kCheck,
+    kList,
+    kPlan,
+    kRun,
+    kMerge,
+    kEmit,
+    kWatch
+};
 
 /// What runs the jobs of a plan in the place of a batch.
 enum class Engine : std::uint8_t { kNinja, kMake, kParallel, kSlurm, kKubernetes, kGithub };
@@ -56,6 +65,8 @@ struct BatchOptions {
     std::string shard;  ///< "2/5"
     std::optional<std::string> depfile;
     Engine engine = Engine::kNinja;
+    bool polls = false;       ///< For watch: without events of the system.
+    bool isRepeated = false;  ///< By a watch: only what is run again is told.
 };
 
 }  // namespace marrowpress

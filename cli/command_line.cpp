@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "cli/bash_completion.h"
 #include "cli/batch_commands.h"
@@ -29,6 +30,18 @@ std::vector<std::string> toParserOrder(const std::vector<std::string>& arguments
         }
     }
     return reversed;
+}
+
+/// What stands behind the first "--" of `watch` is a command of its own, and taken out of
+/// `arguments`.
+std::vector<std::string> takeCommand(std::vector<std::string>& arguments) {
+    if (arguments.empty() || arguments.front() != "watch") {
+        return {};
+    }
+    const auto end = std::find(arguments.begin(), arguments.end(), "--");
+    std::vector<std::string> command(end == arguments.end() ? end : end + 1, arguments.end());
+    arguments.erase(end, arguments.end());
+    return command;
 }
 
 UsageError wrongProgramUsage(const std::string& fault) {
@@ -112,7 +125,13 @@ private:
 }  // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments, std::size_t helpWidth) {
-    return Program(helpWidth).parse(withJoinedName(arguments));
+    std::vector<std::string> own = withJoinedName(arguments);
+    std::vector<std::string> command = takeCommand(own);
+    Options options = Program(helpWidth).parse(own);
+    if (auto* const watch = std::get_if<WatchOptions>(&options)) {
+        watch->command = std::move(command);
+    }
+    return options;
 }
 
 }  // namespace marrowpress

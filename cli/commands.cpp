@@ -6,6 +6,7 @@
 #include "cli/batch_commands.h"
 #include "cli/diagnostics_arguments.h"
 #include "cli/version_text.h"
+#include "cli/watch/watch_arguments.h"
 #include "findings/catalogue.h"
 #include "marrowpress/output_names.h"
 
@@ -17,6 +18,11 @@ constexpr const char* kFlatBookExample =
     "  marrowpress publish \\\n"
     "      examples/drill-guide/drill-guide.ditamap -f flatbook -o out/book \\\n"
     "      --one-location\n";
+
+constexpr const char* kWatchExample =
+    "  mkdir -p out\n"
+    "  marrowpress watch examples/drill-guide/drill-guide.ditamap \\\n"
+    "      -o out/drill-guide.dita -- ls -l out\n";
 
 constexpr const char* kCheckExample =
     "  marrowpress check examples/drill-guide/drill-guide.ditamap\n";
@@ -88,14 +94,17 @@ void addPrint(CommandArguments& arguments, RunOptions& target) {
                       "Leave out what the map marks with print=\"no\"");
 }
 
+void addResult(CommandArguments& arguments, RunOptions& target, const std::string& description) {
+    arguments.addText("--result", target.result, description, "FILE");
+}
+
 void addRepetition(CommandArguments& arguments, RunOptions& target) {
     arguments.addFlag("--if-changed", target.isOnlyIfChanged,
                       "Do nothing but show the last run's findings again when nothing has changed "
                       "since: the request, the files that it read or missed, its outputs");
-    arguments.addText("--result", target.result,
-                      "Keep the run's result in FILE: its findings, the files that it depends on, "
-                      "its outputs. Without it --if-changed keeps one for itself",
-                      "FILE");
+    addResult(arguments, target,
+              "Keep the run's result in FILE: its findings, the files that it depends on, "
+              "its outputs. Without it --if-changed keeps one for itself");
 }
 
 /// The sentence about options that contradict each other; empty when none do.
@@ -112,6 +121,54 @@ std::optional<std::string> findContradiction(const RunOptions& options) {
     return findDiagnosticsFault(options.diagnostics);
 }
 
+/// What decides on a publication, for all commands that make one.
+void addPublication(CommandArguments& arguments, PublishOptions& target) {
+    const std::string description =
+        std::string(
+            "composite: the file to write, or - for standard output. Replaces a "
+            "composite of an earlier run, and what stands beside it as OUT")
+            .append(kAsideSuffix)
+            .append(" and ")
+            .append(kKeySpaceDocName)
+            .append(
+                ", no other file. flatbook: a folder; it takes the components that have no "
+                "source. Replaces components of earlier runs, and keeps other files of their "
+                "names beside them. A folder that is not there is made");
+    arguments.addText("-o,--output", target.output, description, "OUT").required();
+    addOneLocation(arguments, target);
+    addFilters(arguments, target);
+    addCatalog(arguments, target.catalogs);
+    addPrint(arguments, target);
+    arguments.addText("--composite-dtd", target.compositeDtd,
+                      "System identifier in the doctype of the composite or the components", "ID");
+    arguments.addText("--keyspace-dtd", target.keySpaceDtd,
+                      "System identifier in the key space document's doctype", "ID");
+    arguments.addFlag("--relative", target.isRelative,
+                      "Write references to local files as seen from the output that holds "
+                      "them, not as absolute paths");
+    arguments.addText("--copy-media", target.mediaFolder,
+                      "Copy the images and media that are referenced into DIR, and refer to "
+                      "them there; seen from the output's folder, and made when it is not "
+                      "there. Replaces nothing. Implies --relative",
+                      "DIR");
+    arguments.addText("--depfile", target.depfile,
+                      "Write a rule for make and ninja to FILE: OUT, as it is given here, "
+                      "and the files that it depends on",
+                      "FILE");
+}
+
+/// The sentence about options of a publication that contradict each other; empty when none do.
+std::optional<std::string> finishPublication(PublishOptions& options) {
+    if (std::optional<std::string> fault = findContradiction(options)) {
+        return fault;
+    }
+    options.isRelative |= options.mediaFolder.has_value();
+    if (options.depfile && options.output == kStandardOutput) {
+        return "--depfile: standard output (-) is no file that a rule could name";
+    }
+    return std::nullopt;
+}
+
 class PublishCommand final : public Command {
 public:
     explicit PublishCommand(CLI::App& program)
@@ -121,28 +178,7 @@ public:
                              "the written files to standard output.")) {
         addMap(arguments(), options_);
         addFormat(arguments(), options_).required();
-        addOutput();
-        addOneLocation(arguments(), options_);
-        addFilters(arguments(), options_);
-        addCatalog(arguments(), options_.catalogs);
-        addPrint(arguments(), options_);
-        arguments().addText("--composite-dtd", options_.compositeDtd,
-                            "System identifier in the doctype of the composite or the components",
-                            "ID");
-        arguments().addText("--keyspace-dtd", options_.keySpaceDtd,
-                            "System identifier in the key space document's doctype", "ID");
-        arguments().addFlag("--relative", options_.isRelative,
-                            "Write references to local files as seen from the output that holds "
-                            "them, not as absolute paths");
-        arguments().addText("--copy-media", options_.mediaFolder,
-                            "Copy the images and media that are referenced into DIR, and refer to "
-                            "them there; seen from the output's folder, and made when it is not "
-                            "there. Replaces nothing. Implies --relative",
-                            "DIR");
-        arguments().addText("--depfile", options_.depfile,
-                            "Write a rule for make and ninja to FILE: OUT, as it is given here, "
-                            "and the files that it depends on",
-                            "FILE");
+        addPublication(arguments(), options_);
         addRepetition(arguments(), options_);
         addDiagnostics(arguments(), options_.diagnostics);
         addMeasures(arguments(), options_.diagnostics);
@@ -150,33 +186,41 @@ public:
     }
 
 private:
-    void addOutput() {
-        const std::string description =
-            std::string(
-                "composite: the file to write, or - for standard output. Replaces a "
-                "composite of an earlier run, and what stands beside it as OUT")
-                .append(kAsideSuffix)
-                .append(" and ")
-                .append(kKeySpaceDocName)
-                .append(
-                    ", no other file. flatbook: a folder; it takes the components that have no "
-                    "source. Replaces components of earlier runs, and keeps other files of their "
-                    "names beside them. A folder that is not there is made");
-        arguments().addText("-o,--output", options_.output, description, "OUT").required();
-    }
-
     Options finish() override {
-        if (const std::optional<std::string> fault = findContradiction(options_)) {
-            return wrongUsage(*fault);
-        }
-        options_.isRelative |= options_.mediaFolder.has_value();
-        if (options_.depfile && options_.output == kStandardOutput) {
-            return wrongUsage("--depfile: standard output (-) is no file that a rule could name");
-        }
-        return options_;
+        const std::optional<std::string> fault = finishPublication(options_);
+        return fault ? Options(wrongUsage(*fault)) : Options(options_);
     }
 
     PublishOptions options_;
+};
+
+class WatchCommand final : public Command {
+public:
+    explicit WatchCommand(CLI::App& program)
+        : Command(program, "watch", "Publish a DITA map, and again whenever a source changes",
+                  footerText(kWatchExample,
+                             "What stands behind -- is run each time that something was "
+                             "published. Ctrl-C ends the watch.")) {
+        addMap(arguments(), options_);
+        addFormat(arguments(), options_);
+        addPublication(arguments(), options_);
+        addResult(arguments(), options_, "Keep the last run's result in FILE");
+        addPolling(arguments(), options_.polls);
+        addDiagnostics(arguments(), options_.diagnostics);
+        addMeasures(arguments(), options_.diagnostics);
+        addReport(arguments(), options_.diagnostics);
+    }
+
+private:
+    Options finish() override {
+        if (options_.output == kStandardOutput) {
+            return wrongUsage("--output: standard output (-) cannot be made anew");
+        }
+        const std::optional<std::string> fault = finishPublication(options_);
+        return fault ? Options(wrongUsage(*fault)) : Options(options_);
+    }
+
+    WatchOptions options_;
 };
 
 class CheckCommand final : public Command {
@@ -459,6 +503,7 @@ private:
 std::vector<std::unique_ptr<Command>> makeCommands(CLI::App& program) {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<PublishCommand>(program));
+    commands.push_back(std::make_unique<WatchCommand>(program));
     commands.push_back(std::make_unique<CheckCommand>(program));
     commands.push_back(std::make_unique<KeysCommand>(program));
     commands.push_back(std::make_unique<DepsCommand>(program));

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "cli/batch/batch_command.h"
+#include "cli/batch/watched_batch.h"
 #include "cli/batch/worker_command.h"
 #include "cli/check_command.h"
 #include "cli/command_line.h"
@@ -18,6 +19,7 @@
 #include "cli/options.h"
 #include "cli/publish_command.h"
 #include "cli/streams.h"
+#include "cli/watch/watch_command.h"
 #include "findings/language.h"
 
 namespace {
@@ -31,6 +33,10 @@ struct Run {
     ExitCode operator()(const PublishOptions& options) const {
         chooseLanguage(options.diagnostics.language);
         return runPublish(options, streams);
+    }
+    ExitCode operator()(const WatchOptions& options) const {
+        chooseLanguage(options.diagnostics.language);
+        return runWatch(options, streams);
     }
     ExitCode operator()(const CheckOptions& options) const {
         chooseLanguage(options.diagnostics.language);
@@ -50,7 +56,8 @@ struct Run {
     }
     ExitCode operator()(const BatchOptions& options) const {
         chooseLanguage(options.diagnostics.language);
-        return runBatch(options, streams);
+        return options.action == BatchAction::kWatch ? runBatchWatch(options, streams)
+                                                     : runBatch(options, streams);
     }
     ExitCode operator()(const WorkerOptions& options) const {
         chooseLanguage(options.diagnostics.language);

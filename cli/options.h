@@ -60,6 +60,12 @@ struct PublishOptions : RunOptions {
     std::optional<std::string> depfile;      ///< Gets the rule of the output.
 };
 
+/// `marrowpress watch`: publishes one map whenever something changes.
+struct WatchOptions : PublishOptions {
+    bool polls = false;                ///< Without events of the system.
+    std::vector<std::string> command;  ///< Run when something was published; may be empty.
+};
+
 /// `marrowpress check`: looks for what is wrong with one map. The output is only looked at, and is
 /// empty when none was named.
 struct CheckOptions : RunOptions {
@@ -126,9 +132,9 @@ struct UsageError {
     std::string text;
 };
 
-using Options = std::variant<HostOptions, PublishOptions, CheckOptions, KeysOptions, DepsOptions,
-                             DoctorOptions, BatchOptions, WorkerOptions, ExplainOptions,
-                             CompletionOptions, Information, UsageError>;
+using Options = std::variant<HostOptions, PublishOptions, WatchOptions, CheckOptions, KeysOptions,
+                             DepsOptions, DoctorOptions, BatchOptions, WorkerOptions,
+                             ExplainOptions, CompletionOptions, Information, UsageError>;
 
 /// A command's name as people write it: the parts of `batch` are two words, "batch check" for
 /// "batch-check".

@@ -68,6 +68,7 @@ class Publishing {
 public:
     Publishing(const PublishOptions& options, const Streams& streams, const RunRecording* recording)
         : options_(options),
+          givenOutput_(options.output),
           streams_(streams),
           recording_(recording),
           measures_(options_.diagnostics) {
@@ -112,6 +113,7 @@ private:
     std::string shownOutput() const;
 
     PublishOptions options_;
+    std::string givenOutput_;  ///< As `options_` had it, before it was made elsewhere.
     const Streams& streams_;
     const RunRecording* recording_;
     PublishPaths paths_;
@@ -239,7 +241,7 @@ void Publishing::writeDepfile() const {
     dependencies_->finish();
     replaceFile(
         fs::absolute(*options_.depfile),
-        makeRule(options_.output, prerequisitesOf(*dependencies_, fs::current_path().string())));
+        makeRule(givenOutput_, prerequisitesOf(*dependencies_, fs::current_path().string())));
 }
 
 ExitCode Publishing::runUnobserved(const ProfileSet& profiles) {
@@ -456,8 +458,8 @@ std::string Publishing::resultText(const RunOutcome& outcome) const {
 /// The output as it was given, unless the client reads that as another file.
 std::string Publishing::shownOutput() const {
     std::error_code ignored;
-    const bool isSame = fs::equivalent(options_.output, paths_.output, ignored);
-    return isSame ? options_.output : paths_.output.string();
+    const fs::path& place = aside_ ? aside_->place() : paths_.output;
+    return fs::equivalent(givenOutput_, place, ignored) ? givenOutput_ : place.string();
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstdlib>
 #include <string_view>
 
 // What runs in a signal handler may call what is async-signal-safe, and nothing else: no memory is
@@ -211,6 +212,13 @@ void RemovalOnSignal::removeNow() const {
     if (!isUntouched) {
         unlink(path_.c_str());
     }
+}
+
+void endBySignal(int signal) {
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+    constexpr int kSignalBase = 128;
+    std::_Exit(kSignalBase + signal);
 }
 
 }  // namespace marrowpress

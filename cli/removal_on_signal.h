@@ -38,6 +38,9 @@ public:
     static bool hasCome() noexcept;
 };
 
+/// Ends the process by a signal, once all is in order.
+[[noreturn]] void endBySignal(int signal);
+
 /// What goes when a signal comes.
 enum class Removal : std::uint8_t {
     kAll,          ///< The file, or the folder with all that is in it.

@@ -11,13 +11,6 @@ std::int64_t lastTouch(const FileStamp& stamp) {
     return std::max(stamp.modified, stamp.changed);
 }
 
-/// Whether the file was changed between the run's begin and end. A time still to come is the trace
-/// of a clock that was set back, and says nothing.
-bool isTouchedDuring(const ResultRun& run, const FileStamp& stamp) {
-    return (stamp.changed >= run.begin && stamp.changed <= run.end) ||
-           (stamp.modified >= run.begin && stamp.modified <= run.end);
-}
-
 }  // namespace
 
 const std::optional<FileStamp>& FileComparison::stampAt(const std::string& path) {
@@ -67,10 +60,15 @@ bool FileComparison::isUpToDate(const RunResult& result, const WantedRun& wanted
     return true;
 }
 
+bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp) {
+    return (stamp.changed >= run.begin && stamp.changed <= run.end) ||
+           (stamp.modified >= run.begin && stamp.modified <= run.end);
+}
+
 bool wasChangedMeanwhile(const RunResult& result) {
     for (std::size_t index = 0; index < result.dependencies.size(); ++index) {
         const std::optional<KnownFile>& file = result.run.files[index];
-        if (file && isTouchedDuring(result.run, file->stamp)) {
+        if (file && wasTouchedDuring(result.run, file->stamp)) {
             return true;
         }
     }

@@ -34,6 +34,10 @@ private:
     std::unordered_map<std::string, std::optional<std::string>> digests_;
 };
 
+/// Whether the file was changed between the run's begin and end. A time still to come is the trace
+/// of a clock that was set back, and says nothing.
+bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp);
+
 /// Whether a file that the run has read was changed since it began, so that the result may be of
 /// neither state.
 bool wasChangedMeanwhile(const RunResult& result);

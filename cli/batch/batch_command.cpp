@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/join.hpp>
-#include <csignal>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -27,6 +25,7 @@
 #include "cli/file_replacement.h"
 #include "cli/output_folder.h"
 #include "cli/publish_paths.h"
+#include "cli/removal_on_signal.h"
 #include "cli/text_table.h"
 #include "findings/language.h"
 #include "findings/shown_path.h"
@@ -47,14 +46,6 @@ std::string placeOfJob(const Job& job) {
 
 const char* formatName(const Job& job) {
     return isFlatBook(job.options) ? "flatbook" : "composite";
-}
-
-/// Ends the process by the signal that ended the batch.
-[[noreturn]] void endBy(int signal) {
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
-    constexpr int kSignalBase = 128;
-    std::_Exit(kSignalBase + signal);
 }
 
 /// One call of the command.
@@ -342,6 +333,9 @@ ExitCode Batch::runJobs() {
     }
     const BatchSetting how = setting();
     BatchView view(plan_, indexes_, options_.diagnostics, earlierTimes(), streams_);
+    if (options_.isRepeated) {
+        view.hideUpToDate();
+    }
     BatchRun run(plan_, how, results_, view);
     signal_ = run.run(indexes_);
     if (signal_ == 0 && !plan_.isCheck) {
@@ -456,7 +450,7 @@ ExitCode runBatch(const BatchOptions& options, const Streams& streams) {
         return ExitCode::kRunFailed;
     }
     // All that was to be cleaned up is gone by now.
-    endBy(signal);
+    endBySignal(signal);
 }
 
 }  // namespace marrowpress

@@ -81,6 +81,9 @@ void BatchView::look(const std::vector<JobOutcome>& outcomes) {
 void BatchView::end(std::size_t index, const JobOutcome& outcome, const RunResult& result) {
     ++done_;
     live_.clear();
+    if (isHidden(outcome)) {
+        return;
+    }
     const bool isWorthALine = !isLive_ || outcome.result != ResultState::kClean;
     if (isWorthALine && !options_.isQuiet && !isForTools(options_)) {
         streams_.err << "[" << done_ << "/" << indexes_.size() << "] " << plan_.jobs[index].id
@@ -88,6 +91,10 @@ void BatchView::end(std::size_t index, const JobOutcome& outcome, const RunResul
     }
     showFindings(result);
     streams_.err << std::flush;
+}
+
+bool BatchView::isHidden(const JobOutcome& outcome) const {
+    return hidesUpToDate_ && outcome.state == State::kUpToDate;
 }
 
 void BatchView::warn(const std::string& sentence) {
@@ -140,8 +147,9 @@ std::string BatchView::tableText(const std::vector<JobOutcome>& outcomes) const 
     for (const std::size_t index : indexes_) {
         const JobOutcome& outcome = outcomes[index];
         ++counts[wordOf(outcome)];
-        if (indexes_.size() > kMostCleanRows && outcome.isDone() &&
-            outcome.result == ResultState::kClean) {
+        const bool isPlain = indexes_.size() > kMostCleanRows && outcome.isDone() &&
+                             outcome.result == ResultState::kClean;
+        if (isPlain || isHidden(outcome)) {
             continue;
         }
         hasRows = true;

@@ -21,6 +21,9 @@ public:
               const DiagnosticsOptions& options, std::map<std::string, double> earlierTimes,
               const Streams& streams);
 
+    /// Jobs that are not run because they are up to date are counted, and not told.
+    void hideUpToDate() noexcept { hidesUpToDate_ = true; }
+
     void look(const std::vector<JobOutcome>& outcomes) override;
     void end(std::size_t index, const JobOutcome& outcome, const RunResult& result) override;
     void warn(const std::string& sentence) override;
@@ -34,6 +37,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    bool isHidden(const JobOutcome& outcome) const;
     std::string liveText(const std::vector<JobOutcome>& outcomes) const;
     double secondsLeft(const std::vector<JobOutcome>& outcomes) const;
     void showFindings(const RunResult& result);
@@ -45,6 +49,7 @@ private:
     const Streams& streams_;
     LiveLine live_;
     bool isLive_;
+    bool hidesUpToDate_ = false;
     std::size_t done_ = 0;
     Clock::time_point start_ = Clock::now();
 };

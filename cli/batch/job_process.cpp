@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <spawn.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -104,46 +103,6 @@ std::string lastLine(const std::string& lines) {
 }
 
 }  // namespace
-
-MemoryFile::MemoryFile(const char* name) : descriptor_(memfd_create(name, MFD_CLOEXEC)) {
-    if (descriptor_ < 0) {
-        throwError(errno, "cannot start a job");
-    }
-}
-
-MemoryFile::~MemoryFile() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
-}
-
-void MemoryFile::fill(const std::string& text) const {
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t written = write(descriptor_, text.data() + done, text.size() - done);
-        if (written <= 0) {
-            throwError(errno, "cannot start a job");
-        }
-        done += static_cast<std::size_t>(written);
-    }
-    lseek(descriptor_, 0, SEEK_SET);
-}
-
-std::string MemoryFile::text() const {
-    const off_t size = lseek(descriptor_, 0, SEEK_END);
-    std::string text(size > 0 ? static_cast<std::size_t>(size) : 0, '\0');
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t got =
-            pread(descriptor_, text.data() + done, text.size() - done, static_cast<off_t>(done));
-        if (got <= 0) {
-            break;
-        }
-        done += static_cast<std::size_t>(got);
-    }
-    text.resize(done);
-    return text;
-}
 
 JobProcess::JobProcess(const JobCall& call)
     : input_("job"), phases_("phases"), result_("result"), errors_("errors"), start_(Clock::now()) {

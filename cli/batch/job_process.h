@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/memory_file.h"
+
 namespace marrowpress {
 
 /// How the process of a job ended, and what it left behind.
@@ -22,24 +24,6 @@ struct JobEnd {
     double seconds = 0;
     double cpuSeconds = 0;
     std::uint64_t memory = 0;  ///< Resident at most, in bytes.
-};
-
-/// A file without a name, in memory.
-class MemoryFile {
-public:
-    /// @throws std::system_error
-    explicit MemoryFile(const char* name);
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-    ~MemoryFile();
-
-    int descriptor() const noexcept { return descriptor_; }
-    /// Puts `text` into it, and its position to the beginning.
-    void fill(const std::string& text) const;
-    std::string text() const;
-
-private:
-    int descriptor_;
 };
 
 /// What the process of a job is started with.

@@ -14,6 +14,7 @@
 #include "cli/batch/job_lines.h"
 #include "cli/batch/worker_channels.h"
 #include "cli/check_command.h"
+#include "cli/memory_file.h"
 #include "cli/publish_command.h"
 #include "host/file_text.h"
 #include "results/result_json.h"
@@ -24,17 +25,6 @@ namespace {
 
 /// How often a run is made again because its sources were changed while it read them.
 constexpr unsigned kMostTries = 3;
-
-/// What cannot be told has no reader any more.
-void tell(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written <= 0) {
-            return;
-        }
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-}
 
 /// A job does not outlive its batch, and cleans up then.
 void endWithBatch(pid_t batch) {

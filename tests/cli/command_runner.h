@@ -46,10 +46,19 @@ public:
 
     void send(int signal) const;
 
+    pid_t process() const noexcept { return child_; }
+    /// What it has written so far.
+    std::string outSoFar() const { return textSoFar("out"); }
+    std::string errSoFar() const { return textSoFar("err"); }
+
     /// To be called once.
     CommandResult wait();
 
 private:
+    std::string textSoFar(const char* stream) const {
+        return streams_.exists(stream) ? streams_.read(stream) : std::string();
+    }
+
     TemporaryFolder streams_;
     CommandSetting setting_;
     pid_t child_;

@@ -85,10 +85,10 @@ TEST_F(UsageCommandTest, WhatIsUnknownIsToldWithWhatIsNear) {
 }
 
 TEST_F(UsageCommandTest, WhatIsMissingIsTold) {
-    EXPECT_EQ(
-        refusal({}),
-        "marrowpress: a command is missing; known: publish, check, keys, deps, doctor, batch, "
-        "explain, host, completion, help, version");
+    EXPECT_EQ(refusal({}),
+              "marrowpress: a command is missing; known: publish, watch, check, keys, deps, "
+              "doctor, batch, "
+              "explain, host, completion, help, version");
     EXPECT_EQ(refusal({"check"}), "marrowpress check: MAP is required");
     EXPECT_EQ(refusal({"publish", "docs/m.ditamap", "-f"}),
               "marrowpress publish: -f: its value is missing");

@@ -18,7 +18,7 @@ protected:
 
 TEST_F(BashCompletionTest, EachCommandIsOffered) {
     EXPECT_TRUE(
-        has("_marrowpress_words 'publish check keys deps doctor batch explain host "
+        has("_marrowpress_words 'publish watch check keys deps doctor batch explain host "
             "completion help version'\n"));
     EXPECT_TRUE(script.ends_with("\ncomplete -F _marrowpress marrowpress\n"));
 }

@@ -103,18 +103,21 @@ TEST(CommandLineTest, WrongUsageNamesTheArgumentAndPointsToHelp) {
     const BadLineCase cases[] = {
         {{},
          "",
-         "a command is missing; known: publish, check, keys, deps, doctor, batch, explain, host, "
+         "a command is missing; known: publish, watch, check, keys, deps, doctor, batch, explain, "
+         "host, "
          "completion, help, version"},
         {{"pubish", "m"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"Check"}, "", "unknown command `Check`; did you mean `check`?"},
         {{"print", "m"},
          "",
-         "unknown command `print`; known: publish, check, keys, deps, doctor, batch, explain, "
+         "unknown command `print`; known: publish, watch, check, keys, deps, doctor, batch, "
+         "explain, "
          "host, "
          "completion, help, version"},
         {{""},
          "",
-         "unknown command ``; known: publish, check, keys, deps, doctor, batch, explain, host, "
+         "unknown command ``; known: publish, watch, check, keys, deps, doctor, batch, explain, "
+         "host, "
          "completion, help, version"},
         {{"pubish", "--help"}, "", "unknown command `pubish`; did you mean `publish`?"},
         {{"--quiet"}, "", "unknown option `--quiet`"},
