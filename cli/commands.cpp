@@ -306,6 +306,7 @@ public:
         arguments().addChoice("-f,--format", "format", options_.keyFormat, formats,
                               "How keys are shown: table, csv, or json (an object a line)",
                               "FORMAT");
+        addRepetition(arguments(), options_);
         arguments().addText("--explain", options_.explained,
                             "Show this key only: all definitions in the order in which they are "
                             "met, which of them counts, and why",

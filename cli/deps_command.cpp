@@ -134,10 +134,10 @@ ExitCode runDeps(const DepsOptions& options, const Streams& streams) {
     return runSurvey(
         {kName, run, [&](const Observation& observation) { list.observe(observation); },
          [&](const std::string& path) { list.addCatalog(path); },
-         [&] {
+         [&](const Streams& taker) {
              list.addProfiles(paths.filters);
              list.finish();
-             return giveAnswer({options, list}, streams);
+             return giveAnswer({options, list}, taker);
          }},
         streams);
 }

@@ -88,12 +88,12 @@ ExitCode examineMachine(const DoctorOptions& options, const Streams& streams) {
 
 ExitCode examineMap(const DoctorOptions& options, const Streams& streams) {
     DocumentGrammars grammars;
-    const auto giveResult = [&] {
+    const auto giveResult = [&](const Streams& taker) {
         DoctorReport report;
         report.addCatalogs(checkCatalogs(options.catalogs));
         report.addUses(grammars.uses(), fs::current_path().string());
         addSurroundings(report, passingFolder());
-        return give(report, streams);
+        return give(report, taker);
     };
     return runSurvey({kDoctor,
                       options,

@@ -53,6 +53,13 @@ ExitCode giveKeys(const KeysOptions& options, const KeyList& list, const Streams
                                                                  : ExitCode::kRunFailed;
 }
 
+/// What decides on the text besides the keys.
+std::string wishOf(const KeysOptions& options) {
+    return std::to_string(static_cast<int>(options.keyFormat)) + " from " +
+           std::filesystem::current_path().string() +
+           (options.explained ? " of " + *options.explained : "");
+}
+
 }  // namespace
 
 ExitCode runKeys(const KeysOptions& options, const Streams& streams) {
@@ -61,10 +68,11 @@ ExitCode runKeys(const KeysOptions& options, const Streams& streams) {
                       options,
                       [&](const Observation& observation) { list.observe(observation); },
                       {},
-                      [&] {
+                      [&](const Streams& taker) {
                           list.finish();
-                          return giveKeys(options, list, streams);
-                      }},
+                          return giveKeys(options, list, taker);
+                      },
+                      wishOf(options)},
                      streams);
 }
 

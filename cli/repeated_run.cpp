@@ -96,7 +96,7 @@ std::optional<RunResult> Repetition::lastResult() const {
     try {
         RunResult result = readResult(file_);
         RunIdentity identity =
-            identityOf(repeated_.command, options_, paths_, repeated_.ownFilters);
+            identityOf(repeated_.command, options_, paths_, repeated_.ownFilters, repeated_.wish);
         const WantedRun wanted{std::move(identity.request), std::move(identity.options),
                                versionsText()};
         return FileComparison().isUpToDate(result, wanted) ? std::optional(std::move(result))
@@ -127,6 +127,9 @@ ExitCode Repetition::showAgain(RunResult result, const FindingsReport& report) c
 
 /// As the run itself has shown them.
 std::string Repetition::shownOutputs(const RunResult& result) const {
+    if (result.text) {
+        return *result.text;
+    }
     if (result.outputs.empty() || !isFlatBook(options_)) {
         return result.outputs.empty() ? std::string() : options_.output + "\n";
     }

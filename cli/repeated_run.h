@@ -13,9 +13,10 @@ namespace marrowpress {
 
 /// A run whose result is kept, so that it need not be made again while nothing changes.
 struct RepeatedRun {
-    std::string command;            ///< "publish", "check".
+    std::string command;            ///< "publish", "check", "keys".
     const PublishOptions& options;  ///< For check those that it shares with it.
     std::size_t ownFilters = 0;     ///< As for `identityOf`.
+    std::string wish = {};          ///< As for `identityOf`.
 };
 
 /// Whether the result of a run with these options is kept.

@@ -89,25 +89,28 @@ std::optional<std::string> addFile(const std::string& path, ResultRun& run) {
 }  // namespace
 
 RunIdentity identityOf(const std::string& command, const PublishOptions& options,
-                       const PublishPaths& paths, std::size_t ownFilters) {
+                       const PublishPaths& paths, std::size_t ownFilters, const std::string& wish) {
     const bool isOneFilter = paths.filters.size() == 1;
     const DiagnosticsOptions& diagnostics = options.diagnostics;
     const bool isGerman =
         diagnostics.language == Language::kGerman ||
         (diagnostics.language == Language::kAuto && environmentLanguage() == Language::kGerman);
-    const json::object members{{"command", command},
-                               {"filters", pathMembers(paths.filters)},
-                               {"ownFilters", ownFilters},
-                               {"allowMissingFilter", options.allowsMissingFilter},
-                               {"catalogs", pathMembers(catalogFiles(options.catalogs))},
-                               {"relative", options.isRelative},
-                               {"media", jsonTextOrNull(options.mediaFolder.value_or(""))},
-                               {"findings", diagnostics.format != DiagnosticsFormat::kNone},
-                               {"failOn", failOnWord(diagnostics.failOn)},
-                               {"severities", severityMembers(diagnostics.severities)},
-                               {"baseline", optionalPath(diagnostics.baseline)},
-                               {"all", diagnostics.showsAll},
-                               {"language", isGerman ? "de" : "en"}};
+    json::object members{{"command", command},
+                         {"filters", pathMembers(paths.filters)},
+                         {"ownFilters", ownFilters},
+                         {"allowMissingFilter", options.allowsMissingFilter},
+                         {"catalogs", pathMembers(catalogFiles(options.catalogs))},
+                         {"relative", options.isRelative},
+                         {"media", jsonTextOrNull(options.mediaFolder.value_or(""))},
+                         {"findings", diagnostics.format != DiagnosticsFormat::kNone},
+                         {"failOn", failOnWord(diagnostics.failOn)},
+                         {"severities", severityMembers(diagnostics.severities)},
+                         {"baseline", optionalPath(diagnostics.baseline)},
+                         {"all", diagnostics.showsAll},
+                         {"language", isGerman ? "de" : "en"}};
+    if (!wish.empty()) {
+        members["wish"] = jsonText(wish);
+    }
     return {buildRequest(options, paths,
                          isOneFilter ? std::optional(paths.filters.front()) : std::nullopt),
             json::serialize(members)};

@@ -56,10 +56,12 @@ struct RunIdentity {
     std::string options;
 };
 
-/// @param command     "publish", "check".
+/// @param command     "publish", "check", "keys".
 /// @param ownFilters  How many filters, from the last, are for a run of their own each.
+/// @param wish        What else the command was asked for; empty for nothing.
 RunIdentity identityOf(const std::string& command, const PublishOptions& options,
-                       const PublishPaths& paths, std::size_t ownFilters = 0);
+                       const PublishPaths& paths, std::size_t ownFilters = 0,
+                       const std::string& wish = {});
 
 /// Of the program and the libraries that have a part in its results, as a JSON object.
 std::string versionsText();

@@ -19,11 +19,13 @@ struct Survey {
     /// Gets the path of each catalog that is looked for.
     std::function<void(const std::string&)> onCatalog = {};
     /// Writes what was met, once the run has come to its end.
-    std::function<ExitCode()> giveResult;
+    std::function<ExitCode(const Streams&)> giveResult;
+    /// What the result depends on besides the options of all runs; empty for nothing.
+    std::string wish = {};
 };
 
 /// Looks at the inputs, runs the map into a private folder, and writes the findings. A run that
-/// fails has no result.
+/// fails has no result. With `--if-changed` no run is made where the last one's result still holds.
 ExitCode runSurvey(const Survey& survey, const Streams& streams);
 
 }  // namespace marrowpress

@@ -253,6 +253,9 @@ RunResult resultOf(const json::object& object) {
     result.dropped = numberIn<std::size_t>(object, "dropped");
     result.dependencies = itemsIn(object, "dependencies", dependencyOf);
     result.outputs = itemsIn(object, "outputs", outputOf);
+    if (object.contains("text")) {
+        result.text = textIn(object, "text");
+    }
     result.versions = json::serialize(objectIn(object, "versions"));
     result.run = runOf(objectIn(object, "run"));
     if (result.run.files.size() != result.dependencies.size() + result.outputs.size()) {
@@ -282,6 +285,9 @@ std::string resultText(const RunResult& result) {
     text += ",\n";
     addItems(text, "outputs", result.outputs, outputMember);
     text += ",\n";
+    if (result.text) {
+        addMember(text, "text", jsonText(*result.text));
+    }
     addRaw(text, "versions", result.versions);
     addRun(text, result.run);
     return text + "}\n";

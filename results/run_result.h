@@ -66,7 +66,8 @@ struct RunResult {
     std::size_t dropped = 0;  ///< Findings that were met when no more were kept.
     std::vector<ResultDependency> dependencies;
     std::vector<ResultOutput> outputs;
-    std::string versions;  ///< Of the program and its libraries, as a JSON object.
+    std::optional<std::string> text;  ///< What was told, where that is what was asked for.
+    std::string versions;             ///< Of the program and its libraries, as a JSON object.
     ResultRun run;
 };
 

@@ -52,6 +52,28 @@ TEST_F(IfChangedTest, AFileThatWasMissingMakesARunWhenItComes) {
     EXPECT_EQ(result.err.find("up to date"), std::string::npos);
 }
 
+TEST_F(IfChangedTest, KeysAreToldAgainInTheirForm) {
+    writeMap(R"(<keydef keys="k" href="a.dita"/><topicref href="a.dita"/>)");
+    const auto keys = [this](const Texts& more) {
+        Texts arguments{"keys",         "docs/m.ditamap", "--catalog", "catalog.xml",
+                        "--if-changed", "--result",       "k.json"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return run(arguments);
+    };
+    const CommandResult first = keys({"-f", "csv"});
+    const CommandResult second = keys({"-f", "csv"});
+    EXPECT_EQ(first.code, 0) << first.err;
+    EXPECT_NE(first.out.find("k,"), std::string::npos);
+    EXPECT_EQ(second.code, 0);
+    EXPECT_EQ(second.out, first.out);
+    EXPECT_TRUE(second.err.ends_with("up to date\n")) << second.err;
+    EXPECT_FALSE(keys({"-f", "json"}).err.ends_with("up to date\n"));
+    EXPECT_EQ(keys({"--explain", "none"}).code, 2);
+    EXPECT_EQ(keys({"--explain", "none"}).code, 2) << "what is refused has no result";
+    writeMap(R"(<keydef keys="other" href="a.dita"/><topicref href="a.dita"/>)");
+    EXPECT_NE(keys({"-f", "csv"}).out.find("other,"), std::string::npos);
+}
+
 TEST_F(IfChangedTest, CheckRemembersEachOfItsFilters) {
     folder_.write("p.ditaval", "<val/>");
     folder_.write("q.ditaval", "<val/>");

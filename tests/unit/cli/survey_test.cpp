@@ -26,7 +26,7 @@ protected:
                                         options.map == met.target;
                           },
                           {},
-                          [this] {
+                          [this](const Streams&) {
                               ++results;
                               return resultCode;
                           }},
