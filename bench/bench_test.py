@@ -14,6 +14,7 @@ import unittest
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
 
+from batches import JOBS, SMALL_DTDS, example_jobs, measure_own, small_jobs
 from cases import (CASES, COMPOSITE, Costs, compared, each_further, growth, linear,
                    over_floor, whole)
 from corpus import write_corpus
@@ -169,6 +170,34 @@ class AMeasurement(WithFolder):
         publication = self.publication()
         with self.assertRaises(Failure):
             measure(publication, [Path("/bin/false")], None, 1, False)
+
+
+class ABatch(WithFolder):
+    def costs_of(self, *options):
+        return measure_own([COMMAND, "batch", JOBS, "--results", "results", *options], self.folder)
+
+    def results(self):
+        return [json.loads(path.read_text()) for path in (self.folder / "results").iterdir()]
+
+    def test_of_small_jobs_has_a_map_and_an_output_for_each(self):
+        small_jobs(self.folder, 3)
+        self.costs_of("--catalog", str(SMALL_DTDS / "catalog.xml"))
+        self.assertEqual([result["state"] for result in self.results()], ["clean"] * 3)
+        outputs = {result["outputs"][0]["path"] for result in self.results()}
+        self.assertEqual(outputs, {str(self.folder / f"out/job{number}.dita") for number in range(3)})
+        self.assertEqual({result["topics"] for result in self.results()}, {2})
+
+    def test_of_the_example_costs_what_its_jobs_do_and_little_itself(self):
+        example_jobs(self.folder, 2)
+        costs = self.costs_of("-j", "1")
+        self.assertGreater(costs.cpu_of_jobs, costs.cpu)
+        self.assertGreater(costs.memory, 10**6)
+        self.assertEqual(self.costs_of("--resume").cpu_of_jobs, 0)
+
+    def test_that_fails_is_no_measurement(self):
+        example_jobs(self.folder, 1)
+        with self.assertRaises(Failure):
+            self.costs_of("--catalog", "nowhere.xml")
 
 
 class AFigure(unittest.TestCase):
