@@ -46,19 +46,6 @@ fs::path keySpacePath(const RunOptions& options, const fs::path& output) {
     return (isFlatBook(options) ? output : output.parent_path()) / kKeySpaceDocName;
 }
 
-/// Why `path` cannot be read as a file; empty when it can.
-std::optional<std::string> findReadFault(const fs::path& path) {
-    // Without blocking: the path may be a FIFO that nobody writes to.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) {
-        return std::generic_category().message(errno);
-    }
-    struct stat status {};
-    const bool isFile = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    close(descriptor);
-    return isFile ? std::nullopt : std::optional<std::string>("not a regular file");
-}
-
 std::optional<std::string> findFolderFault(const PublishOptions& options, const fs::path& output) {
     const std::string name = "--output: " + options.output;
     std::error_code ignored;
@@ -222,6 +209,18 @@ std::optional<std::string> findPublishFault(const PublishOptions& options,
         return fault;
     }
     return findReplaceFault(options, paths.output);
+}
+
+std::optional<std::string> findReadFault(const fs::path& path) {
+    // Without blocking: the path may be a FIFO that nobody writes to.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) {
+        return std::generic_category().message(errno);
+    }
+    struct stat status {};
+    const bool isFile = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    close(descriptor);
+    return isFile ? std::nullopt : std::optional<std::string>("not a regular file");
 }
 
 std::optional<std::string> findTextFault(const PublishPaths& paths) {

@@ -31,6 +31,9 @@ PublishPaths resolvePublishPaths(const RunOptions& options);
 std::optional<std::string> findPublishFault(const PublishOptions& options,
                                             const PublishPaths& paths);
 
+/// Why `path` cannot be read as a file; empty when it can.
+std::optional<std::string> findReadFault(const std::filesystem::path& path);
+
 /// Why the texts of the arguments cannot be put into a request; empty when they can.
 std::optional<std::string> findTextFault(const PublishPaths& paths);
 

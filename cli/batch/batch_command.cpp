@@ -231,7 +231,8 @@ void Batch::findOutputFaults() const {
         options.catalogs = plan_.catalogs;
         const PublishPaths paths = resolvePublishPaths(options);
         std::error_code ignored;
-        if (!fs::exists(outputFolderOf(options, paths).path, ignored)) {
+        // A map that is not there fails its own job, and none of the others.
+        if (!fs::exists(outputFolderOf(options, paths).path, ignored) || findReadFault(paths.map)) {
             continue;
         }
         if (const std::optional<std::string> fault = findPublishFault(options, paths)) {
