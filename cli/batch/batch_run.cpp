@@ -80,10 +80,11 @@ std::string ruleOf(const std::string& target, const RunResult& result) {
 /// A job that is at work.
 struct BatchRun::Running {
     Running(std::size_t job, bool isRunInPlace, const JobCall& call)
-        : index(job), isInPlace(isRunInPlace), process(call) {}
+        : index(job), isInPlace(isRunInPlace), earlierKills(memoryKillCount()), process(call) {}
 
     std::size_t index;
     bool isInPlace;
+    std::uint64_t earlierKills;  ///< Of the system, for want of memory, before the job began.
     JobProcess process;
 };
 
@@ -95,8 +96,7 @@ BatchRun::BatchRun(const Plan& plan, const BatchSetting& setting, const ResultFo
       watcher_(watcher),
       lock_(results.path()),
       outcomes_(plan.jobs.size()),
-      largest_(kUsualMemory),
-      memoryKills_(memoryKillCount()) {}
+      largest_(kUsualMemory) {}
 
 BatchRun::~BatchRun() = default;
 
@@ -272,9 +272,9 @@ void BatchRun::finish(Running& running, const JobEnd& end) {
         alone_.push_back(running.index);
         return;
     }
-    const std::uint64_t earlierKills = std::exchange(memoryKills_, memoryKillCount());
+    // Anybody can send the signal; that memory was the cause only the system knows.
     const bool isKilledForMemory =
-        end.signal == SIGKILL && !end.isOutOfTime && memoryKills_ > earlierKills;
+        end.signal == SIGKILL && !end.isOutOfTime && memoryKillCount() > running.earlierKills;
     RunResult result = resultOf(plan_, plan_.jobs[running.index], end,
                                 setting_.longest.value_or(std::chrono::seconds(0)));
     if ((isKilledForMemory || result.run.isMemoryShort) && outcome.tries == 1) {

@@ -92,7 +92,6 @@ private:
     std::vector<std::unique_ptr<Running>> running_;
     std::deque<std::size_t> alone_;  ///< Those that are left for the end.
     std::uint64_t largest_;
-    std::uint64_t memoryKills_;
     int signal_ = 0;
     bool isStopped_ = false;  ///< A job failed, and no more is wanted.
     bool isAnyResultLost_ = false;
