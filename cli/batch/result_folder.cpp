@@ -32,11 +32,17 @@ std::optional<RunResult> ResultFolder::find(const std::string& id) const {
         if (result.id == id) {
             return result;
         }
-        warn_(path.string() + " counts as absent: it is the result of `" + result.id + "`");
+        warnOnce(id, "it is the result of `" + result.id + "`");
     } catch (const ResultError& fault) {
-        warn_(path.string() + " counts as absent: " + fault.what());
+        warnOnce(id, fault.what());
     }
     return std::nullopt;
+}
+
+void ResultFolder::warnOnce(const std::string& id, const std::string& what) const {
+    if (warned_.insert(id).second) {
+        warn_(pathOf(id).string() + " counts as absent: " + what);
+    }
 }
 
 std::string ResultFolder::textOf(const std::string& id) const {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "results/run_result.h"
@@ -14,7 +15,8 @@ class ResultFolder {
 public:
     using Warning = std::function<void(const std::string&)>;
 
-    /// @param warn  Gets a sentence about a file that is no result, and counts as absent.
+    /// @param warn  Gets a sentence about a file that is no result, and counts as absent; one for
+    ///              each, however often it is asked for.
     ResultFolder(const std::filesystem::path& folder, Warning warn);
 
     /// Absolute.
@@ -42,8 +44,11 @@ public:
     void remove(const std::string& id) const;
 
 private:
+    void warnOnce(const std::string& id, const std::string& what) const;
+
     std::filesystem::path folder_;
     Warning warn_;
+    mutable std::set<std::string> warned_;  ///< Ids.
 };
 
 }  // namespace marrowpress

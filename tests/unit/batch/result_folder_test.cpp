@@ -38,6 +38,13 @@ TEST_F(ResultFolderTest, AfterARemovalTheJobHasNotHappened) {
     EXPECT_EQ(results_.find("a"), std::nullopt);
 }
 
+TEST_F(ResultFolderTest, AFileThatIsNoResultIsToldOfOnce) {
+    folder_.write("results/a.json", "{");
+    EXPECT_EQ(results_.find("a"), std::nullopt);
+    EXPECT_EQ(results_.find("a"), std::nullopt);
+    EXPECT_EQ(warnings_.size(), 1U);
+}
+
 TEST_F(ResultFolderTest, WhatIsNoResultOfTheJobCountsAsAbsentWithAWarning) {
     folder_.write("results/a.json", "{");
     EXPECT_EQ(results_.find("a"), std::nullopt);
