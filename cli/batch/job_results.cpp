@@ -35,6 +35,10 @@ std::string sentenceIn(const std::string& errors) {
     return line;
 }
 
+bool hasFailed(const JobEnd& end) {
+    return stateOfExit(end.exit) == ResultState::kFailed;
+}
+
 std::string endText(const JobEnd& end, std::chrono::seconds longest) {
     if (end.isOutOfTime) {
         return translated("Der Auftrag hat länger gedauert als {0} Sekunden und wurde beendet",
@@ -44,7 +48,8 @@ std::string endText(const JobEnd& end, std::chrono::seconds longest) {
         return translated("Der Auftrag wurde vom Signal {0} beendet",
                           {std::to_string(*end.signal)});
     }
-    const std::string sentence = sentenceIn(end.errors);
+    // Of a run that came to its end, and whose result could not be told, that is no reason.
+    const std::string sentence = hasFailed(end) ? sentenceIn(end.errors) : std::string();
     return sentence.empty() ? translated("Der Auftrag endete ohne Ergebnis mit dem Code {0}",
                                          {std::to_string(end.exit)})
                             : translated("Der Auftrag kam zu nichts: {0}", {sentence});
@@ -99,7 +104,7 @@ RunResult resultOf(const Plan& plan, const Job& job, const JobEnd& end,
     WantedRun wanted = wantedRunOf(plan, job);
     RunResult result;
     result.id = job.id;
-    result.exit = end.exit == 0 ? 1 : end.exit;
+    result.exit = hasFailed(end) ? end.exit : kExitOfFailedRun;
     result.signal = end.signal;
     result.phase = end.phase;
     result.request = std::move(wanted.request);

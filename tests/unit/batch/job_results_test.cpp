@@ -77,6 +77,10 @@ TEST_F(JobResultsTest, OneThatWasNotStartedGivesItsSentence) {
 TEST_F(JobResultsTest, OneThatEndedInSilenceHasFailed) {
     EXPECT_EQ(result().exit, 1);
     EXPECT_EQ(result().findings[0].text, "The job ended with code 0 and no result");
+    end_.exit = 3;
+    end_.errors = "1 error, 0 warnings in 1 file; 2 topics, 0.1 s\n";
+    EXPECT_EQ(result().exit, 1) << "findings without a result are no findings";
+    EXPECT_EQ(result().findings[0].text, "The job ended with code 3 and no result");
     end_.result = "{";
     EXPECT_EQ(result().state, ResultState::kFailed) << "half a result is none";
 }
