@@ -70,7 +70,7 @@ LiveLine::~LiveLine() {
 }
 
 void LiveLine::show(std::string_view text) {
-    if (isEnabled_ && Clock::now() >= next_) {
+    if (isDue()) {
         showAtOnce(text);
     }
 }

@@ -33,6 +33,9 @@ public:
     /// the run.
     void show(std::string_view text);
 
+    /// Whether `show` would show anything just now.
+    bool isDue() const { return isEnabled_ && Clock::now() >= next_; }
+
     /// Shows `text` in any case: one that is to stay for a while.
     void showAtOnce(std::string_view text);
 

@@ -58,22 +58,37 @@ std::string memoryText(std::uint64_t bytes) {
     return std::to_string((bytes + kMegabyte / 2) / kMegabyte) + " MB";
 }
 
+/// In the order of the jobs; none when one is missing.
+std::vector<double> timesOf(const Plan& plan, const std::vector<std::size_t>& indexes,
+                            const std::map<std::string, double>& known) {
+    std::vector<double> times;
+    for (const std::size_t index : indexes) {
+        const auto time = known.find(plan.jobs[index].id);
+        if (time == known.end()) {
+            return {};
+        }
+        times.push_back(time->second);
+    }
+    return times;
+}
+
 }  // namespace
 
 BatchView::BatchView(const Plan& plan, const std::vector<std::size_t>& indexes,
-                     const DiagnosticsOptions& options, std::map<std::string, double> earlierTimes,
-                     const Streams& streams)
+                     const DiagnosticsOptions& options,
+                     const std::map<std::string, double>& earlierTimes, const Streams& streams)
     : plan_(plan),
       indexes_(indexes),
       options_(options),
-      earlierTimes_(std::move(earlierTimes)),
+      earlierTimes_(timesOf(plan, indexes, earlierTimes)),
       streams_(streams),
       live_(streams.err, STDERR_FILENO),
       isLive_(isTerminal(STDERR_FILENO) && !options.hasNoProgress && !options.isQuiet &&
               !isForTools(options)) {}
 
 void BatchView::look(const std::vector<JobOutcome>& outcomes) {
-    if (isLive_) {
+    // Called for each start and each end: most of these nobody could read.
+    if (isLive_ && live_.isDue()) {
         live_.show(liveText(outcomes));
     }
 }
@@ -85,12 +100,14 @@ void BatchView::end(std::size_t index, const JobOutcome& outcome, const RunResul
         return;
     }
     const bool isWorthALine = !isLive_ || outcome.result != ResultState::kClean;
+    std::string text;
     if (isWorthALine && !options_.isQuiet && !isForTools(options_)) {
-        streams_.err << "[" << done_ << "/" << indexes_.size() << "] " << plan_.jobs[index].id
-                     << ": " << wordOf(outcome) << detailText(outcome) << "\n";
+        text.append("[").append(std::to_string(done_)).append("/");
+        text.append(std::to_string(indexes_.size())).append("] ").append(plan_.jobs[index].id);
+        text.append(": ").append(wordOf(outcome)).append(detailText(outcome)).append("\n");
     }
-    showFindings(result);
-    streams_.err << std::flush;
+    // At once: what several batches write to one place stays apart, and it takes one system call.
+    streams_.err << text + findingsText(result) << std::flush;
 }
 
 bool BatchView::isHidden(const JobOutcome& outcome) const {
@@ -102,25 +119,23 @@ void BatchView::warn(const std::string& sentence) {
     streams_.err << "marrowpress batch: " << sentence << ".\n" << std::flush;
 }
 
-void BatchView::showFindings(const RunResult& result) {
+std::string BatchView::findingsText(const RunResult& result) const {
     if (result.findings.empty() && !isForTools(options_)) {
-        return;
+        return {};
     }
-    writeFindings(streams_.err, result.findings, summaryOf(result), options_,
+    std::ostringstream text;
+    writeFindings(text, result.findings, summaryOf(result), options_,
                   FindingsTarget{/*isTerminal=*/true, result.id});
+    return text.str();
 }
 
 /// What is left to do by the times of the last run; negative when nobody knows.
 double BatchView::secondsLeft(const std::vector<JobOutcome>& outcomes) const {
     double known = 0;
     double done = 0;
-    for (const std::size_t index : indexes_) {
-        const auto time = earlierTimes_.find(plan_.jobs[index].id);
-        if (time == earlierTimes_.end()) {
-            return -1;
-        }
-        known += time->second;
-        done += outcomes[index].isDone() ? time->second : 0;
+    for (std::size_t at = 0; at < earlierTimes_.size(); ++at) {
+        known += earlierTimes_[at];
+        done += outcomes[indexes_[at]].isDone() ? earlierTimes_[at] : 0;
     }
     const double elapsed = std::chrono::duration<double>(Clock::now() - start_).count();
     return done > 0 ? elapsed * (known - done) / done : -1;

@@ -18,7 +18,7 @@ public:
     /// @param indexes       Those jobs of the plan that are run.
     /// @param earlierTimes  Seconds that jobs took the last time, by id.
     BatchView(const Plan& plan, const std::vector<std::size_t>& indexes,
-              const DiagnosticsOptions& options, std::map<std::string, double> earlierTimes,
+              const DiagnosticsOptions& options, const std::map<std::string, double>& earlierTimes,
               const Streams& streams);
 
     /// Jobs that are not run because they are up to date are counted, and not told.
@@ -40,12 +40,12 @@ private:
     bool isHidden(const JobOutcome& outcome) const;
     std::string liveText(const std::vector<JobOutcome>& outcomes) const;
     double secondsLeft(const std::vector<JobOutcome>& outcomes) const;
-    void showFindings(const RunResult& result);
+    std::string findingsText(const RunResult& result) const;
 
     const Plan& plan_;
     const std::vector<std::size_t>& indexes_;
     const DiagnosticsOptions& options_;
-    std::map<std::string, double> earlierTimes_;
+    std::vector<double> earlierTimes_;  ///< As `indexes_`; empty when some are not known.
     const Streams& streams_;
     LiveLine live_;
     bool isLive_;
