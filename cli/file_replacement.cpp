@@ -1,7 +1,10 @@
 #include "cli/file_replacement.h"
 
+#include <boost/iostreams/categories.hpp>
+#include <boost/iostreams/stream.hpp>
 #include <cerrno>
 #include <fstream>
+#include <ostream>
 #include <system_error>
 
 #include "cli/file_failure.h"
@@ -12,29 +15,54 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void writeInPlace(const fs::path& path, std::string_view text) {
+void writeInPlace(const fs::path& path, const std::function<void(std::ostream&)>& fill) {
     errno = 0;
     std::ofstream out(path, std::ios::binary);
-    out << text;
+    fill(out);
     out.close();
     if (!out) {
         throw FileFailure::ofLastCall(FileAction::kWrite, path.string());
     }
 }
 
+/// Where a stream writes a new file.
+class NewFileSink {
+public:
+    using char_type = char;
+    using category = boost::iostreams::sink_tag;
+
+    explicit NewFileSink(NewFile& file) : file_(&file) {}
+
+    std::streamsize write(const char* text, std::streamsize size) const {
+        file_->write({text, static_cast<std::size_t>(size)});
+        return size;
+    }
+
+private:
+    NewFile* file_;
+};
+
 }  // namespace
 
 void replaceFile(const fs::path& path, std::string_view text) {
+    replaceFile(path, [text](std::ostream& out) { out << text; });
+}
+
+void replaceFile(const fs::path& path, const std::function<void(std::ostream&)>& fill) {
     std::error_code ignored;
     const fs::file_status status = fs::status(path, ignored);
     if (fs::exists(status) && !fs::is_regular_file(status)) {
-        writeInPlace(path, text);
+        writeInPlace(path, fill);
         return;
     }
     // A link stays, and what it leads to is replaced.
     const fs::path file = fs::absolute(fs::exists(status) ? fs::canonical(path) : path);
     NewFile successor(passingPath(file.parent_path()), path);
-    successor.write(text);
+    boost::iostreams::stream<NewFileSink> out{NewFileSink(successor)};
+    // A stream that is not asked for exceptions keeps those of the file for itself.
+    out.exceptions(std::ios::badbit);
+    fill(out);
+    out.flush();
     successor.close();
     successor.replace(file);
 }

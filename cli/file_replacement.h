@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <iosfwd>
 #include <string_view>
 
 namespace marrowpress {
@@ -10,5 +12,10 @@ namespace marrowpress {
 ///
 /// @throws FileFailure that names `path`.
 void replaceFile(const std::filesystem::path& path, std::string_view text);
+
+/// The same with a text that need not be in memory as a whole: `fill` writes it.
+///
+/// @throws FileFailure that names `path`, also from within what writes to the stream.
+void replaceFile(const std::filesystem::path& path, const std::function<void(std::ostream&)>& fill);
 
 }  // namespace marrowpress

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <functional>
 #include <ostream>
-#include <sstream>
 #include <utility>
 
 #include "cli/batch/batch_index_page.h"
@@ -31,19 +30,19 @@ void forEachResult(const Plan& plan, const std::vector<std::size_t>& indexes,
 }
 
 /// The results as they stand in their files.
-std::string summaryJson(const Plan& plan, const std::vector<std::size_t>& indexes,
-                        const ResultFolder& results, int exit) {
-    std::string text = "{\"exit\":" + std::to_string(exit) + ",\"jobs\":[";
+void writeSummary(std::ostream& out, const Plan& plan, const std::vector<std::size_t>& indexes,
+                  const ResultFolder& results, int exit) {
+    out << "{\"exit\":" << exit << ",\"jobs\":[";
     const char* separator = "\n";
     forEachResult(plan, indexes, results, [&](const RunResult& result) {
-        text += separator + results.textOf(result.id);
+        out << separator << results.textOf(result.id);
         separator = ",";
     });
-    return text + "]}\n";
+    out << "]}\n";
 }
 
-std::string sarifText(const Plan& plan, const std::vector<std::size_t>& indexes,
-                      const ResultFolder& results, int exit) {
+void writeBatchSarif(std::ostream& out, const Plan& plan, const std::vector<std::size_t>& indexes,
+                     const ResultFolder& results, int exit) {
     // A topic that several maps share has its faults in each: they are told once.
     FindingList all;
     forEachResult(plan, indexes, results, [&](RunResult result) {
@@ -57,16 +56,13 @@ std::string sarifText(const Plan& plan, const std::vector<std::size_t>& indexes,
     FindingSummary summary = summarize(findings);
     summary.dropped = dropped;
     summary.exit = exit;
-    std::ostringstream out;
     writeSarif(out, findings, summary,
                {MARROWPRESS_VERSION, fs::current_path().string(),
                 [](std::string_view id) { return findingTitle(id); }});
-    return out.str();
 }
 
-std::string junitText(const Plan& plan, const std::vector<std::size_t>& indexes,
-                      const ResultFolder& results) {
-    std::ostringstream out;
+void writeBatchJunit(std::ostream& out, const Plan& plan, const std::vector<std::size_t>& indexes,
+                     const ResultFolder& results) {
     JunitSuites suites(out, {fs::current_path().string(), translatedWords()});
     for (const std::size_t index : indexes) {
         const Job& job = plan.jobs[index];
@@ -79,7 +75,6 @@ std::string junitText(const Plan& plan, const std::vector<std::size_t>& indexes,
         }
     }
     suites.end();
-    return out.str();
 }
 
 }  // namespace
@@ -88,13 +83,16 @@ void writeBatchReports(const BatchReports& reports, const Plan& plan,
                        const std::vector<std::size_t>& indexes, const ResultFolder& results,
                        int exit) {
     if (reports.summary) {
-        replaceFile(*reports.summary, summaryJson(plan, indexes, results, exit));
+        replaceFile(*reports.summary,
+                    [&](std::ostream& out) { writeSummary(out, plan, indexes, results, exit); });
     }
     if (reports.sarif) {
-        replaceFile(*reports.sarif, sarifText(plan, indexes, results, exit));
+        replaceFile(*reports.sarif,
+                    [&](std::ostream& out) { writeBatchSarif(out, plan, indexes, results, exit); });
     }
     if (reports.junit) {
-        replaceFile(*reports.junit, junitText(plan, indexes, results));
+        replaceFile(*reports.junit,
+                    [&](std::ostream& out) { writeBatchJunit(out, plan, indexes, results); });
     }
     if (reports.pageFolder) {
         replaceFile(fs::path(*reports.pageFolder) / "index.html",

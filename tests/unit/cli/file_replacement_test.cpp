@@ -2,9 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+#include <stdexcept>
+
 #include "cli/file_failure.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/texts.h"
 
 namespace marrowpress {
 namespace {
@@ -57,6 +61,49 @@ TEST_F(FileReplacementTest, AFileStaysWhenItCannotBeReplaced) {
 
 TEST_F(FileReplacementTest, AFolderThatIsMissingIsNotMade) {
     EXPECT_EQ(failureOf(folder.file("none/a.d")), "No such file or directory");
+}
+
+TEST_F(FileReplacementTest, ATextThatComesInPiecesIsPutTogether) {
+    constexpr std::size_t kPieces = 10'000;
+    replaceFile(folder.file("a.d"), [](std::ostream& out) {
+        for (std::size_t piece = 0; piece < kPieces; ++piece) {
+            out << "piece ";
+        }
+    });
+    EXPECT_EQ(folder.read("a.d"), repeated("piece ", kPieces));
+}
+
+TEST_F(FileReplacementTest, AFileStaysWhenAPieceCannotBeWritten) {
+    folder.write("a.d", "one");
+    std::string reason;
+    unsigned pieces = 0;
+    {
+        const FileSizeLimit limit(70'000);
+        try {
+            replaceFile(folder.file("a.d"), [&pieces](std::ostream& out) {
+                for (; pieces < 100; ++pieces) {
+                    out << repeated("piece ", 1000);
+                }
+            });
+        } catch (const FileFailure& failure) {
+            reason = failure.reason();
+        }
+    }
+    EXPECT_LT(pieces, 100U) << "it went on after what could not be written";
+    EXPECT_EQ(reason, "File too large");
+    EXPECT_EQ(folder.read("a.d"), "one");
+    EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(FileReplacementTest, AFileStaysWhenItsTextIsNotMadeToTheEnd) {
+    folder.write("a.d", "one");
+    const auto fill = [](std::ostream& out) {
+        out << "half";
+        throw std::runtime_error("no more");
+    };
+    EXPECT_THROW(replaceFile(folder.file("a.d"), fill), std::runtime_error);
+    EXPECT_EQ(folder.read("a.d"), "one");
+    EXPECT_EQ(fileCount(), 1U);
 }
 
 TEST_F(FileReplacementTest, ADeviceIsWrittenTo) {
