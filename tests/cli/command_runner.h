@@ -45,6 +45,7 @@ public:
     ~RunningCommand();
 
     void send(int signal) const;
+    pid_t process() const noexcept { return child_; }
 
     pid_t process() const noexcept { return child_; }
     /// What it has written so far.
