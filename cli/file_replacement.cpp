@@ -3,6 +3,7 @@
 #include <boost/iostreams/categories.hpp>
 #include <boost/iostreams/stream.hpp>
 #include <cerrno>
+#include <exception>
 #include <fstream>
 #include <ostream>
 #include <system_error>
@@ -25,21 +26,31 @@ void writeInPlace(const fs::path& path, const std::function<void(std::ostream&)>
     }
 }
 
-/// Where a stream writes a new file.
+/// Where a stream writes a new file. The stream takes what is thrown here, and goes bad.
 class NewFileSink {
 public:
     using char_type = char;
     using category = boost::iostreams::sink_tag;
 
-    explicit NewFileSink(NewFile& file) : file_(&file) {}
+    /// @param fault  Gets the first one.
+    NewFileSink(NewFile& file, std::exception_ptr& fault) : file_(&file), fault_(&fault) {}
 
     std::streamsize write(const char* text, std::streamsize size) const {
-        file_->write({text, static_cast<std::size_t>(size)});
+        if (*fault_) {
+            std::rethrow_exception(*fault_);
+        }
+        try {
+            file_->write({text, static_cast<std::size_t>(size)});
+        } catch (const FileFailure&) {
+            *fault_ = std::current_exception();
+            throw;
+        }
         return size;
     }
 
 private:
     NewFile* file_;
+    std::exception_ptr* fault_;
 };
 
 }  // namespace
@@ -58,11 +69,13 @@ void replaceFile(const fs::path& path, const std::function<void(std::ostream&)>&
     // A link stays, and what it leads to is replaced.
     const fs::path file = fs::absolute(fs::exists(status) ? fs::canonical(path) : path);
     NewFile successor(passingPath(file.parent_path()), path);
-    boost::iostreams::stream<NewFileSink> out{NewFileSink(successor)};
-    // A stream that is not asked for exceptions keeps those of the file for itself.
-    out.exceptions(std::ios::badbit);
+    std::exception_ptr fault;
+    boost::iostreams::stream<NewFileSink> out{NewFileSink(successor, fault)};
     fill(out);
     out.flush();
+    if (fault) {
+        std::rethrow_exception(fault);
+    }
     successor.close();
     successor.replace(file);
 }

@@ -13,9 +13,10 @@ namespace marrowpress {
 /// @throws FileFailure that names `path`.
 void replaceFile(const std::filesystem::path& path, std::string_view text);
 
-/// The same with a text that need not be in memory as a whole: `fill` writes it.
+/// The same with a text that need not be in memory as a whole: `fill` writes it to a stream that
+/// throws nothing and is gone then. What `fill` throws leaves the file as it was.
 ///
-/// @throws FileFailure that names `path`, also from within what writes to the stream.
+/// @throws FileFailure that names `path`, behind `fill`.
 void replaceFile(const std::filesystem::path& path, const std::function<void(std::ostream&)>& fill);
 
 }  // namespace marrowpress

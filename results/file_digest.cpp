@@ -124,4 +124,9 @@ std::string sha256Of(std::string_view bytes) {
     return sha256.finish();
 }
 
+TextDigest quickDigestOfText(std::string_view text) {
+    const XXH128_hash_t digest = XXH3_128bits(text.data(), text.size());
+    return {digest.high64, digest.low64};
+}
+
 }  // namespace marrowpress

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -22,5 +23,16 @@ std::optional<FileDigest> digestOf(const std::filesystem::path& path);
 std::optional<std::string> quickDigestOf(const std::filesystem::path& path);
 
 std::string sha256Of(std::string_view bytes);
+
+/// Stands for a text where very many are kept: nobody has met two that share one.
+struct TextDigest {
+    std::uint64_t high = 0;
+    std::uint64_t low = 0;
+
+    friend bool operator==(const TextDigest&, const TextDigest&) = default;
+};
+
+/// XXH3 with 128 bits.
+TextDigest quickDigestOfText(std::string_view text);
 
 }  // namespace marrowpress

@@ -6,14 +6,14 @@
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
 #include <boost/json/value_to.hpp>
-#include <fstream>
-#include <iterator>
+#include <system_error>
 #include <utility>
 
 #include "findings/finding_lines.h"
 #include "findings/json_reader.h"
 #include "findings/json_values.h"
 #include "findings/json_writer.h"
+#include "host/file_text.h"
 
 namespace marrowpress {
 namespace {
@@ -310,9 +310,10 @@ RunResult parseResult(std::string_view text) {
 }
 
 RunResult readResult(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (!in && text.empty()) {
+    std::string text;
+    try {
+        text = readFile(path.string());
+    } catch (const std::system_error&) {
         throw ResultError("it cannot be read");
     }
     return parseResult(text);

@@ -46,17 +46,32 @@ void JobConflicts::add(const RunResult& result) {
         addOnce(uses_[output.path].writers, number);
     }
     for (const ResultDependency& file : result.dependencies) {
-        // A file that all jobs read has many readers: those that come twice come at once.
-        std::vector<std::uint32_t>& readers = uses_[file.file].readers;
-        if (readers.empty() || readers.back() != number) {
-            readers.push_back(number);
+        readings_.push_back({quickDigestOfText(file.file), number});
+    }
+}
+
+/// With the readers of those files that some job writes.
+std::unordered_map<std::string, JobConflicts::Use> JobConflicts::allUses() const {
+    std::unordered_map<std::string, Use> uses = uses_;
+    std::unordered_map<std::uint64_t, std::pair<TextDigest, Use*>> written;
+    for (auto& [path, use] : uses) {
+        if (!use.writers.empty()) {
+            const TextDigest digest = quickDigestOfText(path);
+            written[digest.low] = {digest, &use};
         }
     }
+    for (const Reading& reading : readings_) {
+        const auto use = written.find(reading.path.low);
+        if (use != written.end() && use->second.first == reading.path) {
+            addOnce(use->second.second->readers, reading.reader);
+        }
+    }
+    return uses;
 }
 
 std::vector<JobConflict> JobConflicts::find() const {
     std::vector<JobConflict> found;
-    for (const auto& [path, use] : uses_) {
+    for (const auto& [path, use] : allUses()) {
         if (use.writers.empty()) {
             continue;
         }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "cli/batch/job.h"
+#include "results/file_digest.h"
 #include "results/run_result.h"
 
 namespace marrowpress {
@@ -46,9 +48,18 @@ private:
 
     std::uint32_t numberOf(const std::string& id);
 
+    /// A job that reads a file. A night's jobs may read a million.
+    struct Reading {
+        TextDigest path;
+        std::uint32_t reader;
+    };
+
+    std::unordered_map<std::string, Use> allUses() const;
+
     std::vector<std::string> ids_;
     std::unordered_map<std::string, std::uint32_t> numbers_;
-    std::unordered_map<std::string, Use> uses_;  ///< By path.
+    std::unordered_map<std::string, Use> uses_;  ///< By path; without what results tell of readers.
+    std::deque<Reading> readings_;               ///< What those tell.
 };
 
 /// As a sentence that names both.

@@ -1,13 +1,12 @@
 #include "cli/batch/result_folder.h"
 
 #include <cerrno>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
+#include "host/file_text.h"
 #include "results/result_json.h"
 
 namespace marrowpress {
@@ -46,8 +45,11 @@ void ResultFolder::warnOnce(const std::string& id, const std::string& what) cons
 }
 
 std::string ResultFolder::textOf(const std::string& id) const {
-    std::ifstream in(pathOf(id), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    try {
+        return readFile(pathOf(id).string());
+    } catch (const std::system_error&) {
+        return {};
+    }
 }
 
 void ResultFolder::make() const {

@@ -25,7 +25,7 @@ public:
 
     /// Empty when the job has none.
     std::optional<RunResult> find(const std::string& id) const;
-    /// The bytes of a result that `find` has found.
+    /// The bytes of a result that `find` has found; empty when it is gone since.
     std::string textOf(const std::string& id) const;
 
     /// Makes the folder if it is not there.

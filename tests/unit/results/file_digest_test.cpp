@@ -1,7 +1,10 @@
 #include "results/file_digest.h"
 
 #include <gtest/gtest.h>
+
 #include <sys/stat.h>
+#include <iomanip>
+#include <sstream>
 
 #include "tests/support/temporary_folder.h"
 
@@ -47,6 +50,18 @@ TEST(FileDigestTest, WhatIsNoRegularFileHasNone) {
          {folder.file("none"), folder.path().string(), folder.file("pipe")}) {
         EXPECT_EQ(digestOf(path), std::nullopt) << path;
         EXPECT_EQ(quickDigestOf(path), std::nullopt) << path;
+    }
+}
+
+TEST(FileDigestTest, ThatOfATextIsTheQuickOneOfAFileThatHoldsIt) {
+    const TemporaryFolder folder;
+    for (const char* const text : {"", "/docs/a.dita", "/docs/b.dita"}) {
+        folder.write("file", text);
+        const TextDigest digest = quickDigestOfText(text);
+        std::ostringstream hex;
+        hex << std::hex << std::setfill('0') << std::setw(16) << digest.high << std::setw(16)
+            << digest.low;
+        EXPECT_EQ(hex.str(), quickDigestOf(folder.file("file")));
     }
 }
 
