@@ -195,13 +195,13 @@ void Watch::takeRunEnd(const TaskEnd& end) {
     }
     if (outcome) {
         takeOutcome(std::move(*outcome));
+        // What changed before the folders were watched nobody has told.
+        lookAt_ = Clock::now() + kQuiet;
     }
     if (isFirst) {
         tell("waiting for changes in " + std::to_string(files_.size()) +
              (files_.size() == 1 ? " file" : " files") + "; Ctrl-C ends this");
     }
-    // What changed before the folders were watched nobody has told.
-    lookAt_ = Clock::now();
     const auto code = static_cast<ExitCode>(end.exit);
     if (code == ExitCode::kSuccess || code == ExitCode::kFindings) {
         startCommand();

@@ -3,19 +3,18 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
-#include <functional>
 #include <map>
-#include <thread>
 
+#include "cli/batch/worker_channels.h"
 #include "tests/cli/batch_fixture.h"
 #include "tests/support/texts.h"
+#include "tests/support/waiting.h"
 
 namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
 namespace json = boost::json;
-using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 /// What hurts a batch from outside: processes that are killed, results that are lost, files that
@@ -48,38 +47,24 @@ protected:
         return {};
     }
 
-    static bool waitUntil(const std::function<bool()>& holds) {
-        constexpr seconds kLongest{20};
-        const auto end = std::chrono::steady_clock::now() + kLongest;
-        while (!holds()) {
-            if (std::chrono::steady_clock::now() > end) {
-                return false;
-            }
-            std::this_thread::sleep_for(milliseconds(2));
-        }
-        return true;
-    }
-
-    /// The process of the job that a batch runs just now, as soon as it is well under way.
-    pid_t workerOf(const RunningCommand& batch) const {
-        EXPECT_TRUE(waitUntil([&] { return !privateName().empty(); }));
-        std::this_thread::sleep_for(milliseconds(50));
-        std::ifstream children("/proc/" + std::to_string(batch.process()) + "/task/" +
-                               std::to_string(batch.process()) + "/children");
+    /// The process of the job that a batch runs just now, as soon as it tells of a phase.
+    static pid_t workerOf(const RunningCommand& batch) {
+        const std::string process = std::to_string(batch.process());
         pid_t worker = 0;
-        children >> worker;
-        EXPECT_GT(worker, 0) << "the job was over too soon";
+        EXPECT_TRUE(waitUntil([&] {
+            std::ifstream children("/proc/" + process + "/task/" + process + "/children");
+            std::ifstream phases;
+            if (children >> worker) {
+                phases.open("/proc/" + std::to_string(worker) + "/fd/" +
+                            std::to_string(kPhaseDescriptor));
+            }
+            return phases.is_open() && phases.get() != EOF;
+        })) << "the job was over too soon";
         return worker;
     }
 
     /// One that has ended and that nobody has waited for counts as gone.
-    static bool isThere(pid_t process) {
-        std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-        std::string statistics;
-        std::getline(file, statistics);
-        const std::size_t name = statistics.rfind(')');
-        return name != std::string::npos && statistics.substr(name).find(" Z ") != 1;
-    }
+    static bool isThere(pid_t process) { return kill(process, 0) == 0 && !isZombie(process); }
 
     /// Gives a file other bytes of the same number, and the times that it had.
     void changeSilently(const std::string& name, const std::string& from,

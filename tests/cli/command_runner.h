@@ -47,7 +47,6 @@ public:
     void send(int signal) const;
     pid_t process() const noexcept { return child_; }
 
-    pid_t process() const noexcept { return child_; }
     /// What it has written so far.
     std::string outSoFar() const { return textSoFar("out"); }
     std::string errSoFar() const { return textSoFar("err"); }
