@@ -1,6 +1,6 @@
 #include "cli/file_replacement.h"
 
-#include <boost/iostreams/categories.hpp>
+#include <boost/iostreams/concepts.hpp>
 #include <boost/iostreams/stream.hpp>
 #include <cerrno>
 #include <exception>
@@ -27,11 +27,8 @@ void writeInPlace(const fs::path& path, const std::function<void(std::ostream&)>
 }
 
 /// Where a stream writes a new file. The stream takes what is thrown here, and goes bad.
-class NewFileSink {
+class NewFileSink : public boost::iostreams::sink {
 public:
-    using char_type = char;
-    using category = boost::iostreams::sink_tag;
-
     /// @param fault  Gets the first one.
     NewFileSink(NewFile& file, std::exception_ptr& fault) : file_(&file), fault_(&fault) {}
 
