@@ -59,6 +59,10 @@ def main(command, guide):
             "marrowpress keys none.ditamap --explain gh": [],
             "marrowpress keys --explain gh": [],
             "marrowpress explain MP10": ["MP105", "MP106", "MP107", "MP108", "MP109"],
+            "marrowpress batch me": ["merge"],
+            "marrowpress batch run --sh": ["--shard"],
+            "marrowpress batch emit n": ["ninja"],
+            "marrowpress watch --po": ["--poll"],
             "marrowpress nonsense ": [],
         }.items():
             expect(bash(folder, command, *line.split(" ")), expected, line)
