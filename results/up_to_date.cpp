@@ -43,9 +43,7 @@ bool FileComparison::isUpToDate(const RunResult& result, const WantedRun& wanted
     }
     const std::vector<std::optional<KnownFile>>& known = result.run.files;
     for (std::size_t index = 0; index < result.dependencies.size(); ++index) {
-        const std::string& path = result.dependencies[index].file;
-        if (known[index] ? !isSame(path, *known[index], /*isStampEnough=*/true)
-                         : stampAt(path).has_value()) {
+        if (!isUnchanged(result, index)) {
             return false;
         }
     }
@@ -58,6 +56,12 @@ bool FileComparison::isUpToDate(const RunResult& result, const WantedRun& wanted
         }
     }
     return true;
+}
+
+bool FileComparison::isUnchanged(const RunResult& result, std::size_t index) {
+    const std::string& path = result.dependencies[index].file;
+    const std::optional<KnownFile>& known = result.run.files[index];
+    return known ? isSame(path, *known, /*isStampEnough=*/true) : !stampAt(path).has_value();
 }
 
 bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp) {

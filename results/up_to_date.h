@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <unordered_map>
 
@@ -25,6 +26,9 @@ public:
     /// file that was changed in the tick of the clock in which the run began, or later, counts as
     /// changed: nobody knows what the run has read.
     bool isUpToDate(const RunResult& result, const WantedRun& wanted);
+
+    /// Whether the dependency at that index is as the run has found it.
+    bool isUnchanged(const RunResult& result, std::size_t index);
 
 private:
     bool isSame(const std::string& path, const KnownFile& known, bool isStampEnough);

@@ -84,6 +84,7 @@ struct BatchRun::Running {
 
     std::size_t index;
     bool isInPlace;
+    std::optional<BookFolders> folders;  ///< Where it writes and reads, if that is known.
     std::uint64_t earlierKills;  ///< Of the system, for want of memory, before the job began.
     JobProcess process;
 };
@@ -114,7 +115,7 @@ int BatchRun::run(const std::vector<std::size_t>& indexes) {
         const bool isAlone =
             !plan_.isCheck && needsItsPlace(plan_.jobs[index], results_.find(plan_.jobs[index].id));
         if (isAlone) {
-            alone_.push_back(index);
+            alone_.push_back(leftOf(index));
         } else {
             together.push_back(index);
         }
@@ -124,7 +125,7 @@ int BatchRun::run(const std::vector<std::size_t>& indexes) {
     }
     for (const std::size_t index : setting_.late) {
         if (!outcomes_[index].isDone()) {
-            alone_.push_back(index);
+            alone_.push_back({index});
         }
     }
     runAlone();
@@ -135,18 +136,26 @@ int BatchRun::runAgain(const std::vector<std::size_t>& indexes) {
     const BlockedSignals blocked;
     for (const std::size_t index : indexes) {
         outcomes_[index] = JobOutcome();
-        alone_.push_back(index);
+        alone_.push_back({index});
     }
     runAlone();
     return signal_;
 }
 
+/// Only of flat books is it known what they leave alone.
+BatchRun::Left BatchRun::leftOf(std::size_t index) {
+    const Job& job = plan_.jobs[index];
+    const std::optional<RunResult> earlier =
+        isFlatBook(job.options) ? results_.find(job.id) : std::nullopt;
+    return {index,
+            earlier ? findBookFolders(*earlier, wantedRunOf(plan_, job), files_) : std::nullopt};
+}
+
 void BatchRun::skipUpToDate(const std::vector<std::size_t>& indexes) {
-    FileComparison files;
     for (const std::size_t index : indexes) {
         const std::optional<RunResult> result = results_.find(plan_.jobs[index].id);
         if (!result || (setting_.retriesFailed && result->state == ResultState::kFailed) ||
-            !files.isUpToDate(*result, wantedRunOf(plan_, plan_.jobs[index]))) {
+            !files_.isUpToDate(*result, wantedRunOf(plan_, plan_.jobs[index]))) {
             continue;
         }
         JobOutcome& outcome = outcomes_[index];
@@ -182,13 +191,33 @@ void BatchRun::runAlone() {
     if (alone_.empty() || !waitForLock(RunLock::Kind::kAlone)) {
         return;
     }
-    while (!alone_.empty() && !isEnding()) {
-        start(alone_.front(), /*isInPlace=*/true);
-        alone_.pop_front();
-        while (!running_.empty()) {
+    while (!running_.empty() || (!alone_.empty() && !isEnding())) {
+        if (isEnding() || !startApart()) {
             waitForSomething();
         }
     }
+}
+
+/// Starts the first job that stays away from those that run; false when there is none.
+bool BatchRun::startApart() {
+    if (!mayStart()) {
+        return false;
+    }
+    const auto found = std::find_if(alone_.begin(), alone_.end(), [this](const Left& left) {
+        return std::all_of(running_.begin(), running_.end(), [&](const auto& running) {
+            return left.folders && running->folders && areApart(*left.folders, *running->folders);
+        });
+    });
+    if (found == alone_.end()) {
+        return false;
+    }
+    const Left left = std::move(*found);
+    alone_.erase(found);
+    start(left.index, /*isInPlace=*/true);
+    if (!running_.empty() && running_.back()->index == left.index) {
+        running_.back()->folders = left.folders;
+    }
+    return true;
 }
 
 bool BatchRun::mayStart() const {
@@ -269,7 +298,7 @@ void BatchRun::finish(Running& running, const JobEnd& end) {
         return;
     }
     if (end.exit == kNeedsItsPlaceExit && !running.isInPlace) {
-        alone_.push_back(running.index);
+        alone_.push_back({running.index});
         return;
     }
     // Anybody can send the signal; that memory was the cause only the system knows.
@@ -279,7 +308,7 @@ void BatchRun::finish(Running& running, const JobEnd& end) {
                                 setting_.longest.value_or(std::chrono::seconds(0)));
     if ((isKilledForMemory || result.run.isMemoryShort) && outcome.tries == 1) {
         ++outcome.tries;
-        alone_.push_back(running.index);
+        alone_.push_back({running.index});
         return;
     }
     conclude(running.index, std::move(result), end);

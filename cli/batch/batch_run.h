@@ -11,10 +11,12 @@
 #include "cli/batch/batch_setting.h"
 #include "cli/batch/job_outcome.h"
 #include "cli/batch/job_process.h"
+#include "cli/batch/placement.h"
 #include "cli/batch/plan.h"
 #include "cli/batch/result_folder.h"
 #include "cli/batch/run_lock.h"
 #include "results/run_result.h"
+#include "results/up_to_date.h"
 
 namespace marrowpress {
 
@@ -35,7 +37,7 @@ public:
 };
 
 /// Runs the jobs of a plan, each in a process of its own. What needs the files of others for itself
-/// runs alone, when the others are done.
+/// runs when the others are done: alone, or beside what is known to stay away from them.
 class BatchRun {
 public:
     /// @param results  Its folder is there.
@@ -71,9 +73,17 @@ public:
 private:
     struct Running;
 
+    /// A job that is made in its place, when the others are done.
+    struct Left {
+        std::size_t index;
+        std::optional<BookFolders> folders = std::nullopt;  ///< Without them nothing else may run.
+    };
+
     void skipUpToDate(const std::vector<std::size_t>& indexes);
     void runTogether(std::vector<std::size_t> indexes);
+    Left leftOf(std::size_t index);
     void runAlone();
+    bool startApart();
     bool waitForLock(RunLock::Kind kind);
     bool mayStart() const;
     void start(std::size_t index, bool isInPlace);
@@ -90,7 +100,8 @@ private:
     RunLock lock_;
     std::vector<JobOutcome> outcomes_;
     std::vector<std::unique_ptr<Running>> running_;
-    std::deque<std::size_t> alone_;  ///< Those that are left for the end.
+    std::deque<Left> alone_;  ///< Those that are left for the end.
+    FileComparison files_;
     std::uint64_t largest_;
     int signal_ = 0;
     bool isStopped_ = false;  ///< A job failed, and no more is wanted.

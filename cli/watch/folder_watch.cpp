@@ -75,7 +75,7 @@ private:
         if (error || links >= kMostLinks) {
             return std::nullopt;
         }
-        const std::optional<fs::path> targetFolder = enter(target.parent_path(), links + 1);
+        std::optional<fs::path> targetFolder = enter(target.parent_path(), links + 1);
         if (!targetFolder || !target.has_filename()) {
             return targetFolder;
         }

@@ -205,6 +205,25 @@ TEST_F(BatchTest, AFlatBookRunsInItsPlace) {
               json::value(folder_.file("book/one.qs")));
 }
 
+TEST_F(BatchTest, FlatBooksThatAreKnownToStayApartRunAtOneTime) {
+    fs::create_directory(folder_.path() / "more");
+    fs::copy(folder_.path() / "docs", folder_.path() / "more");
+    folder_.write("jobs.jsonl", bookJob("first", "docs/one.ditamap", folder_.file("book1")) +
+                                    bookJob("second", "more/one.ditamap", folder_.file("book2")));
+    const auto areAtOneTime = [this] {
+        const json::object first = result("first").at("run").as_object();
+        const json::object second = result("second").at("run").as_object();
+        return second.at("begin").as_int64() < first.at("end").as_int64() &&
+               first.at("begin").as_int64() < second.at("end").as_int64();
+    };
+    ASSERT_EQ(batch({"-j", "2"}).code, 0);
+    EXPECT_FALSE(areAtOneTime()) << "nothing was known of them";
+    const std::string book = folder_.read("book2/one.qs");
+    ASSERT_EQ(batch({"-j", "2"}).code, 0);
+    EXPECT_TRUE(areAtOneTime());
+    EXPECT_EQ(folder_.read("book2/one.qs"), book);
+}
+
 TEST_F(BatchTest, ACompositeThatReadsItsOwnPlaceIsMadeThere) {
     folder_.write("docs/one.ditamap",
                   R"(<!DOCTYPE map PUBLIC "-//OASIS//DTD DITA Map//EN" "map.dtd"><map>)"
