@@ -301,12 +301,9 @@ void BatchRun::finish(Running& running, const JobEnd& end) {
         alone_.push_back({running.index});
         return;
     }
-    // Anybody can send the signal; that memory was the cause only the system knows.
-    const bool isKilledForMemory =
-        end.signal == SIGKILL && !end.isOutOfTime && memoryKillCount() > running.earlierKills;
     RunResult result = resultOf(plan_, plan_.jobs[running.index], end,
                                 setting_.longest.value_or(std::chrono::seconds(0)));
-    if ((isKilledForMemory || result.run.isMemoryShort) && outcome.tries == 1) {
+    if (outcome.tries == 1 && lackedMemory(end, result, memoryKillCount() - running.earlierKills)) {
         ++outcome.tries;
         alone_.push_back({running.index});
         return;

@@ -1,5 +1,6 @@
 #include "cli/batch/job_results.h"
 
+#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -140,6 +141,11 @@ RunResult withConflict(RunResult result, const std::string& other, const std::st
                    {other}),
         path));
     return result;
+}
+
+bool lackedMemory(const JobEnd& end, const RunResult& result, std::uint64_t memoryKills) {
+    const bool isKilledByKernel = end.signal == SIGKILL && !end.isOutOfTime && memoryKills > 0;
+    return isKilledByKernel || result.run.isMemoryShort;
 }
 
 }  // namespace marrowpress

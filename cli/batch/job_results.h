@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <string>
 
 #include "cli/batch/job_outcome.h"
@@ -26,5 +27,11 @@ JobOutcome outcomeOf(const RunResult& result);
 
 /// The result of a job that has read what another one wrote, or has written what that one read.
 RunResult withConflict(RunResult result, const std::string& other, const std::string& path);
+
+/// Whether the job came to nothing for want of memory: because it says so, or because it was killed
+/// when the kernel killed for that. Anybody can send that signal; why, only the kernel knows.
+///
+/// @param memoryKills  How many processes the kernel has killed since the job began.
+bool lackedMemory(const JobEnd& end, const RunResult& result, std::uint64_t memoryKills);
 
 }  // namespace marrowpress

@@ -47,8 +47,8 @@ protected:
         return {};
     }
 
-    /// The process of the job that a batch runs just now, as soon as it tells of a phase.
-    static pid_t workerOf(const RunningCommand& batch) {
+    /// The process of the job that a batch runs just now, as soon as it has told a phase.
+    pid_t workerOf(const RunningCommand& batch) const {
         const std::string process = std::to_string(batch.process());
         pid_t worker = 0;
         EXPECT_TRUE(waitUntil([&] {
@@ -58,7 +58,7 @@ protected:
                 phases.open("/proc/" + std::to_string(worker) + "/fd/" +
                             std::to_string(kPhaseDescriptor));
             }
-            return phases.is_open() && phases.get() != EOF;
+            return phases.is_open() && phases.get() != EOF && !privateName().empty();
         })) << "the job was over too soon";
         return worker;
     }
@@ -97,6 +97,20 @@ TEST_F(BatchFaultsTest, AJobThatCrashesTellsItsSignalAndPhaseAndTheOthersGoOn) {
     }
     EXPECT_EQ(batch({"--retry-failed"}).code, 0);
     EXPECT_EQ(namesIn("out"), Texts({"long.dita", "two.dita"}));
+}
+
+TEST_F(BatchFaultsTest, AJobThatHangsIsKilledWhenItsTimeIsOver) {
+    writeLongJob();
+    RunningCommand running(folder_, command({"--timeout", "1"}));
+    ASSERT_EQ(kill(workerOf(running), SIGSTOP), 0);
+    const CommandResult ended = running.wait();
+    EXPECT_EQ(ended.code, 1);
+    EXPECT_NE(ended.err.find("took longer than 1 seconds"), std::string::npos) << ended.err;
+    const json::object killed = result("long");
+    EXPECT_EQ(killed.at("state"), "failed");
+    EXPECT_EQ(killed.at("signal"), SIGKILL) << "it did not react to another one";
+    EXPECT_TRUE(killed.at("phase").is_string());
+    EXPECT_EQ(killed.at("run").at("tries"), 1);
 }
 
 TEST_F(BatchFaultsTest, AJobThatDoesNotReactToTheEndOfItsBatchIsKilled) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include "findings/language.h"
 #include "results/result_json.h"
 
@@ -83,6 +85,24 @@ TEST_F(JobResultsTest, OneThatEndedInSilenceHasFailed) {
     EXPECT_EQ(result().findings[0].text, "The job ended with code 3 and no result");
     end_.result = "{";
     EXPECT_EQ(result().state, ResultState::kFailed) << "half a result is none";
+}
+
+TEST_F(JobResultsTest, ASignalAloneDoesNotSayThatMemoryWasShort) {
+    end_.signal = SIGKILL;
+    EXPECT_FALSE(lackedMemory(end_, result(), /*memoryKills=*/0));
+    EXPECT_TRUE(lackedMemory(end_, result(), /*memoryKills=*/1));
+    end_.isOutOfTime = true;
+    EXPECT_FALSE(lackedMemory(end_, result(), /*memoryKills=*/1)) << "its time was over";
+    end_.isOutOfTime = false;
+    end_.signal = SIGSEGV;
+    EXPECT_FALSE(lackedMemory(end_, result(), /*memoryKills=*/1)) << "it crashed";
+}
+
+TEST_F(JobResultsTest, ARunThatMetItsOwnLimitSaysItself) {
+    RunResult told;
+    told.run.isMemoryShort = true;
+    EXPECT_TRUE(lackedMemory(end_, told, /*memoryKills=*/0));
+    EXPECT_FALSE(lackedMemory(end_, RunResult(), /*memoryKills=*/1)) << "somebody else was killed";
 }
 
 TEST_F(JobResultsTest, AConflictFailsAJobThatWasClean) {
