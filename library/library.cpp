@@ -1,5 +1,7 @@
 // The functions of marrowpress.h, and nothing but: what they do stands beside.
 
+#include <malloc.h>
+
 #include <exception>
 #include <memory>
 #include <new>
@@ -65,10 +67,20 @@ std::unique_ptr<mp_result> told(const Order& order, ResultData data) {
     return result;
 }
 
+/// What a run has freed lies in pieces, into which the next one does not fit: each of the first few
+/// runs would take more than the one before.
+void giveMemoryBack() {
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
 std::unique_ptr<mp_result> serveHere(const Order& order) {
     const RunTurn turn(order);
     chooseLanguage(order.language);
-    return told(order, serve(order));
+    std::unique_ptr<mp_result> result = told(order, serve(order));
+    giveMemoryBack();
+    return result;
 }
 
 template <class Items>

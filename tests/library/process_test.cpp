@@ -1,12 +1,14 @@
 #include <malloc.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <csignal>
 
 #include <clocale>
+#include <csignal>
 #include <filesystem>
 
 #include "tests/library/library_fixture.h"
+#include "tests/support/texts.h"
 
 namespace marrowpress {
 namespace {
@@ -38,6 +40,14 @@ std::string processState() {
 
 std::size_t descriptorCount() {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"), {}));
+}
+
+/// The most memory that this process has had, in bytes.
+std::size_t peakMemory() {
+    constexpr std::size_t kKilobyte = 1024;
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    return static_cast<std::size_t>(used.ru_maxrss) * kKilobyte;
 }
 
 class ProcessTest : public LibraryTest {};
@@ -85,6 +95,34 @@ TEST_F(ProcessTest, AThousandRunsTakeNoMoreThanAFew) {
     }
     EXPECT_LE(mallinfo2().uordblks, bytes + kSlack);
     EXPECT_EQ(descriptorCount(), descriptors);
+}
+
+TEST_F(ProcessTest, FurtherRunsOfALargeMapTakeNoMoreThanTheFirst) {
+    if (kIsSanitized) {
+        GTEST_SKIP() << "keeps what was freed";
+    }
+    constexpr int kTopics = 500;
+    constexpr int kParagraphs = 40;
+    constexpr int kRuns = 5;
+    const std::string body =
+        "<body class=\"- topic/body \">" +
+        repeated(
+            R"(<p class="- topic/p ">Loosen the <b class="+ topic/ph hi-d/b ">collar</b>.</p>)",
+            kParagraphs) +
+        "</body></topic>";
+    std::string references;
+    for (int number = 0; number < kTopics; ++number) {
+        const std::string id = "large" + std::to_string(number);
+        folder.write(id + ".dita", R"(<topic class="- topic/topic " id=")" + id + "\">" + body);
+        references += R"(<topicref class="- map/topicref " href=")" + id + ".dita\"/>";
+    }
+    folder.write("m.ditamap", R"(<map class="- map/map ">)" + references + "</map>");
+    ASSERT_EQ(mp_result_status(run(composite()).get()), 0);
+    const std::size_t first = peakMemory();
+    for (int number = 0; number < kRuns; ++number) {
+        ASSERT_EQ(mp_result_status(run(composite()).get()), 0);
+    }
+    EXPECT_LE(peakMemory(), first + first / 20);
 }
 
 }  // namespace
