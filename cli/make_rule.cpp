@@ -1,6 +1,7 @@
 #include "cli/make_rule.h"
 
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 
 #include "findings/shown_path.h"
@@ -9,17 +10,15 @@ namespace marrowpress {
 namespace {
 
 bool canBeNamed(const std::string& name) {
-    return name.find_first_of("\r\n") == std::string::npos;
+    return name.find_first_of("\r\n;|") == std::string::npos;
 }
 
-}  // namespace
-
-/// A backslash counts as one, unless a character follows that has a meaning of its own.
-std::string makeName(const std::string& name) {
+/// A backslash counts as one, unless one of `special` follows.
+std::string escaped(const std::string& name, std::string_view special) {
     std::string text;
     std::size_t backslashes = 0;
     for (const char character : name) {
-        if (character == ' ' || character == '\t' || character == '#' || character == ':') {
+        if (special.find(character) != std::string_view::npos) {
             text.append(backslashes + 1, '\\');
         } else if (character == '$') {
             text += '$';
@@ -28,6 +27,16 @@ std::string makeName(const std::string& name) {
         text += character;
     }
     return text;
+}
+
+}  // namespace
+
+std::string makeName(const std::string& name) {
+    return escaped(name, " \t#:");
+}
+
+std::string makeIncludeName(const std::string& name) {
+    return escaped(name, " \t#");
 }
 
 std::string makeRule(const std::string& target, const std::vector<std::string>& prerequisites) {

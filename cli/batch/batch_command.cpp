@@ -162,7 +162,9 @@ ExitCode Batch::writePlan() const {
 
 /// The arguments by which `batch plan` makes the same plan again.
 std::string Batch::planCommand(const std::string& program, const std::string& planFile) const {
-    std::string command = shellWord(program) + " batch plan " +
+    // Requests have paths that count from the folder in which this command is called.
+    std::string command = "cd " + shellWord(fs::current_path().string()) + " && " +
+                          shellWord(program) + " batch plan " +
                           shellWord(fs::absolute(options_.file).string()) + " --plan " +
                           shellWord(planFile) + " --output " +
                           shellWord(fs::absolute(options_.outputFolder.value_or(".")).string());
@@ -200,6 +202,10 @@ ExitCode Batch::emit() const {
         script.planCommand = "mkdir -p " + shellWord(script.results) + " && " +
                              planCommand(program, script.planFile);
         script.planSource = file;
+    }
+    if (const std::optional<std::string> path = findUnnameable(script)) {
+        throw BatchFault("no script for this engine can name " + *path +
+                         "; choose another folder of results, or another id");
     }
     return writeResult(streams_, engineScript(script)) ? ExitCode::kSuccess : ExitCode::kRunFailed;
 }

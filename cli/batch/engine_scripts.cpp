@@ -31,6 +31,32 @@ std::string dollarsDoubled(std::string command) {
     return command;
 }
 
+constexpr const char* kLineEnds = "\r\n";
+/// What make takes for something else in a name, however it is escaped.
+constexpr const char* kNotInMake = "\r\n%;=|";
+/// What ends a name in a build statement of ninja, and in a depfile that it reads.
+constexpr const char* kNotInNinja = "\r\n|";
+constexpr const char* kNotInDepfile = "\r\n;|*?&'\"<>^`";
+
+bool hasAny(const std::string& path, const char* characters) {
+    return path.find_first_of(characters) != std::string::npos;
+}
+
+bool canMakeName(const std::string& path) {
+    return !hasAny(path, kNotInMake) && !path.ends_with('&') && !path.ends_with('\\');
+}
+
+bool canBeNamed(Engine engine, const std::string& path) {
+    switch (engine) {
+        case Engine::kMake:
+            return canMakeName(path);
+        case Engine::kNinja:
+            return !hasAny(path, kNotInNinja);
+        default:
+            return !hasAny(path, kLineEnds);
+    }
+}
+
 std::string yamlText(const std::string& text) {
     // A text of JSON is one of YAML.
     return boost::json::serialize(boost::json::value(text));
@@ -79,6 +105,17 @@ std::string ninjaText(const EngineScript& script) {
     return text;
 }
 
+/// A plan that comes out as it was keeps its time, so that no job runs again: a mark says when it
+/// was made last. It is included, so that make begins anew behind it, and sees the plan as it is
+/// then.
+std::string makePlanText(const EngineScript& script) {
+    const std::string mark = script.planFile + ".made";
+    const std::string command = "\n\t" + dollarsDoubled(script.planCommand) + "\n";
+    return makeName(script.planFile) + ":" + command + makeName(mark) + ": " +
+           makeName(script.planSource) + command + "\ttouch " + dollarsDoubled(shellWord(mark)) +
+           "\ninclude " + makeIncludeName(mark) + "\n\n";
+}
+
 std::string makeText(const EngineScript& script) {
     std::string text =
         "# For make: make --keep-going -f FILE. A job runs again when a file that it has read "
@@ -86,15 +123,14 @@ std::string makeText(const EngineScript& script) {
         mergeComment(script) + ".PHONY: all\nall:\n\n";
     const std::string plan = makeName(script.planFile);
     if (!script.planCommand.empty()) {
-        text += plan + ": " + makeName(script.planSource) + "\n\t" +
-                dollarsDoubled(script.planCommand) + "\n\ttouch " +
-                dollarsDoubled(shellWord(script.planFile)) + "\n\n";
+        text += makePlanText(script);
     }
     for (std::size_t index = 0; index < script.plan.jobs.size(); ++index) {
         const std::string result = makeName(resultOf(script, script.plan.jobs[index]));
         text.append("all: ").append(result).append("\n").append(result).append(": ");
         text.append(plan).append("\n\t").append(dollarsDoubled(jobCommand(script, index)));
-        text.append("\n-include ").append(result).append(".d\n");
+        text.append("\n-include ");
+        text.append(makeIncludeName(resultOf(script, script.plan.jobs[index]))).append(".d\n");
     }
     return text;
 }
@@ -200,6 +236,27 @@ std::string engineScript(const EngineScript& script) {
             break;
     }
     return githubText(script);
+}
+
+std::optional<std::string> findUnnameable(const EngineScript& script) {
+    for (const std::string& path : {script.program, script.results}) {
+        if (hasAny(path, kLineEnds)) {
+            return path;
+        }
+    }
+    for (const std::string& path : {script.planFile, script.planSource}) {
+        if (!canBeNamed(script.engine, path)) {
+            return path;
+        }
+    }
+    for (const Job& job : script.plan.jobs) {
+        const std::string result = resultOf(script, job);
+        if (!canBeNamed(script.engine, result) ||
+            (script.engine == Engine::kNinja && hasAny(result, kNotInDepfile))) {
+            return result;
+        }
+    }
+    return std::nullopt;
 }
 
 std::string shellWord(const std::string& text) {

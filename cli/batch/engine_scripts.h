@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 #include "cli/batch/plan.h"
@@ -23,6 +24,9 @@ struct EngineScript {
 /// A script or manifest by which the engine runs each job of the plan, with comments that say how
 /// it is called. The same index always means the same job.
 std::string engineScript(const EngineScript& script);
+
+/// The first path of the script that its engine has no way to name; none when it can name all.
+std::optional<std::string> findUnnameable(const EngineScript& script);
 
 /// `text` as one word for a POSIX shell.
 std::string shellWord(const std::string& text);

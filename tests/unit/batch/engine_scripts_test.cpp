@@ -55,9 +55,47 @@ TEST_F(EngineScriptsTest, ThoseThatMakeThePlanHaveARuleForIt) {
     EXPECT_NE(engineScript(script).find("build /r/plan.jsonl: plan /p$ x.xml\n"),
               std::string::npos);
     script.engine = Engine::kMake;
-    EXPECT_NE(engineScript(script).find("/r/plan.jsonl: /p\\ x.xml\n\tmake it\n"),
+    EXPECT_NE(engineScript(script).find("/r/plan.jsonl.made: /p\\ x.xml\n\tmake it\n"
+                                        "\ttouch /r/plan.jsonl.made\n"
+                                        "include /r/plan.jsonl.made\n"),
               std::string::npos);
     EXPECT_EQ(scriptFor(Engine::kNinja).find("rule plan"), std::string::npos);
+}
+
+TEST_F(EngineScriptsTest, APathThatAnEngineCannotNameIsFound) {
+    const struct {
+        Engine engine;
+        const char* id;
+        bool isFound;
+    } cases[] = {{Engine::kNinja, "a %=$#:\\[]()", false},
+                 {Engine::kNinja, "don't", true},
+                 {Engine::kNinja, "a;b", true},
+                 {Engine::kNinja, "a|b", true},
+                 {Engine::kMake, "don't *?$#:\\", false},
+                 {Engine::kMake, "a%b", true},
+                 {Engine::kMake, "a=b", true},
+                 {Engine::kMake, "a;b", true},
+                 {Engine::kMake, "a|b", true},
+                 {Engine::kSlurm, "%=;|'", false}};
+    for (const auto& given : cases) {
+        plan_.jobs.back().id = given.id;
+        const EngineScript script{given.engine, plan_, "/m", "/r/plan.jsonl", "/r", "", ""};
+        const std::optional<std::string> found = findUnnameable(script);
+        EXPECT_EQ(found.has_value(), given.isFound) << given.id;
+        EXPECT_EQ(found.value_or("/r/" + std::string(given.id) + ".json"),
+                  "/r/" + std::string(given.id) + ".json");
+    }
+}
+
+TEST_F(EngineScriptsTest, APlanOrAFolderCannotBeNamedEither) {
+    const std::string odd[] = {"/r\nx", "/r\\", "/r&"};
+    for (const std::string& path : odd) {
+        EXPECT_EQ(findUnnameable({Engine::kMake, plan_, "/m", path, "/r", "", ""}), path);
+    }
+    for (const Engine engine : {Engine::kParallel, Engine::kSlurm, Engine::kKubernetes}) {
+        EXPECT_EQ(findUnnameable({engine, plan_, "/m", "/p", odd[0], "", ""}), odd[0]);
+        EXPECT_EQ(findUnnameable({engine, plan_, "/m", odd[1], odd[2], "", ""}), std::nullopt);
+    }
 }
 
 TEST_F(EngineScriptsTest, TheOthersTakeEachIndexOnce) {

@@ -31,8 +31,13 @@ TEST(MakeRuleTest, WhatHasAMeaningInARuleIsEscaped) {
     }
 }
 
-TEST(MakeRuleTest, ANameWithALineEndIsLeftOut) {
-    EXPECT_EQ(makeRule("t", {"a\nb", "c", "d\re"}), "t: \\\n  c\n\nc:\n");
+TEST(MakeRuleTest, ANameThatNoRuleCanHaveIsLeftOut) {
+    EXPECT_EQ(makeRule("t", {"a\nb", "c", "d\re", "f;rm g", "h|i"}), "t: \\\n  c\n\nc:\n");
+}
+
+TEST(MakeRuleTest, AColonIsEscapedInARuleAndNotForInclude) {
+    EXPECT_EQ(makeName("a: #$\\ b"), "a\\:\\ \\#$$\\\\\\ b");
+    EXPECT_EQ(makeIncludeName("a: #$\\ b"), "a:\\ \\#$$\\\\\\ b");
 }
 
 TEST(PrerequisitesTest, AreTheFilesThatAreThere) {
