@@ -31,7 +31,9 @@ std::string dollarsDoubled(std::string command) {
     return command;
 }
 
-constexpr const char* kLineEnds = "\r\n";
+/// What no command can have: comments repeat it, and GNU parallel puts something in its place.
+constexpr const char* kNotInCommands = "\r\n";
+constexpr const char* kNotInParallel = "\r\n{";
 /// What make takes for something else in a name, however it is escaped.
 constexpr const char* kNotInMake = "\r\n%;=|";
 /// What ends a name in a build statement of ninja, and in a depfile that it reads.
@@ -53,7 +55,7 @@ bool canBeNamed(Engine engine, const std::string& path) {
         case Engine::kNinja:
             return !hasAny(path, kNotInNinja);
         default:
-            return !hasAny(path, kLineEnds);
+            return true;
     }
 }
 
@@ -155,7 +157,13 @@ std::string slurmText(const EngineScript& script) {
            mergeComment(script) + "exec " + runCommand(script, "--index env") + "\n";
 }
 
-/// The folder that has all that the jobs read and write, as far as the plan tells.
+/// As a word of a container's command, in which Kubernetes reads `$(NAME)` as a variable.
+std::string containerWord(const std::string& word) {
+    return yamlText(dollarsDoubled(word));
+}
+
+/// The folder that has all that the jobs read and write, as far as the plan tells. A volume's place
+/// may have no colon, so it is the one above such a folder.
 fs::path commonFolder(const EngineScript& script) {
     fs::path common = fs::path(script.planFile).parent_path();
     const auto include = [&common](const fs::path& path) {
@@ -171,6 +179,12 @@ fs::path commonFolder(const EngineScript& script) {
     for (const Job& job : script.plan.jobs) {
         include(job.options.map);
         include(job.options.output);
+        for (const std::string& filter : job.options.filters) {
+            include(filter);
+        }
+    }
+    while (common.string().find(':') != std::string::npos) {
+        common = common.parent_path();
     }
     return common;
 }
@@ -182,7 +196,7 @@ std::string kubernetesText(const EngineScript& script) {
     for (const std::string& argument :
          {std::string("marrowpress"), std::string("batch"), std::string("run"), script.planFile,
           std::string("--results"), script.results, std::string("--index"), std::string("env")}) {
-        arguments += (arguments.empty() ? "" : ", ") + yamlText(argument);
+        arguments += (arguments.empty() ? "" : ", ") + containerWord(argument);
     }
     return "# For Kubernetes: kubectl apply -f FILE. Each completion index is a job of the plan. "
            "Put\n"
@@ -239,8 +253,11 @@ std::string engineScript(const EngineScript& script) {
 }
 
 std::optional<std::string> findUnnameable(const EngineScript& script) {
-    for (const std::string& path : {script.program, script.results}) {
-        if (hasAny(path, kLineEnds)) {
+    const char* const refused =
+        script.engine == Engine::kParallel ? kNotInParallel : kNotInCommands;
+    for (const std::string& path :
+         {script.program, script.results, script.planFile, script.planSource}) {
+        if (hasAny(path, refused)) {
             return path;
         }
     }

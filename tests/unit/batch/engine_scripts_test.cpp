@@ -92,6 +92,7 @@ TEST_F(EngineScriptsTest, APlanOrAFolderCannotBeNamedEither) {
     for (const std::string& path : odd) {
         EXPECT_EQ(findUnnameable({Engine::kMake, plan_, "/m", path, "/r", "", ""}), path);
     }
+    EXPECT_EQ(findUnnameable({Engine::kParallel, plan_, "/m", "/p", "/r{1}", "", ""}), "/r{1}");
     for (const Engine engine : {Engine::kParallel, Engine::kSlurm, Engine::kKubernetes}) {
         EXPECT_EQ(findUnnameable({engine, plan_, "/m", "/p", odd[0], "", ""}), odd[0]);
         EXPECT_EQ(findUnnameable({engine, plan_, "/m", odd[1], odd[2], "", ""}), std::nullopt);
@@ -108,6 +109,27 @@ TEST_F(EngineScriptsTest, TheOthersTakeEachIndexOnce) {
     EXPECT_TRUE(has(Engine::kKubernetes, "path: \"/n\"\n")) << "what all files are in";
     EXPECT_TRUE(has(Engine::kGithub, "        part: [1, 2]\n"));
     EXPECT_TRUE(has(Engine::kGithub, "--shard ${{ matrix.part }}/2"));
+}
+
+TEST_F(EngineScriptsTest, KubernetesMountsAFolderWithoutAColonAndTakesDollarsAsTheyAre) {
+    plan_.jobs.back().options.filters = {"/n/p.ditaval"};
+    const std::string script = engineScript(
+        {Engine::kKubernetes, plan_, "/m", "/n/a: b/$(HOME).jsonl", "/n/a: b/$$", "", ""});
+    EXPECT_NE(script.find("mountPath: \"/n\"\n"), std::string::npos) << script;
+    EXPECT_NE(script.find(R"("/n/a: b/$$(HOME).jsonl", "--results", "/n/a: b/$$$$")"),
+              std::string::npos)
+        << script;
+    plan_.jobs.front().options.filters = {"/etc/p.ditaval"};
+    EXPECT_TRUE(has(Engine::kKubernetes, "path: \"/\"\n")) << "filters are read, too";
+    plan_.jobs.front().options.filters = {};
+    for (Job& job : plan_.jobs) {
+        job.options.map = "/n: o/m.ditamap";
+        job.options.output = "/n: o/out/m.dita";
+        job.options.filters = {};
+    }
+    EXPECT_NE(engineScript({Engine::kKubernetes, plan_, "/m", "/n: o/p", "/n: o/r", "", ""})
+                  .find("mountPath: \"/\"\n"),
+              std::string::npos);
 }
 
 TEST_F(EngineScriptsTest, AMatrixIsNoLargerThanItMayBe) {
