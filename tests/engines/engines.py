@@ -5,10 +5,14 @@ ninja or YAML would read in a way of its own.
 """
 
 import argparse
+import contextlib
+import fcntl
 import json
 import os
+import pwd
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -53,6 +57,14 @@ def without_runs(text):
 def wait_a_tick():
     """What is written next is newer than all that is there."""
     time.sleep(0.02)
+
+
+def free_ports(count):
+    with contextlib.ExitStack() as sockets:
+        held = [sockets.enter_context(socket.socket()) for _ in range(count)]
+        for one in held:
+            one.bind(("127.0.0.1", 0))
+        return [one.getsockname()[1] for one in held]
 
 
 def end_group(process):
@@ -183,6 +195,17 @@ class Night:
         ended = self.batch("merge", self.results, "--plan", plan or self.plan, "--summary", file)
         return ended, without_runs(file.read_text(encoding="utf-8"))
 
+    @contextlib.contextmanager
+    def held(self):
+        """No job begins meanwhile: each waits for a lock of the folder of results."""
+        self.results.mkdir(exist_ok=True)
+        folder = os.open(self.results, os.O_RDONLY | os.O_DIRECTORY)
+        try:
+            fcntl.flock(folder, fcntl.LOCK_EX)
+            yield
+        finally:
+            os.close(folder)
+
     def states(self):
         """The state of each job that has a result, by its number."""
         return {index: json.loads(self.result(index).read_text(encoding="utf-8"))["state"]
@@ -227,6 +250,220 @@ class EngineTest(unittest.TestCase):
 
     def expect(self, code, called):
         self.assertEqual(called.code, code, str(called))
+
+
+class SlurmNode:
+    """A controller and a node of Slurm for the length of a test. Nothing of them is left behind it."""
+
+    PROGRAMS = ("slurmctld", "slurmd", "sbatch", "scontrol", "munged", "mungekey", "setpriv")
+    CPUS = 2
+    LONGEST_START = 20
+    LONGEST_WAIT = 40
+
+    def __init__(self, test):
+        # pylint: disable-next=consider-using-with
+        temporary = tempfile.TemporaryDirectory(prefix="marrowpress-slurm-")
+        test.addCleanup(temporary.cleanup)
+        self.folder = Path(temporary.name).resolve()
+        # Whoever finds the socket of munged may use it, or it does not start.
+        self.folder.chmod(0o711)
+        self.processes = []
+        test.addCleanup(self.end)
+        self.night = test.night
+        self.configuration = self.folder / "slurm.conf"
+        self.write_configuration()
+        try:
+            self.start_all()
+        except TimeoutError as fault:
+            if os.geteuid() == 0:
+                raise
+            raise unittest.SkipTest(f"without root, {fault}") from fault
+
+    def write_configuration(self):
+        host = socket.gethostname().partition(".")[0]
+        user = pwd.getpwuid(os.geteuid()).pw_name
+        ports = free_ports(2)
+        for name in ("state", "spool"):
+            (self.folder / name).mkdir()
+        self.configuration.write_text(f"""ClusterName=night
+SlurmctldHost={host}(127.0.0.1)
+SlurmctldPort={ports[0]}
+SlurmdPort={ports[1]}
+SlurmUser={user}
+SlurmdUser={user}
+AuthType=auth/munge
+CredType=cred/munge
+AuthInfo=socket={self.folder}/munge
+StateSaveLocation={self.folder}/state
+SlurmdSpoolDir={self.folder}/spool
+SlurmctldPidFile={self.folder}/slurmctld.pid
+SlurmdPidFile={self.folder}/slurmd.pid
+ProctrackType=proctrack/linuxproc
+TaskPlugin=task/none
+JobAcctGatherType=jobacct_gather/none
+AccountingStorageType=accounting_storage/none
+SelectType=select/cons_tres
+SelectTypeParameters=CR_CPU
+SchedulerParameters=sched_interval=1
+SlurmdParameters=config_overrides
+MailProg=/bin/true
+MpiDefault=none
+KillWait=2
+ReturnToService=2
+NodeName={host} NodeAddr=127.0.0.1 CPUs={self.CPUS} State=UNKNOWN
+PartitionName=night Nodes={host} Default=YES State=UP
+""", encoding="utf-8")
+        (self.folder / "cgroup.conf").write_text("CgroupPlugin=cgroup/v1\n", encoding="utf-8")
+
+    def start_all(self):
+        key = self.folder / "munge.key"
+        self.call("mungekey", "--create", f"--keyfile={key}")
+        self.start("munged", "--foreground", f"--key-file={key}", f"--socket={self.folder}/munge",
+                   f"--pid-file={self.folder}/munged.pid", f"--log-file={self.folder}/munged.log",
+                   f"--seed-file={self.folder}/munged.seed")
+        self.wait("munged does not start", (self.folder / "munge").exists)
+        self.start("slurmctld", "-D", "-f", self.configuration)
+        self.start("slurmd", "-D", "-f", self.configuration)
+        # A daemon that is up need not take jobs yet.
+        self.wait("the node does not become idle",
+                  lambda: self.call_any("sinfo", "-h", "-o", "%T").text.strip() == "idle")
+
+    def start(self, *arguments):
+        """A daemon that ends with this process at the latest."""
+        with (self.folder / f"{arguments[0]}.out").open("wb") as out:
+            self.processes.append(subprocess.Popen(
+                ["setpriv", "--pdeathsig", "KILL", *map(str, arguments)], cwd=self.folder,
+                env=self.night.environment(SLURM_CONF=str(self.configuration)),
+                stdin=subprocess.DEVNULL, stdout=out, stderr=subprocess.STDOUT,
+                start_new_session=True))
+
+    def wait(self, otherwise, is_so):
+        limit = time.monotonic() + self.LONGEST_START
+        while not is_so():
+            if time.monotonic() > limit or any(one.poll() is not None for one in self.processes):
+                said = "".join(path.read_text(errors="replace")[-MOST_SHOWN:]
+                               for path in sorted(self.folder.glob("*.out")))
+                raise TimeoutError(f"{otherwise}: {said}")
+            time.sleep(0.1)
+
+    def call_any(self, *arguments):
+        return self.night.call(arguments, SLURM_CONF=str(self.configuration))
+
+    def call(self, *arguments):
+        called = self.call_any(*arguments)
+        self.night.expect(0, called)
+        return called.text
+
+    def submit(self, script):
+        """The array's number."""
+        return self.call("sbatch", "--parsable", script).strip()
+
+    def requeue(self, task):
+        self.call("scontrol", "requeue", task)
+        # It would wait two minutes, until the credential of its last run has expired.
+        self.call("scontrol", "update", f"JobId={task}", "StartTime=now")
+
+    def tasks(self, array):
+        """What is known of each task, by its number."""
+        found = {}
+        for line in self.call("scontrol", "show", "job", "--oneliner", array).splitlines():
+            task = dict(word.split("=", 1) for word in line.split() if "=" in word)
+            # Those that wait together have no number of their own yet.
+            if task.get("ArrayTaskId", "").isdigit():
+                found[int(task["ArrayTaskId"])] = task
+        return found
+
+    def wait_for(self, array, states):
+        """What is known of the tasks once each of `states` is so."""
+        limit = time.monotonic() + self.LONGEST_WAIT
+        while True:
+            tasks = self.tasks(array)
+            now = {index: tasks.get(index, {}).get("JobState") for index in states}
+            if now == states:
+                return tasks
+            if time.monotonic() > limit:
+                raise AssertionError(f"the tasks are {now}")
+            time.sleep(0.1)
+
+    def own_processes(self):
+        """All that know this node's configuration, tasks among them."""
+        mark = f"SLURM_CONF={self.configuration}".encode()
+        for entry in Path("/proc").iterdir():
+            if entry.name.isdigit() and int(entry.name) != os.getpid():
+                try:
+                    if mark in (entry / "environ").read_bytes().split(b"\0"):
+                        yield int(entry.name)
+                except OSError:
+                    pass
+
+    def end(self):
+        for process in reversed(self.processes):
+            process.terminate()
+            with contextlib.suppress(subprocess.TimeoutExpired):
+                process.wait(timeout=5)
+            end_group(process)
+        limit = time.monotonic() + self.LONGEST_START
+        while pids := list(self.own_processes()):
+            if time.monotonic() > limit:
+                raise AssertionError(f"these are left: {pids}")
+            for pid in pids:
+                with contextlib.suppress(ProcessLookupError):
+                    os.kill(pid, signal.SIGKILL)
+            time.sleep(0.05)
+
+
+class IndexTest(EngineTest):
+    """What holds for engines that start a process for each number. One job of the night fails, and
+    one is killed and runs again."""
+
+    FAILED = 3
+    KILLED = 7
+
+    def setUp(self):
+        super().setUp()
+        self.night.make_plan()
+        self.night.break_map(self.FAILED)
+
+    def start(self, arguments, **more):
+        process = subprocess.Popen(
+            list(map(str, arguments)), cwd="/", env=self.night.environment(**more),
+            stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            start_new_session=True)
+        self.addCleanup(end_group, process)
+        return process
+
+    def expect_merge(self, words):
+        """The states of the jobs that are not clean, by their number."""
+        ended, _ = self.night.merge()
+        self.expect(1 if words else 0, ended)
+        rows = {self.night.name(index): index for index in range(COUNT)}
+        told = {}
+        for line in ended.text.splitlines():
+            name = next((name for name in rows if line.startswith(name + "  ")), None)
+            if name:
+                told[rows[name]] = line.removeprefix(name).strip().split("  ")[0]
+        self.assertEqual(told, {**dict.fromkeys(range(COUNT), "clean"), **words})
+
+    def check_night(self, arguments_of):
+        """Runs each number by `arguments_of`, which gives a command and its environment."""
+        codes = {}
+        for index in range(COUNT):
+            arguments, more = arguments_of(index)
+            if index == self.KILLED:
+                with self.night.held():
+                    process = self.start(arguments, **more)
+                    time.sleep(0.5)
+                    self.assertIsNone(process.poll())
+                    end_group(process)
+                    codes[index] = process.returncode
+            else:
+                codes[index] = self.night.call(arguments, "/", **more).code
+        self.assertEqual(codes, {**dict.fromkeys(range(COUNT), 0), self.FAILED: 1,
+                                 self.KILLED: -signal.SIGKILL})
+        self.expect_merge({self.FAILED: "failed", self.KILLED: "not run"})
+        arguments, more = arguments_of(self.KILLED)
+        self.expect(0, self.night.call(arguments, "/", **more))
+        self.expect_merge({self.FAILED: "failed"})
 
 
 class BuildToolTest:
