@@ -86,15 +86,16 @@ private:
     std::unordered_map<std::string, std::optional<fs::path>> folders_;
 };
 
-/// Folders in which nothing but names counts tell of no contents: much may go on there.
+/// Folders below it tell of themselves when they go. So where there are no other names nothing else
+/// is heard: much may go on in "/tmp", and wake a watch that has nothing to do.
 std::uint32_t eventsFor(const fs::path& folder, const std::set<std::string>& names) {
     for (const std::string& name : names) {
         std::error_code ignored;
-        if (!fs::is_directory(folder / name, ignored)) {
-            return kNameEvents | kOwnEvents | kContentEvents;
+        if (fs::symlink_status(folder / name, ignored).type() != fs::file_type::directory) {
+            return kNameEvents | kContentEvents | kOwnEvents;
         }
     }
-    return kNameEvents | kOwnEvents;
+    return kOwnEvents;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <filesystem>
 
@@ -94,6 +95,21 @@ TEST_F(FolderWatchTest, AFolderThatIsMovedAwayIsHeard) {
     folder_.write("x/docs/a.dita", "a");
     EXPECT_TRUE(
         isHeard("x/docs/a.dita", [&] { fs::rename(folder_.path() / "x", folder_.path() / "y"); }));
+}
+
+TEST_F(FolderWatchTest, WhatGoesOnInFoldersAboveWakesNobody) {
+    folder_.write("x/docs/a.dita", "a");
+    FolderWatch watch;
+    ASSERT_TRUE(watch.follow(namesOf("x/docs/a.dita")));
+    folder_.write("x/other.dita", "b");
+    fs::create_directory(folder_.path() / "x/more");
+    pollfd source{watch.descriptor(), POLLIN, 0};
+    EXPECT_EQ(poll(&source, 1, 0), 0);
+}
+
+TEST_F(FolderWatchTest, AFolderThatComesBackIsHeard) {
+    fs::create_directory(folder_.path() / "x");
+    EXPECT_TRUE(isHeard("x/docs/a.dita", [&] { fs::create_directory(folder_.path() / "x/docs"); }));
 }
 
 TEST_F(FolderWatchTest, NamesThatAreFollowedNoLongerAreNotHeard) {
