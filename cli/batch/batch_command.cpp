@@ -196,7 +196,8 @@ ExitCode Batch::emit() const {
     }
     const std::string program = fs::read_symlink("/proc/self/exe").string();
     const std::string file = fs::absolute(options_.file).lexically_normal().string();
-    EngineScript script{options_.engine, plan_, program, file, results_.path().string(), {}, {}};
+    EngineScript script{options_.engine,          plan_, program, file,
+                        results_.path().string(), {},    {},      fs::current_path().string()};
     if (!isPlanThere) {
         script.planFile = (results_.path() / "plan.jsonl").string();
         script.planCommand = "mkdir -p " + shellWord(script.results) + " && " +

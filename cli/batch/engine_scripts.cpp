@@ -73,10 +73,16 @@ std::string runCommand(const EngineScript& script, const std::string& more) {
            shellWord(script.results) + " --diagnostics short " + more;
 }
 
+/// Goes where texts of results name files from.
+std::string changeFolder(const EngineScript& script) {
+    return "cd " + shellWord(script.folder) + " && ";
+}
+
 std::string jobCommand(const EngineScript& script, std::size_t index) {
     const std::string result = resultOf(script, script.plan.jobs[index]);
     // A job with findings has a result, too, but is to be made again: as if it were very old.
-    return runCommand(script, "--index " + std::to_string(index) + " --depfile " +
+    return changeFolder(script) +
+           runCommand(script, "--index " + std::to_string(index) + " --depfile " +
                                   shellWord(result + ".d")) +
            " || { code=$?; touch -c -t 197001020000 " + shellWord(result) + "; exit $code; }";
 }
@@ -145,8 +151,9 @@ std::string parallelText(const EngineScript& script) {
     const std::string log = shellWord((fs::path(script.results) / "parallel.log").string());
     return "#!/bin/sh\n# For GNU parallel: sh FILE. Its exit status is the number of failed jobs, "
            "and the log has the\n# code of each; sh FILE --retry-failed runs only those again.\n" +
-           mergeComment(script) + "mkdir -p " + shellWord(script.results) +
-           "\nif [ \"$1\" = --retry-failed ]; then\n    exec parallel --retry-failed --joblog " +
+           mergeComment(script) + changeFolder(script) + "mkdir -p " + shellWord(script.results) +
+           " || exit 1\nif [ \"$1\" = --retry-failed ]; then\n    exec parallel --retry-failed "
+           "--joblog " +
            log + "\nfi\nseq 0 " + lastIndex(script) + " | exec parallel --joblog " + log +
            " --memfree 256M \"$@\" " + shellWord(runCommand(script, "--index {}")) + "\n";
 }
@@ -154,7 +161,8 @@ std::string parallelText(const EngineScript& script) {
 std::string slurmText(const EngineScript& script) {
     return "#!/bin/sh\n#SBATCH --job-name=marrowpress\n#SBATCH --array=0-" + lastIndex(script) +
            "\n#SBATCH --requeue\n# For Slurm: sbatch FILE. Each task is a job of the plan.\n" +
-           mergeComment(script) + "exec " + runCommand(script, "--index env") + "\n";
+           mergeComment(script) + changeFolder(script) + "exec " +
+           runCommand(script, "--index env") + "\n";
 }
 
 /// As a word of a container's command, in which Kubernetes reads `$(NAME)` as a variable.
@@ -207,8 +215,8 @@ std::string kubernetesText(const EngineScript& script) {
            count + "\n  parallelism: 4\n  backoffLimitPerIndex: 0\n  maxFailedIndexes: " + count +
            "\n  template:\n    spec:\n      restartPolicy: Never\n      containers:\n"
            "        - name: marrowpress\n          image: marrowpress\n          command: [" +
-           arguments +
-           "]\n          volumeMounts:\n            - name: files\n"
+           arguments + "]\n          workingDir: " + yamlText(script.folder) +
+           "\n          volumeMounts:\n            - name: files\n"
            "              mountPath: " +
            folder +
            "\n      volumes:\n        - name: files\n          hostPath:\n            path: " +
@@ -226,6 +234,9 @@ std::string githubText(const EngineScript& script) {
            "# plan and its files.\n" +
            mergeComment(script) +
            "name: marrowpress\non: workflow_dispatch\njobs:\n  publish:\n    runs-on: self-hosted\n"
+           "    defaults:\n      run:\n        working-directory: " +
+           yamlText(script.folder) +
+           "\n"
            "    strategy:\n      fail-fast: false\n      matrix:\n        part: [" +
            numbers + "]\n    steps:\n      - run: " +
            yamlText(runCommand(script, "--shard ${{ matrix.part }}/" + std::to_string(parts))) +
@@ -256,7 +267,7 @@ std::optional<std::string> findUnnameable(const EngineScript& script) {
     const char* const refused =
         script.engine == Engine::kParallel ? kNotInParallel : kNotInCommands;
     for (const std::string& path :
-         {script.program, script.results, script.planFile, script.planSource}) {
+         {script.program, script.results, script.planFile, script.planSource, script.folder}) {
         if (hasAny(path, refused)) {
             return path;
         }

@@ -19,6 +19,8 @@ struct EngineScript {
     /// The command that makes the plan, for make and ninja; empty for a plan that is there.
     std::string planCommand;
     std::string planSource;  ///< What the plan is made of.
+    /// The one from which texts of results name files, wherever the engine starts a job.
+    std::string folder = "/";
 };
 
 /// A script or manifest by which the engine runs each job of the plan, with comments that say how

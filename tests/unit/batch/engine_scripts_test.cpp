@@ -138,6 +138,17 @@ TEST_F(EngineScriptsTest, AMatrixIsNoLargerThanItMayBe) {
     EXPECT_TRUE(has(Engine::kGithub, "--shard ${{ matrix.part }}/256"));
 }
 
+TEST_F(EngineScriptsTest, JobsRunInTheFolderInWhichTheScriptWasMade) {
+    const auto scriptIn = [this](Engine engine) {
+        return engineScript({engine, plan_, "/m", "/p", "/r", "", "", "/n/a b"});
+    };
+    for (const Engine engine : {Engine::kNinja, Engine::kMake, Engine::kParallel, Engine::kSlurm}) {
+        EXPECT_NE(scriptIn(engine).find("cd '/n/a b' && "), std::string::npos);
+    }
+    EXPECT_NE(scriptIn(Engine::kKubernetes).find("workingDir: \"/n/a b\"\n"), std::string::npos);
+    EXPECT_NE(scriptIn(Engine::kGithub).find("working-directory: \"/n/a b\"\n"), std::string::npos);
+}
+
 TEST_F(EngineScriptsTest, EachSaysHowItEndsInAMerge) {
     for (const Engine engine : {Engine::kNinja, Engine::kMake, Engine::kParallel, Engine::kSlurm,
                                 Engine::kKubernetes, Engine::kGithub}) {
