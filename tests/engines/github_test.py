@@ -26,7 +26,7 @@ class GithubTest(IndexTest):
 
     def step_of(self, index):
         run = self.job["steps"][0]["run"].replace(PART, str(self.job["strategy"]["matrix"]["part"][index]))
-        return ["bash", "-e", "-c", run], {}
+        return ["bash", "-e", "-c", run], self.job["defaults"]["run"]["working-directory"], {}
 
     def test_the_matrix_has_a_part_for_each_job_and_goes_on_when_one_fails(self):
         self.assertEqual(self.job["strategy"]["matrix"], {"part": list(range(1, COUNT + 1))})
@@ -39,7 +39,7 @@ class GithubTest(IndexTest):
     def test_an_engine_that_counts_from_one_gives_the_same_jobs(self):
         def node(index):
             return [self.night.command, "batch", "run", self.night.plan, "--results",
-                    self.night.results, "--index", "env"], {"CI_NODE_INDEX": str(index + 1)}
+                    self.night.results, "--index", "env"], "/", {"CI_NODE_INDEX": str(index + 1)}
         self.check_night(node)
 
     def test_two_engines_at_once_are_a_usage_error(self):

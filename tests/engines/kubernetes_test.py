@@ -27,6 +27,14 @@ def expanded(word, environment):
     return VARIABLE.sub(value, word)
 
 
+def command_of(manifest, index, night):
+    """The command of the manifest's container, its folder, and what its environment has besides."""
+    container = manifest["spec"]["template"]["spec"]["containers"][0]
+    environment = {"JOB_COMPLETION_INDEX": str(index),
+                   "PATH": f"{night.command.parent}:{os.environ['PATH']}"}
+    return [expanded(word, environment) for word in container["command"]], container["workingDir"], environment
+
+
 @unittest.skipUnless(yaml, "python3-yaml is not installed")
 class KubernetesTest(IndexTest):
     def setUp(self):
@@ -35,11 +43,6 @@ class KubernetesTest(IndexTest):
         self.manifest = yaml.safe_load(script.read_text(encoding="utf-8"))
         self.pod = self.manifest["spec"]["template"]["spec"]
         self.container = self.pod["containers"][0]
-
-    def command_of(self, index):
-        environment = {"JOB_COMPLETION_INDEX": str(index),
-                       "PATH": f"{self.night.command.parent}:{os.environ['PATH']}"}
-        return [expanded(word, environment) for word in self.container["command"]], environment
 
     def test_the_job_is_an_indexed_one_with_an_index_for_each_job(self):
         spec = self.manifest["spec"]
@@ -59,7 +62,7 @@ class KubernetesTest(IndexTest):
             self.assertTrue(path.is_relative_to(mount["mountPath"]), path)
 
     def test_each_index_is_a_job(self):
-        self.check_night(self.command_of)
+        self.check_night(lambda index: command_of(self.manifest, index, self.night))
 
 
 if __name__ == "__main__":
