@@ -47,6 +47,15 @@ protected:
         return {};
     }
 
+    static bool isJob(pid_t process) {
+        std::ifstream in("/proc/" + std::to_string(process) + "/cmdline", std::ios::binary);
+        std::string program;
+        std::string command;
+        std::getline(in, program, '\0');
+        std::getline(in, command, '\0');
+        return command == "job";
+    }
+
     /// The process of the job that a batch runs just now, as soon as it has told a phase.
     pid_t workerOf(const RunningCommand& batch) const {
         const std::string process = std::to_string(batch.process());
@@ -54,7 +63,8 @@ protected:
         EXPECT_TRUE(waitUntil([&] {
             std::ifstream children("/proc/" + process + "/task/" + process + "/children");
             std::ifstream phases;
-            if (children >> worker) {
+            // Before it is the program of a job it has its parent's descriptors.
+            if (children >> worker && isJob(worker)) {
                 phases.open("/proc/" + std::to_string(worker) + "/fd/" +
                             std::to_string(kPhaseDescriptor));
             }
