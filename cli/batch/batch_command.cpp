@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <ostream>
 #include <set>
@@ -73,6 +74,7 @@ private:
     ExitCode merge();
     void findOutputFaults() const;
     void findConflicts();
+    std::vector<std::size_t> allJobs() const;
     std::vector<std::unique_ptr<OutputFolder>> openFolders() const;
     BatchSetting setting() const;
     std::map<std::string, double> earlierTimes() const;
@@ -93,7 +95,7 @@ private:
 ExitCode Batch::run() {
     if (options_.action == BatchAction::kMerge) {
         plan_ = readPlan(options_.plan);
-        indexes_ = selectedJobs({}, plan_);
+        indexes_ = allJobs();
         return merge();
     }
     std::vector<std::string> passedOver;
@@ -108,8 +110,10 @@ ExitCode Batch::run() {
         case BatchAction::kList:
             return list();
         case BatchAction::kPlan:
+            findConflicts();
             return writePlan();
         case BatchAction::kEmit:
+            findConflicts();
             return emit();
         default:
             break;
@@ -119,8 +123,8 @@ ExitCode Batch::run() {
     }
     if (!plan_.isCheck) {
         findOutputFaults();
-        findConflicts();
     }
+    findConflicts();
     return options_.isDryRun ? showDryRun() : runJobs();
 }
 
@@ -248,18 +252,32 @@ void Batch::findOutputFaults() const {
     }
 }
 
+std::vector<std::size_t> Batch::allJobs() const {
+    std::vector<std::size_t> indexes(plan_.jobs.size());
+    std::iota(indexes.begin(), indexes.end(), 0U);
+    return indexes;
+}
+
 /// Jobs that get into each other's way as far as requests and earlier results tell.
 ///
 /// @throws BatchFault
 void Batch::findConflicts() {
+    if (plan_.isCheck) {
+        return;
+    }
     JobConflicts conflicts;
     std::map<std::string, std::size_t> indexOf;
-    for (const std::size_t index : indexes_) {
-        const std::string& id = plan_.jobs[index].id;
-        indexOf[id] = index;
+    // What is left of the plan others run, perhaps just now.
+    const BatchAction action = options_.action;
+    for (const std::size_t index : action == BatchAction::kRun ? allJobs() : indexes_) {
+        indexOf[plan_.jobs[index].id] = index;
         conflicts.add(plan_.jobs[index]);
-        if (const std::optional<RunResult> result = results_.find(id)) {
-            conflicts.add(*result);
+    }
+    if (action != BatchAction::kPlan && action != BatchAction::kEmit) {
+        for (const std::size_t index : indexes_) {
+            if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
+                conflicts.add(*result);
+            }
         }
     }
     const std::vector<JobConflict> found = conflicts.find();
@@ -432,10 +450,16 @@ ExitCode Batch::merge() {
     results_ = ResultFolder(options_.file, [this](const std::string& sentence) {
         streams_.err << "marrowpress batch: " << sentence << ".\n";
     });
-    const std::vector<JobOutcome> outcomes = knownOutcomes();
+    std::vector<JobOutcome> outcomes = knownOutcomes();
+    BatchView view(plan_, indexes_, options_.diagnostics, {}, streams_);
+    if (!plan_.isCheck) {
+        const BatchSetting setting;
+        BatchRun run(plan_, setting, results_, view);
+        settleConflicts(run);
+        outcomes = knownOutcomes();
+    }
     const ExitCode code = exitOf(outcomes, false);
     writeBatchReports(options_.reports, plan_, indexes_, results_, static_cast<int>(code));
-    const BatchView view(plan_, indexes_, options_.diagnostics, {}, streams_);
     return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/batch/job_results.h"
 
+#include <algorithm>
 #include <csignal>
 #include <filesystem>
 #include <optional>
@@ -134,12 +135,20 @@ RunResult withConflict(RunResult result, const std::string& other, const std::st
     constexpr int kExitOfFailedJob = 1;
     result.state = ResultState::kFailed;
     result.exit = kExitOfFailedJob;
-    result.findings.push_back(batchFinding(
-        "MP302",
-        translated("Dieser Auftrag und `{0}` stören einander: der eine schreibt, was der "
-                   "andere liest",
-                   {other}),
-        path));
+    Finding finding = batchFinding("MP302",
+                                   translated("Dieser Auftrag und `{0}` stören einander: der eine "
+                                              "schreibt, was der andere liest",
+                                              {other}),
+                                   path);
+    // Whoever looks at the results again finds the same.
+    const bool isKnown = std::any_of(
+        result.findings.begin(), result.findings.end(), [&finding](const Finding& known) {
+            return known.id == finding.id && known.text == finding.text &&
+                   known.place == finding.place;
+        });
+    if (!isKnown) {
+        result.findings.push_back(std::move(finding));
+    }
     return result;
 }
 

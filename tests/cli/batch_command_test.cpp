@@ -264,6 +264,46 @@ TEST_F(BatchTest, TwoJobsOntoOneOutputAreRefused) {
     EXPECT_EQ(namesIn("out"), Texts()) << "nothing was started";
 }
 
+TEST_F(BatchTest, APlanWithTwoJobsOntoOneOutputIsRefusedWherever) {
+    folder_.write("jobs.jsonl", job("one", "docs/one.ditamap", "out/same.dita") +
+                                    job("two", "docs/two.ditamap", "out/same.dita"));
+    const CommandResult plan = run({"batch", "plan", "jobs.jsonl", "--plan", "plan.jsonl"});
+    EXPECT_EQ(plan.code, 2);
+    EXPECT_NE(plan.err.find("`one` and `two` write the same file"), std::string::npos) << plan.err;
+    EXPECT_FALSE(folder_.exists("plan.jsonl"));
+    EXPECT_EQ(run({"batch", "emit", "ninja", "jobs.jsonl"}).code, 2);
+    ASSERT_EQ(run({"batch", "plan", "jobs.jsonl", "--plan", "plan.jsonl", "--check"}).code, 0)
+        << "nothing is written then";
+}
+
+TEST_F(BatchTest, JobsOfAPlanThatGetIntoEachOthersWayFailWhenTheyAreMerged) {
+    folder_.write("docs/two.ditamap", mapOf("../out/one"));
+    writeTwoJobs();
+    ASSERT_EQ(
+        run({"batch", "plan", "jobs.jsonl", "--plan", "plan.jsonl", "--catalog", "catalog.xml"})
+            .code,
+        0);
+    for (const char* const index : {"0", "1"}) {
+        run({"batch", "run", "plan.jsonl", "--index", index});
+    }
+    for (int times = 0; times < 2; ++times) {
+        const CommandResult merged =
+            run({"batch", "merge", "marrowpress-results", "--plan", "plan.jsonl"});
+        EXPECT_EQ(merged.code, 1) << merged.err;
+        EXPECT_NE(merged.err.find("`one` and `two` write and read"), std::string::npos)
+            << merged.err;
+        for (const char* const id : {"one", "two"}) {
+            const json::object failed = result(id);
+            const json::array& findings = failed.at("findings").as_array();
+            EXPECT_EQ(std::count_if(
+                          findings.begin(), findings.end(),
+                          [](const json::value& finding) { return finding.at("id") == "MP302"; }),
+                      1)
+                << id;
+        }
+    }
+}
+
 TEST_F(BatchTest, AnOutputThatAnotherJobReadsIsRefusedWhenAResultTellsAndFailsBothElse) {
     folder_.write("docs/two.ditamap", mapOf("../out/one"));
     writeTwoJobs();
