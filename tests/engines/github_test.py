@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""What `batch emit github` writes, taken as a runner takes it: tests/engines/github_test.py [--command COMMAND]
+"""What `batch emit github` writes, taken as a runner takes it:
+
+    tests/engines/github_test.py [--command COMMAND]
 
 The workflow is parsed, and its step run for each part of the matrix.
 """

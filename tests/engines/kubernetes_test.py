@@ -32,7 +32,8 @@ def command_of(manifest, index, night):
     container = manifest["spec"]["template"]["spec"]["containers"][0]
     environment = {"JOB_COMPLETION_INDEX": str(index),
                    "PATH": f"{night.command.parent}:{os.environ['PATH']}"}
-    return [expanded(word, environment) for word in container["command"]], container["workingDir"], environment
+    command = [expanded(word, environment) for word in container["command"]]
+    return command, container["workingDir"], environment
 
 
 @unittest.skipUnless(yaml, "python3-yaml is not installed")

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """What `batch emit make` writes, run by make: tests/engines/make_test.py [--command COMMAND] [TEST...]"""
 
-from engines import BuildToolTest, EngineTest, main
+from build_tool import BuildToolTest
+from engines import EngineTest, main
 
 
 class MakeTest(BuildToolTest, EngineTest):

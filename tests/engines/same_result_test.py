@@ -9,7 +9,8 @@ import shutil
 import unittest
 
 import kubernetes_test
-from engines import COUNT, EngineTest, SlurmNode, main
+from engines import COUNT, EngineTest, main
+from slurm_node import SlurmNode
 
 EXPECTED = {**dict.fromkeys(range(COUNT), "clean"), 3: "failed",
             **dict.fromkeys((4, 9, 14, 19), "findings")}

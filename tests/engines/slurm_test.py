@@ -7,7 +7,8 @@ One node and its controller on the loopback, without accounting, with a key and 
 import signal
 import time
 
-from engines import COUNT, IndexTest, SlurmNode, main
+from engines import COUNT, IndexTest, main
+from slurm_node import SlurmNode
 
 
 class SlurmTest(IndexTest):
