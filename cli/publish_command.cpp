@@ -11,7 +11,6 @@
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
 #include "cli/findings_report.h"
-#include "cli/folder_wait.h"
 #include "cli/input_faults.h"
 #include "cli/make_rule.h"
 #include "cli/movable_result.h"
@@ -30,6 +29,7 @@
 #include "marrowpress/publish_status.h"
 #include "runs/component_places.h"
 #include "runs/dependency_list.h"
+#include "runs/folder_wait.h"
 #include "runs/public_ids.h"
 #include "runs/unwritten_file.h"
 
@@ -336,18 +336,14 @@ ExitCode Publishing::runObserved(const ProfileSet& profiles, const FindingsRepor
 RunOutcome Publishing::runInTurn(const RunSetting& setting, RunDisplay& display) {
     const std::string folder = outputFolderOf(options_, paths_).path.string();
     const auto end = std::chrono::steady_clock::now() + kLongestFolderWait;
-    RunOutcome outcome;
-    do {
-        if (!waitForFolder(folder, end)) {
-            outcome.isFolderTaken = true;
+    return marrowpress::runInTurn(
+        folder, [&] { return waitForFolder(folder, end); },
+        [&] {
+            unfinished_ = std::make_unique<UnfinishedOutputs>(outputsOf(options_, paths_));
+            RunOutcome outcome = runRequest(setting, display);
+            unfinished_.reset();
             return outcome;
-        }
-        unfinished_ = std::make_unique<UnfinishedOutputs>(outputsOf(options_, paths_));
-        outcome = runRequest(setting, display);
-        unfinished_.reset();
-        // A third run may have come between the wait and the request, which fails then at once.
-    } while (outcome.status == kRunFailed && !outcome.hasBegun && !waitForFolder(folder, {}));
-    return outcome;
+        });
 }
 
 /// The sentence about a run that came to nothing; empty when all of its output was written.

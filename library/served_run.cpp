@@ -1,6 +1,7 @@
 #include "library/served_run.h"
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <optional>
 #include <sstream>
@@ -19,6 +20,7 @@
 #include "marrowpress/publish_status.h"
 #include "runs/component_places.h"
 #include "runs/dependency_json.h"
+#include "runs/folder_wait.h"
 #include "runs/key_json.h"
 #include "runs/map_run.h"
 #include "runs/outside_fragments.h"
@@ -88,6 +90,7 @@ public:
 private:
     RunSetting setting();
     void watch(const Observation& observation);
+    bool waitFor(const std::string& folder) const;
     RunOutcome send();
     void gatherFindings(const RunOutcome& outcome);
     void gatherLists();
@@ -149,13 +152,28 @@ void ServedRun::watch(const Observation& observation) {
     }
 }
 
+/// Another process may write into the folder, as others of a pool do.
+bool ServedRun::waitFor(const std::string& folder) const {
+    constexpr std::chrono::milliseconds kStep{100};
+    while (!waitForFolder(folder, std::chrono::steady_clock::now() + kStep)) {
+        if (order_.isCancelled()) {
+            throw RunInterrupted();
+        }
+    }
+    return true;
+}
+
 RunOutcome ServedRun::send() {
     RunSinks sinks;
     sinks.onProgress = order_.onProgress;
     sinks.isInterrupted = [this] { return order_.isCancelled(); };
     const RunSetting how = setting();
+    const fs::path folder = facts_.isFlatBook ? facts_.output : facts_.output.parent_path();
     try {
-        return runRequest(how, sinks);
+        return isTrial_ ? runRequest(how, sinks)
+                        : runInTurn(
+                              folder.string(), [&] { return waitFor(folder.string()); },
+                              [&] { return runRequest(how, sinks); });
     } catch (const RunInterrupted&) {
         throw LibraryFailure(MP_CANCELLED, mp_code_text(MP_CANCELLED));
     } catch (const std::system_error& failure) {

@@ -76,7 +76,12 @@ std::optional<WatchOutcome> WatchedBatch::outcomeOf(const TaskEnd& end) {
 
 ExitCode runBatchWatch(const BatchOptions& options, const Streams& streams) {
     WatchedBatch batch(options, streams);
-    const WatchEnd end = watch(batch, {options.polls, {}, options.diagnostics.isQuiet}, streams);
+    const WatchEnd end = watch(
+        batch,
+        {options.polls,
+         {},
+         options.diagnostics.isQuiet || options.diagnostics.format == DiagnosticsFormat::kJson},
+        streams);
     if (end.signal != 0) {
         endBySignal(end.signal);
     }

@@ -14,7 +14,6 @@
 #include "cli/publish_command.h"
 #include "cli/publish_paths.h"
 #include "cli/removal_on_signal.h"
-#include "cli/run_display.h"
 #include "cli/watch/watch_loop.h"
 #include "results/result_json.h"
 
@@ -84,10 +83,11 @@ ExitCode runWatch(const WatchOptions& options, const Streams& streams) {
     const fs::path outputFolder = outputFolderOf(options, resolvePublishPaths(options)).path;
     WatchedPublication publication(options, streams);
     removeLeftAside(outputFolder);
-    const WatchEnd end = watch(publication,
-                               {options.polls, options.command,
-                                options.diagnostics.isQuiet || isForTools(options.diagnostics)},
-                               streams);
+    const WatchEnd end = watch(
+        publication,
+        {options.polls, options.command,
+         options.diagnostics.isQuiet || options.diagnostics.format == DiagnosticsFormat::kJson},
+        streams);
     // A run that did not react may have left something.
     removeLeftAside(outputFolder);
     if (end.signal != 0) {

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "tests/library/library_fixture.h"
+#include "tests/support/texts.h"
 
 namespace marrowpress {
 namespace {
@@ -160,6 +161,25 @@ TEST_F(SpawnTest, SeveralRunAtATime) {
             mp_result* made = nullptr;
             EXPECT_EQ(mp_spawn(composite().c_str(), &check, &made), MP_OK);
             EXPECT_EQ(mp_result_status(made), 0);
+            mp_result_free(made);
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST_F(SpawnTest, SeveralIntoOneFolderTakeTurns) {
+    constexpr int kRuns = 6;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < kRuns; ++number) {
+        threads.emplace_back([this, number] {
+            const std::string request =
+                replacedAll(composite(), "out.dita", "out" + std::to_string(number) + ".dita");
+            mp_result* made = nullptr;
+            EXPECT_EQ(mp_spawn(request.c_str(), nullptr, &made), MP_OK);
+            EXPECT_EQ(mp_result_status(made), 0) << mp_result_error(made);
+            EXPECT_EQ(mp_result_output_count(made), 1U);
             mp_result_free(made);
         });
     }

@@ -1,4 +1,4 @@
-#include "cli/folder_wait.h"
+#include "runs/folder_wait.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <thread>
+
+#include "marrowpress/publish_status.h"
 
 namespace marrowpress {
 namespace {
@@ -19,6 +21,21 @@ bool isHeldByOther(int descriptor) {
 
 bool waitForFolder(const std::string& folder, std::chrono::steady_clock::time_point end) {
     return !FolderHold(folder, end).isTaken();
+}
+
+RunOutcome runInTurn(const std::string& folder, const std::function<bool()>& wait,
+                     const std::function<RunOutcome()>& run) {
+    RunOutcome outcome;
+    do {
+        if (!wait()) {
+            outcome = RunOutcome();
+            outcome.isFolderTaken = true;
+            return outcome;
+        }
+        outcome = run();
+        // A third run may have come between the wait and the request, which fails then at once.
+    } while (outcome.status == kRunFailed && !outcome.hasBegun && !waitForFolder(folder, {}));
+    return outcome;
 }
 
 FolderHold::FolderHold(const std::string& folder, std::chrono::steady_clock::time_point end)

@@ -1,10 +1,15 @@
-#include "cli/folder_wait.h"
+#include "runs/folder_wait.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
 #include <thread>
 
+#include "marrowpress/publish_status.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 
@@ -59,6 +64,52 @@ TEST(FolderHoldTest, EndsInVainWhereAnotherRunHoldsTheFolder) {
 TEST(FolderHoldTest, HoldsNothingWithoutAFolder) {
     const TemporaryFolder folder;
     EXPECT_FALSE(FolderHold(folder.file("none"), {}).isTaken());
+}
+
+TEST(RunInTurnTest, ARunThatAThirdOneWasFasterThanIsMadeAgain) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path().string();
+    std::optional<FolderHold> third;
+    int runs = 0;
+    const RunOutcome outcome = runInTurn(
+        path,
+        [&] {
+            third.reset();
+            return true;
+        },
+        [&] {
+            RunOutcome made;
+            made.status = ++runs == 1 ? kRunFailed : 0;
+            if (runs == 1) {
+                third.emplace(path, std::chrono::steady_clock::now());
+            }
+            return made;
+        });
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(runs, 2);
+}
+
+TEST(RunInTurnTest, ARunThatFailsByItselfIsNotMadeAgain) {
+    const TemporaryFolder folder;
+    int runs = 0;
+    const RunOutcome outcome = runInTurn(
+        folder.path().string(), [] { return true; },
+        [&] {
+            ++runs;
+            RunOutcome made;
+            made.status = kRunFailed;
+            return made;
+        });
+    EXPECT_EQ(outcome.status, kRunFailed);
+    EXPECT_EQ(runs, 1);
+}
+
+TEST(RunInTurnTest, WhoeverGivesUpMakesNone) {
+    const TemporaryFolder folder;
+    const RunOutcome outcome = runInTurn(
+        folder.path().string(), [] { return false; },
+        []() -> RunOutcome { throw std::logic_error("it was not its turn"); });
+    EXPECT_TRUE(outcome.isFolderTaken);
 }
 
 }  // namespace

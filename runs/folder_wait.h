@@ -1,7 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
+
+#include "runs/map_run.h"
 
 namespace marrowpress {
 
@@ -13,6 +16,14 @@ inline constexpr std::chrono::seconds kLongestFolderWait{10};
 ///
 /// False when the other one still holds it. A folder that can't be opened or locked is free.
 bool waitForFolder(const std::string& folder, std::chrono::steady_clock::time_point end);
+
+/// Makes a run when no other one writes into `folder`, and again when a third one was faster.
+///
+/// @param wait  Waits for the folder, as `waitForFolder` does; false ends it all with an outcome
+/// that
+///              says so.
+RunOutcome runInTurn(const std::string& folder, const std::function<bool()>& wait,
+                     const std::function<RunOutcome()>& run);
 
 /// Holds a folder as a run does that writes into it, while it lives. Where the file system has no
 /// locks, or the folder is not there, nothing is held.
