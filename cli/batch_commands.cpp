@@ -278,6 +278,8 @@ public:
         arguments()
             .addText("--plan", options_.plan, "The plan that the results are of", "FILE")
             .required();
+        arguments().addFlag("--serialize", options_.serializes,
+                            "A job may have read what another one writes, since it ran afterwards");
         addReports();
     }
 };

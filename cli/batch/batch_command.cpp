@@ -78,7 +78,10 @@ private:
     std::vector<std::unique_ptr<OutputFolder>> openFolders() const;
     BatchSetting setting() const;
     std::map<std::string, double> earlierTimes() const;
+    std::vector<JobConflict> conflictsOfResults() const;
     int settleConflicts(BatchRun& run);
+    void failConflicts();
+    void failFor(const std::string& id, const std::string& other, const std::string& path);
     std::vector<std::size_t> newReaders(const std::vector<std::string>& ids) const;
     ExitCode exitOf(const std::vector<JobOutcome>& outcomes, bool isAnyResultLost) const;
     std::vector<JobOutcome> knownOutcomes() const;
@@ -377,18 +380,22 @@ ExitCode Batch::runJobs() {
     return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
 }
 
-/// What only the runs have shown: jobs that got into each other's way have failed, and those that
-/// may read what others write run again behind them.
-///
-/// @return  As `BatchRun::run`.
-int Batch::settleConflicts(BatchRun& run) {
+std::vector<JobConflict> Batch::conflictsOfResults() const {
     JobConflicts conflicts;
     for (const std::size_t index : indexes_) {
         if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
             conflicts.add(*result);
         }
     }
-    const std::vector<JobConflict> found = conflicts.find();
+    return conflicts.find();
+}
+
+/// What only the runs have shown: jobs that got into each other's way have failed, and those that
+/// may read what others write run again behind them.
+///
+/// @return  As `BatchRun::run`.
+int Batch::settleConflicts(BatchRun& run) {
+    const std::vector<JobConflict> found = conflictsOfResults();
     const std::optional<std::vector<std::string>> order = JobConflicts::orderOf(found);
     for (const JobConflict& conflict : found) {
         if (!conflict.isRead || !options_.serializes || !order) {
@@ -445,21 +452,46 @@ std::vector<JobOutcome> Batch::knownOutcomes() const {
     return outcomes;
 }
 
+/// Jobs that got into each other's way have failed, as in a local batch, which would have seen it.
+/// Their files stay: an engine that looks at times would take a new one for a run.
+void Batch::failConflicts() {
+    const std::vector<JobConflict> found = conflictsOfResults();
+    const bool isOrdered = options_.serializes && JobConflicts::orderOf(found);
+    for (const JobConflict& conflict : found) {
+        if (!conflict.isRead || !isOrdered) {
+            failFor(conflict.writer, conflict.other, conflict.path);
+            failFor(conflict.other, conflict.writer, conflict.path);
+        }
+    }
+}
+
+/// Nothing changes for a job whose result says so already.
+void Batch::failFor(const std::string& id, const std::string& other, const std::string& path) {
+    const std::optional<RunResult> result = results_.find(id);
+    if (!result) {
+        return;
+    }
+    RunResult failed = withConflict(*result, other, path);
+    if (failed.findings.size() > result->findings.size()) {
+        streams_.err << "marrowpress batch: `" << id << "` and `" << other << "` write and read "
+                     << path << ".\n";
+        results_.overrule(std::move(failed));
+    }
+}
+
 ExitCode Batch::merge() {
     chooseLanguage(plan_.diagnostics.language);
     results_ = ResultFolder(options_.file, [this](const std::string& sentence) {
         streams_.err << "marrowpress batch: " << sentence << ".\n";
     });
     std::vector<JobOutcome> outcomes = knownOutcomes();
-    BatchView view(plan_, indexes_, options_.diagnostics, {}, streams_);
     if (!plan_.isCheck) {
-        const BatchSetting setting;
-        BatchRun run(plan_, setting, results_, view);
-        settleConflicts(run);
+        failConflicts();
         outcomes = knownOutcomes();
     }
     const ExitCode code = exitOf(outcomes, false);
     writeBatchReports(options_.reports, plan_, indexes_, results_, static_cast<int>(code));
+    const BatchView view(plan_, indexes_, options_.diagnostics, {}, streams_);
     return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
 }
 

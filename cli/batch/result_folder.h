@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -38,6 +39,10 @@ public:
     /// @throws FileFailure
     void put(const RunResult& result) const;
 
+    /// From here on `find` and `textOf` give this in the place of the job's file, which stays as it
+    /// is.
+    void overrule(RunResult result);
+
     /// After this the job has not happened.
     ///
     /// @throws FileFailure
@@ -48,7 +53,8 @@ private:
 
     std::filesystem::path folder_;
     Warning warn_;
-    mutable std::set<std::string> warned_;  ///< Ids.
+    mutable std::set<std::string> warned_;         ///< Ids.
+    std::map<std::string, RunResult> overruling_;  ///< By the jobs' ids.
 };
 
 }  // namespace marrowpress

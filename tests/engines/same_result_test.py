@@ -5,6 +5,7 @@ What `batch merge --summary` writes is the same, byte by byte, as after a local 
 `run` of the results. Of the twenty jobs one fails, and four have findings.
 """
 
+import json
 import shutil
 import unittest
 
@@ -90,6 +91,45 @@ class SameResultTest(EngineTest):
         node.wait_for(array, {index: "COMPLETED" if state == "clean" else "FAILED"
                               for index, state in EXPECTED.items()})
         self.expect_the_same()
+
+
+class ConflictTest(EngineTest):
+    """Nobody but a batch that runs all jobs sees that one reads what another one writes."""
+
+    def setUp(self):
+        super().setUp()
+        output = self.night.output(11).relative_to(self.night.folder)
+        self.night.write_map(12, [self.night.topic(12), f"../{output}"])
+        self.night.make_plan()
+
+    def run_plan(self, *more):
+        return self.night.batch("run", self.night.plan, "--results", self.night.results, *more)
+
+    def test_the_jobs_have_failed_whoever_ran_them(self):
+        self.expect(1, self.run_plan("--jobs", "2"))
+        self.expect_conflict()
+        shutil.rmtree(self.night.results)
+        shutil.rmtree(self.night.out)
+        for part in "1/2", "2/2":
+            self.run_plan("--shard", part)
+        before = self.night.marks()
+        self.expect_conflict()
+        self.expect_conflict()
+        self.assertEqual(self.night.marks(), before)
+
+    def test_the_jobs_may_have_run_one_after_the_other(self):
+        self.expect(0, self.night.batch(self.night.jobs, "--results", self.night.results, "--jobs", "2",
+                                        "--serialize", *self.night.options()))
+        self.expect(0, self.night.batch("merge", self.night.results, "--plan", self.night.plan,
+                                        "--serialize"))
+
+    def expect_conflict(self):
+        ended, _ = self.night.merge()
+        self.expect(1, ended)
+        summary = (self.night.folder / "summary.json").read_text(encoding="utf-8")
+        failed = [job["id"] for job in json.loads(summary)["jobs"] if job["state"] == "failed"]
+        self.assertEqual(failed, [self.night.name(11), self.night.name(12)])
+        self.assertEqual(summary.count('"id":"MP302"'), 2)
 
 
 if __name__ == "__main__":

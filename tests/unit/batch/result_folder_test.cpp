@@ -45,6 +45,17 @@ TEST_F(ResultFolderTest, AFileThatIsNoResultIsToldOfOnce) {
     EXPECT_EQ(warnings_.size(), 1U);
 }
 
+TEST_F(ResultFolderTest, AnOverruledResultStaysInItsFile) {
+    results_.put(resultOfId("a"));
+    RunResult failed = resultOfId("a");
+    failed.state = ResultState::kFailed;
+    failed.exit = 1;
+    results_.overrule(failed);
+    EXPECT_EQ(results_.find("a")->state, ResultState::kFailed);
+    EXPECT_EQ(results_.textOf("a"), resultText(failed));
+    EXPECT_EQ(folder_.read("results/a.json"), resultText(resultOfId("a")));
+}
+
 TEST_F(ResultFolderTest, WhatIsNoResultOfTheJobCountsAsAbsentWithAWarning) {
     folder_.write("results/a.json", "{");
     EXPECT_EQ(results_.find("a"), std::nullopt);
