@@ -14,7 +14,7 @@ bool canBeNamed(const std::string& name) {
 }
 
 /// A backslash counts as one, unless one of `special` follows.
-std::string escaped(const std::string& name, std::string_view special) {
+std::string withBackslashes(const std::string& name, std::string_view special) {
     std::string text;
     std::size_t backslashes = 0;
     for (const char character : name) {
@@ -32,11 +32,11 @@ std::string escaped(const std::string& name, std::string_view special) {
 }  // namespace
 
 std::string makeName(const std::string& name) {
-    return escaped(name, " \t#:");
+    return withBackslashes(name, " \t#:");
 }
 
 std::string makeIncludeName(const std::string& name) {
-    return escaped(name, " \t#");
+    return withBackslashes(name, " \t#");
 }
 
 std::string makeRule(const std::string& target, const std::vector<std::string>& prerequisites) {

@@ -48,7 +48,7 @@ bool canMakeName(const std::string& path) {
     return !hasAny(path, kNotInMake) && !path.ends_with('&') && !path.ends_with('\\');
 }
 
-bool canBeNamed(Engine engine, const std::string& path) {
+bool canEngineName(Engine engine, const std::string& path) {
     switch (engine) {
         case Engine::kMake:
             return canMakeName(path);
@@ -273,13 +273,13 @@ std::optional<std::string> findUnnameable(const EngineScript& script) {
         }
     }
     for (const std::string& path : {script.planFile, script.planSource}) {
-        if (!canBeNamed(script.engine, path)) {
+        if (!canEngineName(script.engine, path)) {
             return path;
         }
     }
     for (const Job& job : script.plan.jobs) {
         const std::string result = resultOf(script, job);
-        if (!canBeNamed(script.engine, result) ||
+        if (!canEngineName(script.engine, result) ||
             (script.engine == Engine::kNinja && hasAny(result, kNotInDepfile))) {
             return result;
         }
