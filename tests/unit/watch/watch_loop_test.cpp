@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "cli/memory_file.h"
@@ -21,6 +22,16 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+
+/// What the system allows no more of is as good as closed.
+void closeEventQueues() {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code ignored;
+        if (std::filesystem::read_symlink(entry.path(), ignored) == "anon_inode:inotify") {
+            close(std::stoi(entry.path().filename()));
+        }
+    }
+}
 
 /// Follows one file. Each run adds a line to "log", and goes on for ever while "slow" is there.
 class LoggedWork final : public WatchedWork {
@@ -42,6 +53,9 @@ public:
             return std::nullopt;
         }
         std::optional<WatchOutcome> outcome(std::in_place);
+        if (folder_.exists("deaf")) {
+            closeEventQueues();
+        }
         outcome->files.add(folder_.file("source"));
         folder_.write("finished", "");
         return outcome;
@@ -104,6 +118,16 @@ TEST_F(WatchLoopTest, PollingSeesChangesToo) {
     ASSERT_TRUE(isTold("waiting"));
     folder_.write("source", "2");
     EXPECT_TRUE(isLogged("1\n2\n"));
+}
+
+TEST_F(WatchLoopTest, WhereTheSystemAllowsNoMoreWatchesFilesAreLookedAt) {
+    folder_.write("deaf", "");
+    start();
+    ASSERT_TRUE(isTold("the system allows no more inotify watches"));
+    folder_.write("source", "2");
+    EXPECT_TRUE(isLogged("1\n2\n"));
+    folder_.write("source", "3");
+    EXPECT_TRUE(isLogged("1\n2\n3\n"));
 }
 
 TEST_F(WatchLoopTest, TheCommandIsRunEachTimeAndEndsWithTheWatch) {
