@@ -1,6 +1,7 @@
 #include "cli/diagnostics_arguments.h"
 
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "findings/catalogue.h"
@@ -18,8 +19,7 @@ const Choices<DiagnosticsFormat> kFormats{{"human", DiagnosticsFormat::kHuman},
                                           {"none", DiagnosticsFormat::kNone}};
 const Choices<Language> kLanguages{
     {"de", Language::kGerman}, {"en", Language::kEnglish}, {"auto", Language::kAuto}};
-const Choices<FailOn> kFailOn{
-    {"error", FailOn::kError}, {"warning", FailOn::kWarning}, {"never", FailOn::kNever}};
+const Choices<FailOn> kFailOn(std::begin(kFailOnWords), std::end(kFailOnWords));
 const Choices<ColorChoice> kColors{
     {"auto", ColorChoice::kAuto}, {"always", ColorChoice::kAlways}, {"never", ColorChoice::kNever}};
 const Choices<Severity> kSeverities{

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "findings/finding.h"
 #include "findings/language.h"
@@ -20,6 +21,19 @@ enum class DiagnosticsFormat : std::uint8_t {
 
 /// From which severity on findings turn the exit code.
 enum class FailOn : std::uint8_t { kError, kWarning, kNever };
+
+/// As people, plans and results name them.
+inline constexpr std::pair<const char*, FailOn> kFailOnWords[] = {
+    {"error", FailOn::kError}, {"warning", FailOn::kWarning}, {"never", FailOn::kNever}};
+
+constexpr const char* wordOf(FailOn failOn) {
+    for (const auto& [word, known] : kFailOnWords) {
+        if (known == failOn) {
+            return word;
+        }
+    }
+    return "";
+}
 
 enum class ColorChoice : std::uint8_t {
     kAuto,  ///< On a terminal, unless NO_COLOR is set.

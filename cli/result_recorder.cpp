@@ -23,18 +23,6 @@ namespace {
 namespace fs = std::filesystem;
 namespace json = boost::json;
 
-const char* failOnWord(FailOn failOn) {
-    switch (failOn) {
-        case FailOn::kError:
-            return "error";
-        case FailOn::kWarning:
-            return "warning";
-        case FailOn::kNever:
-            break;
-    }
-    return "never";
-}
-
 json::object severityMembers(const std::map<std::string, Severity>& severities) {
     json::object members;
     for (const auto& [id, severity] : severities) {
@@ -103,7 +91,7 @@ RunIdentity identityOf(const std::string& command, const PublishOptions& options
                          {"relative", options.isRelative},
                          {"media", jsonTextOrNull(options.mediaFolder.value_or(""))},
                          {"findings", diagnostics.format != DiagnosticsFormat::kNone},
-                         {"failOn", failOnWord(diagnostics.failOn)},
+                         {"failOn", wordOf(diagnostics.failOn)},
                          {"severities", severityMembers(diagnostics.severities)},
                          {"baseline", optionalPath(diagnostics.baseline)},
                          {"all", diagnostics.showsAll},

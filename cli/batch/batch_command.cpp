@@ -17,17 +17,15 @@
 #include "cli/batch/batch_reports.h"
 #include "cli/batch/batch_run.h"
 #include "cli/batch/batch_view.h"
-#include "cli/batch/engine_scripts.h"
 #include "cli/batch/job_conflicts.h"
 #include "cli/batch/job_results.h"
 #include "cli/batch/job_source.h"
-#include "cli/batch/worker_arguments.h"
+#include "cli/batch/plan_texts.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
 #include "cli/output_folder.h"
 #include "cli/publish_paths.h"
 #include "cli/removal_on_signal.h"
-#include "cli/text_table.h"
 #include "findings/language.h"
 #include "findings/shown_path.h"
 #include "host/file_text.h"
@@ -43,10 +41,6 @@ constexpr const char* kBatchName = "batch";
 /// Where a job stands, and its name.
 std::string placeOfJob(const Job& job) {
     return job.file.empty() ? job.id : job.file + ":" + std::to_string(job.line) + ": " + job.id;
-}
-
-const char* formatName(const Job& job) {
-    return isFlatBook(job.options) ? "flatbook" : "composite";
 }
 
 /// One call of the command.
@@ -65,11 +59,8 @@ public:
     int signal() const noexcept { return signal_; }
 
 private:
-    ExitCode list() const;
     ExitCode writePlan() const;
-    ExitCode emit() const;
-    std::string planCommand(const std::string& program, const std::string& planFile) const;
-    ExitCode showDryRun() const;
+    ExitCode give(const std::string& text) const;
     ExitCode runJobs();
     ExitCode merge();
     void findOutputFaults() const;
@@ -111,13 +102,13 @@ ExitCode Batch::run() {
     chooseLanguage(plan_.diagnostics.language);
     switch (options_.action) {
         case BatchAction::kList:
-            return list();
+            return give(jobTableText(plan_, indexes_));
         case BatchAction::kPlan:
             findConflicts();
             return writePlan();
         case BatchAction::kEmit:
             findConflicts();
-            return emit();
+            return give(engineScriptText(options_, plan_, results_.path()));
         default:
             break;
     }
@@ -128,23 +119,11 @@ ExitCode Batch::run() {
         findOutputFaults();
     }
     findConflicts();
-    return options_.isDryRun ? showDryRun() : runJobs();
+    return options_.isDryRun ? give(dryRunText(plan_, indexes_)) : runJobs();
 }
 
-ExitCode Batch::list() const {
-    const std::string folder = fs::current_path().string();
-    TextTable table({"JOB", "FORMAT", "MAP", "FILTERS", "OUTPUT"});
-    for (const std::size_t index : indexes_) {
-        const Job& job = plan_.jobs[index];
-        std::string filters;
-        for (const std::string& filter : job.options.filters) {
-            filters += (filters.empty() ? "" : ", ") + shownPath(filter, folder);
-        }
-        table.add({job.id, job.transtype.empty() ? formatName(job) : job.transtype,
-                   shownPath(job.options.map, folder), filters,
-                   shownPath(job.options.output, folder)});
-    }
-    return writeResult(streams_, table.text()) ? ExitCode::kSuccess : ExitCode::kRunFailed;
+ExitCode Batch::give(const std::string& text) const {
+    return writeResult(streams_, text) ? ExitCode::kSuccess : ExitCode::kRunFailed;
 }
 
 ExitCode Batch::writePlan() const {
@@ -155,8 +134,7 @@ ExitCode Batch::writePlan() const {
     const Plan selected =
         makePlan(std::move(jobs), plan_.isCheck, plan_.catalogs, plan_.diagnostics);
     if (options_.plan == kStandardOutput) {
-        return writeResult(streams_, planText(selected)) ? ExitCode::kSuccess
-                                                         : ExitCode::kRunFailed;
+        return give(planText(selected));
     }
     // One that is the same stays as it is, so that what is made of it need not be made again.
     const std::string text = planText(selected);
@@ -165,74 +143,6 @@ ExitCode Batch::writePlan() const {
         replaceFile(fs::absolute(options_.plan), text);
     }
     return ExitCode::kSuccess;
-}
-
-/// The arguments by which `batch plan` makes the same plan again.
-std::string Batch::planCommand(const std::string& program, const std::string& planFile) const {
-    // Requests have paths that count from the folder in which this command is called.
-    std::string command = "cd " + shellWord(fs::current_path().string()) + " && " +
-                          shellWord(program) + " batch plan " +
-                          shellWord(fs::absolute(options_.file).string()) + " --plan " +
-                          shellWord(planFile) + " --output " +
-                          shellWord(fs::absolute(options_.outputFolder.value_or(".")).string());
-    const auto add = [&command](const char* option, const std::string& value) {
-        command.append(" ").append(option).append(" ").append(shellWord(value));
-    };
-    for (const auto& [transtype, format] : options_.formats) {
-        add("--as", std::string(transtype).append("=").append(format));
-    }
-    for (const std::string& pattern : options_.idPatterns) {
-        add("--select", pattern);
-    }
-    for (const std::string& tag : options_.tags) {
-        add("--tag", tag);
-    }
-    for (const std::string& argument : planArguments(plan_)) {
-        command.append(" ").append(shellWord(argument));
-    }
-    return command;
-}
-
-/// @throws BatchFault
-ExitCode Batch::emit() const {
-    const bool isPlanThere = isPlanFile(options_.file);
-    const bool makesPlan = options_.engine == Engine::kNinja || options_.engine == Engine::kMake;
-    if (!isPlanThere && (!makesPlan || options_.file == kStandardOutput)) {
-        throw BatchFault("FILE: " + options_.file +
-                         " is no plan; `marrowpress batch plan` makes one");
-    }
-    const std::string program = fs::read_symlink("/proc/self/exe").string();
-    const std::string file = fs::absolute(options_.file).lexically_normal().string();
-    EngineScript script{options_.engine,          plan_, program, file,
-                        results_.path().string(), {},    {},      fs::current_path().string()};
-    if (!isPlanThere) {
-        script.planFile = (results_.path() / "plan.jsonl").string();
-        script.planCommand = "mkdir -p " + shellWord(script.results) + " && " +
-                             planCommand(program, script.planFile);
-        script.planSource = file;
-    }
-    if (const std::optional<std::string> path = findUnnameable(script)) {
-        throw BatchFault("no script for this engine can name " + *path +
-                         "; choose another folder of results, or another id");
-    }
-    return writeResult(streams_, engineScript(script)) ? ExitCode::kSuccess : ExitCode::kRunFailed;
-}
-
-ExitCode Batch::showDryRun() const {
-    const std::string folder = fs::current_path().string();
-    std::string text;
-    for (const std::size_t index : indexes_) {
-        const Job& job = plan_.jobs[index];
-        text += jobLine(job);
-        std::error_code ignored;
-        const bool isReplaced =
-            !plan_.isCheck && !isFlatBook(job.options) && fs::exists(job.options.output, ignored);
-        if (!plan_.isCheck) {
-            text += "  " + shownPath(job.options.output, folder) +
-                    (isReplaced ? " (is replaced)\n" : "\n");
-        }
-    }
-    return writeResult(streams_, text) ? ExitCode::kSuccess : ExitCode::kRunFailed;
 }
 
 /// What `publish` would refuse is refused before anything is started.

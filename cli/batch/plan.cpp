@@ -24,8 +24,6 @@ namespace json = boost::json;
 
 constexpr std::string_view kBegin = R"({"plan":)";
 
-constexpr std::pair<const char*, FailOn> kFailOns[] = {
-    {"error", FailOn::kError}, {"warning", FailOn::kWarning}, {"never", FailOn::kNever}};
 constexpr std::pair<const char*, Language> kLanguages[] = {{"de", Language::kGerman},
                                                            {"en", Language::kEnglish}};
 
@@ -60,7 +58,7 @@ json::object headOf(const Plan& plan) {
             {"command", plan.isCheck ? "check" : "publish"},
             {"catalogs", json::value_from(plan.catalogs)},
             {"findings", plan.diagnostics.format != DiagnosticsFormat::kNone},
-            {"failOn", wordOf(kFailOns, plan.diagnostics.failOn)},
+            {"failOn", wordOf(plan.diagnostics.failOn)},
             {"severities", std::move(severities)},
             {"language", wordOf(kLanguages, plan.diagnostics.language)},
             {"jobs", plan.jobs.size()}};
@@ -99,7 +97,7 @@ void readHead(const json::object& head, Plan& plan) {
     plan.catalogs = json::value_to<std::vector<std::string>>(memberIn(head, "catalogs"));
     plan.diagnostics.format =
         memberIn(head, "findings").as_bool() ? DiagnosticsFormat::kHuman : DiagnosticsFormat::kNone;
-    plan.diagnostics.failOn = valueOf(kFailOns, "failOn", memberIn(head, "failOn"));
+    plan.diagnostics.failOn = valueOf(kFailOnWords, "failOn", memberIn(head, "failOn"));
     plan.diagnostics.language = valueOf(kLanguages, "language", memberIn(head, "language"));
     for (const auto& member : memberIn(head, "severities").as_object()) {
         const auto severity = severityOf(std::string(member.value().as_string()));

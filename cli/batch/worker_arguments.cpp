@@ -7,21 +7,6 @@
 #include "findings/severity.h"
 
 namespace marrowpress {
-namespace {
-
-const char* wordFor(FailOn failOn) {
-    switch (failOn) {
-        case FailOn::kError:
-            return "error";
-        case FailOn::kWarning:
-            return "warning";
-        case FailOn::kNever:
-            break;
-    }
-    return "never";
-}
-
-}  // namespace
 
 std::vector<std::string> planArguments(const Plan& plan) {
     const DiagnosticsOptions& diagnostics = plan.diagnostics;
@@ -33,7 +18,7 @@ std::vector<std::string> planArguments(const Plan& plan) {
         add("--catalog", catalog);
     }
     add("--diagnostics", diagnostics.format == DiagnosticsFormat::kNone ? "none" : "human");
-    add("--fail-on", wordFor(diagnostics.failOn));
+    add("--fail-on", wordOf(diagnostics.failOn));
     for (const auto& [id, severity] : diagnostics.severities) {
         add("--severity", id + "=" + std::string(severityName(severity)));
     }
