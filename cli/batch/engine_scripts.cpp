@@ -92,6 +92,16 @@ std::string mergeComment(const EngineScript& script) {
            " --plan " + shellWord(script.planFile) + "\n";
 }
 
+/// Each behind a blank.
+template <class Name>
+std::string namesOf(const std::vector<std::string>& files, const Name& nameOf) {
+    std::string names;
+    for (const std::string& file : files) {
+        names.append(" ").append(nameOf(file));
+    }
+    return names;
+}
+
 std::string ninjaText(const EngineScript& script) {
     std::string text =
         "# For ninja: ninja -k 0 -f FILE. A job runs again when a file that it has read "
@@ -101,7 +111,12 @@ std::string ninjaText(const EngineScript& script) {
     if (!script.planCommand.empty()) {
         text += "rule plan\n  command = " + dollarsDoubled(script.planCommand) +
                 "\n  restat = 1\n  generator = 1\n\nbuild " + ninjaPath(script.planFile) +
-                ": plan " + ninjaPath(script.planSource) + "\n\n";
+                ": plan" + namesOf(script.planSources, ninjaPath) + "\n\n";
+        // One that is gone is no error here: whoever makes the plan says what is wrong.
+        for (const std::string& source : script.planSources) {
+            text.append("build ").append(ninjaPath(source)).append(": phony\n");
+        }
+        text += "\n";
     }
     for (std::size_t index = 0; index < script.plan.jobs.size(); ++index) {
         const Job& job = script.plan.jobs[index];
@@ -113,15 +128,25 @@ std::string ninjaText(const EngineScript& script) {
     return text;
 }
 
+/// One that is gone is no error then: whoever makes the plan says what is wrong.
+std::string emptyRules(const std::vector<std::string>& files) {
+    std::string rules;
+    for (const std::string& file : files) {
+        rules.append("\n").append(makeName(file)).append(":\n");
+    }
+    return rules;
+}
+
 /// A plan that comes out as it was keeps its time, so that no job runs again: a mark says when it
 /// was made last. It is included, so that make begins anew behind it, and sees the plan as it is
 /// then.
 std::string makePlanText(const EngineScript& script) {
     const std::string mark = script.planFile + ".made";
     const std::string command = "\n\t" + dollarsDoubled(script.planCommand) + "\n";
-    return makeName(script.planFile) + ":" + command + makeName(mark) + ": " +
-           makeName(script.planSource) + command + "\ttouch " + dollarsDoubled(shellWord(mark)) +
-           "\ninclude " + makeIncludeName(mark) + "\n\n";
+    return makeName(script.planFile) + ":" + command + makeName(mark) + ":" +
+           namesOf(script.planSources, makeName) + command + "\ttouch " +
+           dollarsDoubled(shellWord(mark)) + emptyRules(script.planSources) + "\ninclude " +
+           makeIncludeName(mark) + "\n\n";
 }
 
 std::string makeText(const EngineScript& script) {
@@ -266,14 +291,15 @@ std::string engineScript(const EngineScript& script) {
 std::optional<std::string> findUnnameable(const EngineScript& script) {
     const char* const refused =
         script.engine == Engine::kParallel ? kNotInParallel : kNotInCommands;
-    for (const std::string& path :
-         {script.program, script.results, script.planFile, script.planSource, script.folder}) {
-        if (hasAny(path, refused)) {
+    std::vector<std::string> named = script.planSources;
+    named.push_back(script.planFile);
+    for (const std::string& path : named) {
+        if (hasAny(path, refused) || !canEngineName(script.engine, path)) {
             return path;
         }
     }
-    for (const std::string& path : {script.planFile, script.planSource}) {
-        if (!canEngineName(script.engine, path)) {
+    for (const std::string& path : {script.program, script.results, script.folder}) {
+        if (hasAny(path, refused)) {
             return path;
         }
     }

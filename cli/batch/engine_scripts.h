@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/batch/plan.h"
 #include "cli/batch_options.h"
@@ -18,7 +19,7 @@ struct EngineScript {
     std::string results;   ///< The folder of results.
     /// The command that makes the plan, for make and ninja; empty for a plan that is there.
     std::string planCommand;
-    std::string planSource;  ///< What the plan is made of.
+    std::vector<std::string> planSources;  ///< The files that the plan is made of.
     /// The one from which texts of results name files, wherever the engine starts a job.
     std::string folder = "/";
 };

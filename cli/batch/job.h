@@ -20,6 +20,8 @@ struct Job {
     /// Where it stands, for messages.
     std::string file;
     std::size_t line = 0;
+    /// The project file that it comes from, and all that this includes; absolute.
+    std::vector<std::string> sources;
 };
 
 }  // namespace marrowpress

@@ -98,7 +98,10 @@ std::string engineScriptText(const BatchOptions& options, const Plan& plan,
         script.planFile = (results / "plan.jsonl").string();
         script.planCommand = "mkdir -p " + shellWord(script.results) + " && " +
                              planCommand(options, plan, program, script.planFile);
-        script.planSource = file;
+        script.planSources = plan.jobs.front().sources;
+        if (script.planSources.empty()) {
+            script.planSources = {file};
+        }
     }
     if (const std::optional<std::string> path = findUnnameable(script)) {
         throw BatchFault("no script for this engine can name " + *path +

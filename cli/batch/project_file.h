@@ -54,6 +54,7 @@ struct Project {
     std::vector<ProjectContext> contexts;
     std::vector<ProjectPublication> publications;
     std::vector<ProjectDeliverable> deliverables;
+    std::vector<std::string> files;  ///< That it was read from, absolute; none while it is parsed.
 };
 
 /// @param file  Names it in faults, and in what is read.

@@ -49,6 +49,7 @@ public:
 private:
     void add(const std::string& text, const std::string& path, const std::string& shown) {
         chain_.push_back(fs::absolute(path).lexically_normal());
+        whole_.files.push_back(chain_.back().string());
         const std::size_t begin = text.find_first_not_of(" \t\r\n");
         const bool isXml = begin != std::string::npos && text[begin] == '<';
         Project project = isXml ? parseXmlProject(text, shown) : parseJsonProject(text, shown);
@@ -296,7 +297,11 @@ private:
 
 std::vector<Job> readProject(const ProjectSetting& setting) {
     const Project project = ProjectLoader().load(setting.text, setting.path, setting.shown);
-    return JobMaker(project, setting).jobs();
+    std::vector<Job> jobs = JobMaker(project, setting).jobs();
+    for (Job& job : jobs) {
+        job.sources = project.files;
+    }
+    return jobs;
 }
 
 }  // namespace marrowpress

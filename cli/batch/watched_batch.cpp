@@ -56,8 +56,8 @@ std::optional<WatchOutcome> WatchedBatch::outcomeOf(const TaskEnd& end) {
         const Plan plan = planOf(options_, passedOver);
         for (const std::size_t index : selectedJobs(options_, plan)) {
             const Job& job = plan.jobs[index];
-            if (!job.file.empty()) {
-                outcome->files.add(fs::absolute(job.file).string());
+            for (const std::string& source : job.sources) {
+                outcome->files.add(source);
             }
             if (const std::optional<RunResult> result = results.find(job.id)) {
                 outcome->add(*result, folder_.string());

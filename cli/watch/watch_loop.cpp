@@ -186,12 +186,12 @@ void Watch::startCommand() {
 void Watch::takeRunEnd(const TaskEnd& end) {
     const bool isFirst = !findings_;
     std::optional<WatchOutcome> outcome = work_.outcomeOf(end);
+    if (end.signal) {
+        tell("the run was ended by signal " + std::to_string(*end.signal));
+    }
     if (!outcome && isFirst) {
         end_ = WatchEnd{0, static_cast<ExitCode>(end.exit)};
         return;
-    }
-    if (end.signal) {
-        tell("the run was ended by signal " + std::to_string(*end.signal));
     }
     if (outcome) {
         takeOutcome(std::move(*outcome));

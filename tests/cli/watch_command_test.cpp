@@ -216,5 +216,23 @@ TEST_F(WatchTest, OnlyTheJobsConcernedAreRunAgain) {
     EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/three.dita"); }));
 }
 
+TEST_F(WatchTest, AFileThatAProjectIncludesIsWatched) {
+    const auto writeContext = [this](const std::string& map) {
+        folder_.write("common.xml", R"(<project xmlns="https://www.dita-ot.org/project">)"
+                                    R"(<context id="c"><input href="docs/)" +
+                                        map + R"("/></context></project>)");
+    };
+    writeContext("m.ditamap");
+    fs::copy_file(folder_.path() / "docs/m.ditamap", folder_.path() / "docs/n.ditamap");
+    folder_.write("project.xml",
+                  R"(<project xmlns="https://www.dita-ot.org/project"><include href="common.xml"/>)"
+                  R"(<deliverable id="one"><context idref="c"/><output href="."/>)"
+                  R"(<publication transtype="composite"/></deliverable></project>)");
+    start({"batch", "watch", "project.xml", "--output", "out", "--catalog", "catalog.xml"});
+    EXPECT_TRUE(folder_.exists("out/m.dita"));
+    writeContext("n.ditamap");
+    EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/n.dita"); }));
+}
+
 }  // namespace
 }  // namespace marrowpress

@@ -18,7 +18,7 @@ protected:
 
     std::string scriptFor(Engine engine) const {
         return engineScript(
-            {engine, plan_, "/bin/marrowpress", "/n/night/plan.jsonl", "/n/night/results", "", ""});
+            {engine, plan_, "/bin/marrowpress", "/n/night/plan.jsonl", "/n/night/results", "", {}});
     }
 
     bool has(Engine engine, const std::string& text) const {
@@ -29,6 +29,27 @@ protected:
 
     Plan plan_;
 };
+
+TEST_F(EngineScriptsTest, APlanIsMadeAgainForEachFileOfItsProject) {
+    const auto scriptWith = [this](Engine engine) {
+        return engineScript({engine,
+                             plan_,
+                             "/bin/marrowpress",
+                             "/n/plan.jsonl",
+                             "/n/results",
+                             "make-plan",
+                             {"/n/project.xml", "/n/common.xml"}});
+    };
+    const std::string ninja = scriptWith(Engine::kNinja);
+    EXPECT_NE(ninja.find("build /n/plan.jsonl: plan /n/project.xml /n/common.xml\n"),
+              std::string::npos)
+        << ninja;
+    EXPECT_NE(ninja.find("build /n/common.xml: phony\n"), std::string::npos);
+    const std::string make = scriptWith(Engine::kMake);
+    EXPECT_NE(make.find("/n/plan.jsonl.made: /n/project.xml /n/common.xml\n"), std::string::npos)
+        << make;
+    EXPECT_NE(make.find("\n/n/common.xml:\n"), std::string::npos);
+}
 
 TEST_F(EngineScriptsTest, AWordForTheShellIsQuotedWhereItHasTo) {
     EXPECT_EQ(shellWord("/a/b-c_1.json"), "/a/b-c_1.json");
@@ -51,13 +72,14 @@ TEST_F(EngineScriptsTest, NinjaAndMakeHaveARuleForEachResult) {
 }
 
 TEST_F(EngineScriptsTest, ThoseThatMakeThePlanHaveARuleForIt) {
-    EngineScript script{Engine::kNinja, plan_, "/m", "/r/plan.jsonl", "/r", "make it", "/p x.xml"};
+    EngineScript script{Engine::kNinja, plan_,     "/m",        "/r/plan.jsonl",
+                        "/r",           "make it", {"/p x.xml"}};
     EXPECT_NE(engineScript(script).find("build /r/plan.jsonl: plan /p$ x.xml\n"),
               std::string::npos);
     script.engine = Engine::kMake;
     EXPECT_NE(engineScript(script).find("/r/plan.jsonl.made: /p\\ x.xml\n\tmake it\n"
                                         "\ttouch /r/plan.jsonl.made\n"
-                                        "include /r/plan.jsonl.made\n"),
+                                        "/p\\ x.xml:\n\ninclude /r/plan.jsonl.made\n"),
               std::string::npos);
     EXPECT_EQ(scriptFor(Engine::kNinja).find("rule plan"), std::string::npos);
 }
@@ -79,7 +101,7 @@ TEST_F(EngineScriptsTest, APathThatAnEngineCannotNameIsFound) {
                  {Engine::kSlurm, "%=;|'", false}};
     for (const auto& given : cases) {
         plan_.jobs.back().id = given.id;
-        const EngineScript script{given.engine, plan_, "/m", "/r/plan.jsonl", "/r", "", ""};
+        const EngineScript script{given.engine, plan_, "/m", "/r/plan.jsonl", "/r", "", {}};
         const std::optional<std::string> found = findUnnameable(script);
         EXPECT_EQ(found.has_value(), given.isFound) << given.id;
         EXPECT_EQ(found.value_or("/r/" + std::string(given.id) + ".json"),
@@ -90,12 +112,12 @@ TEST_F(EngineScriptsTest, APathThatAnEngineCannotNameIsFound) {
 TEST_F(EngineScriptsTest, APlanOrAFolderCannotBeNamedEither) {
     const std::string odd[] = {"/r\nx", "/r\\", "/r&"};
     for (const std::string& path : odd) {
-        EXPECT_EQ(findUnnameable({Engine::kMake, plan_, "/m", path, "/r", "", ""}), path);
+        EXPECT_EQ(findUnnameable({Engine::kMake, plan_, "/m", path, "/r", "", {}}), path);
     }
-    EXPECT_EQ(findUnnameable({Engine::kParallel, plan_, "/m", "/p", "/r{1}", "", ""}), "/r{1}");
+    EXPECT_EQ(findUnnameable({Engine::kParallel, plan_, "/m", "/p", "/r{1}", "", {}}), "/r{1}");
     for (const Engine engine : {Engine::kParallel, Engine::kSlurm, Engine::kKubernetes}) {
-        EXPECT_EQ(findUnnameable({engine, plan_, "/m", "/p", odd[0], "", ""}), odd[0]);
-        EXPECT_EQ(findUnnameable({engine, plan_, "/m", odd[1], odd[2], "", ""}), std::nullopt);
+        EXPECT_EQ(findUnnameable({engine, plan_, "/m", "/p", odd[0], "", {}}), odd[0]);
+        EXPECT_EQ(findUnnameable({engine, plan_, "/m", odd[1], odd[2], "", {}}), std::nullopt);
     }
 }
 
@@ -114,7 +136,7 @@ TEST_F(EngineScriptsTest, TheOthersTakeEachIndexOnce) {
 TEST_F(EngineScriptsTest, KubernetesMountsAFolderWithoutAColonAndTakesDollarsAsTheyAre) {
     plan_.jobs.back().options.filters = {"/n/p.ditaval"};
     const std::string script = engineScript(
-        {Engine::kKubernetes, plan_, "/m", "/n/a: b/$(HOME).jsonl", "/n/a: b/$$", "", ""});
+        {Engine::kKubernetes, plan_, "/m", "/n/a: b/$(HOME).jsonl", "/n/a: b/$$", "", {}});
     EXPECT_NE(script.find("mountPath: \"/n\"\n"), std::string::npos) << script;
     EXPECT_NE(script.find(R"("/n/a: b/$$(HOME).jsonl", "--results", "/n/a: b/$$$$")"),
               std::string::npos)
@@ -127,7 +149,7 @@ TEST_F(EngineScriptsTest, KubernetesMountsAFolderWithoutAColonAndTakesDollarsAsT
         job.options.output = "/n: o/out/m.dita";
         job.options.filters = {};
     }
-    EXPECT_NE(engineScript({Engine::kKubernetes, plan_, "/m", "/n: o/p", "/n: o/r", "", ""})
+    EXPECT_NE(engineScript({Engine::kKubernetes, plan_, "/m", "/n: o/p", "/n: o/r", "", {}})
                   .find("mountPath: \"/\"\n"),
               std::string::npos);
 }
@@ -140,7 +162,7 @@ TEST_F(EngineScriptsTest, AMatrixIsNoLargerThanItMayBe) {
 
 TEST_F(EngineScriptsTest, JobsRunInTheFolderInWhichTheScriptWasMade) {
     const auto scriptIn = [this](Engine engine) {
-        return engineScript({engine, plan_, "/m", "/p", "/r", "", "", "/n/a b"});
+        return engineScript({engine, plan_, "/m", "/p", "/r", "", {}, "/n/a b"});
     };
     for (const Engine engine : {Engine::kNinja, Engine::kMake, Engine::kParallel, Engine::kSlurm}) {
         EXPECT_NE(scriptIn(engine).find("cd '/n/a b' && "), std::string::npos);

@@ -169,6 +169,14 @@ TEST_F(ProjectJobsTest, AnIncludedFileIsReadOnce) {
     EXPECT_EQ(jobsOf(xml(R"(<include href="b.xml"/><include href="c.xml"/>)")).size(), 1U);
 }
 
+TEST_F(ProjectJobsTest, EachJobKnowsTheFilesThatItComesFrom) {
+    folder_.write("b.xml", xml(deliverable("id=\"b\"", kOne, kComposite)));
+    const std::vector<Job> jobs = jobsOf(xml(R"(<include href="b.xml"/>)"));
+    ASSERT_EQ(jobs.size(), 1U);
+    EXPECT_EQ(jobs.front().sources,
+              (std::vector<std::string>{folder_.file("p.xml"), folder_.file("b.xml")}));
+}
+
 TEST_F(ProjectJobsTest, FaultsNameTheFileTheLineAndTheName) {
     EXPECT_EQ(faultOf(xml("\n" + deliverable("", R"(<context idref="none"/>)", kComposite))),
               "p.xml:3: there is no context `none`");
