@@ -10,14 +10,15 @@ namespace {
 
 Language chosen = Language::kGerman;
 
-/// As gettext names the files of a language, below the folder of translations.
-constexpr const char* kEnglishFile = "en/LC_MESSAGES/marrowpress.mo";
-const InstalledPaths kInstalledTranslations{MARROWPRESS_LOCALE_FROM_PROGRAM,
-                                            MARROWPRESS_LOCALE_FROM_LIBRARY};
+// As gettext names the files of a language, below the folder of translations. Whole paths: beside
+// an installed command there may be a program whose name is "locale".
+constexpr const char* kEnglishBeside = "locale/en/LC_MESSAGES/marrowpress.mo";
+const InstalledPaths kEnglishInstalled{
+    MARROWPRESS_LOCALE_FROM_PROGRAM "/en/LC_MESSAGES/marrowpress.mo",
+    MARROWPRESS_LOCALE_FROM_LIBRARY "/en/LC_MESSAGES/marrowpress.mo"};
 
 const Translations& english() {
-    static const Translations texts(findBesideOrInstalled("locale", kInstalledTranslations) /
-                                    kEnglishFile);
+    static const Translations texts(findBesideOrInstalled(kEnglishBeside, kEnglishInstalled));
     return texts;
 }
 

@@ -8,10 +8,12 @@
 
 /// The engine keeps the declaration of each external DTD for ever, so that nothing can use it when
 /// it is gone. In memory of the library that goes with the run, in memory of the caller it stays.
+// NOLINTBEGIN(readability-identifier-naming,bugprone-reserved-identifier): the sanitizer's name
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
     return "leak:xercesc_3_2::XMLScanner::scanProlog\n";
 }
+// NOLINTEND(readability-identifier-naming,bugprone-reserved-identifier)
 
 namespace marrowpress {
 namespace {
