@@ -60,6 +60,8 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
     "python3:any, libmarrowpress0 (>= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/python/postinst
+                                              ${CMAKE_CURRENT_SOURCE_DIR}/python/prerm)
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION
     "publishing of DITA maps from Python\n${what}The package has the Python package marrowpress, over the library.")
 
