@@ -17,7 +17,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using testing::HasSubstr;
-using testing::Not;
 
 std::size_t countOf(const std::string& text, const std::string& piece) {
     std::size_t count = 0;

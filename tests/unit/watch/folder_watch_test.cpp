@@ -13,7 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
