@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "cli/batch/batch_command.h"
@@ -47,9 +48,9 @@ std::optional<WatchOutcome> WatchedBatch::outcomeOf(const TaskEnd& end) {
     if (end.exit == static_cast<int>(ExitCode::kWrongUsage)) {
         return std::nullopt;
     }
-    options_.isRepeated = true;
+    const bool isFirst = !std::exchange(options_.isRepeated, true);
     std::optional<WatchOutcome> outcome(std::in_place);
-    outcome->files.add(fs::absolute(options_.file).string());
+    outcome->files.add(fs::absolute(options_.file).string(), end.begin);
     const ResultFolder results(options_.results, [](const std::string&) {});
     try {
         std::vector<std::string> passedOver;
@@ -57,17 +58,21 @@ std::optional<WatchOutcome> WatchedBatch::outcomeOf(const TaskEnd& end) {
         for (const std::size_t index : selectedJobs(options_, plan)) {
             const Job& job = plan.jobs[index];
             for (const std::string& source : job.sources) {
-                outcome->files.add(source);
+                outcome->files.add(source, end.begin);
             }
             if (const std::optional<RunResult> result = results.find(job.id)) {
                 outcome->add(*result, folder_.string());
             } else {
-                outcome->files.add(job.options.map);
+                outcome->files.add(job.options.map, end.begin);
             }
         }
     } catch (const BatchFault&) {
         // It was changed since, so the next run tells what is wrong.
-        return std::nullopt;
+        if (!isFirst) {
+            return std::nullopt;
+        }
+        outcome->files = FollowedFiles();
+        outcome->files.add(fs::absolute(options_.file).string(), 0);
     }
     return outcome;
 }

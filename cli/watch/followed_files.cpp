@@ -42,9 +42,15 @@ void FollowedFiles::add(const RunResult& result) {
     }
 }
 
-void FollowedFiles::add(const std::string& path) {
+void FollowedFiles::add(const std::string& path, std::int64_t begin) {
+    ResultRun reader;
+    reader.begin = begin;
+    reader.end = latestStampUntilNow();
     Known known;
     lookAgain(path, known);
+    if (known.file && wasTouchedDuring(reader, known.file->stamp)) {
+        known = Known{KnownFile{}, false};
+    }
     files_.try_emplace(path, std::move(known));
 }
 

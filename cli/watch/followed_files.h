@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <set>
@@ -19,8 +20,9 @@ public:
     /// them.
     void add(const RunResult& result);
 
-    /// One that no result tells of, as it is now.
-    void add(const std::string& path);
+    /// One that no result tells of, but that was read at some time after `begin`, which is of
+    /// `earliestStampFromNow`.
+    void add(const std::string& path, std::int64_t begin);
 
     /// The files that hold something else than the last time, or are there and were not, or the
     /// reverse. From now on they count as they are.

@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "cli/options.h"
+#include "results/file_stamp.h"
 
 namespace marrowpress {
 namespace {
@@ -47,7 +48,8 @@ void handleSignalsAsUsual() {
 
 }  // namespace
 
-TaskProcess::TaskProcess(const std::function<int(int)>& task) : channel_("channel") {
+TaskProcess::TaskProcess(const std::function<int(int)>& task)
+    : begin_(earliestStampFromNow()), channel_("channel") {
     std::cout.flush();
     std::cerr.flush();
     const pid_t parent = getpid();
@@ -76,6 +78,7 @@ std::optional<TaskEnd> TaskProcess::findEnd() {
     }
     pid_ = -1;
     TaskEnd end;
+    end.begin = begin_;
     end.told = channel_.text();
     if (WIFSIGNALED(status)) {
         end.signal = WTERMSIG(status);

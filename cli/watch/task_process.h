@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@ namespace marrowpress {
 
 /// How a process ended that was started for one task.
 struct TaskEnd {
+    std::int64_t begin = 0;     ///< `earliestStampFromNow` before it was started.
     int exit = 0;               ///< 128 + n after the signal n.
     std::optional<int> signal;  ///< That ended it.
     std::string told;           ///< What it has left in its channel.
@@ -44,6 +46,7 @@ public:
     void stop();
 
 private:
+    std::int64_t begin_;
     MemoryFile channel_;
     pid_t pid_ = -1;
 };

@@ -5,15 +5,14 @@
 
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <map>
 #include <string>
-#include <thread>
 #include <utility>
 
 #include "tests/cli/batch_fixture.h"
+#include "tests/support/waiting.h"
 
 namespace marrowpress {
 namespace {
@@ -463,9 +462,7 @@ TEST_F(BatchTest, ASignalEndsTheRunningJobsWhichLeaveNothing) {
     }
     folder_.write("jobs.jsonl", lines);
     RunningCommand running(folder_, {"batch", "jobs.jsonl", "--catalog", "catalog.xml", "-j", "2"});
-    while (!folder_.exists("marrowpress-results/j3.json")) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
+    ASSERT_TRUE(waitUntil([&] { return folder_.exists("marrowpress-results/j3.json"); }));
     running.send(SIGTERM);
     EXPECT_EQ(running.wait().code, 1000 + SIGTERM);
     std::size_t results = 0;

@@ -8,6 +8,7 @@
 
 #include "tests/cli/command_fixture.h"
 #include "tests/support/file_conditions.h"
+#include "tests/support/waiting.h"
 
 namespace marrowpress {
 namespace {
@@ -35,16 +36,6 @@ protected:
             references += "<topicref href=\"" + id + ".dita\"/>";
         }
         writeMap(references);
-    }
-
-    /// Waits until `condition` holds; fails when it never does.
-    template <typename Condition>
-    static void waitFor(const Condition& condition) {
-        using namespace std::chrono_literals;
-        for (int attempt = 0; attempt < 2000 && !condition(); ++attempt) {
-            std::this_thread::sleep_for(5ms);
-        }
-        ASSERT_TRUE(condition());
     }
 
     bool isEmpty(const std::string& name) const { return fs::is_empty(folder_.path() / name); }
@@ -153,7 +144,7 @@ TEST_F(ExitCodeCommandTest, ASignalEndsACompositeWithNothingHalfWritten) {
                                 "--catalog", "catalog.xml"},
                                setting);
         const char* const begun = signal == SIGHUP ? "out/KeyspaceDoc.ditamap" : "out/m.dita";
-        waitFor([&] { return folder_.exists(begun); });
+        ASSERT_TRUE(waitUntil([&] { return folder_.exists(begun); }));
         command.send(signal);
         EXPECT_EQ(command.wait().code, 1000 + signal);
         EXPECT_FALSE(folder_.exists("out/m.dita"));
@@ -169,7 +160,7 @@ TEST_F(ExitCodeCommandTest, ASignalEndsARequestWithNothingHalfWritten) {
     for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
         RunningCommand command(folder_, {"host", "1.json", "--catalog", "catalog.xml"}, setting);
         const char* const begun = signal == SIGHUP ? "out/KeyspaceDoc.ditamap" : "out/m.dita";
-        waitFor([&] { return folder_.exists(begun); });
+        ASSERT_TRUE(waitUntil([&] { return folder_.exists(begun); }));
         command.send(signal);
         const CommandResult result = command.wait();
         EXPECT_EQ(result.code, 1000 + signal);
@@ -187,7 +178,7 @@ TEST_F(ExitCodeCommandTest, ASignalDuringALaterRequestLeavesWhatIsFinished) {
     writeLongMap();
     RunningCommand command(folder_, {"host", "1.json", "2.json", "--catalog", "catalog.xml"},
                            setting);
-    waitFor([&] { return folder_.exists("out/2.dita"); });
+    ASSERT_TRUE(waitUntil([&] { return folder_.exists("out/2.dita"); }));
     command.send(SIGTERM);
     EXPECT_EQ(command.wait().code, 1000 + SIGTERM);
     EXPECT_TRUE(folder_.read("out/1.dita").ends_with("</body></topic></dita>"));
@@ -200,7 +191,7 @@ TEST_F(ExitCodeCommandTest, ASignalEndsAFlatBookWithNoComponentHalfWritten) {
                            {"publish", "docs/m.ditamap", "-f", "flatbook", "-o", "out",
                             "--one-location", "--catalog", "catalog.xml"},
                            setting);
-    waitFor([this] { return folder_.exists("out/t0.qs"); });
+    ASSERT_TRUE(waitUntil([this] { return folder_.exists("out/t0.qs"); }));
     command.send(SIGTERM);
     EXPECT_EQ(command.wait().code, 1000 + SIGTERM);
     EXPECT_FALSE(folder_.exists("out/KeyspaceDoc.ditamap"));
@@ -219,7 +210,7 @@ TEST_F(ExitCodeCommandTest, ASignalLeavesNoPrivateFile) {
         {"publish", "docs/m.ditamap", "-f", "composite", "-o", "-", "--catalog", "catalog.xml"}};
     for (const Texts& arguments : commands) {
         RunningCommand command(folder_, arguments, setting);
-        waitFor([this] { return !isEmpty("scratch"); });
+        ASSERT_TRUE(waitUntil([this] { return !isEmpty("scratch"); }));
         command.send(SIGTERM);
         const CommandResult result = command.wait();
         EXPECT_EQ(result.code, 1000 + SIGTERM);

@@ -1,16 +1,15 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <iterator>
 #include <map>
 #include <regex>
-#include <thread>
 
 #include "tests/cli/command_fixture.h"
 #include "tests/support/file_conditions.h"
 #include "tests/support/texts.h"
+#include "tests/support/waiting.h"
 
 namespace marrowpress {
 namespace {
@@ -252,9 +251,7 @@ TEST_F(MovableResultCommandTest, ASignalLeavesNothingHalfWritten) {
         const fs::path media = folder_.path() / "out/media";
         return fs::exists(media) && std::distance(fs::directory_iterator(media), {}) == 3;
     };
-    for (int attempt = 0; attempt < 2000 && !isCopyingTheThird(); ++attempt) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
+    ASSERT_TRUE(waitUntil(isCopyingTheThird));
     command.send(SIGTERM);
     EXPECT_EQ(command.wait().code, 1000 + SIGTERM);
     EXPECT_FALSE(folder_.exists("out/m.dita"));

@@ -53,6 +53,21 @@ protected:
         });
     }
 
+    static std::string lineOf(const std::string& id, const std::string& folder) {
+        return R"({"id":")" + id + R"(","request":{"type":"PublishComp","params":{"ditaVal":"",)" +
+               R"("usePrint":false,"ditamap":")" + folder + R"(/m.ditamap","output":"out/)" + id +
+               R"(.dita","compositeDocDtd":"ditabase.dtd","keyspaceDocDtd":"map.dtd"}}})" + "\n";
+    }
+
+    /// Makes it hold `jobs` when the first run has written its result, and may not have ended yet.
+    void changeJobsInTheFirstRun(const std::string& jobs) {
+        folder_.write("jobs.jsonl", lineOf("one", "docs"));
+        watch_ = std::make_unique<RunningCommand>(
+            folder_, Texts{"batch", "watch", "jobs.jsonl", "--catalog", "catalog.xml"});
+        ASSERT_TRUE(waitUntil([&] { return folder_.exists("marrowpress-results/one.json"); }));
+        folder_.write("jobs.jsonl", jobs);
+    }
+
     std::size_t runs() const { return countOf(watch_->errSoFar(), "marrowpress watch: changed: "); }
 
     std::unique_ptr<RunningCommand> watch_;
@@ -189,11 +204,6 @@ TEST_F(WatchTest, StandardOutputIsRefused) {
 TEST_F(WatchTest, OnlyTheJobsConcernedAreRunAgain) {
     fs::create_directory(folder_.path() / "other");
     fs::copy(folder_.path() / "docs", folder_.path() / "other", fs::copy_options::recursive);
-    const auto lineOf = [](const std::string& id, const std::string& folder) {
-        return R"({"id":")" + id + R"(","request":{"type":"PublishComp","params":{"ditaVal":"",)" +
-               R"("usePrint":false,"ditamap":")" + folder + R"(/m.ditamap","output":"out/)" + id +
-               R"(.dita","compositeDocDtd":"ditabase.dtd","keyspaceDocDtd":"map.dtd"}}})" + "\n";
-    };
     folder_.write("jobs.jsonl", lineOf("one", "docs") + lineOf("two", "other"));
     start({"batch", "watch", "jobs.jsonl", "--catalog", "catalog.xml"});
     const auto startOf = [&](const std::string& id) {
@@ -210,6 +220,18 @@ TEST_F(WatchTest, OnlyTheJobsConcernedAreRunAgain) {
     EXPECT_EQ(countOf(watch_->errSoFar(), "] one: "), 1U) << "nothing is told of it again";
     EXPECT_THAT(folder_.read("out/two.dita"), HasSubstr("for the second"));
     folder_.write("jobs.jsonl", "{");
+    ASSERT_TRUE(isTold("jobs.jsonl:1")) << watch_->errSoFar();
+    folder_.write("jobs.jsonl", lineOf("three", "docs"));
+    EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/three.dita"); }));
+}
+
+TEST_F(WatchTest, AFileOfJobsThatChangesDuringTheFirstRunIsReadAgain) {
+    changeJobsInTheFirstRun(lineOf("two", "docs"));
+    EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/two.dita"); }));
+}
+
+TEST_F(WatchTest, AFileOfJobsThatBreaksDuringTheFirstRunIsToldAndWaitedFor) {
+    changeJobsInTheFirstRun("{");
     ASSERT_TRUE(isTold("jobs.jsonl:1")) << watch_->errSoFar();
     folder_.write("jobs.jsonl", lineOf("three", "docs"));
     EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/three.dita"); }));

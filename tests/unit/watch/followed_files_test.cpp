@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "results/file_digest.h"
+#include "results/file_stamp.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -102,11 +103,19 @@ TEST_F(FollowedFilesTest, OutputsAreNotFollowed) {
 
 TEST_F(FollowedFilesTest, AFileThatNoResultNamesIsKnownAsItIs) {
     folder_.write("project.xml", "p");
-    files_.add(folder_.file("project.xml"));
+    files_.add(folder_.file("project.xml"), latestStampUntilNow() + 1);
     EXPECT_THAT(files_.takeChanges(), IsEmpty());
     folder_.write("project.xml", "q");
     EXPECT_THAT(files_.takeChanges(), ElementsAre(folder_.file("project.xml")))
         << "also when both were written within one tick of the clock";
+}
+
+TEST_F(FollowedFilesTest, AFileThatNoResultNamesHasChangedWhenItWasWrittenSinceItsReaderBegan) {
+    const std::int64_t begin = earliestStampFromNow();
+    folder_.write("project.xml", "p");
+    files_.add(folder_.file("project.xml"), begin);
+    EXPECT_THAT(files_.takeChanges(), ElementsAre(folder_.file("project.xml")));
+    EXPECT_THAT(files_.takeChanges(), IsEmpty());
 }
 
 }  // namespace

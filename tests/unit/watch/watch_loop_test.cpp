@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -11,9 +12,11 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "cli/memory_file.h"
+#include "results/file_stamp.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/waiting.h"
 
@@ -56,7 +59,7 @@ public:
         if (folder_.exists("deaf")) {
             closeEventQueues();
         }
-        outcome->files.add(folder_.file("source"));
+        outcome->files.add(folder_.file("source"), end.begin);
         folder_.write("finished", "");
         return outcome;
     }
@@ -71,6 +74,8 @@ protected:
     WatchLoopTest() { folder_.write("source", "1"); }
 
     void start(WatchSetting setting = {}) {
+        // What is there already was there before.
+        std::this_thread::sleep_for(std::chrono::nanoseconds(kFileClockTick));
         watch_ = std::make_unique<TaskProcess>([this, setting = std::move(setting)](int) {
             LoggedWork work(folder_);
             std::ofstream err(folder_.file("err"));
