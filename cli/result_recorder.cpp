@@ -63,14 +63,12 @@ void measure(ResultRun& run) {
 
 /// The digest for the result, and what is to be remembered beside it.
 std::optional<std::string> addFile(const std::string& path, ResultRun& run) {
-    // In this order a file that is changed meanwhile has a stamp that it has no more.
-    const std::optional<FileStamp> stamp = stampOf(path);
-    std::optional<FileDigest> digest = stamp ? digestOf(path) : std::nullopt;
+    std::optional<FileDigest> digest = digestOf(path);
     if (!digest) {
         run.files.emplace_back();
         return std::nullopt;
     }
-    run.files.push_back(KnownFile{*stamp, std::move(digest->xxh128)});
+    run.files.push_back(KnownFile{digest->stamp, std::move(digest->xxh128)});
     return std::move(digest->sha256);
 }
 

@@ -1,17 +1,17 @@
 #include "results/file_digest.h"
 
+#include <fcntl.h>
 #include <nettle/sha2.h>
-#include <sys/stat.h>
+#include <unistd.h>
 #include <xxhash.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdint>
-#include <fstream>
 #include <memory>
 #include <new>
 #include <span>
-#include <system_error>
 #include <vector>
 
 namespace marrowpress {
@@ -76,24 +76,48 @@ private:
     std::unique_ptr<XXH3_state_t, Free> state_;
 };
 
-/// Gives all that the file holds to `take`, a piece at a time; false when that fails.
+/// A handle on a file. A pipe is opened, too, but not waited for.
+class OpenFile {
+public:
+    explicit OpenFile(const fs::path& path)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+
+    /// Negative when it could not be opened.
+    int descriptor() const noexcept { return descriptor_; }
+
+private:
+    int descriptor_;
+};
+
+/// Gives all that the file holds to `take`, a piece at a time.
+///
+/// @return  Its stamp from before; empty for what is no regular file, which may never come to its
+/// end, and when it cannot be read.
 template <typename Take>
-bool readPieces(const fs::path& path, Take take) {
-    // What is no regular file may never come to its end.
-    std::error_code ignored;
-    if (!fs::is_regular_file(path, ignored)) {
-        return false;
+std::optional<FileStamp> readPieces(const fs::path& path, Take take) {
+    const OpenFile file(path);
+    std::optional<FileStamp> stamp = stampOf(file.descriptor());
+    if (!stamp) {
+        return std::nullopt;
     }
-    std::ifstream in(path, std::ios::binary);
-    constexpr std::size_t kPiece = std::size_t{256} * 1024;
-    const std::uintmax_t size = fs::file_size(path, ignored);
-    // One more byte than there is, so that the end is seen at once.
-    std::vector<char> piece(std::min<std::uintmax_t>(kPiece, ignored ? kPiece : size + 1));
-    while (in.read(piece.data(), static_cast<std::streamsize>(piece.size())) || in.gcount() > 0) {
-        take(std::span(reinterpret_cast<const std::uint8_t*>(piece.data()),
-                       static_cast<std::size_t>(in.gcount())));
+    constexpr std::uint64_t kPiece = std::uint64_t{256} * 1024;
+    std::vector<std::uint8_t> piece(std::min(kPiece, stamp->size + 1));
+    ssize_t size = 0;
+    while ((size = read(file.descriptor(), piece.data(), piece.size())) != 0) {
+        if (size > 0) {
+            take(std::span(piece.data(), static_cast<std::size_t>(size)));
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
     }
-    return in.eof() && !in.bad();
+    return stamp;
 }
 
 }  // namespace
@@ -101,20 +125,22 @@ bool readPieces(const fs::path& path, Take take) {
 std::optional<FileDigest> digestOf(const fs::path& path) {
     Sha256 sha256;
     Xxh128 xxh128;
-    const bool isRead = readPieces(path, [&](std::span<const std::uint8_t> piece) {
-        sha256.add(piece);
-        xxh128.add(piece);
-    });
-    if (!isRead) {
+    const std::optional<FileStamp> stamp =
+        readPieces(path, [&](std::span<const std::uint8_t> piece) {
+            sha256.add(piece);
+            xxh128.add(piece);
+        });
+    if (!stamp) {
         return std::nullopt;
     }
-    return FileDigest{sha256.finish(), xxh128.finish()};
+    return FileDigest{*stamp, sha256.finish(), xxh128.finish()};
 }
 
 std::optional<std::string> quickDigestOf(const fs::path& path) {
     Xxh128 xxh128;
-    const bool isRead =
-        readPieces(path, [&](std::span<const std::uint8_t> piece) { xxh128.add(piece); });
+    const bool isRead = readPieces(path, [&](std::span<const std::uint8_t> piece) {
+                            xxh128.add(piece);
+                        }).has_value();
     return isRead ? std::optional(xxh128.finish()) : std::nullopt;
 }
 

@@ -6,10 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "results/file_stamp.h"
+
 namespace marrowpress {
 
 /// What a file holds, in short. In lower-case hexadecimal digits.
 struct FileDigest {
+    FileStamp stamp;  ///< From before it was read: one that was changed meanwhile has another now.
     std::string sha256;
     std::string xxh128;  ///< XXH3 with 128 bits: no proof against malice, and soon made.
 

@@ -19,15 +19,24 @@ std::int64_t clockTime(clockid_t clock) {
     return nanoseconds(now);
 }
 
-}  // namespace
-
-std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+std::optional<FileStamp> stampIn(const struct stat& status) {
+    if (!S_ISREG(status.st_mode)) {
         return std::nullopt;
     }
     return FileStamp{static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),
                      nanoseconds(status.st_ctim), status.st_ino, status.st_dev};
+}
+
+}  // namespace
+
+std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? stampIn(status) : std::nullopt;
+}
+
+std::optional<FileStamp> stampOf(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 ? stampIn(status) : std::nullopt;
 }
 
 std::int64_t earliestStampFromNow() {

@@ -20,6 +20,9 @@ struct FileStamp {
 /// Links are followed. Empty for what is no regular file.
 std::optional<FileStamp> stampOf(const std::filesystem::path& path);
 
+/// That of an open file. Empty also when `descriptor` is none.
+std::optional<FileStamp> stampOf(int descriptor);
+
 // Files are stamped by a clock that ticks every few milliseconds, or where the system can tell more
 // exactly, by a finer one.
 

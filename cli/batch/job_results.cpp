@@ -65,13 +65,12 @@ void addSources(const Job& job, RunResult& result) {
         result.dependencies.push_back({filter.string(), "DITAVAL", "absent", {}, {}});
     }
     for (ResultDependency& file : result.dependencies) {
-        const std::optional<FileStamp> stamp = stampOf(file.file);
-        const std::optional<FileDigest> digest = stamp ? digestOf(file.file) : std::nullopt;
+        const std::optional<FileDigest> digest = digestOf(file.file);
         result.run.files.emplace_back();
         if (digest) {
             file.state = "read";
             file.sha256 = digest->sha256;
-            result.run.files.back() = KnownFile{*stamp, digest->xxh128};
+            result.run.files.back() = KnownFile{digest->stamp, digest->xxh128};
         }
     }
 }
