@@ -1,6 +1,5 @@
 #include "results/file_digest.h"
 
-#include <fcntl.h>
 #include <nettle/sha2.h>
 #include <unistd.h>
 #include <xxhash.h>
@@ -13,6 +12,8 @@
 #include <new>
 #include <span>
 #include <vector>
+
+#include "findings/regular_file.h"
 
 namespace marrowpress {
 namespace {
@@ -76,33 +77,13 @@ private:
     std::unique_ptr<XXH3_state_t, Free> state_;
 };
 
-/// A handle on a file. A pipe is opened, too, but not waited for.
-class OpenFile {
-public:
-    explicit OpenFile(const fs::path& path)
-        : descriptor_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-    ~OpenFile() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-    }
-
-    /// Negative when it could not be opened.
-    int descriptor() const noexcept { return descriptor_; }
-
-private:
-    int descriptor_;
-};
-
 /// Gives all that the file holds to `take`, a piece at a time.
 ///
 /// @return  Its stamp from before; empty for what is no regular file, which may never come to its
 /// end, and when it cannot be read.
 template <typename Take>
 std::optional<FileStamp> readPieces(const fs::path& path, Take take) {
-    const OpenFile file(path);
+    const RegularFile file(path.string());
     std::optional<FileStamp> stamp = stampOf(file.descriptor());
     if (!stamp) {
         return std::nullopt;
