@@ -182,7 +182,9 @@ std::optional<std::string> Checking::findFault(const std::vector<ProfileSet>& pr
     if (!options_.output.empty()) {
         files.outputs = outputsOf(options_, paths_);
     }
-    return findReportFault(report.files(), files);
+    std::vector<NamedPath> reports = report.files();
+    addResultFile(options_, reports);
+    return findReportFault(reports, files);
 }
 
 /// Why `publish` would refuse the output. A folder that is missing it would make.

@@ -183,6 +183,7 @@ std::optional<std::string> Publishing::findFault(const ProfileSet& profiles,
     if (options_.depfile) {
         reports.push_back(namedPath("--depfile", *options_.depfile));
     }
+    addResultFile(options_, reports);
     return findReportFault(
         reports, {sourcesOf(options_, paths_), outputsOf(options_, paths_), isFlatBook(options_)});
 }

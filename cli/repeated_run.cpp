@@ -1,11 +1,13 @@
 #include "cli/repeated_run.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <ostream>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
@@ -54,7 +56,8 @@ private:
     std::optional<RunResult> lastResult() const;
     ExitCode showAgain(RunResult result, const FindingsReport& report) const;
     std::string shownOutputs(const RunResult& result) const;
-    bool areFurtherFilesThere() const;
+    std::vector<std::string> reportFiles() const;
+    bool areReportsThere(const RunResult& result) const;
     bool keep(const RunResult& result) const;
 
     const RepeatedRun& repeated_;
@@ -74,23 +77,32 @@ fs::path Repetition::resultFile() const {
     return folder.empty() ? folder : folder / (sha256Of(key) + ".json");
 }
 
-/// What else was asked for, and no result remembers.
-bool Repetition::areFurtherFilesThere() const {
+/// What else was asked for and cannot be made from the result. Absolute.
+std::vector<std::string> Repetition::reportFiles() const {
     const DiagnosticsOptions& diagnostics = options_.diagnostics;
+    std::vector<std::string> files;
     for (const std::optional<std::string>* const file :
          {&options_.depfile, &diagnostics.report, &diagnostics.timings}) {
-        std::error_code ignored;
-        if (*file && !fs::exists(**file, ignored)) {
-            return false;
+        if (*file) {
+            files.push_back(fs::absolute(**file).string());
         }
     }
-    return !diagnostics.showsStatistics;
+    return files;
+}
+
+/// Whether they are as that very run has written them.
+bool Repetition::areReportsThere(const RunResult& result) const {
+    const std::vector<std::string> files = reportFiles();
+    return std::all_of(files.begin(), files.end(), [&result](const std::string& file) {
+        const auto known = result.run.reports.find(file);
+        return known != result.run.reports.end() && quickDigestOf(file) == known->second;
+    });
 }
 
 /// The last run's, if it still holds.
 std::optional<RunResult> Repetition::lastResult() const {
     std::error_code ignored;
-    if (!fs::exists(file_, ignored) || !areFurtherFilesThere()) {
+    if (!fs::is_regular_file(file_, ignored) || options_.diagnostics.showsStatistics) {
         return std::nullopt;
     }
     try {
@@ -99,8 +111,9 @@ std::optional<RunResult> Repetition::lastResult() const {
             identityOf(repeated_.command, options_, paths_, repeated_.ownFilters, repeated_.wish);
         const WantedRun wanted{std::move(identity.request), std::move(identity.options),
                                versionsText()};
-        return FileComparison().isUpToDate(result, wanted) ? std::optional(std::move(result))
-                                                           : std::nullopt;
+        const bool isCurrent =
+            areReportsThere(result) && FileComparison().isUpToDate(result, wanted);
+        return isCurrent ? std::optional(std::move(result)) : std::nullopt;
     } catch (const ResultError& fault) {
         streams_.err << "marrowpress: " << file_.string() << " counts as absent: " << fault.what()
                      << ".\n";
@@ -181,6 +194,9 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
             return code;
         }
         result->run.tries = runs;
+        for (const std::string& file : reportFiles()) {
+            result->run.reports[file] = quickDigestOf(file).value_or(std::string());
+        }
         // A result that nobody asked for is for the next time only.
         if (!keep(*result) && options_.result) {
             return ExitCode::kRunFailed;
@@ -196,6 +212,12 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
 
 bool isRepeated(const RunOptions& options) {
     return options.isOnlyIfChanged || options.result;
+}
+
+void addResultFile(const RunOptions& options, std::vector<NamedPath>& reports) {
+    if (options.result) {
+        reports.push_back(namedPath("--result", *options.result));
+    }
 }
 
 ExitCode runRepeated(const RepeatedRun& repeated, const Streams& streams,

@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "cli/exit_code.h"
 #include "cli/options.h"
+#include "cli/report_files.h"
 #include "cli/result_recorder.h"
 #include "cli/streams.h"
 
@@ -21,6 +23,9 @@ struct RepeatedRun {
 
 /// Whether the result of a run with these options is kept.
 bool isRepeated(const RunOptions& options);
+
+/// For `findReportFault`: the file of the result, if one was named, must be no other file's place.
+void addResultFile(const RunOptions& options, std::vector<NamedPath>& reports);
 
 /// Makes the run by `run`, and keeps its result; with `--if-changed` only when the last one's does
 /// not hold any more. Else that one's findings are shown again, and its exit code counts.

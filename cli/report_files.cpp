@@ -22,9 +22,12 @@ std::string nameOf(const NamedPath& report) {
 }
 
 /// Why there can be no file at the path, as far as its folder is concerned.
-std::optional<std::string> findFolderFault(const NamedPath& report) {
+std::optional<std::string> findFolderFault(const NamedPath& report, const RunFiles& files) {
     std::error_code ignored;
     const fs::path folder = report.path.parent_path();
+    if (files.madeFolders.contains(folder.lexically_normal())) {
+        return std::nullopt;
+    }
     const std::string shown = shownFolderOf(report.shown);
     if (!fs::is_directory(folder, ignored)) {
         return report.argument + ": there is no folder " + shown;
@@ -55,7 +58,7 @@ bool isSourceLike(const fs::path& path) {
     return (isXml && !isOwn) || start.find('\0') != std::string::npos;
 }
 
-std::optional<std::string> findPlaceFault(const NamedPath& report) {
+std::optional<std::string> findPlaceFault(const NamedPath& report, const RunFiles& files) {
     std::error_code ignored;
     const fs::file_status status = fs::status(report.path, ignored);
     if (fs::is_directory(status) || !report.path.has_filename()) {
@@ -65,7 +68,7 @@ std::optional<std::string> findPlaceFault(const NamedPath& report) {
         if (fs::is_symlink(report.path, ignored)) {
             return nameOf(report) + " is a symbolic link to nothing";
         }
-        return findFolderFault(report);
+        return findFolderFault(report, files);
     }
     if (faccessat(AT_FDCWD, report.path.c_str(), W_OK, AT_EACCESS) != 0) {
         return report.argument + ": cannot write to " + report.shown + ": " +
@@ -111,7 +114,7 @@ std::optional<std::string> findReportFault(const std::vector<NamedPath>& reports
                                            const RunFiles& files) {
     std::vector<NamedPath> earlier;
     for (const NamedPath& report : reports) {
-        if (std::optional<std::string> fault = findPlaceFault(report)) {
+        if (std::optional<std::string> fault = findPlaceFault(report, files)) {
             return fault;
         }
         if (std::optional<std::string> fault = findRunFault(report, files)) {

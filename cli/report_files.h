@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,8 @@ struct RunFiles {
     std::vector<NamedPath> inputs;
     std::vector<NamedPath> outputs;  ///< What is written, used in passing, or removed.
     bool hasComponents = false;      ///< The names of a flat book's are known to the run alone.
+    /// Missing ones that the run makes; absolute and lexically normal.
+    std::set<std::filesystem::path> madeFolders = {};
 };
 
 /// Why the run must not be started with these reports, as a sentence that names the argument; empty

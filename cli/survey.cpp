@@ -28,7 +28,9 @@ std::optional<std::string> findFault(const RunOptions& options, const PublishPat
             return fault;
         }
     }
-    return findReportFault(report.files(), {sourcesOf(options, paths), {}, false});
+    std::vector<NamedPath> reports = report.files();
+    addResultFile(options, reports);
+    return findReportFault(reports, {sourcesOf(options, paths), {}, false});
 }
 
 /// Surveys have no options but those of every run.

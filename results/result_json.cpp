@@ -5,6 +5,7 @@
 #include <boost/json/object.hpp>
 #include <boost/json/parse.hpp>
 #include <boost/json/serialize.hpp>
+#include <boost/json/value_from.hpp>
 #include <boost/json/value_to.hpp>
 #include <system_error>
 #include <utility>
@@ -85,6 +86,9 @@ void addRun(std::string& text, const ResultRun& run) {
     addMember(text, "memoryShort", run.isMemoryShort);
     addMember(text, "begin", run.begin);
     addMember(text, "end", run.end);
+    if (!run.reports.empty()) {
+        addMember(text, "reports", json::value_from(run.reports));
+    }
     addItems(text, "files", run.files, knownFileMember);
     text.append("}");
 }
@@ -218,6 +222,12 @@ ResultRun runOf(const json::object& object) {
     run.begin = numberIn<std::int64_t>(object, "begin");
     run.end = numberIn<std::int64_t>(object, "end");
     run.files = itemsIn(object, "files", knownFileOf);
+    if (object.contains("reports")) {
+        const json::object& reports = objectIn(object, "reports");
+        for (const auto& [path, digest] : reports) {
+            run.reports[path] = textIn(reports, path);
+        }
+    }
     return run;
 }
 

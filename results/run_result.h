@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -49,6 +50,8 @@ struct ResultRun {
     std::int64_t end = 0;        ///< `latestStampUntilNow` when its outputs were there.
     /// Of the dependencies and then the outputs, in their order; empty where there is no file.
     std::vector<std::optional<KnownFile>> files;
+    /// What else was written and can be made from no result: by absolute path, its `xxh128`.
+    std::map<std::string, std::string> reports;
 };
 
 /// All that there is to tell of one run, for whoever was not there. Texts are UTF-8.

@@ -63,6 +63,7 @@ private:
     ExitCode give(const std::string& text) const;
     ExitCode runJobs();
     ExitCode merge();
+    void findReportFaults() const;
     void findOutputFaults() const;
     void findConflicts();
     std::vector<std::size_t> allJobs() const;
@@ -90,6 +91,7 @@ ExitCode Batch::run() {
     if (options_.action == BatchAction::kMerge) {
         plan_ = readPlan(options_.plan);
         indexes_ = allJobs();
+        findReportFaults();
         return merge();
     }
     std::vector<std::string> passedOver;
@@ -104,6 +106,7 @@ ExitCode Batch::run() {
         case BatchAction::kList:
             return give(jobTableText(plan_, indexes_));
         case BatchAction::kPlan:
+            findReportFaults();
             findConflicts();
             return writePlan();
         case BatchAction::kEmit:
@@ -115,6 +118,7 @@ ExitCode Batch::run() {
     if (const std::optional<std::string> fault = findCatalogOptionFault(plan_.catalogs)) {
         throw BatchFault(*fault);
     }
+    findReportFaults();
     if (!plan_.isCheck) {
         findOutputFaults();
     }
@@ -139,10 +143,23 @@ ExitCode Batch::writePlan() const {
     // One that is the same stays as it is, so that what is made of it need not be made again.
     const std::string text = planText(selected);
     std::error_code ignored;
-    if (!fs::is_regular_file(options_.plan, ignored) || readFile(options_.plan) != text) {
+    const std::string earlier =
+        fs::is_regular_file(options_.plan, ignored) ? readFile(options_.plan) : std::string();
+    if (!earlier.empty() && !isPlan(earlier)) {
+        throw BatchFault("--plan: " + options_.plan +
+                         " is there already, and no plan; choose another file");
+    }
+    if (earlier != text) {
         replaceFile(fs::absolute(options_.plan), text);
     }
     return ExitCode::kSuccess;
+}
+
+/// @throws BatchFault
+void Batch::findReportFaults() const {
+    if (const std::optional<std::string> fault = findBatchReportFault(options_, plan_, results_)) {
+        throw BatchFault(*fault);
+    }
 }
 
 /// What `publish` would refuse is refused before anything is started.

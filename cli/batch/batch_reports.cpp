@@ -4,10 +4,15 @@
 #include <functional>
 #include <memory>
 #include <ostream>
+#include <set>
+#include <system_error>
 #include <utility>
 
 #include "cli/batch/batch_index_page.h"
+#include "cli/file_place.h"
 #include "cli/file_replacement.h"
+#include "cli/options.h"
+#include "cli/report_files.h"
 #include "findings/catalogue.h"
 #include "findings/fold.h"
 #include "findings/junit_writer.h"
@@ -18,6 +23,8 @@ namespace marrowpress {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr const char* kIndexPageName = "index.html";
 
 /// A file over all jobs.
 class BatchReport {
@@ -153,7 +160,96 @@ std::vector<ReportFile> filesOf(const BatchReports& reports, const ResultFolder&
     return files;
 }
 
+std::vector<NamedPath> reportsOf(const BatchOptions& options) {
+    std::vector<NamedPath> reports;
+    const auto add = [&reports](const char* option, const std::optional<std::string>& file) {
+        if (file) {
+            reports.push_back(namedPath(option, *file));
+        }
+    };
+    add("--summary", options.reports.summary);
+    add("--sarif", options.reports.sarif);
+    add("--junit", options.reports.junit);
+    add("--depfile", options.depfile);
+    if (options.action == BatchAction::kPlan && options.plan != kStandardOutput) {
+        add("--plan", options.plan);
+    }
+    // Its folder is made when it is not there.
+    std::error_code ignored;
+    if (options.reports.pageFolder && fs::is_directory(*options.reports.pageFolder, ignored)) {
+        add("--report", (fs::path(*options.reports.pageFolder) / kIndexPageName).string());
+    }
+    return reports;
+}
+
+/// The files of many jobs, without those that have a name of their own, and so are no report.
+class FilesOfJobs {
+public:
+    explicit FilesOfJobs(const std::vector<NamedPath>& reports) {
+        for (const NamedPath& report : reports) {
+            names_.insert(report.path.filename());
+            names_.insert(placeOf(report.path).filename());
+        }
+    }
+
+    void add(std::vector<NamedPath>& files, const char* argument, const fs::path& path) {
+        if (names_.contains(path.filename()) && known_.insert(path).second) {
+            files.push_back(namedPath(argument, path.string()));
+        }
+    }
+
+private:
+    std::set<fs::path> names_;
+    std::set<fs::path> known_;
+};
+
+/// The folder and those above it, as far as they are not there.
+void addMissing(const fs::path& folder, std::set<fs::path>& folders) {
+    std::error_code ignored;
+    fs::path missing = folder.lexically_normal();
+    while (!folders.contains(missing) && !fs::exists(missing, ignored)) {
+        folders.insert(missing);
+        missing = missing.parent_path();
+    }
+}
+
 }  // namespace
+
+std::optional<std::string> findBatchReportFault(const BatchOptions& options, const Plan& plan,
+                                                const ResultFolder& results) {
+    const std::vector<NamedPath> reports = reportsOf(options);
+    const bool makesFolders =
+        options.action != BatchAction::kPlan && options.action != BatchAction::kMerge;
+    FilesOfJobs ofJobs(reports);
+    RunFiles files;
+    if (options.action == BatchAction::kMerge) {
+        files.inputs.push_back(namedPath("--plan", options.plan));
+    } else if (options.file != kStandardOutput) {
+        files.inputs.push_back(namedPath("FILE", options.file));
+    }
+    if (plan.diagnostics.baseline) {
+        files.inputs.push_back(namedPath("--baseline", *plan.diagnostics.baseline));
+    }
+    for (const Job& job : plan.jobs) {
+        for (const std::string& source : job.sources) {
+            ofJobs.add(files.inputs, "FILE", source);
+        }
+        ofJobs.add(files.inputs, "a map", job.options.map);
+        for (const std::string& filter : job.options.filters) {
+            ofJobs.add(files.inputs, "a filter", filter);
+        }
+        ofJobs.add(files.outputs, "an output", job.options.output);
+        ofJobs.add(files.outputs, "a result", results.pathOf(job.id));
+        if (makesFolders) {
+            const fs::path output = fs::absolute(job.options.output);
+            addMissing(isFlatBook(job.options) ? output : output.parent_path(), files.madeFolders);
+        }
+    }
+    if (makesFolders) {
+        addMissing(results.path(), files.madeFolders);
+    }
+    return findReportFault(reports, files);
+}
 
 void writeBatchReports(const BatchReports& reports, const Plan& plan,
                        const std::vector<std::size_t>& indexes, const ResultFolder& results,
@@ -176,7 +272,7 @@ void writeBatchReports(const BatchReports& reports, const Plan& plan,
         });
     }
     if (reports.pageFolder) {
-        replaceFile(fs::path(*reports.pageFolder) / "index.html",
+        replaceFile(fs::path(*reports.pageFolder) / kIndexPageName,
                     batchIndexPage(plan, indexes, results, *reports.pageFolder));
     }
 }

@@ -10,6 +10,11 @@
 
 namespace marrowpress {
 
+/// Why nothing must be started with the files that are to be written beside the jobs' outputs: the
+/// merged reports, a plan, a depfile. Empty when it may.
+std::optional<std::string> findBatchReportFault(const BatchOptions& options, const Plan& plan,
+                                                const ResultFolder& results);
+
 /// Writes what was asked for of the merged reports, from the results in their folder alone, so that
 /// whoever ran the jobs makes no difference.
 ///

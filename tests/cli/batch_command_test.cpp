@@ -497,6 +497,52 @@ TEST_F(BatchTest, PagesOfTheJobsHaveAnIndex) {
     EXPECT_EQ(folder_.read("pages/one.html").find(".marrowpress-"), std::string::npos);
 }
 
+TEST_F(BatchTest, NoReportTakesThePlaceOfAnotherFile) {
+    writeTwoJobs();
+    const std::string jobs = folder_.read("jobs.jsonl");
+    const std::string topic = folder_.read("docs/one.dita");
+    for (const char* const option : {"--summary", "--sarif", "--junit"}) {
+        for (const char* const file : {"docs/one.dita", "docs/../jobs.jsonl", "out/one.dita",
+                                       "marrowpress-results/two.json"}) {
+            const CommandResult refused = batch({option, file});
+            EXPECT_EQ(refused.code, 2);
+            EXPECT_NE(refused.err.find(std::string(option) + ": " + file), std::string::npos)
+                << refused.err;
+        }
+    }
+    EXPECT_EQ(batch({"--summary", "same.json", "--sarif", "./same.json"}).code, 2);
+    folder_.write("pages/index.html", "<html>");
+    EXPECT_EQ(batch({"--report", "pages"}).code, 2);
+    EXPECT_EQ(batch({"--summary", "none/s.json"}).code, 2);
+    EXPECT_FALSE(folder_.exists("marrowpress-results")) << "nothing was started";
+    EXPECT_EQ(folder_.read("jobs.jsonl"), jobs);
+    EXPECT_EQ(folder_.read("docs/one.dita"), topic);
+    const Texts reports{"--summary", "marrowpress-results/s.json",
+                        "--sarif",   "s.sarif",
+                        "--junit",   "j.xml",
+                        "--report",  "own"};
+    EXPECT_EQ(batch(reports).code, 0);
+    EXPECT_EQ(batch(reports).code, 0) << "those of an earlier batch are replaced";
+}
+
+TEST_F(BatchTest, APlanTakesThePlaceOfPlansAlone) {
+    writeTwoJobs();
+    const std::string jobs = folder_.read("jobs.jsonl");
+    folder_.write("other.json", "{}");
+    for (const char* const file :
+         {"jobs.jsonl", "docs/one.ditamap", "docs/one.dita", "other.json"}) {
+        EXPECT_EQ(run({"batch", "plan", "jobs.jsonl", "--plan", file}).code, 2) << file;
+    }
+    EXPECT_EQ(folder_.read("jobs.jsonl"), jobs);
+    EXPECT_EQ(folder_.read("other.json"), "{}");
+    ASSERT_EQ(run({"batch", "plan", "jobs.jsonl", "--plan", "p.jsonl"}).code, 0);
+    EXPECT_EQ(run({"batch", "plan", "jobs.jsonl", "--select", "one", "--plan", "p.jsonl"}).code, 0);
+    EXPECT_EQ(
+        run({"batch", "merge", "marrowpress-results", "--plan", "p.jsonl", "--summary", "p.jsonl"})
+            .code,
+        2);
+}
+
 TEST_F(BatchTest, AProjectFileIsPublishedAsFarAsItIsOursAndCheckedAsAWhole) {
     folder_.write("project.xml", R"(<project xmlns="https://www.dita-ot.org/project">
 <deliverable id="ours"><context><input href="docs/one.ditamap"/></context><output href="."/>

@@ -102,5 +102,31 @@ TEST_F(IfChangedTest, CopiesOfMediaAreOutputs) {
     EXPECT_TRUE(folder_.exists("out/media/i.png"));
 }
 
+TEST_F(IfChangedTest, AResultTakesThePlaceOfNoOtherFile) {
+    const std::string map = folder_.read("docs/m.ditamap");
+    const std::string topic = folder_.read("docs/a.dita");
+    for (const char* const file : {"docs/m.ditamap", "docs/a.dita", "out/c.dita"}) {
+        const CommandResult refused =
+            run({"publish", "docs/m.ditamap", "-f", "composite", "-o", "out/c.dita", "--catalog",
+                 "catalog.xml", "--result", file});
+        EXPECT_EQ(refused.code, 2);
+        EXPECT_NE(refused.err.find(std::string("--result: ") + file), std::string::npos)
+            << refused.err;
+    }
+    for (const char* const command : {"check", "keys"}) {
+        EXPECT_EQ(
+            run({command, "docs/m.ditamap", "--catalog", "catalog.xml", "--result", "docs/a.dita"})
+                .code,
+            2);
+    }
+    EXPECT_EQ(run({"watch", "docs/m.ditamap", "-o", "out/c.dita", "--catalog", "catalog.xml",
+                   "--result", "docs/a.dita"})
+                  .code,
+              2);
+    EXPECT_EQ(folder_.read("docs/m.ditamap"), map);
+    EXPECT_EQ(folder_.read("docs/a.dita"), topic);
+    EXPECT_FALSE(folder_.exists("out/c.dita"));
+}
+
 }  // namespace
 }  // namespace marrowpress

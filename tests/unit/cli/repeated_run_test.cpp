@@ -128,14 +128,33 @@ TEST_F(RepeatedRunTest, AResultThatIsNoneCountsAsAbsentWithAWarning) {
     EXPECT_NE(err_.str().find("r.json counts as absent: "), std::string::npos) << err_.str();
 }
 
-TEST_F(RepeatedRunTest, AFileThatNoResultRemembersHasToBeThere) {
+TEST_F(RepeatedRunTest, AFileThatCannotBeMadeFromTheResultHasToBeThatOfTheRun) {
     options_.diagnostics.report = folder_.file("page.html");
     repeat();
     repeat();
-    EXPECT_EQ(runs_, 2U);
+    EXPECT_EQ(runs_, 2U) << "it is not there";
+    folder_.write("page.html", "page");
+    repeat();
+    EXPECT_EQ(runs_, 3U) << "somebody else has written it";
+    repeat();
+    EXPECT_EQ(runs_, 3U);
     folder_.write("page.html", "");
     repeat();
-    EXPECT_EQ(runs_, 2U);
+    EXPECT_EQ(runs_, 4U) << "it was changed";
+}
+
+TEST_F(RepeatedRunTest, AFileOfAnEarlierRunThanTheLastIsOld) {
+    options_.depfile = folder_.write("d", "rule");
+    repeat();
+    options_.depfile.reset();
+    folder_.write("m.ditamap", "another map");
+    waitATick();
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 2U) << "without it the result holds";
+    options_.depfile = folder_.file("d");
+    repeat();
+    EXPECT_EQ(runs_, 3U);
 }
 
 TEST_F(RepeatedRunTest, AResultThatCannotBeKeptFailsTheRunOnlyWhereItWasAskedFor) {
