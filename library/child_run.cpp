@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <boost/json/object.hpp>
 #include <boost/json/parse.hpp>
@@ -40,6 +41,8 @@ const InstalledPaths kInstalledHelper{MARROWPRESS_HELPER_FROM_PROGRAM,
 
 /// How often a parent looks whether it is to wait no longer.
 constexpr auto kChildPause = 20ms;
+/// Beyond this a limit of time is none; what the clock counts in does not hold any number.
+constexpr auto kLongestRun = std::chrono::years(100);
 /// What a child gets for cleaning up.
 constexpr auto kGrace = 5s;
 
@@ -87,6 +90,8 @@ private:
     const std::string helper_;
     SocketPair sockets_;
     std::unique_ptr<ChildProcess> child_;
+    const std::chrono::milliseconds longest_{
+        std::min<std::uint64_t>(order_.timeLimit, std::chrono::milliseconds(kLongestRun).count())};
     Clock::time_point start_ = Clock::now();
     std::optional<Clock::time_point> endOfGrace_;
     int reason_ = MP_OK;  ///< Why the child is to end.
@@ -150,7 +155,7 @@ void ChildRun::lookAtLimits() {
         }
     } else if (order_.isCancelled()) {
         end(MP_CANCELLED);
-    } else if (order_.timeLimit > 0 && now - start_ > std::chrono::milliseconds(order_.timeLimit)) {
+    } else if (order_.timeLimit > 0 && now - start_ > longest_) {
         end(MP_TIMED_OUT);
     }
 }
@@ -216,7 +221,11 @@ ResultData serveSent(SentOrder& sent) {
     try {
         limitMemory(sent.order.memoryLimit);
         chooseLanguage(sent.order.language);
-        return serve(sent.order);
+        ResultData data = serve(sent.order);
+        if (data.isMemoryShort && sent.order.memoryLimit > 0) {
+            data.code = MP_NO_MEMORY;
+        }
+        return data;
     } catch (const LibraryFailure& failure) {
         return failedResult(failure.code(), failure.what());
     } catch (const std::bad_alloc&) {

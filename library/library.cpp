@@ -3,6 +3,7 @@
 #include <malloc.h>
 
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <new>
 #include <system_error>
@@ -11,6 +12,7 @@
 #include "library/child_run.h"
 #include "library/failure.h"
 #include "library/order.h"
+#include "library/request_facts.h"
 #include "library/result.h"
 #include "library/run_turn.h"
 #include "library/served_run.h"
@@ -75,10 +77,17 @@ void giveMemoryBack() {
 #endif
 }
 
+/// What `serve` gives, from within which callbacks may come, but that for findings.
+ResultData callingBack(const Order& order, ResultData (*serve)(const Order&)) {
+    const bool isTrial = order.has(MP_CHECK | MP_SURVEY);
+    const FolderTurn turn(isTrial ? std::filesystem::path() : factsOf(order.request).folder());
+    return serve(order);
+}
+
 std::unique_ptr<mp_result> serveHere(const Order& order) {
     const RunTurn turn(order);
     chooseLanguage(order.language);
-    std::unique_ptr<mp_result> result = told(order, serve(order));
+    std::unique_ptr<mp_result> result = told(order, callingBack(order, serve));
     giveMemoryBack();
     return result;
 }
@@ -99,7 +108,7 @@ int mp_run(const char* request, const mp_options* options, mp_result** result) {
 
 int mp_spawn(const char* request, const mp_options* options, mp_result** result) {
     return marrowpress::answer(request, options, result, [](const marrowpress::Order& order) {
-        return marrowpress::told(order, marrowpress::serveInChild(order));
+        return marrowpress::told(order, marrowpress::callingBack(order, marrowpress::serveInChild));
     });
 }
 

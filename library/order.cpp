@@ -9,6 +9,7 @@
 
 #include "host/utf8.h"
 #include "library/failure.h"
+#include "library/run_turn.h"
 
 namespace marrowpress {
 namespace {
@@ -77,6 +78,7 @@ std::vector<std::string> catalogsOf(const mp_options& options) {
 }
 
 std::vector<OpenDocument> documentsOf(const mp_options& options) {
+    const Asking asking;
     std::vector<OpenDocument> documents;
     std::unordered_set<std::uint32_t> ids{0};
     mp_document document{};

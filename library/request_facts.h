@@ -12,6 +12,9 @@ struct RequestFacts {
     std::filesystem::path filter;
     bool isFlatBook = false;
     bool isAtOneLocation = false;
+
+    /// Into which the run writes.
+    std::filesystem::path folder() const { return isFlatBook ? output : output.parent_path(); }
 };
 
 /// Of a text that is no request there are none: the client says so.

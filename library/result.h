@@ -23,6 +23,7 @@ struct ResultData {
     std::string dependencies;
     std::string keys;
     std::vector<std::string> outputs;
+    bool isMemoryShort = false;  ///< The run came to nothing for want of it. Not sent.
 };
 
 /// One without an answer.

@@ -1,10 +1,12 @@
 #include "library/served_run.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <optional>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <variant>
@@ -17,6 +19,7 @@
 #include "host/utf8.h"
 #include "library/failure.h"
 #include "library/request_facts.h"
+#include "marrowpress/observer.h"
 #include "marrowpress/publish_status.h"
 #include "runs/component_places.h"
 #include "runs/dependency_json.h"
@@ -78,6 +81,13 @@ FindingContext contextOf(const Order& order, const RequestFacts& facts) {
         context.profiles.push_back(facts.filter.string());
     }
     return context;
+}
+
+/// Whether the client module could not be loaded for want of memory: the loader tells it by words
+/// alone.
+bool isOfMemory(std::string_view text) {
+    return text.find(std::generic_category().message(ENOMEM)) != std::string_view::npos ||
+           text.find("failed to map segment") != std::string_view::npos;
 }
 
 /// One request, from its folder to its result.
@@ -168,7 +178,7 @@ RunOutcome ServedRun::send() {
     sinks.onProgress = order_.onProgress;
     sinks.isInterrupted = [this] { return order_.isCancelled(); };
     const RunSetting how = setting();
-    const fs::path folder = facts_.isFlatBook ? facts_.output : facts_.output.parent_path();
+    const fs::path folder = facts_.folder();
     try {
         return isTrial_ ? runRequest(how, sinks)
                         : runInTurn(
@@ -177,17 +187,25 @@ RunOutcome ServedRun::send() {
     } catch (const RunInterrupted&) {
         throw LibraryFailure(MP_CANCELLED, mp_code_text(MP_CANCELLED));
     } catch (const std::system_error& failure) {
-        throw LibraryFailure(MP_SYSTEM, failure.what());
+        throw LibraryFailure(
+            failure.code() == std::errc::not_enough_memory ? MP_NO_MEMORY : MP_SYSTEM,
+            failure.what());
     } catch (const std::runtime_error& failure) {
-        throw LibraryFailure(MP_UNAVAILABLE, failure.what());
+        throw LibraryFailure(isOfMemory(failure.what()) ? MP_NO_MEMORY : MP_UNAVAILABLE,
+                             failure.what());
     }
 }
 
 ResultData ServedRun::serve() {
     const RunOutcome outcome = send();
+    const std::string& reason = collector_.facts().failure();
     data_.status = outcome.status;
     data_.values = outcome.answer;
     data_.error = faultOf(outcome);
+    if (!data_.error.empty() && !reason.empty()) {
+        data_.error += ": " + reason;
+    }
+    data_.isMemoryShort = !outcome.status || reason == kNotEnoughMemory;
     if (data_.error.empty() && !isTrial_) {
         for (const std::string& path : writtenFiles(outcome)) {
             data_.outputs.push_back(toValidUtf8(path));
@@ -221,7 +239,11 @@ void ServedRun::gatherFindings(const RunOutcome& outcome) {
                        profiles.empty() ? std::vector<ProfileRule>() : profiles.front().rules,
                        collector_);
     const std::string map = facts_.map.string();
-    addFailure(outcome, map, isTrial_ ? map : facts_.output.string(), collector_);
+    const std::string output = facts_.output.string();
+    // A finding has to be about a file, and not every request names one.
+    if (!map.empty() || !output.empty()) {
+        addFailure(outcome, map, isTrial_ || output.empty() ? map : output, collector_);
+    }
 
     std::vector<Finding> findings = collector_.list().take();
     std::erase_if(findings, [](const Finding& finding) { return finding.isArtefact; });

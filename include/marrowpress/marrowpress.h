@@ -35,10 +35,10 @@ extern "C" {
 enum {
     MP_OK = 0,          /* There is an answer: mp_result_status says which. */
     MP_INVALID = 1,     /* An argument is null, of an unknown size, no UTF-8, or unknown. */
-    MP_BUSY = 2,        /* A request is being served in this process. */
+    MP_BUSY = 2,        /* A request is being served in this process, or calls back. */
     MP_FORKED = 3,      /* The process was forked since it loaded the library. Use mp_spawn. */
     MP_CANCELLED = 4,   /* The cancel flag was set. */
-    MP_NO_MEMORY = 5,   /* There is not enough memory. */
+    MP_NO_MEMORY = 5,   /* There is not enough memory, or memory_limit allows no more. */
     MP_UNAVAILABLE = 6, /* A part of the installation is missing, or cannot be started. */
     MP_SYSTEM = 7,      /* The system refused a folder, a descriptor or a process. */
     MP_CRASHED = 8,     /* mp_spawn: the child ended without an answer; see mp_result_signal. */
@@ -62,7 +62,7 @@ enum {
     MP_NO_FINDINGS = 32
 };
 
-/* The language of findings and of what is wrong. */
+/* The language of findings; what mp_result_error gives is English. */
 enum {
     MP_LANGUAGE_AUTO = 0, /* What the environment says, in LC_ALL, LC_MESSAGES or LANG. */
     MP_LANGUAGE_ENGLISH = 1,
@@ -117,7 +117,9 @@ typedef struct mp_document {
 /*
  * What may be called back, each with the pointer that stands beside it in the options, on the
  * thread of the call. Texts live as long as the callback. It may call whatever it wants but
- * mp_run, which answers MP_BUSY there; it must neither throw nor jump out.
+ * mp_run, which answers MP_BUSY there, and mp_spawn into the folder into which the run writes that
+ * calls back, which would wait for its end, and answers MP_BUSY, too. It must neither throw nor
+ * jump out.
  */
 
 /* Gets each finding. They are folded, and so known when the run is over: all come at the end. */
@@ -177,6 +179,7 @@ inline mp_options mp_make_options() noexcept {
  * Serves a request in this process, one at a time.
  *
  * request  JSON as request.schema.json describes it. Paths are taken against the current directory.
+ *          The folder of the output has to be there, and what is in the output's place is replaced.
  * options  May be null.
  * result   Is set to what the caller has to free by mp_result_free, whatever the code is; to null
  *          where there is no memory even for that. Null itself is MP_INVALID.

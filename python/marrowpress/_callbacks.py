@@ -4,25 +4,65 @@ from __future__ import annotations
 
 import ctypes
 import json
+import math
 import os
 from typing import Any, Callable, Optional
 
 from . import _library
-from ._types import CancelFlag, Finding, Options, PathLike
+from ._types import Finding, Invalid, Options, PathLike
+
+_MOST = 2**64 - 1
+
+
+def text_of(path: PathLike) -> str:
+    """A path as text.
+
+    Raises Invalid for what is none.
+    """
+    text = os.fspath(path)
+    if not isinstance(text, str):
+        raise Invalid(f"{text!r} is not a str")
+    return text
 
 
 def encoded(path: PathLike) -> bytes:
-    """A path as UTF-8."""
-    return os.fspath(path).encode("utf-8")
+    """A path, or another text, as UTF-8."""
+    text = text_of(path)
+    if "\0" in text:
+        raise Invalid(f"{text!r} has a NUL character")
+    try:
+        return text.encode("utf-8")
+    except UnicodeEncodeError as failure:
+        raise Invalid(f"{text!r} is not UTF-8") from failure
+
+
+def _milliseconds(seconds: float) -> int:
+    """None for no limit; of a part of one, the whole."""
+    if not 0 <= seconds < math.inf:
+        raise Invalid(f"time_limit is {seconds}; it is a number of seconds, or 0 for no limit")
+    return min(math.ceil(seconds * 1000), _MOST)
+
+
+def _look_at(options: Options) -> None:
+    if options.language not in _library.LANGUAGES:
+        raise Invalid(f"language is {options.language!r}; it is one of 'en', 'de' and None")
+    if isinstance(options.catalogs, (str, bytes)):
+        raise Invalid("catalogs is one text; it is a sequence of them")
+    if not 0 <= options.memory_limit <= _MOST:
+        raise Invalid(f"memory_limit is {options.memory_limit}; it is a number of bytes, or 0 for no limit")
+    for document in options.open_documents:
+        if not isinstance(document.id, int) or not isinstance(document.flag, int):
+            raise Invalid(f"the id and the flag of {document!r} are to be numbers")
 
 
 class Call:
     """Keeps alive what the library points to, and what a callback has raised."""
 
     def __init__(self, options: Options, flags: int) -> None:
+        _look_at(options)
         self._options = options
         self._raised: Optional[BaseException] = None
-        self._cancel = options.cancel or CancelFlag()
+        self._cancel = ctypes.c_int32(0)
         self._paths = [encoded(document.path) for document in options.open_documents]
         made = _library.Options()
         made.size = ctypes.sizeof(made)
@@ -32,9 +72,9 @@ class Call:
         self._catalogs = (ctypes.c_char_p * len(names))(*names)
         made.catalogs = ctypes.cast(self._catalogs, ctypes.POINTER(ctypes.c_char_p))
         made.catalog_count = len(names)
-        made.cancel = ctypes.pointer(self._cancel.value)
+        made.cancel = ctypes.pointer(self._cancel)
         made.memory_limit = options.memory_limit
-        made.time_limit = round(options.time_limit * 1000)
+        made.time_limit = _milliseconds(options.time_limit)
         if options.on_finding:
             made.on_finding = _library.FINDING_FUNCTION(self._tell_finding)
         if options.on_progress:
@@ -44,6 +84,15 @@ class Call:
         if options.open_documents:
             made.open_document = _library.DOCUMENT_FUNCTION(self._open_document)
         self.options = made
+
+    def __enter__(self) -> Call:
+        if self._options.cancel:
+            self._options.cancel.add(self._cancel)
+        return self
+
+    def __exit__(self, *_: object) -> None:
+        if self._options.cancel:
+            self._options.cancel.remove(self._cancel)
 
     def reraise(self) -> None:
         """Raises what a callback has raised."""
@@ -57,7 +106,7 @@ class Call:
             return work()
         except BaseException as raised:  # pylint: disable=broad-exception-caught
             self._raised = raised
-            self._cancel.set()
+            self._cancel.value = 1
             return 0
 
     def _tell_finding(self, _user: Any, finding: Any) -> None:

@@ -4,11 +4,10 @@ from __future__ import annotations
 
 import ctypes
 import json
-import os
 from typing import Any, Mapping, Optional, Union
 
 from . import _library
-from ._callbacks import Call
+from ._callbacks import Call, encoded, text_of
 from ._types import (Dependency, Finding, Invalid, Options, PathLike, PublishError, Result, Value,
                      error_of)
 
@@ -28,13 +27,13 @@ def request_for(map: PathLike, output: PathLike, *, filter: Optional[PathLike] =
     """The request for a publication: request.schema.json."""
     if format not in _TYPES:
         raise Invalid(f"format is {format!r}; it is one of {', '.join(_TYPES)}")
-    params: dict[str, Any] = {"ditamap": os.fspath(map)}
+    params: dict[str, Any] = {"ditamap": text_of(map)}
     if format == "flatbook":
-        params["outputDir"] = os.fspath(output)
+        params["outputDir"] = text_of(output)
         params["generateQSComponentsAtOneLoc"] = one_location
     else:
-        params["output"] = os.fspath(output)
-    params.update(ditaVal="" if filter is None else os.fspath(filter), keyspaceDocDtd=key_space_dtd,
+        params["output"] = text_of(output)
+    params.update(ditaVal="" if filter is None else text_of(filter), keyspaceDocDtd=key_space_dtd,
                   compositeDocDtd=composite_dtd, usePrint=for_print)
     return {"type": _TYPES[format], "params": params}
 
@@ -44,10 +43,11 @@ def run(request: Union[str, Mapping[str, Any]], options: Options = Options(), *,
     """Serves a request. Its result may be that of a run that failed: ``is_published``."""
     library = _library.load()
     text = request if isinstance(request, str) else json.dumps(request)
-    call = Call(options, flags)
+    sent = encoded(text)
     made = ctypes.c_void_p()
     function = library.mp_spawn if options.child else library.mp_run
-    code = function(text.encode("utf-8"), ctypes.byref(call.options), ctypes.byref(made))
+    with Call(options, flags) as call:
+        code = function(sent, ctypes.byref(call.options), ctypes.byref(made))
     try:
         call.reraise()
         if code != _library.OK:

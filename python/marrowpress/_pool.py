@@ -21,7 +21,7 @@ class Pool:
             for future in futures:
                 print(future.result().outputs)
 
-    A crash, or a limit of memory or time, is the exception of that one future.
+    A crash, a limit of memory or time, or what a callback raises is the exception of that one future.
     """
 
     def __init__(self, size: int, options: Options = Options()) -> None:

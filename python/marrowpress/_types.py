@@ -107,14 +107,33 @@ class OpenDocument:
 
 
 class CancelFlag:
-    """Ends the run that it was given to, at its next document, once it is set."""
+    """Ends the runs that it was given to, each at its next document, once it is set."""
 
     def __init__(self) -> None:
-        self.value = ctypes.c_int32(0)
+        self._is_set = False
+        # One for each call, so that a callback that raises ends its own alone.
+        self._of_calls: list[ctypes.c_int32] = []
+
+    @property
+    def is_set(self) -> bool:
+        """Whether somebody has set it; what a run came to does not."""
+        return self._is_set
 
     def set(self) -> None:
-        """May be called from any thread."""
-        self.value.value = 1
+        """May be called from any thread, and from a signal handler."""
+        self._is_set = True
+        for flag in tuple(self._of_calls):
+            flag.value = 1
+
+    def add(self, flag: ctypes.c_int32) -> None:
+        """Sets ``flag`` with itself, until it is removed."""
+        self._of_calls.append(flag)
+        if self._is_set:
+            flag.value = 1
+
+    def remove(self, flag: ctypes.c_int32) -> None:
+        """The call is over."""
+        self._of_calls.remove(flag)
 
 
 @dataclass(frozen=True)
@@ -211,6 +230,9 @@ class PublishError(Error):
     def __init__(self, result: Result) -> None:
         super().__init__(result.error)
         self.result = result
+
+    def __reduce__(self) -> tuple[type, tuple[Result]]:
+        return type(self), (self.result,)
 
 
 _BY_CODE = {kind.code: kind for kind in (Invalid, Busy, Forked, Cancelled, NoMemory, Unavailable,

@@ -41,9 +41,9 @@ std::string LibraryTest::topic(const std::string& title) {
            "</title></topic>";
 }
 
-std::string LibraryTest::composite() const {
+std::string LibraryTest::composite(const std::string& output) const {
     return requestOf("PublishComp",
-                     {{"ditamap", folder.file("m.ditamap")}, {"output", folder.file("out.dita")}});
+                     {{"ditamap", folder.file("m.ditamap")}, {"output", folder.file(output)}});
 }
 
 std::string LibraryTest::flatBook() const {

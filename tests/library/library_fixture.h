@@ -34,7 +34,8 @@ protected:
     /// A document whose elements have the class values of its DTD, which it does not name.
     static std::string topic(const std::string& title);
 
-    std::string composite() const;
+    /// @param output  A file's name in the folder.
+    std::string composite(const std::string& output = "out.dita") const;
     std::string flatBook() const;
 
     /// Calls `function`, whose code is that of the result.

@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """The package for Python: that it publishes, and what becomes of what goes wrong."""
 
+import copy
 import os
+import pickle
 import resource
 import signal
 import subprocess
@@ -144,6 +146,51 @@ class PackageTest(unittest.TestCase):
         is_over.set()
         counter.join()
         self.assertGreater(len(counted), 10)
+
+    def test_what_a_callback_raises_ends_its_own_call_alone(self):
+        flag = marrowpress.CancelFlag()
+        raising = Options(language="en", cancel=flag, on_progress=lambda _line: 1 // 0)
+        with self.assertRaises(ZeroDivisionError):
+            self.publish(options=raising)
+        self.assertFalse(flag.is_set)
+        self.assertTrue(self.publish(options=Options(cancel=flag)).is_published)
+        lines = []
+
+        def raise_once(_line):
+            lines.append(_line)
+            if len(lines) == 1:
+                raise ValueError("once")
+        with marrowpress.Pool(1, Options(on_progress=raise_once)) as pool:
+            first, second = (pool.publish(self.map, self.output) for _ in range(2))
+        self.assertIsInstance(first.exception(), ValueError)
+        self.assertTrue(second.result().is_published)
+
+    def test_errors_go_from_one_process_to_another(self):
+        with self.assertRaises(marrowpress.PublishError) as raised:
+            marrowpress.publish(self.folder / "none.ditamap", self.output, options=ENGLISH)
+        for error in (pickle.loads(pickle.dumps(raised.exception)), copy.copy(raised.exception)):
+            self.assertEqual(str(error), str(raised.exception))
+            self.assertEqual(error.result, raised.exception.result)
+        crashed = pickle.loads(pickle.dumps(marrowpress.Crashed("it crashed", 11)))
+        self.assertEqual((str(crashed), crashed.signal), ("it crashed", 11))
+
+    def test_what_no_option_can_be_is_invalid(self):
+        for wrong in ({"language": "fr"}, {"catalogs": "/c.xml"}, {"catalogs": ["/c\0.xml"]},
+                      {"catalogs": ["/\udcff.xml"]}, {"catalogs": [b"/c.xml"]}, {"memory_limit": -1},
+                      {"time_limit": -1}, {"time_limit": float("inf")}, {"time_limit": float("nan")},
+                      {"open_documents": [marrowpress.OpenDocument("a", "x")]}):
+            with self.subTest(wrong=wrong), self.assertRaises(marrowpress.Invalid):
+                self.publish(options=Options(**wrong))
+        for request in ("{}\0{", "\udcff"):
+            with self.subTest(request=request), self.assertRaises(marrowpress.Invalid):
+                marrowpress.run(request)
+        with self.assertRaises(marrowpress.Invalid):
+            marrowpress.publish(str(self.map).encode(), self.output)
+
+    def test_a_limit_of_time_may_be_as_long_or_as_short_as_one_likes(self):
+        self.assertTrue(self.publish(options=Options(child=True, time_limit=1e300)).is_published)
+        with self.assertRaises(marrowpress.TimedOut):
+            self.publish(options=Options(child=True, time_limit=1e-9))
 
     def test_a_flag_cancels(self):
         flag = marrowpress.CancelFlag()

@@ -95,6 +95,32 @@ TEST_F(SpawnTest, OneThatTakesTooLongIsEnded) {
     EXPECT_TRUE(children().empty());
 }
 
+TEST_F(SpawnTest, ALimitOfTimeMayBeAnyNumber) {
+    for (const std::uint64_t limit : {std::uint64_t{INT64_MAX}, UINT64_MAX}) {
+        options.time_limit = limit;
+        EXPECT_EQ(mp_result_status(spawn(composite()).get()), 0) << limit;
+    }
+}
+
+TEST_F(SpawnTest, WhateverDoesNotFitIntoTheLimitOfMemoryIsNoMemory) {
+    if (kIsSanitized) {
+        GTEST_SKIP() << "takes more than any limit";
+    }
+    bool isAnyShort = false;
+    for (std::uint64_t megabytes = 8; megabytes <= 256; megabytes += 8) {
+        options.memory_limit = megabytes << 20;
+        const ResultPtr result = spawn(composite());
+        const int code = mp_result_code(result.get());
+        // A child that cannot even begin ends by itself, or by what the loader does then.
+        isAnyShort |= code == MP_NO_MEMORY;
+        EXPECT_TRUE(code == MP_NO_MEMORY || code == MP_CRASHED ||
+                    mp_result_status(result.get()) == 0)
+            << megabytes << " MB: " << code << ", " << mp_result_error(result.get());
+    }
+    EXPECT_TRUE(isAnyShort);
+    EXPECT_EQ(mp_result_status(spawn(composite()).get()), 0) << "256 MB are enough";
+}
+
 TEST_F(SpawnTest, OneThatDoesNotEndByItselfIsKilled) {
     options.time_limit = 100;
     atDtd([] {

@@ -1,12 +1,16 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <functional>
 #include <future>
 
 #include "tests/library/library_fixture.h"
 
 namespace marrowpress {
 namespace {
+
+namespace fs = std::filesystem;
 
 class TurnTest : public LibraryTest {
 protected:
@@ -57,6 +61,42 @@ TEST_F(TurnTest, AChildOfACallerMayRunBesideAndFromACallback) {
     });
     run(composite());
     EXPECT_EQ(codes, std::vector<int>{MP_OK});
+}
+
+TEST_F(TurnTest, AChildIntoTheFolderOfTheRunThatCallsBackIsBusyInsteadOfWaitingForEver) {
+    const auto spawnInto = [this](const std::string& output) {
+        mp_result* made = nullptr;
+        const int code = mp_spawn(composite(output).c_str(), nullptr, &made);
+        mp_result_free(made);
+        return code;
+    };
+    fs::create_directory(folder.path() / "other");
+    for (const LibraryFunction function : {mp_run, mp_spawn}) {
+        std::vector<int> codes;
+        onProgress([&](const char*) {
+            if (codes.empty()) {
+                codes = {spawnInto("beside.dita"), spawnInto("other/../beside.dita"),
+                         spawnInto("other/beside.dita")};
+            }
+        });
+        mp_result* made = nullptr;
+        EXPECT_EQ(function(composite().c_str(), &options, &made), MP_OK);
+        mp_result_free(made);
+        EXPECT_EQ(codes, (std::vector<int>{MP_BUSY, MP_BUSY, MP_OK}));
+    }
+    EXPECT_EQ(spawnInto("beside.dita"), MP_OK) << "nobody calls back any more";
+}
+
+TEST_F(TurnTest, ACallWhileDocumentsAreAskedForIsBusy) {
+    std::vector<int> codes;
+    std::function<void()> ask = [&] { codes.push_back(codeBeside(mp_run, MP_WAIT)); };
+    options.document_user = &ask;
+    options.open_document = [](void* user, std::size_t, mp_document*) {
+        (*static_cast<std::function<void()>*>(user))();
+        return 0;
+    };
+    EXPECT_EQ(mp_result_status(run(composite()).get()), 0);
+    EXPECT_EQ(codes, std::vector<int>{MP_BUSY});
 }
 
 TEST_F(TurnTest, AForkedProcessHasToSpawn) {
