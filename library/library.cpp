@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "library/calling_back.h"
 #include "library/child_run.h"
 #include "library/failure.h"
 #include "library/order.h"

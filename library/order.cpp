@@ -8,8 +8,8 @@
 #include <unordered_set>
 
 #include "host/utf8.h"
+#include "library/calling_back.h"
 #include "library/failure.h"
-#include "library/run_turn.h"
 
 namespace marrowpress {
 namespace {

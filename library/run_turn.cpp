@@ -2,22 +2,18 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <system_error>
 #include <thread>
-#include <utility>
-#include <vector>
 
+#include "library/calling_back.h"
 #include "library/failure.h"
 
 namespace marrowpress {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
 /// How often a call that waits looks whether it is cancelled.
@@ -42,45 +38,13 @@ std::atomic<bool> isForked = false;
 [[maybe_unused]] const int kWatchesForks =
     pthread_atfork(nullptr, nullptr, [] { isForked = true; });
 
-thread_local unsigned askingDepth = 0;
-/// Those of the calls that this thread is in, from the outermost.
-thread_local std::vector<fs::path> foldersOfCalls;
-
-bool isSameFolder(const fs::path& left, const fs::path& right) {
-    std::error_code ignored;
-    return left == right || fs::equivalent(left, right, ignored);
-}
-
 }  // namespace
-
-Asking::Asking() noexcept {
-    ++askingDepth;
-}
-
-Asking::~Asking() {
-    --askingDepth;
-}
-
-FolderTurn::FolderTurn(fs::path folder) {
-    const bool isTaken =
-        !folder.empty() &&
-        std::any_of(foldersOfCalls.begin(), foldersOfCalls.end(),
-                    [&folder](const fs::path& other) { return isSameFolder(folder, other); });
-    if (isTaken) {
-        throw LibraryFailure(MP_BUSY, "the run that is calling back writes into the same folder");
-    }
-    foldersOfCalls.push_back(std::move(folder));
-}
-
-FolderTurn::~FolderTurn() {
-    foldersOfCalls.pop_back();
-}
 
 RunTurn::RunTurn(const Order& order) {
     if (isForked) {
         throw LibraryFailure(MP_FORKED, mp_code_text(MP_FORKED));
     }
-    if (askingDepth > 0) {
+    if (Asking::isGoingOn()) {
         throw LibraryFailure(MP_BUSY, mp_code_text(MP_BUSY));
     }
     TurnState& state = turnState();
