@@ -94,8 +94,7 @@ std::vector<std::string> Repetition::reportFiles() const {
 bool Repetition::areReportsThere(const RunResult& result) const {
     const std::vector<std::string> files = reportFiles();
     return std::all_of(files.begin(), files.end(), [&result](const std::string& file) {
-        const auto known = result.run.reports.find(file);
-        return known != result.run.reports.end() && quickDigestOf(file) == known->second;
+        return isReportThere(file, result.run);
     });
 }
 
@@ -195,7 +194,7 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
         }
         result->run.tries = runs;
         for (const std::string& file : reportFiles()) {
-            result->run.reports[file] = quickDigestOf(file).value_or(std::string());
+            rememberReport(file, result->run);
         }
         // A result that nobody asked for is for the next time only.
         if (!keep(*result) && options_.result) {

@@ -64,6 +64,17 @@ bool FileComparison::isUnchanged(const RunResult& result, std::size_t index) {
     return known ? isSame(path, *known, /*isStampEnough=*/true) : !stampAt(path).has_value();
 }
 
+void rememberReport(const std::string& file, ResultRun& run) {
+    if (std::optional<std::string> digest = quickDigestOf(file)) {
+        run.reports[file] = *std::move(digest);
+    }
+}
+
+bool isReportThere(const std::string& file, const ResultRun& run) {
+    const auto known = run.reports.find(file);
+    return known != run.reports.end() && quickDigestOf(file) == known->second;
+}
+
 bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp) {
     return (stamp.changed >= run.begin && stamp.changed <= run.end) ||
            (stamp.modified >= run.begin && stamp.modified <= run.end);

@@ -38,6 +38,14 @@ private:
     std::unordered_map<std::string, std::optional<std::string>> digests_;
 };
 
+/// Remembers what the run has written besides its outputs: depfiles, reports.
+///
+/// @param file  Absolute.
+void rememberReport(const std::string& file, ResultRun& run);
+
+/// Whether the file is as that very run has written it.
+bool isReportThere(const std::string& file, const ResultRun& run);
+
 /// Whether the file was changed between the run's begin and end. A time still to come is the trace
 /// of a clock that was set back, and says nothing.
 bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp);

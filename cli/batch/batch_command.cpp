@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <boost/algorithm/string/join.hpp>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <numeric>
@@ -20,6 +21,7 @@
 #include "cli/batch/job_conflicts.h"
 #include "cli/batch/job_results.h"
 #include "cli/batch/job_source.h"
+#include "cli/batch/known_conflicts.h"
 #include "cli/batch/plan_texts.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
@@ -70,7 +72,7 @@ private:
     std::vector<std::unique_ptr<OutputFolder>> openFolders() const;
     BatchSetting setting() const;
     std::map<std::string, double> earlierTimes() const;
-    std::vector<JobConflict> conflictsOfResults() const;
+    std::vector<JobConflict> conflictsOfResults(const std::vector<std::size_t>& indexes) const;
     int settleConflicts(BatchRun& run);
     void failConflicts();
     void failFor(const std::string& id, const std::string& other, const std::string& path);
@@ -195,22 +197,16 @@ void Batch::findConflicts() {
     if (plan_.isCheck) {
         return;
     }
-    JobConflicts conflicts;
-    std::map<std::string, std::size_t> indexOf;
-    // What is left of the plan others run, perhaps just now.
     const BatchAction action = options_.action;
-    for (const std::size_t index : action == BatchAction::kRun ? allJobs() : indexes_) {
+    const bool isOnlyPlanned = action == BatchAction::kPlan || action == BatchAction::kEmit;
+    // What is left of the plan others run, perhaps just now.
+    const std::vector<std::size_t> jobs = action == BatchAction::kRun ? allJobs() : indexes_;
+    const std::vector<JobConflict> found = findKnownConflicts(
+        plan_, jobs, isOnlyPlanned ? std::vector<std::size_t>() : indexes_, results_);
+    std::map<std::string, std::size_t> indexOf;
+    for (const std::size_t index : jobs) {
         indexOf[plan_.jobs[index].id] = index;
-        conflicts.add(plan_.jobs[index]);
     }
-    if (action != BatchAction::kPlan && action != BatchAction::kEmit) {
-        for (const std::size_t index : indexes_) {
-            if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
-                conflicts.add(*result);
-            }
-        }
-    }
-    const std::vector<JobConflict> found = conflicts.find();
     for (const JobConflict& conflict : found) {
         if (!conflict.isRead || !options_.serializes) {
             throw BatchFault(conflictText(conflict));
@@ -307,9 +303,9 @@ ExitCode Batch::runJobs() {
     return writeResult(streams_, view.tableText(outcomes)) ? code : ExitCode::kRunFailed;
 }
 
-std::vector<JobConflict> Batch::conflictsOfResults() const {
+std::vector<JobConflict> Batch::conflictsOfResults(const std::vector<std::size_t>& indexes) const {
     JobConflicts conflicts;
-    for (const std::size_t index : indexes_) {
+    for (const std::size_t index : indexes) {
         if (const std::optional<RunResult> result = results_.find(plan_.jobs[index].id)) {
             conflicts.add(*result);
         }
@@ -322,7 +318,10 @@ std::vector<JobConflict> Batch::conflictsOfResults() const {
 ///
 /// @return  As `BatchRun::run`.
 int Batch::settleConflicts(BatchRun& run) {
-    const std::vector<JobConflict> found = conflictsOfResults();
+    std::vector<std::size_t> done;
+    std::copy_if(indexes_.begin(), indexes_.end(), std::back_inserter(done),
+                 [&run](std::size_t index) { return run.outcomes()[index].isDone(); });
+    const std::vector<JobConflict> found = conflictsOfResults(done);
     const std::optional<std::vector<std::string>> order = JobConflicts::orderOf(found);
     for (const JobConflict& conflict : found) {
         if (!conflict.isRead || !options_.serializes || !order) {
@@ -382,7 +381,7 @@ std::vector<JobOutcome> Batch::knownOutcomes() const {
 /// Jobs that got into each other's way have failed, as in a local batch, which would have seen it.
 /// Their files stay: an engine that looks at times would take a new one for a run.
 void Batch::failConflicts() {
-    const std::vector<JobConflict> found = conflictsOfResults();
+    const std::vector<JobConflict> found = conflictsOfResults(indexes_);
     const bool isOrdered = options_.serializes && JobConflicts::orderOf(found);
     for (const JobConflict& conflict : found) {
         if (!conflict.isRead || !isOrdered) {

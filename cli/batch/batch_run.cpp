@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <csignal>
 #include <exception>
+#include <filesystem>
 #include <set>
+#include <system_error>
 #include <utility>
 
 #include "cli/batch/job_results.h"
@@ -151,10 +153,21 @@ BatchRun::Left BatchRun::leftOf(std::size_t index) {
             earlier ? findBookFolders(*earlier, wantedRunOf(plan_, job), files_) : std::nullopt};
 }
 
+/// Whether the job's page is that of the run, where pages are wanted. A run that came to no end may
+/// have written none.
+bool BatchRun::isPageThere(const RunResult& result) const {
+    const std::string page = pageOf(setting_, result.id);
+    std::error_code ignored;
+    return page.empty() || isReportThere(page, result.run) ||
+           (result.state == ResultState::kFailed && !result.run.reports.contains(page) &&
+            !std::filesystem::exists(page, ignored));
+}
+
 void BatchRun::skipUpToDate(const std::vector<std::size_t>& indexes) {
     for (const std::size_t index : indexes) {
         const std::optional<RunResult> result = results_.find(plan_.jobs[index].id);
         if (!result || (setting_.retriesFailed && result->state == ResultState::kFailed) ||
+            !isPageThere(*result) ||
             !files_.isUpToDate(*result, wantedRunOf(plan_, plan_.jobs[index]))) {
             continue;
         }
@@ -317,6 +330,9 @@ void BatchRun::conclude(std::size_t index, RunResult result, const JobEnd& end) 
     result.run.seconds = end.seconds;
     result.run.cpuSeconds = end.cpuSeconds;
     result.run.memory = end.memory;
+    if (setting_.pageFolder) {
+        rememberReport(pageOf(setting_, result.id), result.run);
+    }
     JobOutcome outcome = outcomeOf(result);
     outcome.state = JobOutcome::State::kEnded;
     try {

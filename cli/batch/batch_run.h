@@ -79,6 +79,7 @@ private:
         std::optional<BookFolders> folders = std::nullopt;  ///< Without them nothing else may run.
     };
 
+    bool isPageThere(const RunResult& result) const;
     void skipUpToDate(const std::vector<std::size_t>& indexes);
     void runTogether(std::vector<std::size_t> indexes);
     Left leftOf(std::size_t index);

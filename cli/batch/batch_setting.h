@@ -18,7 +18,7 @@ struct BatchSetting {
     bool retriesFailed = false;                   ///< As above, but failed jobs run again.
     /// Jobs of the plan that read what others write, in an order in which they can run.
     std::vector<std::size_t> late;
-    std::optional<std::string> pageFolder;  ///< For a page of each job.
+    std::optional<std::string> pageFolder;  ///< For a page of each job; absolute.
     std::optional<std::string> depfile;     ///< Gets the rule of the only job's result.
 };
 

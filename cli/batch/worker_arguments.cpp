@@ -40,10 +40,15 @@ std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& s
     }
     if (setting.pageFolder) {
         arguments.emplace_back("--report");
-        arguments.push_back(
-            (std::filesystem::path(*setting.pageFolder) / (job.id + ".html")).string());
+        arguments.push_back(pageOf(setting, job.id));
     }
     return arguments;
+}
+
+std::string pageOf(const BatchSetting& setting, const std::string& id) {
+    return setting.pageFolder
+               ? (std::filesystem::path(*setting.pageFolder) / (id + ".html")).string()
+               : std::string();
 }
 
 }  // namespace marrowpress

@@ -12,6 +12,9 @@ namespace marrowpress {
 std::vector<std::string> workerArguments(const Plan& plan, const BatchSetting& setting,
                                          const Job& job, bool isInPlace);
 
+/// The file of the job's page; empty when none is wanted.
+std::string pageOf(const BatchSetting& setting, const std::string& id);
+
 /// What decides on the results of a plan's jobs, besides them, as arguments.
 std::vector<std::string> planArguments(const Plan& plan);
 

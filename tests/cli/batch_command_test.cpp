@@ -315,6 +315,8 @@ TEST_F(BatchTest, AnOutputThatAnotherJobReadsIsRefusedWhenAResultTellsAndFailsBo
     const CommandResult second = batch({"-j", "1"});
     EXPECT_EQ(second.code, 2);
     EXPECT_NE(second.err.find("`two` reads what `one` writes"), std::string::npos) << second.err;
+    folder_.write("docs/two.ditamap", mapOf("two"));
+    EXPECT_EQ(batch().code, 0) << "what was mended is tried";
 }
 
 TEST_F(BatchTest, AMissingFolderIsMadeAndStaysForThoseThatWriteThere) {
@@ -495,6 +497,21 @@ TEST_F(BatchTest, PagesOfTheJobsHaveAnIndex) {
     EXPECT_NE(folder_.read("pages/index.html").find(R"(<a href="./two.html">two</a>)"),
               std::string::npos);
     EXPECT_EQ(folder_.read("pages/one.html").find(".marrowpress-"), std::string::npos);
+}
+
+TEST_F(BatchTest, ResumeRunsAJobWhosePageIsMissingOrOfAnEarlierRun) {
+    writeTwoJobs();
+    const auto pages = [this](const Texts& more) { return batch(more).err; };
+    const Texts wanted{"--resume", "--report", "pages"};
+    ASSERT_EQ(batch().code, 0);
+    EXPECT_EQ(pages(wanted).find("up to date"), std::string::npos);
+    EXPECT_TRUE(folder_.exists("pages/one.html"));
+    EXPECT_NE(pages(wanted).find("two: clean, up to date"), std::string::npos);
+    writeTopic("one", "another text");
+    ASSERT_EQ(batch({"--resume"}).code, 0);
+    const std::string told = pages(wanted);
+    EXPECT_EQ(told.find("one: clean, up to date"), std::string::npos) << told;
+    EXPECT_NE(told.find("two: clean, up to date"), std::string::npos) << told;
 }
 
 TEST_F(BatchTest, NoReportTakesThePlaceOfAnotherFile) {
