@@ -1,15 +1,30 @@
 /* Publishes a map several times in one process: many_runs COUNT MAP OUTPUT, paths without quotes and
-   backslashes. For each run, a line: its CPU seconds, and the most memory of the process until then in
-   kilobytes. */
+   backslashes. For each run, a line: its CPU seconds, the most memory of the process until then, and
+   what it holds before the run, both in kilobytes. */
 
 #include <marrowpress/marrowpress.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 static double cpu_seconds(const struct rusage *used) {
     return (double)(used->ru_utime.tv_sec + used->ru_stime.tv_sec) +
            (double)(used->ru_utime.tv_usec + used->ru_stime.tv_usec) * 1e-6;
+}
+
+/* 0 when nobody knows. */
+static long resident_kilobytes(void) {
+    long total = 0;
+    long resident = 0;
+    FILE *statistics = fopen("/proc/self/statm", "r");
+    if (!statistics || fscanf(statistics, "%ld %ld", &total, &resident) != 2) {
+        resident = 0;
+    }
+    if (statistics) {
+        fclose(statistics);
+    }
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
 }
 
 int main(int argc, char **argv) {
@@ -24,6 +39,7 @@ int main(int argc, char **argv) {
     }
     double earlier = 0;
     for (int left = atoi(argv[1]); left > 0; --left) {
+        const long held = resident_kilobytes();
         mp_result *result = NULL;
         const int code = mp_run(request, NULL, &result);
         const int status = mp_result_status(result);
@@ -33,7 +49,7 @@ int main(int argc, char **argv) {
         if (code != MP_OK || status != 0) {
             return 1;
         }
-        printf("%f %ld\n", cpu_seconds(&used) - earlier, used.ru_maxrss);
+        printf("%f %ld %ld\n", cpu_seconds(&used) - earlier, used.ru_maxrss, held);
         earlier = cpu_seconds(&used);
     }
     return 0;
