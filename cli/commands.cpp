@@ -122,11 +122,14 @@ std::optional<std::string> findContradiction(const RunOptions& options) {
 }
 
 /// What decides on a publication, for all commands that make one.
-void addPublication(CommandArguments& arguments, PublishOptions& target) {
+///
+/// @param elsewhere  What takes a composite besides a file.
+void addPublication(CommandArguments& arguments, PublishOptions& target,
+                    const std::string& elsewhere = {}) {
     const std::string description =
-        std::string(
-            "composite: the file to write, or - for standard output. Replaces a "
-            "composite of an earlier run, and what stands beside it as OUT")
+        std::string("composite: the file to write")
+            .append(elsewhere)
+            .append(". Replaces a composite of an earlier run, and what stands beside it as OUT")
             .append(kAsideSuffix)
             .append(" and ")
             .append(kKeySpaceDocName)
@@ -178,7 +181,7 @@ public:
                              "the written files to standard output.")) {
         addMap(arguments(), options_);
         addFormat(arguments(), options_).required();
-        addPublication(arguments(), options_);
+        addPublication(arguments(), options_, ", or - for standard output");
         addRepetition(arguments(), options_);
         addDiagnostics(arguments(), options_.diagnostics);
         addMeasures(arguments(), options_.diagnostics);

@@ -35,7 +35,7 @@ extern "C" {
 enum {
     MP_OK = 0,          /* There is an answer: mp_result_status says which. */
     MP_INVALID = 1,     /* An argument is null, of an unknown size, no UTF-8, or unknown. */
-    MP_BUSY = 2,        /* A request is being served in this process, or calls back. */
+    MP_BUSY = 2,        /* A request is being served in this process, or calls this. */
     MP_FORKED = 3,      /* The process was forked since it loaded the library. Use mp_spawn. */
     MP_CANCELLED = 4,   /* The cancel flag was set. */
     MP_NO_MEMORY = 5,   /* There is not enough memory, or memory_limit allows no more. */

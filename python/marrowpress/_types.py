@@ -175,7 +175,7 @@ class Invalid(Error):
 
 
 class Busy(Error):
-    """A request is being served in this process, and this one was not to wait."""
+    """A request is being served in this process, and this one was not to wait, or is called by it."""
 
     code = 2
 
