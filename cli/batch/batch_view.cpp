@@ -58,16 +58,26 @@ std::string memoryText(std::uint64_t bytes) {
     return std::to_string((bytes + kMegabyte / 2) / kMegabyte) + " MB";
 }
 
-/// In the order of the jobs; none when one is missing.
+/// In the order of the jobs. One that is not known is taken for as long as the others; without any
+/// there are none.
 std::vector<double> timesOf(const Plan& plan, const std::vector<std::size_t>& indexes,
                             const std::map<std::string, double>& known) {
+    double sum = 0;
+    std::size_t count = 0;
+    for (const std::size_t index : indexes) {
+        const auto time = known.find(plan.jobs[index].id);
+        if (time != known.end()) {
+            sum += time->second;
+            ++count;
+        }
+    }
+    if (count == 0) {
+        return {};
+    }
     std::vector<double> times;
     for (const std::size_t index : indexes) {
         const auto time = known.find(plan.jobs[index].id);
-        if (time == known.end()) {
-            return {};
-        }
-        times.push_back(time->second);
+        times.push_back(time == known.end() ? sum / static_cast<double>(count) : time->second);
     }
     return times;
 }
@@ -134,8 +144,12 @@ double BatchView::secondsLeft(const std::vector<JobOutcome>& outcomes) const {
     double known = 0;
     double done = 0;
     for (std::size_t at = 0; at < earlierTimes_.size(); ++at) {
-        known += earlierTimes_[at];
-        done += outcomes[indexes_[at]].isDone() ? earlierTimes_[at] : 0;
+        const JobOutcome& outcome = outcomes[indexes_[at]];
+        // What is up to date takes no time now.
+        if (outcome.state != State::kUpToDate) {
+            known += earlierTimes_[at];
+            done += outcome.isDone() ? earlierTimes_[at] : 0;
+        }
     }
     const double elapsed = std::chrono::duration<double>(Clock::now() - start_).count();
     return done > 0 ? elapsed * (known - done) / done : -1;

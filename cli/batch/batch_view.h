@@ -45,7 +45,7 @@ private:
     const Plan& plan_;
     const std::vector<std::size_t>& indexes_;
     const DiagnosticsOptions& options_;
-    std::vector<double> earlierTimes_;  ///< As `indexes_`; empty when some are not known.
+    std::vector<double> earlierTimes_;  ///< As `indexes_`; empty when none is known.
     const Streams& streams_;
     LiveLine live_;
     bool isLive_;

@@ -2,9 +2,6 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pty.h>
-#include <sys/ioctl.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,6 +13,8 @@
 #include <optional>
 #include <string>
 #include <thread>
+
+#include "tests/support/pseudo_terminal.h"
 
 namespace marrowpress {
 namespace {
@@ -31,17 +30,10 @@ protected:
             before_[name] = value ? std::optional<std::string>(value) : std::nullopt;
             unsetenv(name);
         }
-        termios settings{};
-        cfmakeraw(&settings);
-        winsize size{};
-        std::array<char, 100> name;
-        EXPECT_EQ(openpty(&screen_, &terminal_, name.data(), &settings, &size), 0);
-        out_.open(name.data());
+        out_.open(screen_.path());
         setWidth(20);
     }
     ~TerminalTest() override {
-        close(screen_);
-        close(terminal_);
         for (const auto& [name, value] : before_) {
             if (value) {
                 setenv(name.c_str(), value->c_str(), 1);
@@ -51,24 +43,10 @@ protected:
         }
     }
 
-    void setWidth(unsigned short columns) const {
-        winsize size{};
-        size.ws_col = columns;
-        size.ws_row = 24;
-        EXPECT_EQ(ioctl(terminal_, TIOCSWINSZ, &size), 0);
-    }
+    void setWidth(unsigned short columns) const { screen_.setWidth(columns); }
 
     /// What has come to the terminal since the last time.
-    std::string shown() const {
-        // The system takes its time; a mark behind all of it tells when all is there.
-        constexpr char kMark = '|';
-        EXPECT_EQ(write(terminal_, &kMark, 1), 1);
-        std::string text;
-        for (char byte = 0; read(screen_, &byte, 1) == 1 && byte != kMark;) {
-            text += byte;
-        }
-        return text;
-    }
+    std::string shown() const { return screen_.shown(); }
 
     /// The line that a text comes to.
     std::string lineOf(const std::string& text) {
@@ -82,8 +60,8 @@ protected:
         return drawn.substr(1, drawn.size() - 4);
     }
 
-    int screen_ = -1;
-    int terminal_ = -1;
+    PseudoTerminal screen_;
+    int terminal_ = screen_.descriptor();
     std::ofstream out_;
 
 private:
