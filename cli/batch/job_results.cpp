@@ -43,7 +43,7 @@ bool hasFailed(const JobEnd& end) {
 
 std::string endText(const JobEnd& end, std::chrono::seconds longest) {
     if (end.isOutOfTime) {
-        return translated("Der Auftrag hat länger gedauert als {0} Sekunden und wurde beendet",
+        return translated("Der Auftrag hat länger gedauert als {0} s und wurde beendet",
                           {std::to_string(longest.count())});
     }
     if (end.signal) {

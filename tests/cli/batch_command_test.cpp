@@ -442,7 +442,7 @@ TEST_F(BatchTest, AJobThatTakesTooLongIsEndedAndTheOthersGoOn) {
     const CommandResult ended = batch({"--timeout", "1"});
     close(held);
     EXPECT_EQ(ended.code, 1) << ended.err;
-    EXPECT_NE(ended.err.find("took longer than 1 seconds"), std::string::npos) << ended.err;
+    EXPECT_NE(ended.err.find("took longer than 1 s"), std::string::npos) << ended.err;
     EXPECT_EQ(result("book").at("state"), "failed");
     EXPECT_EQ(result("book").at("signal"), SIGTERM);
     EXPECT_EQ(result("book").at("exit"), 128 + SIGTERM);

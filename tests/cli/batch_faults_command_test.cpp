@@ -62,7 +62,7 @@ TEST_F(BatchFaultsTest, AJobThatHangsIsKilledWhenItsTimeIsOver) {
     ASSERT_EQ(kill(workerOf(running), SIGSTOP), 0);
     const CommandResult ended = running.wait();
     EXPECT_EQ(ended.code, 1);
-    EXPECT_NE(ended.err.find("took longer than 1 seconds"), std::string::npos) << ended.err;
+    EXPECT_NE(ended.err.find("took longer than 1 s"), std::string::npos) << ended.err;
     const json::object killed = result("long");
     EXPECT_EQ(killed.at("state"), "failed");
     EXPECT_EQ(killed.at("signal"), SIGKILL) << "it did not react to another one";

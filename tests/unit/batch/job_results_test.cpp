@@ -65,7 +65,7 @@ TEST_F(JobResultsTest, OneThatTookTooLongSaysSo) {
     end_.signal = 15;
     end_.exit = 143;
     end_.isOutOfTime = true;
-    EXPECT_EQ(result().findings[0].text, "The job took longer than 60 seconds and was ended");
+    EXPECT_EQ(result().findings[0].text, "The job took longer than 60 s and was ended");
 }
 
 TEST_F(JobResultsTest, OneThatWasNotStartedGivesItsSentence) {
