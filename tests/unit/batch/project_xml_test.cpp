@@ -1,7 +1,12 @@
 #include <gtest/gtest.h>
+#include <libxml/parser.h>
+#include <libxml/relaxng.h>
+
+#include <memory>
 
 #include "cli/batch/job_lines.h"
 #include "cli/batch/project_file.h"
+#include "host/libxml_handles.h"
 
 namespace marrowpress {
 namespace {
@@ -15,16 +20,47 @@ std::string xmlFault(const std::string& text) {
     return "none";
 }
 
-TEST(ProjectXmlTest, AllPartsAreReadWithTheirLines) {
-    const Project project = parseXmlProject(R"(<project xmlns="https://www.dita-ot.org/project">
+constexpr const char* kProject = R"(<project xmlns="https://www.dita-ot.org/project">
 <include href="common.xml"/>
 <context id="c"><input href="m.ditamap"/><profile><ditaval href="p.ditaval"/></profile></context>
 <publication id="p" transtype="html5"><param name="a" value="v"/>
   <param name="b" path="../x"/></publication>
 <deliverable id="d" name="D"><context idref="c"/><output href="out"/>
   <publication idref="p"/></deliverable>
-</project>)",
-                                            "p.xml");
+</project>)";
+
+struct FreeSchema {
+    void operator()(xmlRelaxNGParserCtxt* parser) const noexcept {
+        xmlRelaxNGFreeParserCtxt(parser);
+    }
+    void operator()(xmlRelaxNG* schema) const noexcept { xmlRelaxNGFree(schema); }
+    void operator()(xmlRelaxNGValidCtxt* validation) const noexcept {
+        xmlRelaxNGFreeValidCtxt(validation);
+    }
+};
+
+/// Whether the schema that is installed takes the text.
+bool isByTheSchema(const std::string& text) {
+    const std::unique_ptr<xmlRelaxNGParserCtxt, FreeSchema> parser(
+        xmlRelaxNGNewParserCtxt(MARROWPRESS_SCHEMAS "/project.rng"));
+    const std::unique_ptr<xmlRelaxNG, FreeSchema> schema(xmlRelaxNGParse(parser.get()));
+    EXPECT_NE(schema, nullptr);
+    const std::unique_ptr<xmlRelaxNGValidCtxt, FreeSchema> validation(
+        xmlRelaxNGNewValidCtxt(schema.get()));
+    xmlRelaxNGSetValidStructuredErrors(
+        validation.get(), [](void* /*context*/, xmlError* /*error*/) {}, nullptr);
+    const LibxmlDocument document(
+        xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr, 0));
+    EXPECT_NE(document, nullptr);
+    return xmlRelaxNGValidateDoc(validation.get(), document.get()) == 0;
+}
+
+std::string projectOf(const std::string& content) {
+    return "<project xmlns=\"https://www.dita-ot.org/project\">" + content + "</project>";
+}
+
+TEST(ProjectXmlTest, AllPartsAreReadWithTheirLines) {
+    const Project project = parseXmlProject(kProject, "p.xml");
     ASSERT_EQ(project.includes.size(), 1U);
     EXPECT_EQ(project.includes[0].text, "common.xml");
     EXPECT_EQ(project.includes[0].line, 2U);
@@ -43,6 +79,24 @@ TEST(ProjectXmlTest, AllPartsAreReadWithTheirLines) {
     EXPECT_EQ(project.deliverables[0].context->idref.text, "c");
     EXPECT_EQ(project.deliverables[0].publication->idref.line, 7U);
     EXPECT_EQ(project.deliverables[0].file, "p.xml");
+}
+
+TEST(ProjectXmlTest, TheSchemaTakesWhatIsReadAndWhatIsPassedOver) {
+    EXPECT_TRUE(isByTheSchema(kProject));
+    EXPECT_TRUE(isByTheSchema(projectOf("")));
+    EXPECT_TRUE(isByTheSchema(projectOf(
+        R"(text<publication id="p" odd="1"/><x xmlns="other"><context/></x><include href="a"/>)")));
+}
+
+TEST(ProjectXmlTest, TheSchemaRefusesWhatWouldNotBeFound) {
+    EXPECT_FALSE(isByTheSchema("<project/>")) << "it has no namespace";
+    for (const char* const content :
+         {"<include/>", "<deliverable><context/></deliverable>",
+          "<deliverable><publication/></deliverable>", "<context><input/></context>",
+          R"(<context><ditaval href="a"/></context>)", R"(<input href="a"/>)",
+          R"(<publication transtype="composite"><param value="a"/></publication>)"}) {
+        EXPECT_FALSE(isByTheSchema(projectOf(content))) << content;
+    }
 }
 
 TEST(ProjectXmlTest, WhatIsNoProjectSaysSo) {
