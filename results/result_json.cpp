@@ -210,12 +210,21 @@ std::optional<KnownFile> knownFileOf(const json::value& item) {
     return KnownFile{stamp, std::string(parts.back().get_string())};
 }
 
+double secondsIn(const json::object& object, std::string_view name) {
+    constexpr double kLongest = 1e9;  // 30 years; all milliseconds below are written exactly.
+    const auto seconds = numberIn<double>(object, name);
+    if (!(seconds >= 0 && seconds <= kLongest)) {
+        throwWrong(name, "no such number");
+    }
+    return seconds;
+}
+
 ResultRun runOf(const json::object& object) {
     ResultRun run;
     run.plan = textIn(object, "plan");
     run.started = textIn(object, "started");
-    run.seconds = numberIn<double>(object, "seconds");
-    run.cpuSeconds = numberIn<double>(object, "cpuSeconds");
+    run.seconds = secondsIn(object, "seconds");
+    run.cpuSeconds = secondsIn(object, "cpuSeconds");
     run.memory = numberIn<std::uint64_t>(object, "memory");
     run.tries = numberIn<unsigned>(object, "tries");
     run.isMemoryShort = memberOf(object, "memoryShort") == json::value(true);

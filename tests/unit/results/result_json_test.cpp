@@ -97,6 +97,11 @@ TEST(ResultJsonTest, AMemberOfAnotherKindIsNamed) {
         return std::string("none");
     };
     EXPECT_EQ(faultOf("\"exit\":137", "\"exit\":\"x\""), "\"exit\" is no such number");
+    for (const char* const seconds : {"-1", "1e38", "\"1\""}) {
+        EXPECT_EQ(faultOf("\"seconds\":1.250", std::string("\"seconds\":") + seconds),
+                  "\"seconds\" is no such number")
+            << seconds;
+    }
     EXPECT_EQ(faultOf("\"phase\":\"assembly\"", "\"phase\":1"), "\"phase\" is no string");
     EXPECT_EQ(faultOf("\"state\":\"failed\"", "\"state\":\"odd\""),
               "\"state\" is none of clean, findings and failed");
