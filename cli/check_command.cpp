@@ -69,6 +69,8 @@ private:
 };
 
 ExitCode Checking::run() {
+    // What is read from here on may be changed meanwhile.
+    startRecording();
     const FindingsReport report(options_.diagnostics, paths_.map.string(),
                                 fs::current_path().string());
     const std::vector<ProfileSet> profiles = readProfiles();
@@ -83,7 +85,6 @@ ExitCode Checking::run() {
     }
     RunDisplay display(options_.diagnostics, streams_.err);
     const std::unique_ptr<PublicationReport> page = makePage();
-    startRecording();
     RunTotal total;
     for (const ProfileSet& profile : profiles) {
         runInScratch(runWith(profile, page.get()), display, total);
@@ -91,6 +92,7 @@ ExitCode Checking::run() {
     FurtherWriting further{writingOf(page.get()), {}};
     if (recorder_) {
         recorder_->finishRun(total.status);
+        recording_->demandSameSources(*recorder_);
         further.result = [this](const std::vector<Finding>& all, const FindingSummary& summary) {
             recording_->take(recorder_->finish(all, summary, {}));
         };

@@ -72,7 +72,8 @@ ExitCode runKeys(const KeysOptions& options, const Streams& streams) {
                           list.finish();
                           return giveKeys(options, list, taker);
                       },
-                      wishOf(options)},
+                      wishOf(options),
+                      [&] { list = KeyList(); }},
                      streams);
 }
 

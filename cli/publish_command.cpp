@@ -132,6 +132,11 @@ private:
 };
 
 ExitCode Publishing::run() {
+    // What is read from here on may be changed meanwhile.
+    if (recording_) {
+        recorder_ = std::make_unique<ResultRecorder>(
+            recording_->id, identityOf("publish", options_, paths_), paths_);
+    }
     const ProfileSet profiles(filtersOf(options_, paths_), options_.allowsMissingFilter);
     const FindingsReport report(options_.diagnostics, paths_.map.string(),
                                 fs::current_path().string());
@@ -143,8 +148,6 @@ ExitCode Publishing::run() {
         if (const std::optional<ExitCode> known = recording_->answer(report)) {
             return measures_.finish(*known, "marrowpress publish", streams_);
         }
-        recorder_ = std::make_unique<ResultRecorder>(
-            recording_->id, identityOf("publish", options_, paths_), paths_);
     }
     if (recording_ && recording_->isMadeAside && !isFlatBook(options_)) {
         goAside();
@@ -265,6 +268,7 @@ void Publishing::noteOutcome(const RunOutcome& outcome) {
         return;
     }
     recorder_->finishRun(outcome.status);
+    recording_->demandSameSources(*recorder_);
     if (!aside_) {
         return;
     }

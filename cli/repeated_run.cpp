@@ -188,7 +188,12 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
                 return last ? std::optional(showAgain(std::move(*last), report)) : std::nullopt;
             };
         }
-        code = make(recording);
+        recording.isMadeAgain = runs < kMostRuns;
+        try {
+            code = make(recording);
+        } catch (const SourcesChanged&) {
+            continue;
+        }
         if (!result) {
             return code;
         }
@@ -197,12 +202,7 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
             rememberReport(file, result->run);
         }
         // A result that nobody asked for is for the next time only.
-        if (!keep(*result) && options_.result) {
-            return ExitCode::kRunFailed;
-        }
-        if (!wasChangedMeanwhile(*result)) {
-            return code;
-        }
+        return keep(*result) || !options_.result ? code : ExitCode::kRunFailed;
     }
     return code;
 }

@@ -14,6 +14,7 @@
 #include "findings/json_values.h"
 #include "findings/severity.h"
 #include "results/file_digest.h"
+#include "results/up_to_date.h"
 #include "runs/dependency_json.h"
 #include "runs/public_ids.h"
 
@@ -110,6 +111,12 @@ std::string versionsText() {
     return json::serialize(members);
 }
 
+void RunRecording::demandSameSources(const ResultRecorder& recorder) const {
+    if (isMadeAgain && recorder.areSourcesChanged()) {
+        throw SourcesChanged();
+    }
+}
+
 ResultRecorder::ResultRecorder(std::string id, RunIdentity identity, const PublishPaths& paths)
     : dependencies_(paths.map), filters_(paths.filters) {
     result_.id = std::move(id);
@@ -118,12 +125,43 @@ ResultRecorder::ResultRecorder(std::string id, RunIdentity identity, const Publi
     result_.versions = versionsText();
     result_.run.started = utcNow();
     result_.run.begin = earliestStampFromNow();
+    meet(paths.map.string());
+    for (const fs::path& filter : filters_) {
+        meet(filter.string());
+    }
+}
+
+void ResultRecorder::meet(const std::string& path) {
+    const auto [entry, isNew] = met_.try_emplace(path);
+    if (isNew) {
+        entry->second = stampOf(path);
+    }
+}
+
+bool ResultRecorder::isAnother(const std::string& path) const {
+    const auto met = met_.find(path);
+    return met != met_.end() && met->second != stampOf(path);
+}
+
+void ResultRecorder::addCatalog(const std::string& path) {
+    dependencies_.addCatalog(path);
+    meet(fs::path(path).lexically_normal().string());
 }
 
 void ResultRecorder::observe(const Observation& observation) {
     dependencies_.observe(observation);
-    if (observation.kind == ObservationKind::kPhase) {
-        phase_ = observation.target;
+    switch (observation.kind) {
+        case ObservationKind::kPhase:
+            phase_ = observation.target;
+            break;
+        case ObservationKind::kFileReference:
+        case ObservationKind::kEntity:
+        case ObservationKind::kDocumentRead:
+        case ObservationKind::kDocumentUnread:
+            meet(observation.target);
+            break;
+        default:
+            break;
     }
     result_.run.isMemoryShort |= observation.kind == ObservationKind::kRunFailed &&
                                  std::string_view(observation.reason) == kNotEnoughMemory;
@@ -133,6 +171,17 @@ void ResultRecorder::finishRun(std::optional<std::int32_t> status) {
     dependencies_.addProfiles(filters_);
     dependencies_.finish();
     result_.status = status;
+}
+
+bool ResultRecorder::areSourcesChanged() const {
+    ResultRun untilNow;
+    untilNow.begin = result_.run.begin;
+    untilNow.end = latestStampUntilNow();
+    const std::vector<Dependency>& files = dependencies_.files();
+    return std::any_of(files.begin(), files.end(), [&](const Dependency& file) {
+        const std::optional<FileStamp> stamp = stampOf(file.file);
+        return isAnother(file.file) || (stamp && wasTouchedDuring(untilNow, *stamp));
+    });
 }
 
 RunResult ResultRecorder::finish(const std::vector<Finding>& findings,
@@ -147,6 +196,9 @@ RunResult ResultRecorder::finish(const std::vector<Finding>& findings,
     for (const Dependency& file : dependencies_.files()) {
         result_.dependencies.push_back({file.file, nameOf(file.kind), nameOf(file.state), file.from,
                                         addFile(file.file, result_.run)});
+        if (isAnother(file.file)) {
+            result_.run.files.back() = unknownFile();
+        }
     }
     for (const std::string& path : outputs) {
         result_.outputs.push_back({path, addFile(path, result_.run)});

@@ -6,8 +6,10 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "cli/exit_code.h"
@@ -15,12 +17,20 @@
 #include "cli/publish_paths.h"
 #include "findings/finding.h"
 #include "marrowpress/observer.h"
+#include "results/file_stamp.h"
 #include "results/run_result.h"
 #include "runs/dependency_list.h"
 
 namespace marrowpress {
 
 class FindingsReport;
+class ResultRecorder;
+
+/// Sources were changed while a run read them, and it is to be made again. Nothing was told of it.
+class SourcesChanged : public std::runtime_error {
+public:
+    SourcesChanged() : std::runtime_error("sources were changed while they were read") {}
+};
 
 /// Who wants to know what a run came to, and how it is made.
 struct RunRecording {
@@ -37,6 +47,8 @@ struct RunRecording {
     ///
     /// @throws NeedsItsPlace out of the run when that makes a difference.
     bool isMadeAside = false;
+    /// There will be another try if this one's sources are changed meanwhile.
+    bool isMadeAgain = false;
 
     std::optional<ExitCode> answer(const FindingsReport& report) const {
         return findAnswer ? findAnswer(report) : std::nullopt;
@@ -47,6 +59,11 @@ struct RunRecording {
             onPhase(observation.target);
         }
     }
+
+    /// To be called between the run and all that is told of it.
+    ///
+    /// @throws SourcesChanged when it is to be made again.
+    void demandSameSources(const ResultRecorder& recorder) const;
 };
 
 /// The request and all else by which a result counts for a run: `options` as a JSON object. Two
@@ -73,11 +90,15 @@ public:
 
     /// Takes references too.
     void observe(const Observation& observation);
-    void addCatalog(const std::string& path) { dependencies_.addCatalog(path); }
+    void addCatalog(const std::string& path);
 
     /// The files that the run depends on, once `finishRun` was called.
     const DependencyList& dependencies() const noexcept { return dependencies_; }
     void finishRun(std::optional<std::int32_t> status);
+
+    /// Whether one of these files is not the one that the run has met, or was changed since it
+    /// began. What the run has made of it may be of neither state.
+    bool areSourcesChanged() const;
 
     /// @param outputs  Those that were written, absolute.
     RunResult finish(const std::vector<Finding>& findings, const FindingSummary& summary,
@@ -86,9 +107,15 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void meet(const std::string& path);
+    bool isAnother(const std::string& path) const;
+
     RunResult result_;
     DependencyList dependencies_;
     std::vector<std::filesystem::path> filters_;
+    /// How each file was found when the run looked for it first; empty for what was none. That
+    /// tells of a folder or a link that became another one, whose files have old times.
+    std::unordered_map<std::string, std::optional<FileStamp>> met_;
     std::string phase_;
     Clock::time_point start_ = Clock::now();
 };

@@ -52,6 +52,12 @@ ExitCode giveRecorded(const Survey& survey, const Streams& streams, RunResult& r
 ExitCode run(const Survey& survey, const Streams& streams, const RunRecording* recording) {
     const RunOptions& options = survey.options;
     const PublishPaths paths = resolvePublishPaths(options);
+    std::unique_ptr<ResultRecorder> recorder;
+    if (recording) {
+        recorder = std::make_unique<ResultRecorder>(
+            recording->id,
+            identityOf(survey.command, asPublication(options), paths, 0, survey.wish), paths);
+    }
     const ProfileSet profiles(filtersOf(options, paths), options.allowsMissingFilter);
     const FindingsReport report(options.diagnostics, paths.map.string(),
                                 std::filesystem::current_path().string());
@@ -59,14 +65,10 @@ ExitCode run(const Survey& survey, const Streams& streams, const RunRecording* r
         streams.err << usageErrorText(survey.command, *fault);
         return ExitCode::kWrongUsage;
     }
-    std::unique_ptr<ResultRecorder> recorder;
     if (recording) {
         if (const std::optional<ExitCode> known = recording->answer(report)) {
             return *known;
         }
-        recorder = std::make_unique<ResultRecorder>(
-            recording->id,
-            identityOf(survey.command, asPublication(options), paths, 0, survey.wish), paths);
     }
     const auto watch = [&](const Observation& met) {
         survey.watch(met);
@@ -92,6 +94,7 @@ ExitCode run(const Survey& survey, const Streams& streams, const RunRecording* r
     FurtherWriting further;
     if (recorder) {
         recorder->finishRun(total.status);
+        recording->demandSameSources(*recorder);
         further.result = [&](const std::vector<Finding>& all, const FindingSummary& summary) {
             result = recorder->finish(all, summary, {});
         };
@@ -116,9 +119,13 @@ ExitCode runSurvey(const Survey& survey, const Streams& streams) {
             return run(survey, streams, nullptr);
         }
         const PublishOptions publication = asPublication(survey.options);
-        return runRepeated(
-            {survey.command, publication, 0, survey.wish}, streams,
-            [&](const RunRecording& recording) { return run(survey, streams, &recording); });
+        return runRepeated({survey.command, publication, 0, survey.wish}, streams,
+                           [&](const RunRecording& recording) {
+                               if (survey.forget) {
+                                   survey.forget();
+                               }
+                               return run(survey, streams, &recording);
+                           });
     } catch (const ScratchError& failure) {
         streams.err << usageErrorText(survey.command, failure.what());
         return ExitCode::kWrongUsage;

@@ -22,6 +22,9 @@ struct Survey {
     std::function<ExitCode(const Streams&)> giveResult;
     /// What the result depends on besides the options of all runs; empty for nothing.
     std::string wish = {};
+    /// Called before each run, of which there are more when sources are changed meanwhile: nothing
+    /// was met yet. May be empty.
+    std::function<void()> forget = {};
 };
 
 /// Looks at the inputs, runs the map into a private folder, and writes the findings. A run that

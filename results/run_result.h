@@ -34,8 +34,13 @@ struct ResultOutput {
 /// How a file was found when its run was over.
 struct KnownFile {
     FileStamp stamp;
-    std::string xxh128;
+    std::string xxh128;  ///< Empty when nobody knows what the run has met.
 };
+
+/// Of a file that was another one, or was not there, at some time of the run. None is like it.
+inline KnownFile unknownFile() {
+    return {};
+}
 
 /// What may differ from one run of a request to the next.
 struct ResultRun {

@@ -83,7 +83,7 @@ bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp) {
 bool wasChangedMeanwhile(const RunResult& result) {
     for (std::size_t index = 0; index < result.dependencies.size(); ++index) {
         const std::optional<KnownFile>& file = result.run.files[index];
-        if (file && wasTouchedDuring(result.run, file->stamp)) {
+        if (file && (file->xxh128.empty() || wasTouchedDuring(result.run, file->stamp))) {
             return true;
         }
     }

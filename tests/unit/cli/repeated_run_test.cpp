@@ -47,10 +47,12 @@ protected:
             ++runs_;
             const PublishPaths paths = resolvePublishPaths(options_);
             ResultRecorder recorder(own.id, identityOf("publish", options_, paths), paths);
-            recorder.finishRun(0);
             if (touchesTheMap_) {
                 folder_.write("m.ditamap", std::string(runs_, 'x'));
             }
+            recorder.finishRun(0);
+            own.demandSameSources(recorder);
+            ++told_;
             FindingSummary summary;
             summary.exit = 3;
             Finding finding;
@@ -66,6 +68,7 @@ protected:
     std::ostringstream out_;
     std::ostringstream err_;
     std::size_t runs_ = 0;
+    std::size_t told_ = 0;  ///< Runs that came to tell what they have found.
     bool touchesTheMap_ = false;
 };
 
@@ -114,6 +117,7 @@ TEST_F(RepeatedRunTest, ARunThatReadWhatWasBeingChangedIsMadeAgain) {
     touchesTheMap_ = true;
     repeat();
     EXPECT_EQ(runs_, 3U);
+    EXPECT_EQ(told_, 1U) << "of those before nobody hears";
     EXPECT_EQ(readResult(*options_.result).run.tries, 3U);
     touchesTheMap_ = false;
     waitATick();

@@ -4,12 +4,18 @@
 
 #include <boost/json/parse.hpp>
 #include <boost/json/value.hpp>
+#include <chrono>
+#include <filesystem>
+#include <thread>
 
 #include "results/file_digest.h"
+#include "results/up_to_date.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
 namespace {
+
+namespace fs = std::filesystem;
 
 class ResultRecorderTest : public testing::Test {
 protected:
@@ -33,9 +39,88 @@ protected:
         return observation;
     }
 
+    /// What a run tells when a topic refers to the file, which it is about to read.
+    void refer(ResultRecorder& recorder, const std::string& name) const {
+        const std::string file = folder_.file(name);
+        const ObservedStep step{{options_.map.c_str(), 1, 1}, "href", ""};
+        Observation observation{};
+        observation.kind = ObservationKind::kFileReference;
+        observation.code = static_cast<std::uint32_t>(ReferenceKind::kTopic);
+        observation.target = file.c_str();
+        observation.steps = &step;
+        observation.stepCount = 1;
+        recorder.observe(observation);
+    }
+
+    /// Writes the file, and gives it a time from before all runs.
+    void writeEarlier(const std::string& name, const std::string& text) const {
+        folder_.write(name, text);
+        std::this_thread::sleep_for(std::chrono::nanoseconds(2 * kFileClockTick));
+    }
+
+    /// Whether the run's end finds that a file has changed, and its result tells so.
+    static bool hasChanged(ResultRecorder& recorder) {
+        recorder.finishRun(0);
+        const bool isChanged = recorder.areSourcesChanged();
+        const RunResult result = recorder.finish({}, {}, {});
+        EXPECT_EQ(wasChangedMeanwhile(result), isChanged);
+        EXPECT_EQ(
+            FileComparison().isUpToDate(result, {result.request, result.options, result.versions}),
+            !isChanged);
+        return isChanged;
+    }
+
     TemporaryFolder folder_;
     PublishOptions options_;
 };
+
+TEST_F(ResultRecorderTest, FilesThatStayAsTheyWereMetHaveNotChanged) {
+    writeEarlier("topics/a.dita", "a");
+    ResultRecorder recorder = this->recorder();
+    refer(recorder, "topics/a.dita");
+    refer(recorder, "topics/none.dita");
+    EXPECT_FALSE(hasChanged(recorder));
+}
+
+TEST_F(ResultRecorderTest, AFolderThatBecomesAnotherOneDuringTheRunIsSeen) {
+    folder_.write("topics/a.dita", "a");
+    writeEarlier("others/a.dita", "b");
+    ResultRecorder recorder = this->recorder();
+    refer(recorder, "topics/a.dita");
+    fs::rename(folder_.path() / "topics", folder_.path() / "earlier");
+    fs::rename(folder_.path() / "others", folder_.path() / "topics");
+    EXPECT_TRUE(hasChanged(recorder)) << "although the times of its files are old";
+}
+
+TEST_F(ResultRecorderTest, AFileThatGoesDuringTheRunIsSeen) {
+    writeEarlier("topics/a.dita", "a");
+    ResultRecorder recorder = this->recorder();
+    refer(recorder, "topics/a.dita");
+    fs::remove(folder_.path() / "topics/a.dita");
+    EXPECT_TRUE(hasChanged(recorder));
+}
+
+TEST_F(ResultRecorderTest, AFileThatComesDuringTheRunIsSeen) {
+    writeEarlier("elsewhere/a.dita", "a");
+    ResultRecorder recorder = this->recorder();
+    refer(recorder, "topics/a.dita");
+    fs::rename(folder_.path() / "elsewhere", folder_.path() / "topics");
+    EXPECT_TRUE(hasChanged(recorder)) << "although its times are old";
+}
+
+TEST_F(ResultRecorderTest, ARunIsMadeAgainOnlyWhereThereIsAnotherTry) {
+    writeEarlier("topics/a.dita", "a");
+    ResultRecorder recorder = this->recorder();
+    refer(recorder, "topics/a.dita");
+    RunRecording recording;
+    recording.isMadeAgain = true;
+    recorder.finishRun(0);
+    EXPECT_NO_THROW(recording.demandSameSources(recorder));
+    fs::remove(folder_.path() / "topics/a.dita");
+    EXPECT_THROW(recording.demandSameSources(recorder), SourcesChanged);
+    recording.isMadeAgain = false;
+    EXPECT_NO_THROW(recording.demandSameSources(recorder));
+}
 
 TEST_F(ResultRecorderTest, AGoodRunHasItsFilesWithDigests) {
     ResultRecorder recorder = this->recorder();

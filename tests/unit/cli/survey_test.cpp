@@ -22,14 +22,21 @@ protected:
         return runSurvey({"survey",
                           options,
                           [this](const Observation& met) {
-                              hasMap |= met.kind == ObservationKind::kDocumentRead &&
-                                        options.map == met.target;
+                              const bool isMap = met.kind == ObservationKind::kDocumentRead &&
+                                                 options.map == met.target;
+                              hasMap |= isMap;
+                              if (isMap && changesTheMap) {
+                                  changesTheMap = false;
+                                  folder.write("m.ditamap", "<map/>");
+                              }
                           },
                           {},
                           [this](const Streams&) {
                               ++results;
                               return resultCode;
-                          }},
+                          },
+                          "",
+                          [this] { ++runs; }},
                          {out, err});
     }
 
@@ -38,6 +45,8 @@ protected:
     std::ostringstream out;
     std::ostringstream err;
     bool hasMap = false;
+    bool changesTheMap = false;  ///< Once, when it was read.
+    int runs = 0;
     int results = 0;
     ExitCode resultCode = ExitCode::kSuccess;
 };
@@ -59,6 +68,16 @@ TEST_F(SurveyTest, ARunThatFailsHasNoResult) {
     EXPECT_EQ(run(), ExitCode::kRunFailed);
     EXPECT_EQ(results, 0);
     EXPECT_NE(err.str(), "");
+}
+
+TEST_F(SurveyTest, WhatWasReadWhileItWasBeingChangedIsForgottenAndToldOnce) {
+    options.result = folder.file("r.json");
+    changesTheMap = true;
+    EXPECT_EQ(run(), ExitCode::kSuccess) << err.str();
+    EXPECT_EQ(runs, 2);
+    EXPECT_EQ(results, 1);
+    EXPECT_EQ(err.str().find("none.dita"), std::string::npos)
+        << "the map has no such reference any more: " << err.str();
 }
 
 TEST_F(SurveyTest, WhatIsRefusedIsNotRun) {
