@@ -92,6 +92,7 @@ ExitCode Checking::run() {
     FurtherWriting further{writingOf(page.get()), {}};
     if (recorder_) {
         recorder_->finishRun(total.status);
+        recorder_->lookAt(total.places);
         recording_->demandSameSources(*recorder_);
         further.result = [this](const std::vector<Finding>& all, const FindingSummary& summary) {
             recording_->take(recorder_->finish(all, summary, {}));

@@ -39,6 +39,18 @@ fs::path stateFolder() {
     return home && *home == '/' ? fs::path(home) / ".local/state" / kProgramName : fs::path();
 }
 
+/// Whether a run that failed would fail again, as far as its findings tell. What the sources are no
+/// cause of, as a full disk, may be over.
+bool mayHold(const RunResult& result) {
+    if (result.state != ResultState::kFailed) {
+        return true;
+    }
+    const bool isOfTheSources = result.status.value_or(0) != 0 && !result.run.isMemoryShort;
+    return isOfTheSources && !result.findings.empty() &&
+           std::none_of(result.findings.begin(), result.findings.end(),
+                        [](const Finding& finding) { return finding.id == "MP107"; });
+}
+
 /// One call, from the last result to the next.
 class Repetition {
 public:
@@ -57,6 +69,8 @@ private:
     ExitCode showAgain(RunResult result, const FindingsReport& report) const;
     std::string shownOutputs(const RunResult& result) const;
     std::vector<std::string> reportFiles() const;
+    std::vector<std::string> comparedFiles() const;
+    RunResult completed(RunResult result, const ResultRun& before, unsigned tries) const;
     bool areReportsThere(const RunResult& result) const;
     bool keep(const RunResult& result) const;
 
@@ -90,9 +104,18 @@ std::vector<std::string> Repetition::reportFiles() const {
     return files;
 }
 
-/// Whether they are as that very run has written them.
+/// What findings are compared with. Absolute.
+std::vector<std::string> Repetition::comparedFiles() const {
+    const std::optional<std::string>& baseline = options_.diagnostics.baseline;
+    return baseline ? std::vector{fs::absolute(*baseline).string()} : std::vector<std::string>();
+}
+
+/// Whether they are as that very run has written them, or has met them.
 bool Repetition::areReportsThere(const RunResult& result) const {
-    const std::vector<std::string> files = reportFiles();
+    std::vector<std::string> files = reportFiles();
+    for (std::string& file : comparedFiles()) {
+        files.push_back(std::move(file));
+    }
     return std::all_of(files.begin(), files.end(), [&result](const std::string& file) {
         return isReportThere(file, result.run);
     });
@@ -110,8 +133,11 @@ std::optional<RunResult> Repetition::lastResult() const {
             identityOf(repeated_.command, options_, paths_, repeated_.ownFilters, repeated_.wish);
         const WantedRun wanted{std::move(identity.request), std::move(identity.options),
                                versionsText()};
-        const bool isCurrent =
-            areReportsThere(result) && FileComparison().isUpToDate(result, wanted);
+        // Findings name files as seen from there.
+        const bool isSameFolder =
+            result.findings.empty() || result.run.folder == fs::current_path().string();
+        const bool isCurrent = mayHold(result) && isSameFolder && areReportsThere(result) &&
+                               FileComparison().isUpToDate(result, wanted);
         return isCurrent ? std::optional(std::move(result)) : std::nullopt;
     } catch (const ResultError& fault) {
         streams_.err << "marrowpress: " << file_.string() << " counts as absent: " << fault.what()
@@ -175,6 +201,17 @@ bool Repetition::keep(const RunResult& result) const {
     return false;
 }
 
+/// @param before  What findings were compared with, from before the run.
+RunResult Repetition::completed(RunResult result, const ResultRun& before, unsigned tries) const {
+    result.run.tries = tries;
+    result.run.folder = fs::current_path().string();
+    result.run.reports = before.reports;
+    for (const std::string& file : reportFiles()) {
+        rememberReport(file, result.run);
+    }
+    return result;
+}
+
 ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& make) const {
     ExitCode code = ExitCode::kSuccess;
     for (unsigned runs = 1; runs <= kMostRuns; ++runs) {
@@ -189,6 +226,10 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
             };
         }
         recording.isMadeAgain = runs < kMostRuns;
+        ResultRun before;
+        for (const std::string& file : comparedFiles()) {
+            rememberReport(file, before);
+        }
         try {
             code = make(recording);
         } catch (const SourcesChanged&) {
@@ -197,12 +238,10 @@ ExitCode Repetition::run(const std::function<ExitCode(const RunRecording&)>& mak
         if (!result) {
             return code;
         }
-        result->run.tries = runs;
-        for (const std::string& file : reportFiles()) {
-            rememberReport(file, result->run);
-        }
         // A result that nobody asked for is for the next time only.
-        return keep(*result) || !options_.result ? code : ExitCode::kRunFailed;
+        return keep(completed(*std::move(result), before, runs)) || !options_.result
+                   ? code
+                   : ExitCode::kRunFailed;
     }
     return code;
 }

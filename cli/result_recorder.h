@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -95,6 +96,9 @@ public:
     /// The files that the run depends on, once `finishRun` was called.
     const DependencyList& dependencies() const noexcept { return dependencies_; }
     void finishRun(std::optional<std::int32_t> status);
+
+    /// What decides on findings as it stands in these places, and is not read.
+    void lookAt(const std::set<std::string>& places);
 
     /// Whether one of these files is not the one that the run has met, or was changed since it
     /// began. What the run has made of it may be of neither state.

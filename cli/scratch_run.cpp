@@ -80,6 +80,9 @@ void Running::withFindings(RunDisplay& display, RunTotal& total) const {
     const RunOutcome outcome = runRequest(observed, display);
     collector.finish();
     components.addFindings(collector);
+    for (std::string& path : components.paths()) {
+        total.places.insert(std::move(path));
+    }
     run_.profiles.addFindings(collector);
     addFailure(outcome, run_.paths.map.string(), run_.paths.map.string(), collector);
 

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
+#include <string>
 
 #include "cli/exit_code.h"
 #include "cli/options.h"
@@ -22,6 +24,7 @@ struct RunTotal {
     std::size_t topics = 0;  ///< The most that a run had.
     ExitCode code = ExitCode::kSuccess;
     std::optional<std::int32_t> status;  ///< That of the last run; empty without an answer.
+    std::set<std::string> places;        ///< Of components; absolute. There they would stand.
 };
 
 /// A run for what it tells. Its output goes into a private folder, which is gone at the end.

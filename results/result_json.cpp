@@ -89,6 +89,16 @@ void addRun(std::string& text, const ResultRun& run) {
     if (!run.reports.empty()) {
         addMember(text, "reports", json::value_from(run.reports));
     }
+    if (!run.folder.empty()) {
+        addMember(text, "folder", jsonText(run.folder));
+    }
+    if (!run.places.empty()) {
+        json::object places;
+        for (const auto& [path, file] : run.places) {
+            places[jsonText(path).get_string()] = knownFileMember(file);
+        }
+        addMember(text, "places", places);
+    }
     addItems(text, "files", run.files, knownFileMember);
     text.append("}");
 }
@@ -235,6 +245,14 @@ ResultRun runOf(const json::object& object) {
         const json::object& reports = objectIn(object, "reports");
         for (const auto& [path, digest] : reports) {
             run.reports[path] = textIn(reports, path);
+        }
+    }
+    if (object.contains("folder")) {
+        run.folder = textIn(object, "folder");
+    }
+    if (object.contains("places")) {
+        for (const auto& [path, file] : objectIn(object, "places")) {
+            run.places[path] = knownFileOf(file);
         }
     }
     return run;

@@ -55,8 +55,13 @@ struct ResultRun {
     std::int64_t end = 0;        ///< `latestStampUntilNow` when its outputs were there.
     /// Of the dependencies and then the outputs, in their order; empty where there is no file.
     std::vector<std::optional<KnownFile>> files;
-    /// What else was written and can be made from no result: by absolute path, its `xxh128`.
+    /// What else was written and can be made from no result, and what findings were compared with:
+    /// by absolute path, its `xxh128`.
     std::map<std::string, std::string> reports;
+    std::string folder;  ///< From which paths in findings count; empty when nobody has told.
+    /// Of files that were only looked at, since something else would come to stand there: by
+    /// absolute path; empty where there is none.
+    std::map<std::string, std::optional<KnownFile>> places;
 };
 
 /// All that there is to tell of one run, for whoever was not there. Texts are UTF-8.

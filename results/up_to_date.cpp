@@ -47,6 +47,11 @@ bool FileComparison::isUpToDate(const RunResult& result, const WantedRun& wanted
             return false;
         }
     }
+    for (const auto& [path, place] : result.run.places) {
+        if (!isUnchanged(path, place)) {
+            return false;
+        }
+    }
     for (std::size_t index = 0; index < result.outputs.size(); ++index) {
         const std::optional<KnownFile>& output = known[result.dependencies.size() + index];
         // It was written shortly before the end: somebody else may have written within that tick.
@@ -59,8 +64,10 @@ bool FileComparison::isUpToDate(const RunResult& result, const WantedRun& wanted
 }
 
 bool FileComparison::isUnchanged(const RunResult& result, std::size_t index) {
-    const std::string& path = result.dependencies[index].file;
-    const std::optional<KnownFile>& known = result.run.files[index];
+    return isUnchanged(result.dependencies[index].file, result.run.files[index]);
+}
+
+bool FileComparison::isUnchanged(const std::string& path, const std::optional<KnownFile>& known) {
     return known ? isSame(path, *known, /*isStampEnough=*/true) : !stampAt(path).has_value();
 }
 

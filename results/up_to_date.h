@@ -31,6 +31,7 @@ public:
     bool isUnchanged(const RunResult& result, std::size_t index);
 
 private:
+    bool isUnchanged(const std::string& path, const std::optional<KnownFile>& known);
     bool isSame(const std::string& path, const KnownFile& known, bool isStampEnough);
     const std::optional<FileStamp>& stampAt(const std::string& path);
 

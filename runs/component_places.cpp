@@ -77,6 +77,16 @@ void ComponentPlaces::lookAt(const Component& component) {
         {component, places_.isOnlyLookedAt ? std::string() : moveAside(component.path)});
 }
 
+std::vector<std::string> ComponentPlaces::paths() const {
+    std::vector<std::string> paths;
+    for (const auto& [path, index] : firstAt_) {
+        if (fs::path(path).is_absolute()) {
+            paths.push_back(path);
+        }
+    }
+    return paths;
+}
+
 void ComponentPlaces::addFindings(FindingCollector& collector) const {
     const std::string& folder = collector.context().currentFolder;
     const auto findingAt = [&](const Component& component) {

@@ -30,6 +30,9 @@ public:
 
     void addFindings(FindingCollector& collector) const;
 
+    /// The files that were looked at, whether they are there or not.
+    std::vector<std::string> paths() const;
+
 private:
     struct Component {
         std::string path;  ///< Where it was asked for.

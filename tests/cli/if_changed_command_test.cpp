@@ -86,6 +86,22 @@ TEST_F(IfChangedTest, CheckRemembersEachOfItsFilters) {
     EXPECT_EQ(check(more).err.find("up to date"), std::string::npos);
 }
 
+TEST_F(IfChangedTest, CheckSeesWhatComesToStandWhereAComponentWould) {
+    writeTopic("a", "right");
+    writeMap(R"(<topicref href="a.dita"/>)");
+    const Texts more{"-f",  "flatbook",     "--one-location", "-o",
+                     "out", "--if-changed", "--result",       "c.json"};
+    ASSERT_EQ(check(more).code, 0);
+    EXPECT_TRUE(check(more).err.ends_with("up to date\n"));
+    folder_.write("out/a.qs", "somebody else's");
+    const CommandResult result = check(more);
+    EXPECT_EQ(result.code, 3);
+    EXPECT_NE(result.err.find("MP211"), std::string::npos) << result.err;
+    EXPECT_EQ(check(more).code, 3);
+    fs::remove(folder_.path() / "out/a.qs");
+    EXPECT_EQ(check(more).code, 0);
+}
+
 TEST_F(IfChangedTest, WhatGoesToStandardOutputIsNotThereTheNextTime) {
     EXPECT_EQ(run({"publish", "docs/m.ditamap", "-f", "composite", "-o", "-", "--if-changed"}).code,
               2);

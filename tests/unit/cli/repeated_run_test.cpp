@@ -12,6 +12,7 @@
 #include "cli/publish_paths.h"
 #include "results/file_digest.h"
 #include "results/result_json.h"
+#include "tests/support/current_folder.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -50,16 +51,18 @@ protected:
             if (touchesTheMap_) {
                 folder_.write("m.ditamap", std::string(runs_, 'x'));
             }
-            recorder.finishRun(0);
+            recorder.finishRun(status_);
             own.demandSameSources(recorder);
             ++told_;
             FindingSummary summary;
-            summary.exit = 3;
+            summary.exit = static_cast<int>(exit_);
             Finding finding;
-            finding.id = "MP105";
+            finding.id = findingId_;
             finding.text = "what is wrong";
-            own.take(recorder.finish({finding}, summary, {options_.output}));
-            return ExitCode::kFindings;
+            RunResult result = recorder.finish({finding}, summary, {options_.output});
+            result.run.isMemoryShort = isMemoryShort_;
+            own.take(result);
+            return exit_;
         });
     }
 
@@ -70,7 +73,67 @@ protected:
     std::size_t runs_ = 0;
     std::size_t told_ = 0;  ///< Runs that came to tell what they have found.
     bool touchesTheMap_ = false;
+    ExitCode exit_ = ExitCode::kFindings;
+    std::int32_t status_ = 0;
+    std::string findingId_ = "MP105";
+    bool isMemoryShort_ = false;
 };
+
+TEST_F(RepeatedRunTest, AFailureHoldsWhereItIsOfTheSources) {
+    exit_ = ExitCode::kRunFailed;
+    status_ = -42;
+    findingId_ = "MP106";
+    EXPECT_EQ(repeat(), ExitCode::kRunFailed);
+    EXPECT_EQ(repeat(), ExitCode::kRunFailed);
+    EXPECT_EQ(runs_, 1U);
+    EXPECT_TRUE(err_.str().ends_with("up to date\n")) << err_.str();
+}
+
+TEST_F(RepeatedRunTest, AFailureOfTheMachineMayBeOverTheNextTime) {
+    exit_ = ExitCode::kRunFailed;
+    status_ = -42;
+    findingId_ = "MP107";
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 2U) << "the disk was full";
+    findingId_ = "MP106";
+    isMemoryShort_ = true;
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 4U);
+    isMemoryShort_ = false;
+    status_ = 0;
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 6U) << "all was done, and nobody could be told";
+}
+
+TEST_F(RepeatedRunTest, ABaselineThatHoldsSomethingElseMakesAnotherRun) {
+    options_.diagnostics.baseline = folder_.write("base.json", "");
+    repeat();
+    repeat();
+    EXPECT_EQ(runs_, 1U);
+    folder_.write("base.json", "\n");
+    repeat();
+    EXPECT_EQ(runs_, 2U);
+    fs::remove(folder_.file("base.json"));
+    repeat();
+    EXPECT_EQ(runs_, 3U);
+}
+
+TEST_F(RepeatedRunTest, FindingsThatNameFilesAsSeenFromElsewhereAreMadeAgain) {
+    repeat();
+    fs::create_directory(folder_.path() / "elsewhere");
+    {
+        const CurrentFolder elsewhere(folder_.path() / "elsewhere");
+        repeat();
+        EXPECT_EQ(runs_, 2U);
+        repeat();
+        EXPECT_EQ(runs_, 2U);
+    }
+    repeat();
+    EXPECT_EQ(runs_, 3U);
+}
 
 TEST_F(RepeatedRunTest, IsWhatKeepsAResult) {
     PublishOptions plain;

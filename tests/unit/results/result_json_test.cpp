@@ -35,6 +35,9 @@ RunResult sampleResult() {
     result.run.end = 1'700'000'000'223'456'789;
     result.run.files = {KnownFile{{5, 1, 2, 3, 4}, "dd"}, std::nullopt,
                         KnownFile{{6, 7, 8, 9, 10}, "ee"}};
+    result.run.reports = {{"/w/page.html", "ff"}};
+    result.run.folder = "/w";
+    result.run.places = {{"/w/a.qs", KnownFile{{1, 2, 3, 4, 5}, "00"}}, {"/w/b.qs", std::nullopt}};
     return result;
 }
 
@@ -53,6 +56,11 @@ TEST(ResultJsonTest, WhatIsWrittenIsReadAsItWas) {
     EXPECT_EQ(read.run.files[0]->stamp, result.run.files[0]->stamp);
     EXPECT_EQ(read.run.begin, result.run.begin);
     EXPECT_TRUE(read.run.isMemoryShort);
+    EXPECT_EQ(read.run.reports, result.run.reports);
+    EXPECT_EQ(read.run.folder, "/w");
+    ASSERT_EQ(read.run.places.size(), 2U);
+    EXPECT_EQ(read.run.places.at("/w/a.qs")->xxh128, "00");
+    EXPECT_FALSE(read.run.places.at("/w/b.qs"));
 }
 
 TEST(ResultJsonTest, AllThatMayDifferIsInTheLastMember) {

@@ -86,6 +86,24 @@ TEST_F(UpToDateTest, AnOutputThatIsGoneOrWasChangedIsSeen) {
     EXPECT_FALSE(isUpToDate());
 }
 
+TEST_F(UpToDateTest, APlaceThatWasLookedAtHasToBeAsItWas) {
+    folder_.write("there", "component");
+    result_.run.places = {{folder_.file("there"), known("there")}, {folder_.file("free"), {}}};
+    EXPECT_TRUE(isUpToDate());
+    folder_.write("free", "");
+    EXPECT_FALSE(isUpToDate());
+    fs::remove(folder_.file("free"));
+    EXPECT_TRUE(isUpToDate());
+    folder_.write("there", "something");
+    EXPECT_FALSE(isUpToDate());
+}
+
+TEST_F(UpToDateTest, AFileOfWhichNobodyKnowsWhatTheRunMetHasChanged) {
+    result_.run.files.front() = unknownFile();
+    EXPECT_TRUE(wasChangedMeanwhile(result_));
+    EXPECT_FALSE(isUpToDate());
+}
+
 TEST_F(UpToDateTest, TouchAloneIsNoChange) {
     fs::last_write_time(folder_.file("map"), fs::file_time_type::clock::now());
     EXPECT_TRUE(isUpToDate());

@@ -28,6 +28,7 @@ protected:
             met.steps = &step;
             watched.observe(met);
         }
+        looked_ = watched.paths();
         FindingCollector collector({folder.path().string(), {}, {}}, {});
         watched.addFindings(collector);
         std::vector<std::string> lines;
@@ -43,6 +44,8 @@ protected:
     std::string file(const std::string& name) const { return folder.file(name); }
 
     using Lines = std::vector<std::string>;
+
+    mutable Lines looked_;  ///< The paths that the last components were looked at.
 
     TemporaryFolder folder;
     ChosenLanguage english{Language::kEnglish};
@@ -104,6 +107,7 @@ TEST_F(ComponentPlacesTest, AFileOfSomebodyElsesIsOnlyToldWhereNothingIsToBeTouc
     EXPECT_EQ(findings(atOnePlace, {{file("out/a.qs"), file("a.dita")}}).size(), 1U);
     EXPECT_EQ(folder.read("out/a.qs"), "own notes");
     EXPECT_FALSE(folder.exists("out/a.qs.kept-1"));
+    EXPECT_EQ(looked_, Lines{file("out/a.qs")});
 }
 
 TEST_F(ComponentPlacesTest, AComponentOfAnEarlierRunMayBeReplaced) {
@@ -118,6 +122,7 @@ TEST_F(ComponentPlacesTest, AComponentOfAnEarlierRunMayBeReplaced) {
 TEST_F(ComponentPlacesTest, WithoutAnOutputHeadingsHaveNoPlace) {
     const BookPlaces places{folder.file("scratch"), {}, true, true};
     EXPECT_EQ(findings(places, {{file("scratch/h.qs"), ""}}), Lines());
+    EXPECT_EQ(looked_, Lines());
     EXPECT_EQ(findings(places, {{file("scratch/h.qs"), ""}, {file("scratch/h.qs"), ""}}).size(),
               1U);
 }
