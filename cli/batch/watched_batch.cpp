@@ -35,12 +35,10 @@ public:
 private:
     BatchOptions options_;
     const Streams& streams_;
-    fs::path folder_;  ///< It may go and come back, and is another one then.
+    fs::path folder_;
 };
 
 ExitCode WatchedBatch::run(int /*channel*/) {
-    std::error_code ignored;
-    fs::current_path(folder_, ignored);
     return runBatch(options_, streams_);
 }
 

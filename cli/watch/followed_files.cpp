@@ -27,6 +27,10 @@ void FollowedFiles::add(const RunResult& result) {
         }
         const std::optional<KnownFile>& found = result.run.files[index];
         Known known{found, !found || isSettled(found->stamp, result.run.end)};
+        if (const std::optional<FileStamp> stamp = found ? std::nullopt : stampOf(path)) {
+            // It cannot be read, and as long as that is so it has not changed.
+            known = Known{KnownFile{*stamp, {}}, false};
+        }
         if (found && wasTouchedDuring(result.run, found->stamp)) {
             // Nobody knows what the run has read: as if it had changed since.
             known.file = KnownFile{};

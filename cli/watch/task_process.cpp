@@ -114,6 +114,10 @@ std::function<int(int)> programTask(const std::vector<std::string>& arguments) {
     return [arguments](int) {
         const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
         dup2(nothing, STDIN_FILENO);
+        // What this program ignores others count on.
+        for (const int number : {SIGPIPE, SIGXFSZ}) {
+            std::signal(number, SIG_DFL);
+        }
         std::vector<char*> argv;
         argv.reserve(arguments.size() + 1);
         for (const std::string& argument : arguments) {

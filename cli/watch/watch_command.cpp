@@ -36,12 +36,10 @@ private:
 
     const WatchOptions& options_;
     const Streams& streams_;
-    fs::path folder_;  ///< It may go and come back, and is another one then.
+    fs::path folder_;
 };
 
 ExitCode WatchedPublication::run(int channel) {
-    std::error_code ignored;
-    fs::current_path(folder_, ignored);
     RunRecording recording;
     recording.id = fs::path(options_.map).stem().string();
     // Whoever looks at the output sees it whole, and the one of the run before until then.

@@ -36,15 +36,26 @@ constexpr std::chrono::milliseconds kPollInterval{1000};
 /// the next change is waited for: a clock that runs wrong must not keep the machine busy.
 constexpr unsigned kMostRunsAtOnce = 3;
 
-/// The signals that end the watch, and the one of processes that have ended, as a descriptor.
+bool isIgnored(int number) {
+    struct sigaction action {};
+    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+/// The signals that end the watch, and the one of processes that have ended, as a descriptor. Those
+/// that the caller ignores, as under nohup(1), end nothing.
 class SignalDescriptor {
 public:
     SignalDescriptor() {
         sigset_t signals;
         sigemptyset(&signals);
-        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
-            sigaddset(&signals, number);
+        sigaddset(&signals, SIGCHLD);
+        for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+            if (!isIgnored(number)) {
+                sigaddset(&signals, number);
+            }
         }
+        // While it is ignored nobody hears how a process ended.
+        std::signal(SIGCHLD, SIG_DFL);
         sigprocmask(SIG_BLOCK, &signals, &earlier_);
         descriptor_ = signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
         if (descriptor_ < 0) {
@@ -87,6 +98,7 @@ public:
 
 private:
     void start();
+    bool enterFolder() const;
     void startCommand();
     void takeRunEnd(const TaskEnd& end);
     void takeOutcome(WatchOutcome outcome);
@@ -100,7 +112,7 @@ private:
     WatchedWork& work_;
     const WatchSetting& setting_;
     const Streams& streams_;
-    const std::string folder_ = fs::current_path().string();
+    const std::string folder_ = fs::current_path().string();  ///< In which all is run.
     SignalDescriptor signals_;
     FolderWatch folders_;
     bool isWithoutEvents_ = false;
@@ -173,8 +185,23 @@ void Watch::start() {
         }
     }
     changes_.clear();
+    if (!enterFolder()) {
+        return;
+    }
     run_ = std::make_unique<TaskProcess>(
         [this](int channel) { return static_cast<int>(work_.run(channel)); });
+}
+
+/// The folder may have come back as another one, and the one that it was may have another name now:
+/// paths are not to lead there. False while there is none.
+bool Watch::enterFolder() const {
+    std::error_code error;
+    fs::current_path(folder_, error);
+    if (error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) {
+        return true;
+    }
+    tell("there is no folder " + folder_);
+    return false;
 }
 
 void Watch::startCommand() {

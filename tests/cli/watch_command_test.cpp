@@ -131,6 +131,18 @@ TEST_F(WatchTest, AFolderThatDisappearsAndComesBackIsSeen) {
     EXPECT_TRUE(isPublished("back again"));
 }
 
+TEST_F(WatchTest, TheCurrentFolderIsNotFollowedToAnotherName) {
+    const fs::path away = folder_.path().string() + "-away";
+    watchMap();
+    fs::rename(folder_.path(), away);
+    ASSERT_TRUE(isTold("there is no folder " + folder_.path().string()));
+    fs::copy(away, folder_.path(), fs::copy_options::recursive);
+    fs::remove_all(away);
+    ASSERT_TRUE(isTold("findings as before"));
+    writeTopic("a", "back again");
+    EXPECT_TRUE(isPublished("back again"));
+}
+
 TEST_F(WatchTest, ALinksTargetIsWatched) {
     fs::create_directory(folder_.path() / "shared");
     fs::rename(folder_.path() / "docs/a.dita", folder_.path() / "shared/a.dita");

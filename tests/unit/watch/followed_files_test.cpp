@@ -8,6 +8,7 @@
 
 #include "results/file_digest.h"
 #include "results/file_stamp.h"
+#include "tests/support/file_conditions.h"
 #include "tests/support/temporary_folder.h"
 
 namespace marrowpress {
@@ -69,6 +70,28 @@ TEST_F(FollowedFilesTest, AFileThatComesOrGoesIsChanged) {
     fs::remove(folder_.path() / "later.dita");
     EXPECT_THAT(files_.takeChanges(), ElementsAre(folder_.file("later.dita")));
     EXPECT_THAT(files_.takeChanges(), IsEmpty());
+}
+
+TEST_F(FollowedFilesTest, AFileThatCannotBeReadIsChangedOnceItCan) {
+    RunResult result = resultOf("a.dita");
+    folder_.write("a.dita", "a");
+    fs::permissions(folder_.path() / "a.dita", fs::perms::none);
+    {
+        const WithoutRights user;
+        files_.add(result);
+        EXPECT_THAT(files_.takeChanges(), IsEmpty());
+        EXPECT_THAT(files_.takeChanges(), IsEmpty());
+    }
+    fs::permissions(folder_.path() / "a.dita", fs::perms::all);
+    EXPECT_THAT(files_.takeChanges(), ElementsAre(folder_.file("a.dita")));
+    EXPECT_THAT(files_.takeChanges(), IsEmpty());
+}
+
+TEST_F(FollowedFilesTest, AFileThatCameAfterTheRunHasChanged) {
+    const RunResult result = resultOf("a.dita");
+    folder_.write("a.dita", "a");
+    files_.add(result);
+    EXPECT_THAT(files_.takeChanges(), ElementsAre(folder_.file("a.dita")));
 }
 
 TEST_F(FollowedFilesTest, AFileThatWasWrittenDuringTheRunHasChanged) {

@@ -71,6 +71,13 @@ TEST(TaskProcessTest, StoppingAProgramStopsWhatItHasStarted) {
     EXPECT_TRUE(waitUntil([&] { return kill(child, 0) != 0 || isZombie(child); }));
 }
 
+TEST(TaskProcessTest, AProgramIgnoresNoSignalThatThisOneIgnores) {
+    const auto earlier = std::signal(SIGPIPE, SIG_IGN);
+    TaskProcess process(programTask({"sh", "-c", "kill -PIPE $$"}));
+    EXPECT_EQ(endOf(process).signal, SIGPIPE);
+    std::signal(SIGPIPE, earlier);
+}
+
 TEST(TaskProcessTest, AProgramThatIsNotThereEndsAsInAShell) {
     TaskProcess process(programTask({"no-such-program-anywhere"}));
     EXPECT_EQ(endOf(process).exit, 127);

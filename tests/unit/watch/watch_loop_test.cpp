@@ -43,6 +43,9 @@ public:
 
     ExitCode run(int channel) override {
         std::ofstream(folder_.file("log"), std::ios::app) << folder_.read("source") << '\n';
+        if (folder_.exists("hang up")) {
+            kill(getppid(), SIGHUP);
+        }
         while (folder_.exists("slow")) {
             usleep(1000);
         }
@@ -77,6 +80,8 @@ protected:
         // What is there already was there before.
         std::this_thread::sleep_for(std::chrono::nanoseconds(kFileClockTick));
         watch_ = std::make_unique<TaskProcess>([this, setting = std::move(setting)](int) {
+            std::signal(SIGCHLD, SIG_IGN);
+            std::signal(SIGHUP, SIG_IGN);
             LoggedWork work(folder_);
             std::ofstream err(folder_.file("err"));
             const WatchEnd end = watch(work, setting, {err, err});
@@ -168,6 +173,15 @@ TEST_F(WatchLoopTest, ALaterRunThatDoesNotBeginDoesNot) {
     std::filesystem::remove(folder_.path() / "refused");
     folder_.write("source", "3");
     EXPECT_TRUE(isLogged("1\n2\n3\n"));
+}
+
+TEST_F(WatchLoopTest, ASignalThatTheCallerIgnoresEndsNothing) {
+    folder_.write("hang up", "");
+    start();
+    ASSERT_TRUE(isTold("waiting")) << "although the end of processes was ignored, too";
+    folder_.write("source", "2");
+    EXPECT_TRUE(isLogged("1\n2\n"));
+    EXPECT_FALSE(watch_->findEnd());
 }
 
 TEST_F(WatchLoopTest, AQuietOneTellsNothing) {
