@@ -182,11 +182,14 @@ void noteEnd(int /*signal*/) {
     __atomic_store_n(&isToEnd, 1, __ATOMIC_RELAXED);
 }
 
-/// Makes the process end early, in good order, by SIGTERM, and with its parent.
+/// Makes the process end early, in good order, by SIGTERM, by what a terminal sends to all of its
+/// processes, and with its parent.
 void endOnRequest() {
     struct sigaction action {};
     action.sa_handler = noteEnd;
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        sigaction(signal, &action, nullptr);
+    }
     prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 

@@ -26,9 +26,20 @@ struct TurnState {
     std::thread::id owner;
 };
 
+/// Stays as it is when the process ends: to destroy the condition would wait for whoever waits for
+/// it, who is no more in a child of fork(2).
+union LastingState {
+    LastingState() : state() {}
+    LastingState(const LastingState&) = delete;
+    LastingState& operator=(const LastingState&) = delete;
+    ~LastingState() {}
+
+    TurnState state;
+};
+
 TurnState& turnState() {
-    static TurnState state;
-    return state;
+    static LastingState lasting;
+    return lasting.state;
 }
 
 std::atomic<bool> isForked = false;

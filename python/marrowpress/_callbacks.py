@@ -6,10 +6,13 @@ import ctypes
 import json
 import math
 import os
-from typing import Any, Callable, Optional
+from typing import TYPE_CHECKING, Any, Callable, Optional
 
 from . import _library
 from ._types import Finding, Invalid, Options, PathLike
+
+if TYPE_CHECKING:
+    from types import FrameType
 
 _MOST = 2**64 - 1
 
@@ -55,6 +58,55 @@ def _look_at(options: Options) -> None:
             raise Invalid(f"the id and the flag of {document!r} are to be numbers")
 
 
+class _Handlers:
+    """Signal handlers of which somebody takes what they raise.
+
+    Python runs them also where a callback begins, from which nobody hears of it.
+    """
+
+    def __init__(self, take: Callable[[BaseException], None]) -> None:
+        self._take = take
+        self._earlier: dict[int, tuple[Any, Any]] = {}
+
+    def begin(self) -> None:
+        """Handlers run in the main thread alone."""
+        # Only who is called back pays for it.
+        import signal  # pylint: disable=import-outside-toplevel
+        import threading  # pylint: disable=import-outside-toplevel
+
+        if threading.current_thread() is not threading.main_thread():
+            return
+        try:
+            for number in signal.valid_signals():
+                earlier = signal.getsignal(number)
+                if callable(earlier):
+                    ours = self._guarded(earlier)
+                    self._earlier[number] = (ours, earlier)
+                    signal.signal(number, ours)
+        except BaseException:
+            self.end()
+            raise
+
+    def end(self) -> None:
+        """One that was set meanwhile stays."""
+        if not self._earlier:
+            return
+        import signal  # pylint: disable=import-outside-toplevel
+
+        for number, (ours, earlier) in self._earlier.items():
+            if signal.getsignal(number) is ours:
+                signal.signal(number, earlier)
+
+    def _guarded(self, handler: Callable[[int, Optional[FrameType]], Any]) \
+            -> Callable[[int, Optional[FrameType]], None]:
+        def run(number: int, frame: Optional[FrameType]) -> None:
+            try:
+                handler(number, frame)
+            except BaseException as raised:  # pylint: disable=broad-exception-caught
+                self._take(raised)
+        return run
+
+
 class Call:
     """Keeps alive what the library points to, and what a callback has raised."""
 
@@ -62,6 +114,9 @@ class Call:
         _look_at(options)
         self._options = options
         self._raised: Optional[BaseException] = None
+        self._handlers = _Handlers(self._take)
+        self._is_calling_back = any((options.on_finding, options.on_progress,
+                                     options.resolve_entity, options.open_documents))
         self._cancel = ctypes.c_int32(0)
         self._paths = [encoded(document.path) for document in options.open_documents]
         made = _library.Options()
@@ -88,9 +143,12 @@ class Call:
     def __enter__(self) -> Call:
         if self._options.cancel:
             self._options.cancel.add(self._cancel)
+        if self._is_calling_back:
+            self._handlers.begin()
         return self
 
     def __exit__(self, *_: object) -> None:
+        self._handlers.end()
         if self._options.cancel:
             self._options.cancel.remove(self._cancel)
 
@@ -105,9 +163,14 @@ class Call:
         try:
             return work()
         except BaseException as raised:  # pylint: disable=broad-exception-caught
-            self._raised = raised
-            self._cancel.value = 1
+            self._take(raised)
             return 0
+
+    def _take(self, raised: BaseException) -> None:
+        """The first counts, and the run is to end."""
+        if self._raised is None:
+            self._raised = raised
+        self._cancel.value = 1
 
     def _tell_finding(self, _user: Any, finding: Any) -> None:
         def work() -> int:

@@ -46,9 +46,9 @@ def run(request: Union[str, Mapping[str, Any]], options: Options = Options(), *,
     sent = encoded(text)
     made = ctypes.c_void_p()
     function = library.mp_spawn if options.child else library.mp_run
-    with Call(options, flags) as call:
-        code = function(sent, ctypes.byref(call.options), ctypes.byref(made))
     try:
+        with Call(options, flags) as call:
+            code = function(sent, ctypes.byref(call.options), ctypes.byref(made))
         call.reraise()
         if code != _library.OK:
             raise error_of(code, library.mp_result_error(made).decode(),

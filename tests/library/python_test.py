@@ -128,6 +128,35 @@ class PackageTest(unittest.TestCase):
         self.publish(options=Options(on_progress=call))
         self.assertEqual(seen, [0])
 
+    def test_what_a_signal_handler_raises_ends_the_run_and_comes_out(self):
+        topics = "".join(f'<topicref class="- map/topicref " href="t{number}.dita"/>'
+                         for number in range(500))
+        self.map.write_text('<map class="- map/map ">' + topics + "</map>", encoding="utf-8")
+        for number in range(500):
+            (self.folder / f"t{number}.dita").write_text(TOPIC, encoding="utf-8")
+
+        for child in (False, True):
+            lines = []
+            has_begun = threading.Event()
+
+            def interrupt():
+                has_begun.wait(30)
+                time.sleep(0.005)
+                os.kill(os.getpid(), signal.SIGINT)
+
+            def note(line):
+                lines.append(line)
+                has_begun.set()
+
+            sender = threading.Thread(target=interrupt)
+            sender.start()
+            handler = signal.getsignal(signal.SIGINT)
+            with self.subTest(child=child), self.assertRaises(KeyboardInterrupt):
+                self.publish(options=Options(on_progress=note, child=child))
+            sender.join()
+            self.assertIs(signal.getsignal(signal.SIGINT), handler)
+            self.assertLess(len(lines), 500)
+
     def test_other_threads_run_meanwhile_and_wait_for_their_turn(self):
         counted = []
         is_over = threading.Event()

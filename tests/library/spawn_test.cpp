@@ -9,6 +9,7 @@
 
 #include "tests/library/library_fixture.h"
 #include "tests/support/texts.h"
+#include "tests/support/tmp_dir.h"
 
 namespace marrowpress {
 namespace {
@@ -137,6 +138,20 @@ TEST_F(SpawnTest, IsCancelledByTheFlag) {
     atDtd([&] { __atomic_store_n(&cancel, 1, __ATOMIC_RELAXED); });
     EXPECT_EQ(mp_result_code(spawn(composite()).get()), MP_CANCELLED);
     EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap"));
+}
+
+TEST_F(SpawnTest, WhatATerminalSendsEndsTheChildInGoodOrder) {
+    fs::create_directory(folder.path() / "temporary");
+    const TmpDir temporary(folder.file("temporary").c_str());
+    for (const int signal : {SIGINT, SIGHUP, SIGTERM}) {
+        for (const std::uint32_t flags : {0U, std::uint32_t{MP_CHECK}}) {
+            options.flags = flags;
+            atDtd([signal] { kill(children().front(), signal); });
+            EXPECT_EQ(mp_result_code(spawn(composite()).get()), MP_CANCELLED) << signal;
+            EXPECT_FALSE(folder.exists("KeyspaceDoc.ditamap")) << signal;
+            EXPECT_TRUE(fs::is_empty(folder.path() / "temporary")) << signal;
+        }
+    }
 }
 
 TEST_F(SpawnTest, ALimitOfMemoryCostsTheRequestAlone) {

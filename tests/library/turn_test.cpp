@@ -1,9 +1,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <future>
+#include <thread>
+#include <vector>
 
 #include "tests/library/library_fixture.h"
 
@@ -114,6 +118,36 @@ TEST_F(TurnTest, AForkedProcessHasToSpawn) {
     ASSERT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0) << "1: not refused, 2: not spawned, by 256";
     EXPECT_EQ(mp_result_status(run(composite()).get()), 0);
+}
+
+TEST_F(TurnTest, AProcessThatIsForkedWhileAThreadWaitsComesToItsEnd) {
+    if (kIsSanitized) {
+        GTEST_SKIP() << "looks for leaks at the end, and takes for some what other threads had";
+    }
+    std::future<int> waiting;
+    std::vector<int> statuses;
+    onProgress([&](const char*) {
+        if (waiting.valid()) {
+            return;
+        }
+        waiting = std::async(std::launch::async, [&] { return codeBeside(mp_run, MP_WAIT); });
+        // It looks about every 50 ms, and waits nearly all of the time.
+        for (int forks = 0; forks < 5; ++forks) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(23));
+            const pid_t child = fork();
+            if (child == 0) {
+                alarm(20);
+                std::exit(0);
+            }
+            int status = -1;
+            waitpid(child, &status, 0);
+            statuses.push_back(status);
+        }
+    });
+    run(composite());
+    ASSERT_TRUE(waiting.valid());
+    EXPECT_EQ(waiting.get(), MP_OK);
+    EXPECT_EQ(statuses, std::vector<int>(5, 0));
 }
 
 TEST_F(TurnTest, ACancelFlagEndsTheRunBetweenDocuments) {
