@@ -233,6 +233,8 @@ ResultData serveSent(SentOrder& sent) {
         return failedResult(failure.code(), failure.what());
     } catch (const std::bad_alloc&) {
         return failedResult(MP_NO_MEMORY, mp_code_text(MP_NO_MEMORY));
+    } catch (const std::system_error& failure) {
+        return failedResult(MP_SYSTEM, failure.what());
     } catch (const std::exception& failure) {
         return failedResult(MP_INTERNAL, failure.what());
     }

@@ -71,8 +71,11 @@ std::vector<std::string> catalogsOf(const mp_options& options) {
     }
     std::vector<std::string> catalogs;
     for (std::size_t index = 0; index < options.catalog_count; ++index) {
-        catalogs.push_back(requireText(options.catalogs[index],
-                                       "options.catalogs[" + std::to_string(index) + "]"));
+        const std::string name = "options.catalogs[" + std::to_string(index) + "]";
+        catalogs.push_back(requireText(options.catalogs[index], name));
+        if (catalogs.back().empty()) {
+            refuse(name + " is empty");
+        }
     }
     return catalogs;
 }

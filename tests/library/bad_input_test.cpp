@@ -33,6 +33,16 @@ TEST_P(LibraryInputTest, TextsAreUtf8) {
     EXPECT_EQ(codeOf("{}", &options), MP_INVALID);
 }
 
+TEST_P(LibraryInputTest, CatalogsHaveNames) {
+    for (const char* const catalog : {static_cast<const char*>(nullptr), ""}) {
+        options.catalogs = &catalog;
+        options.catalog_count = 1;
+        EXPECT_EQ(codeOf("{}", &options), MP_INVALID);
+    }
+    options.catalogs = nullptr;
+    EXPECT_EQ(codeOf("{}", &options), MP_INVALID);
+}
+
 TEST_P(LibraryInputTest, OptionsHaveASize) {
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, SIZE_MAX}) {
         options.size = size;
