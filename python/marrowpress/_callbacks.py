@@ -6,13 +6,12 @@ import ctypes
 import json
 import math
 import os
-from typing import TYPE_CHECKING, Any, Callable, Optional
+import sys
+from threading import Lock
+from typing import Any, Callable, Optional
 
 from . import _library
 from ._types import Finding, Invalid, Options, PathLike
-
-if TYPE_CHECKING:
-    from types import FrameType
 
 _MOST = 2**64 - 1
 
@@ -58,53 +57,42 @@ def _look_at(options: Options) -> None:
             raise Invalid(f"the id and the flag of {document!r} are to be numbers")
 
 
-class _Handlers:
-    """Signal handlers of which somebody takes what they raise.
+class _LostExceptions:
+    """What is raised where a callback begins or ends, as by a signal's handler, and nobody catches.
 
-    Python runs them also where a callback begins, from which nobody hears of it.
+    The interpreter would print it and go on. While calls are under way its hook for that gives them
+    theirs, and whatever else to the hook that was there.
     """
 
-    def __init__(self, take: Callable[[BaseException], None]) -> None:
-        self._take = take
-        self._earlier: dict[int, tuple[Any, Any]] = {}
+    def __init__(self) -> None:
+        self._lock = Lock()
+        self._calls: list[Call] = []
+        self._earlier: Callable[[sys.UnraisableHookArgs], Any] = sys.unraisablehook
 
-    def begin(self) -> None:
-        """Handlers run in the main thread alone."""
-        # Only who is called back pays for it.
-        import signal  # pylint: disable=import-outside-toplevel
-        import threading  # pylint: disable=import-outside-toplevel
+    def give_to(self, call: Call) -> None:
+        """Until `forget`."""
+        with self._lock:
+            if sys.unraisablehook != self._hook:
+                self._earlier = sys.unraisablehook
+                sys.unraisablehook = self._hook
+            self._calls.append(call)
 
-        if threading.current_thread() is not threading.main_thread():
-            return
-        try:
-            for number in signal.valid_signals():
-                earlier = signal.getsignal(number)
-                if callable(earlier):
-                    ours = self._guarded(earlier)
-                    self._earlier[number] = (ours, earlier)
-                    signal.signal(number, ours)
-        except BaseException:
-            self.end()
-            raise
+    def forget(self, call: Call) -> None:
+        """A hook that somebody has set meanwhile stays."""
+        with self._lock:
+            self._calls.remove(call)
+            if not self._calls and sys.unraisablehook == self._hook:
+                sys.unraisablehook = self._earlier
 
-    def end(self) -> None:
-        """One that was set meanwhile stays."""
-        if not self._earlier:
-            return
-        import signal  # pylint: disable=import-outside-toplevel
+    def _hook(self, lost: sys.UnraisableHookArgs) -> None:
+        for call in self._calls:
+            if lost.exc_value is not None and call.has(lost):
+                call.take(lost.exc_value)
+                return
+        self._earlier(lost)
 
-        for number, (ours, earlier) in self._earlier.items():
-            if signal.getsignal(number) is ours:
-                signal.signal(number, earlier)
 
-    def _guarded(self, handler: Callable[[int, Optional[FrameType]], Any]) \
-            -> Callable[[int, Optional[FrameType]], None]:
-        def run(number: int, frame: Optional[FrameType]) -> None:
-            try:
-                handler(number, frame)
-            except BaseException as raised:  # pylint: disable=broad-exception-caught
-                self._take(raised)
-        return run
+_LOST = _LostExceptions()
 
 
 class Call:
@@ -114,7 +102,6 @@ class Call:
         _look_at(options)
         self._options = options
         self._raised: Optional[BaseException] = None
-        self._handlers = _Handlers(self._take)
         self._is_calling_back = any((options.on_finding, options.on_progress,
                                      options.resolve_entity, options.open_documents))
         self._cancel = ctypes.c_int32(0)
@@ -144,11 +131,12 @@ class Call:
         if self._options.cancel:
             self._options.cancel.add(self._cancel)
         if self._is_calling_back:
-            self._handlers.begin()
+            _LOST.give_to(self)
         return self
 
     def __exit__(self, *_: object) -> None:
-        self._handlers.end()
+        if self._is_calling_back:
+            _LOST.forget(self)
         if self._options.cancel:
             self._options.cancel.remove(self._cancel)
 
@@ -163,10 +151,17 @@ class Call:
         try:
             return work()
         except BaseException as raised:  # pylint: disable=broad-exception-caught
-            self._take(raised)
+            self.take(raised)
             return 0
 
-    def _take(self, raised: BaseException) -> None:
+    def has(self, lost: sys.UnraisableHookArgs) -> bool:
+        """Whether it is one of these callbacks that has lost an exception."""
+        if lost.object is None:
+            # Python 3.13 names it in its message alone.
+            return repr(self) in (lost.err_msg or "")
+        return getattr(lost.object, "__self__", None) is self
+
+    def take(self, raised: BaseException) -> None:
         """The first counts, and the run is to end."""
         if self._raised is None:
             self._raised = raised

@@ -150,12 +150,26 @@ class PackageTest(unittest.TestCase):
 
             sender = threading.Thread(target=interrupt)
             sender.start()
-            handler = signal.getsignal(signal.SIGINT)
+            handler, hook = signal.getsignal(signal.SIGINT), sys.unraisablehook
             with self.subTest(child=child), self.assertRaises(KeyboardInterrupt):
                 self.publish(options=Options(on_progress=note, child=child))
             sender.join()
-            self.assertIs(signal.getsignal(signal.SIGINT), handler)
+            self.assertEqual((signal.getsignal(signal.SIGINT), sys.unraisablehook), (handler, hook))
             self.assertLess(len(lines), 500)
+
+    def test_what_others_lose_meanwhile_is_theirs(self):
+        class Careless:
+            def __del__(self):
+                raise ValueError("careless")
+
+        lost = []
+        hook = sys.unraisablehook
+        sys.unraisablehook = lambda unraisable: lost.append(str(unraisable.exc_value))
+        try:
+            self.publish(options=Options(on_progress=lambda _: Careless() and None))
+        finally:
+            sys.unraisablehook = hook
+        self.assertEqual(set(lost), {"careless"})
 
     def test_other_threads_run_meanwhile_and_wait_for_their_turn(self):
         counted = []
