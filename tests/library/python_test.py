@@ -287,13 +287,15 @@ class PackageTest(unittest.TestCase):
     def test_the_import_is_short(self):
         least = min(self.seconds("import marrowpress") for _ in range(10))
         nothing = min(self.seconds("pass") for _ in range(10))
-        self.assertLess(least - nothing, 0.05)
+        # 50 ms where Python itself takes 10: both take longer on a machine that is busy.
+        self.assertLess(least - nothing, 5 * nothing)
 
-    @staticmethod
-    def seconds(code):
-        """CPU time of a Python that does this."""
+    def seconds(self, code):
+        """CPU time of a Python that does this, and has done so before: it has the bytecode."""
+        environment = {**os.environ, "PYTHONPYCACHEPREFIX": str(self.folder / "bytecode")}
+        environment.pop("PYTHONDONTWRITEBYTECODE", None)
         before = resource.getrusage(resource.RUSAGE_CHILDREN)
-        subprocess.run([sys.executable, "-c", code], check=True)
+        subprocess.run([sys.executable, "-c", code], check=True, env=environment)
         after = resource.getrusage(resource.RUSAGE_CHILDREN)
         return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
 
