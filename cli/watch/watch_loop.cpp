@@ -36,23 +36,25 @@ constexpr std::chrono::milliseconds kPollInterval{1000};
 /// the next change is waited for: a clock that runs wrong must not keep the machine busy.
 constexpr unsigned kMostRunsAtOnce = 3;
 
-bool isIgnored(int number) {
+/// As under nohup(1).
+bool isHangUpIgnored() {
     struct sigaction action {};
-    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+    return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
-/// The signals that end the watch, and the one of processes that have ended, as a descriptor. Those
-/// that the caller ignores, as under nohup(1), end nothing.
+/// The signals that end the watch, and the one of processes that have ended, as a descriptor.
+/// Interruption does so also where a shell ignores it for what it starts in the background: there
+/// is nothing else to do with a watch.
 class SignalDescriptor {
 public:
     SignalDescriptor() {
         sigset_t signals;
         sigemptyset(&signals);
-        sigaddset(&signals, SIGCHLD);
-        for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-            if (!isIgnored(number)) {
-                sigaddset(&signals, number);
-            }
+        for (const int number : {SIGINT, SIGTERM, SIGCHLD}) {
+            sigaddset(&signals, number);
+        }
+        if (!isHangUpIgnored()) {
+            sigaddset(&signals, SIGHUP);
         }
         // While it is ignored nobody hears how a process ended.
         std::signal(SIGCHLD, SIG_DFL);

@@ -46,6 +46,9 @@ public:
         if (folder_.exists("hang up")) {
             kill(getppid(), SIGHUP);
         }
+        if (folder_.exists("interrupt")) {
+            kill(getppid(), SIGINT);
+        }
         while (folder_.exists("slow")) {
             usleep(1000);
         }
@@ -82,6 +85,7 @@ protected:
         watch_ = std::make_unique<TaskProcess>([this, setting = std::move(setting)](int) {
             std::signal(SIGCHLD, SIG_IGN);
             std::signal(SIGHUP, SIG_IGN);
+            std::signal(SIGINT, SIG_IGN);
             LoggedWork work(folder_);
             std::ofstream err(folder_.file("err"));
             const WatchEnd end = watch(work, setting, {err, err});
@@ -175,7 +179,15 @@ TEST_F(WatchLoopTest, ALaterRunThatDoesNotBeginDoesNot) {
     EXPECT_TRUE(isLogged("1\n2\n3\n"));
 }
 
-TEST_F(WatchLoopTest, ASignalThatTheCallerIgnoresEndsNothing) {
+TEST_F(WatchLoopTest, AnInterruptionEndsItAlsoInTheBackgroundOfAShell) {
+    folder_.write("interrupt", "");
+    start();
+    std::optional<TaskEnd> end;
+    ASSERT_TRUE(waitUntil([&] { return (end = watch_->findEnd()).has_value(); }));
+    EXPECT_EQ(end->exit, 100 + SIGINT);
+}
+
+TEST_F(WatchLoopTest, AHangUpThatTheCallerIgnoresEndsNothing) {
     folder_.write("hang up", "");
     start();
     ASSERT_TRUE(isTold("waiting")) << "although the end of processes was ignored, too";
