@@ -29,6 +29,10 @@ std::optional<FileStamp> stampIn(const struct stat& status) {
 
 }  // namespace
 
+std::int64_t uncertaintyOf(const FileStamp& stamp) {
+    return stamp.changed % kNanosecondsPerSecond == 0 ? 2 * kNanosecondsPerSecond : 0;
+}
+
 std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 ? stampIn(status) : std::nullopt;

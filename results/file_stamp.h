@@ -17,6 +17,10 @@ struct FileStamp {
     friend bool operator==(const FileStamp&, const FileStamp&) = default;
 };
 
+/// By how much later than its stamp says a file may have been changed: some file systems, mostly of
+/// networks, know whole seconds only, or every other one.
+std::int64_t uncertaintyOf(const FileStamp& stamp);
+
 /// Links are followed. Empty for what is no regular file.
 std::optional<FileStamp> stampOf(const std::filesystem::path& path);
 

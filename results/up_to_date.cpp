@@ -8,7 +8,7 @@ namespace marrowpress {
 namespace {
 
 std::int64_t lastTouch(const FileStamp& stamp) {
-    return std::max(stamp.modified, stamp.changed);
+    return std::max(stamp.modified, stamp.changed) + uncertaintyOf(stamp);
 }
 
 }  // namespace
@@ -83,8 +83,11 @@ bool isReportThere(const std::string& file, const ResultRun& run) {
 }
 
 bool wasTouchedDuring(const ResultRun& run, const FileStamp& stamp) {
-    return (stamp.changed >= run.begin && stamp.changed <= run.end) ||
-           (stamp.modified >= run.begin && stamp.modified <= run.end);
+    const std::int64_t uncertainty = uncertaintyOf(stamp);
+    const auto isDuring = [&run, uncertainty](std::int64_t time) {
+        return time + uncertainty >= run.begin && time <= run.end;
+    };
+    return isDuring(stamp.changed) || isDuring(stamp.modified);
 }
 
 bool wasChangedMeanwhile(const RunResult& result) {

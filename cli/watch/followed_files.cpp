@@ -10,7 +10,8 @@ namespace {
 
 /// Whether the file was as old as the clock can tell when it was looked at.
 bool isSettled(const FileStamp& stamp, std::int64_t lookedAt) {
-    return std::max(stamp.modified, stamp.changed) + kFileClockTick < lookedAt;
+    return std::max(stamp.modified, stamp.changed) + uncertaintyOf(stamp) + kFileClockTick <
+           lookedAt;
 }
 
 }  // namespace

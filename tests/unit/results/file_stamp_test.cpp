@@ -56,5 +56,12 @@ TEST(FileStampTest, TheClockIsThatOfTheFiles) {
     EXPECT_LE(stamp->changed, latestStampUntilNow());
 }
 
+TEST(FileStampTest, OneOfWholeSecondsIsUncertain) {
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    EXPECT_EQ(uncertaintyOf({0, 5 * kSecond, 5 * kSecond + 1, 0, 0}), 0)
+        << "the other time can be set to anything";
+    EXPECT_EQ(uncertaintyOf({0, 5, 5 * kSecond, 0, 0}), 2 * kSecond);
+}
+
 }  // namespace
 }  // namespace marrowpress

@@ -129,6 +129,17 @@ TEST_F(UpToDateTest, AFileThatWasChangedInTheTickOfTheRunCountsAsChanged) {
     EXPECT_FALSE(wasChangedMeanwhile(result_));
 }
 
+TEST_F(UpToDateTest, AStampOfWholeSecondsMayBeOfAnyTimeInThem) {
+    constexpr std::int64_t kSecond = 1'000'000'000;
+    FileStamp& stamp = result_.run.files.front()->stamp;
+    stamp.changed = stamp.modified = (result_.run.begin / kSecond) * kSecond;
+    EXPECT_TRUE(wasChangedMeanwhile(result_)) << "it may have been changed after the run began";
+    EXPECT_FALSE(isUpToDate());
+    stamp.changed = stamp.modified = stamp.changed - 3 * kSecond;
+    EXPECT_FALSE(wasChangedMeanwhile(result_));
+    EXPECT_TRUE(isUpToDate()) << "what it holds is the same";
+}
+
 TEST_F(UpToDateTest, ATimeToComeIsTheTraceOfAClockThatWasSetBack) {
     result_.run.files.front()->stamp.changed = result_.run.end + kFileClockTick;
     EXPECT_FALSE(wasChangedMeanwhile(result_));
