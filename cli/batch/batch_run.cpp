@@ -17,6 +17,7 @@
 #include "cli/batch/worker_channels.h"
 #include "cli/file_replacement.h"
 #include "cli/make_rule.h"
+#include "cli/waited_signals.h"
 #include "results/up_to_date.h"
 
 namespace marrowpress {
@@ -29,31 +30,6 @@ constexpr std::uint64_t kUsualMemory = std::uint64_t{256} << 20;
 /// How often whoever watches is shown something although nothing happens.
 constexpr std::chrono::milliseconds kLookPause{200};
 constexpr int kNiceness = 10;
-
-/// The signals that a batch takes one after the other, when it has time for them.
-sigset_t batchSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGCHLD, SIGINT, SIGTERM, SIGHUP}) {
-        sigaddset(&signals, signal);
-    }
-    return signals;
-}
-
-/// Holds those back while it lives.
-class BlockedSignals {
-public:
-    BlockedSignals() {
-        const sigset_t signals = batchSignals();
-        sigprocmask(SIG_BLOCK, &signals, &earlier_);
-    }
-    BlockedSignals(const BlockedSignals&) = delete;
-    BlockedSignals& operator=(const BlockedSignals&) = delete;
-    ~BlockedSignals() { sigprocmask(SIG_SETMASK, &earlier_, nullptr); }
-
-private:
-    sigset_t earlier_{};
-};
 
 std::size_t coreCount() {
     cpu_set_t cores;
@@ -273,7 +249,7 @@ void BatchRun::waitForSomething() {
     for (const std::unique_ptr<Running>& running : running_) {
         next = std::min(next, running->process.deadline().value_or(next));
     }
-    const sigset_t signals = batchSignals();
+    const sigset_t signals = waitedSignals();
     const timespec pause = timespecOf(std::max(next - now, Clock::duration::zero()));
     const int signal = sigtimedwait(&signals, nullptr, &pause);
     if (signal > 0 && signal != SIGCHLD) {

@@ -16,6 +16,7 @@
 #include <ostream>
 #include <system_error>
 
+#include "cli/waited_signals.h"
 #include "cli/watch/folder_watch.h"
 #include "findings/identity.h"
 #include "findings/shown_path.h"
@@ -36,29 +37,11 @@ constexpr std::chrono::milliseconds kPollInterval{1000};
 /// the next change is waited for: a clock that runs wrong must not keep the machine busy.
 constexpr unsigned kMostRunsAtOnce = 3;
 
-/// As under nohup(1).
-bool isHangUpIgnored() {
-    struct sigaction action {};
-    return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
-}
-
 /// The signals that end the watch, and the one of processes that have ended, as a descriptor.
-/// Interruption does so also where a shell ignores it for what it starts in the background: there
-/// is nothing else to do with a watch.
 class SignalDescriptor {
 public:
     SignalDescriptor() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int number : {SIGINT, SIGTERM, SIGCHLD}) {
-            sigaddset(&signals, number);
-        }
-        if (!isHangUpIgnored()) {
-            sigaddset(&signals, SIGHUP);
-        }
-        // While it is ignored nobody hears how a process ended.
-        std::signal(SIGCHLD, SIG_DFL);
-        sigprocmask(SIG_BLOCK, &signals, &earlier_);
+        const sigset_t signals = waitedSignals();
         descriptor_ = signalfd(-1, &signals, SFD_NONBLOCK | SFD_CLOEXEC);
         if (descriptor_ < 0) {
             throw std::system_error(errno, std::generic_category(), "cannot wait for signals");
@@ -66,10 +49,7 @@ public:
     }
     SignalDescriptor(const SignalDescriptor&) = delete;
     SignalDescriptor& operator=(const SignalDescriptor&) = delete;
-    ~SignalDescriptor() {
-        close(descriptor_);
-        sigprocmask(SIG_SETMASK, &earlier_, nullptr);
-    }
+    ~SignalDescriptor() { close(descriptor_); }
 
     int descriptor() const noexcept { return descriptor_; }
 
@@ -86,7 +66,7 @@ public:
     }
 
 private:
-    sigset_t earlier_{};
+    BlockedSignals blocked_;
     int descriptor_ = -1;
 };
 

@@ -86,6 +86,25 @@ TEST_F(BatchFaultsTest, AJobThatDoesNotReactToTheEndOfItsBatchIsKilled) {
     EXPECT_EQ(namesIn("out"), Texts({"long.dita", "two.dita"})) << "what it left goes then";
 }
 
+TEST_F(BatchFaultsTest, ABatchHearsOfItsJobsAlsoWhereItsCallerIgnoresThatChildrenEnd) {
+    writeTwoJobs();
+    CommandSetting setting;
+    setting.ignoredSignals = {SIGCHLD};
+    EXPECT_EQ(batch({"--timeout", "20"}, setting).code, 0);
+    EXPECT_EQ(result("two").at("state"), "clean");
+}
+
+TEST_F(BatchFaultsTest, ABatchOutlivesItsTerminalWhereItsCallerIgnoresThatItHangsUp) {
+    writeLongJob();
+    CommandSetting setting;
+    setting.ignoredSignals = {SIGHUP};
+    RunningCommand running(folder_, command({}), setting);
+    workerOf(running);
+    running.send(SIGHUP);
+    EXPECT_EQ(running.wait().code, 0);
+    EXPECT_EQ(namesIn("out"), Texts({"long.dita", "two.dita"}));
+}
+
 TEST_F(BatchFaultsTest, WhenABatchIsKilledItsJobCleansUpAndResumeRunsTheRest) {
     writeTwoJobs();
     ASSERT_EQ(batch({"--select", "two"}).code, 0);

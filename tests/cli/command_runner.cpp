@@ -55,9 +55,12 @@ void limit(__rlimit_resource resource, unsigned most) {
 }
 
 /// As a shell starts a command, whatever this process ignores.
-void resetSignals() {
+void resetSignals(const std::vector<int>& ignored) {
     for (const int signal : {SIGPIPE, SIGXFSZ}) {
         std::signal(signal, SIG_DFL);
+    }
+    for (const int signal : ignored) {
+        std::signal(signal, SIG_IGN);
     }
 }
 
@@ -91,7 +94,7 @@ void setStandardInput(const TemporaryFolder& folder, const TemporaryFolder& stre
         redirect(STDOUT_FILENO, *setting.output, O_WRONLY);
     }
     setEnvironment(setting);
-    resetSignals();
+    resetSignals(setting.ignoredSignals);
     if (setting.largestFile) {
         limit(RLIMIT_FSIZE, *setting.largestFile);
         // Where coverage is measured, a file of counts that is cut would spoil those of all others.

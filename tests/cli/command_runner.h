@@ -26,6 +26,7 @@ struct CommandSetting {
     std::optional<unsigned> largestFile;  ///< Bytes that the command may write to one file.
     std::optional<unsigned> mostHandles;  ///< Files that it may have open, streams included.
     std::optional<unsigned> stack;        ///< Bytes of its stack.
+    std::vector<int> ignoredSignals;      ///< By whoever starts it.
 };
 
 /// What the command left behind.
