@@ -1,5 +1,7 @@
 #include "cli/batch/result_folder.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <system_error>
 #include <utility>
@@ -77,10 +79,10 @@ void ResultFolder::overrule(RunResult result) {
 }
 
 void ResultFolder::remove(const std::string& id) const {
-    std::error_code error;
-    fs::remove(pathOf(id), error);
-    if (error) {
-        throw FileFailure(FileAction::kWrite, pathOf(id).string(), error.message());
+    // Never a folder, not even an empty one.
+    if (unlink(pathOf(id).c_str()) != 0 && errno != ENOENT) {
+        throw FileFailure(FileAction::kWrite, pathOf(id).string(),
+                          std::generic_category().message(errno));
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "cli/file_failure.h"
 #include "results/result_json.h"
 #include "tests/support/temporary_folder.h"
 
@@ -36,6 +39,12 @@ TEST_F(ResultFolderTest, AfterARemovalTheJobHasNotHappened) {
     results_.remove("a");
     results_.remove("a");
     EXPECT_EQ(results_.find("a"), std::nullopt);
+}
+
+TEST_F(ResultFolderTest, AFolderInAResultsPlaceStays) {
+    std::filesystem::create_directories(folder_.path() / "results/a.json");
+    EXPECT_THROW(results_.remove("a"), FileFailure);
+    EXPECT_TRUE(folder_.exists("results/a.json"));
 }
 
 TEST_F(ResultFolderTest, AFileThatIsNoResultIsToldOfOnce) {
