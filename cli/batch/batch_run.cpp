@@ -3,6 +3,8 @@
 #include <sched.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <csignal>
 #include <exception>
 #include <filesystem>
@@ -42,6 +44,13 @@ timespec timespecOf(std::chrono::nanoseconds time) {
     return {seconds.count(), (time - seconds).count()};
 }
 
+/// Whether the system has no descriptors, processes or memory left just now.
+bool isWantOfRoom(const std::exception& fault) {
+    constexpr std::array kCodes{EMFILE, ENFILE, EAGAIN, ENOMEM};
+    const auto* const error = dynamic_cast<const std::system_error*>(&fault);
+    return error && std::find(kCodes.begin(), kCodes.end(), error->code().value()) != kCodes.end();
+}
+
 /// The rule of a result: the files that make and ninja can ask for.
 std::string ruleOf(const std::string& target, const RunResult& result) {
     std::vector<std::string> prerequisites;
@@ -58,13 +67,16 @@ std::string ruleOf(const std::string& target, const RunResult& result) {
 /// A job that is at work.
 struct BatchRun::Running {
     Running(std::size_t job, bool isRunInPlace, const JobCall& call)
-        : index(job), isInPlace(isRunInPlace), earlierKills(memoryKillCount()), process(call) {}
+        : index(job),
+          isInPlace(isRunInPlace),
+          earlierKills(memoryKillCount()),
+          process(std::in_place, call) {}
 
     std::size_t index;
     bool isInPlace;
     std::optional<BookFolders> folders;  ///< Where it writes and reads, if that is known.
     std::uint64_t earlierKills;  ///< Of the system, for want of memory, before the job began.
-    JobProcess process;
+    std::optional<JobProcess> process;  ///< Until it has ended.
 };
 
 BatchRun::BatchRun(const Plan& plan, const BatchSetting& setting, const ResultFolder& results,
@@ -158,7 +170,9 @@ void BatchRun::runTogether(std::vector<std::size_t> indexes) {
     std::reverse(indexes.begin(), indexes.end());
     while (!running_.empty() || (!indexes.empty() && !isEnding())) {
         while (!indexes.empty() && !isEnding() && mayStart()) {
-            start(indexes.back(), /*isInPlace=*/plan_.isCheck);
+            if (!start(indexes.back(), /*isInPlace=*/plan_.isCheck)) {
+                break;
+            }
             indexes.pop_back();
         }
         waitForSomething();
@@ -200,9 +214,11 @@ bool BatchRun::startApart() {
     if (found == alone_.end()) {
         return false;
     }
-    const Left left = std::move(*found);
+    const Left left = *found;
+    if (!start(left.index, /*isInPlace=*/true)) {
+        return false;
+    }
     alone_.erase(found);
-    start(left.index, /*isInPlace=*/true);
     if (!running_.empty() && running_.back()->index == left.index) {
         running_.back()->folders = left.folders;
     }
@@ -213,6 +229,9 @@ bool BatchRun::mayStart() const {
     if (running_.empty()) {
         return true;
     }
+    if (running_.size() >= most_) {
+        return false;
+    }
     if (setting_.width > 0) {
         return running_.size() < setting_.width;
     }
@@ -221,12 +240,13 @@ bool BatchRun::mayStart() const {
     }
     std::uint64_t memory = availableMemory();
     for (const std::unique_ptr<Running>& running : running_) {
-        memory += running->process.residentMemory();
+        memory += running->process->residentMemory();
     }
     return (running_.size() + 1) * largest_ <= memory;
 }
 
-void BatchRun::start(std::size_t index, bool isInPlace) {
+/// False when there is no room for it beside those that run: then there is none for as many later.
+bool BatchRun::start(std::size_t index, bool isInPlace) {
     const Job& job = plan_.jobs[index];
     try {
         // Until the job has ended it has not happened.
@@ -236,10 +256,15 @@ void BatchRun::start(std::size_t index, bool isInPlace) {
         running_.push_back(std::make_unique<Running>(index, isInPlace, call));
         outcomes_[index].state = JobOutcome::State::kRunning;
     } catch (const std::exception& fault) {
+        if (!running_.empty() && isWantOfRoom(fault)) {
+            most_ = running_.size();
+            return false;
+        }
         isAnyResultLost_ = true;
         watcher_.warn("`" + job.id + "` was not started: " + fault.what());
     }
     watcher_.look(outcomes_);
+    return true;
 }
 
 /// Waits for the end of a job, for a signal, or until somebody has to be looked at.
@@ -247,7 +272,7 @@ void BatchRun::waitForSomething() {
     const Clock::time_point now = Clock::now();
     Clock::time_point next = now + kLookPause;
     for (const std::unique_ptr<Running>& running : running_) {
-        next = std::min(next, running->process.deadline().value_or(next));
+        next = std::min(next, running->process->deadline().value_or(next));
     }
     const sigset_t signals = waitedSignals();
     const timespec pause = timespecOf(std::max(next - now, Clock::duration::zero()));
@@ -255,25 +280,27 @@ void BatchRun::waitForSomething() {
     if (signal > 0 && signal != SIGCHLD) {
         signal_ = signal_ == 0 ? signal : signal_;
         for (const std::unique_ptr<Running>& running : running_) {
-            running->process.stop();
+            running->process->stop();
         }
     }
     collectEnds();
     for (const std::unique_ptr<Running>& running : running_) {
-        running->process.lookAtTime(Clock::now());
+        running->process->lookAtTime(Clock::now());
     }
     watcher_.look(outcomes_);
 }
 
 void BatchRun::collectEnds() {
     for (std::size_t at = 0; at < running_.size();) {
-        const std::optional<JobEnd> end = running_[at]->process.findEnd();
+        const std::optional<JobEnd> end = running_[at]->process->findEnd();
         if (!end) {
             ++at;
             continue;
         }
         const std::unique_ptr<Running> ended = std::move(running_[at]);
         running_.erase(running_.begin() + static_cast<std::ptrdiff_t>(at));
+        // Its descriptors may be the last ones, and a result needs one.
+        ended->process.reset();
         finish(*ended, *end);
     }
 }

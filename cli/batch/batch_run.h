@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -87,7 +88,7 @@ private:
     bool startApart();
     bool waitForLock(RunLock::Kind kind);
     bool mayStart() const;
-    void start(std::size_t index, bool isInPlace);
+    bool start(std::size_t index, bool isInPlace);
     void waitForSomething();
     void collectEnds();
     void finish(Running& running, const JobEnd& end);
@@ -104,6 +105,7 @@ private:
     std::deque<Left> alone_;  ///< Those that are left for the end.
     FileComparison files_;
     std::uint64_t largest_;
+    std::size_t most_ = std::numeric_limits<std::size_t>::max();  ///< For which there is room.
     int signal_ = 0;
     bool isStopped_ = false;  ///< A job failed, and no more is wanted.
     bool isAnyResultLost_ = false;

@@ -86,6 +86,21 @@ TEST_F(BatchFaultsTest, AJobThatDoesNotReactToTheEndOfItsBatchIsKilled) {
     EXPECT_EQ(namesIn("out"), Texts({"long.dita", "two.dita"})) << "what it left goes then";
 }
 
+TEST_F(BatchFaultsTest, MoreJobsAtOneTimeThanThereIsRoomForWait) {
+    std::string lines;
+    for (int number = 0; number < 20; ++number) {
+        const std::string id = "j" + std::to_string(number);
+        lines += job(id, "docs/one.ditamap", "out/" + id + ".dita");
+    }
+    folder_.write("jobs.jsonl", lines);
+    for (unsigned handles = 24; handles < 28; ++handles) {
+        CommandSetting setting;
+        setting.mostHandles = handles;
+        const CommandResult ended = batch({"-j", "20"}, setting);
+        EXPECT_EQ(ended.code, 0) << handles << ": " << ended.err;
+    }
+}
+
 TEST_F(BatchFaultsTest, ABatchHearsOfItsJobsAlsoWhereItsCallerIgnoresThatChildrenEnd) {
     writeTwoJobs();
     CommandSetting setting;
