@@ -79,12 +79,12 @@ private:
 
 /// Gives all that the file holds to `take`, a piece at a time.
 ///
-/// @return  Its stamp from before; empty for what is no regular file, which may never come to its
-/// end, and when it cannot be read.
+/// @return  Its stamp from afterwards; empty for what is no regular file, which may never come to
+/// its end, and when it cannot be read.
 template <typename Take>
 std::optional<FileStamp> readPieces(const fs::path& path, Take take) {
     const RegularFile file(path.string());
-    std::optional<FileStamp> stamp = stampOf(file.descriptor());
+    const std::optional<FileStamp> stamp = stampOf(file.descriptor());
     if (!stamp) {
         return std::nullopt;
     }
@@ -98,7 +98,7 @@ std::optional<FileStamp> readPieces(const fs::path& path, Take take) {
             return std::nullopt;
         }
     }
-    return stamp;
+    return stampOf(file.descriptor());
 }
 
 }  // namespace

@@ -12,7 +12,9 @@ namespace marrowpress {
 
 /// What a file holds, in short. In lower-case hexadecimal digits.
 struct FileDigest {
-    FileStamp stamp;  ///< From before it was read: one that was changed meanwhile has another now.
+    /// From after it was read, since one that was changed just before may have been another when
+    /// whoever asks has read it: that is to be seen.
+    FileStamp stamp;
     std::string sha256;
     std::string xxh128;  ///< XXH3 with 128 bits: no proof against malice, and soon made.
 

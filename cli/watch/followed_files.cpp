@@ -48,12 +48,14 @@ void FollowedFiles::add(const RunResult& result) {
 }
 
 void FollowedFiles::add(const std::string& path, std::int64_t begin) {
+    Known known;
+    lookAgain(path, known);
+    const std::optional<FileStamp> stamp = stampOf(path);
     ResultRun reader;
     reader.begin = begin;
     reader.end = latestStampUntilNow();
-    Known known;
-    lookAgain(path, known);
-    if (known.file && wasTouchedDuring(reader, known.file->stamp)) {
+    // The digest may be of a later state than the stamp, as that may be than what was read.
+    if (known.file && (stamp != known.file->stamp || wasTouchedDuring(reader, *stamp))) {
         known = Known{KnownFile{}, false};
     }
     files_.try_emplace(path, std::move(known));

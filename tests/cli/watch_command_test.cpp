@@ -239,7 +239,7 @@ TEST_F(WatchTest, OnlyTheJobsConcernedAreRunAgain) {
 
 TEST_F(WatchTest, AFileOfJobsThatChangesDuringTheFirstRunIsReadAgain) {
     changeJobsInTheFirstRun(lineOf("two", "docs"));
-    EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/two.dita"); }));
+    EXPECT_TRUE(waitUntil([&] { return folder_.exists("out/two.dita"); })) << watch_->errSoFar();
 }
 
 TEST_F(WatchTest, AFileOfJobsThatBreaksDuringTheFirstRunIsToldAndWaitedFor) {

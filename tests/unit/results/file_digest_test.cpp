@@ -1,10 +1,15 @@
 #include "results/file_digest.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/stat.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <iomanip>
 #include <sstream>
+#include <thread>
 
 #include "tests/support/temporary_folder.h"
 
@@ -51,6 +56,24 @@ TEST(FileDigestTest, WhatIsNoRegularFileHasNone) {
         EXPECT_EQ(digestOf(path), std::nullopt) << path;
         EXPECT_EQ(quickDigestOf(path), std::nullopt) << path;
     }
+}
+
+TEST(FileDigestTest, AFileThatChangesWhileItIsReadHasTheStampOfTheChange) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("large", "");
+    // Nothing but zeros that take no place on the disk.
+    std::filesystem::resize_file(path, std::uintmax_t{512} << 20);
+    std::atomic<bool> isChanged = false;
+    std::thread writer([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        std::ofstream(path, std::ios::app) << "end";
+        isChanged = true;
+    });
+    const std::optional<FileDigest> digest = digestOf(path);
+    const bool isBeforeTheEnd = isChanged;
+    writer.join();
+    ASSERT_TRUE(digest);
+    EXPECT_EQ(digest->stamp == stampOf(path), isBeforeTheEnd) << "the writer came too late";
 }
 
 TEST(FileDigestTest, ThatOfATextIsTheQuickOneOfAFileThatHoldsIt) {
