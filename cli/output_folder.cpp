@@ -90,7 +90,8 @@ std::error_code findWriteError(const fs::path& folder) {
     return {isRefused ? error : 0, std::generic_category()};
 }
 
-std::optional<std::string> findOutputFolderFault(const fs::path& path, const std::string& shown) {
+std::optional<std::string> findOutputFolderFault(const fs::path& path, const std::string& shown,
+                                                 const std::string& argument) {
     std::error_code ignored;
     std::optional<std::string> fault;
     if (const std::error_code error = findMakeError(missingFolders(path))) {
@@ -98,7 +99,7 @@ std::optional<std::string> findOutputFolderFault(const fs::path& path, const std
     } else if (fs::exists(path, ignored)) {
         fault = findFaultOfExisting(path, shown);
     }
-    return withArgument(kOutputArgument, fault);
+    return withArgument(argument, fault);
 }
 
 std::string shownFolderOf(const std::string& given) {

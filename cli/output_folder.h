@@ -20,7 +20,8 @@ std::error_code findWriteError(const std::filesystem::path& folder);
 
 /// Why an `OutputFolder` at `path` would have a fault: the same sentence, and nothing is made.
 std::optional<std::string> findOutputFolderFault(const std::filesystem::path& path,
-                                                 const std::string& shown);
+                                                 const std::string& shown,
+                                                 const std::string& argument = kOutputArgument);
 
 /// The folder in which the file at `given` stands, for a sentence about it.
 std::string shownFolderOf(const std::string& given);

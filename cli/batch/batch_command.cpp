@@ -23,6 +23,7 @@
 #include "cli/batch/job_source.h"
 #include "cli/batch/known_conflicts.h"
 #include "cli/batch/plan_texts.h"
+#include "cli/batch/result_places.h"
 #include "cli/file_failure.h"
 #include "cli/file_replacement.h"
 #include "cli/output_folder.h"
@@ -112,6 +113,7 @@ ExitCode Batch::run() {
             findConflicts();
             return writePlan();
         case BatchAction::kEmit:
+            findReportFaults();
             findConflicts();
             return give(engineScriptText(options_, plan_, results_.path()));
         default:
@@ -160,6 +162,9 @@ ExitCode Batch::writePlan() const {
 /// @throws BatchFault
 void Batch::findReportFaults() const {
     if (const std::optional<std::string> fault = findBatchReportFault(options_, plan_, results_)) {
+        throw BatchFault(*fault);
+    }
+    if (const std::optional<std::string> fault = findResultPlaceFault(options_, plan_, results_)) {
         throw BatchFault(*fault);
     }
 }

@@ -24,8 +24,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kIndexPageName = "index.html";
-
 /// A file over all jobs.
 class BatchReport {
 public:

@@ -10,6 +10,9 @@
 
 namespace marrowpress {
 
+/// The page over those of the jobs, in their folder.
+inline constexpr const char* kIndexPageName = "index.html";
+
 /// Why nothing must be started with the files that are to be written beside the jobs' outputs: the
 /// merged reports, a plan, a depfile. Empty when it may.
 std::optional<std::string> findBatchReportFault(const BatchOptions& options, const Plan& plan,

@@ -543,6 +543,49 @@ TEST_F(BatchTest, NoReportTakesThePlaceOfAnotherFile) {
     EXPECT_EQ(batch(reports).code, 0) << "those of an earlier batch are replaced";
 }
 
+TEST_F(BatchTest, NoResultTakesThePlaceOfTheFileOfJobs) {
+    writeTwoJobs();
+    const std::string jobs = folder_.read("jobs.jsonl");
+    folder_.write("one.json", jobs);
+    const Texts here{"--catalog", "catalog.xml", "--results", "."};
+    const auto refused = [&](Texts command) {
+        command.insert(command.end(), here.begin(), here.end());
+        const CommandResult ended = run(command);
+        return ended.code == 2 && ended.err.find(
+                                      "--results: the result of `one` would take the "
+                                      "place of one.json") != std::string::npos;
+    };
+    EXPECT_TRUE(refused({"batch", "one.json"}));
+    EXPECT_TRUE(refused({"batch", "check", "one.json"}));
+    EXPECT_EQ(run({"batch", "emit", "ninja", "one.json", "--results", "."}).code, 2);
+    EXPECT_EQ(folder_.read("one.json"), jobs);
+    ASSERT_EQ(run({"batch", "plan", "jobs.jsonl", "--plan", "one.plan"}).code, 0);
+    const std::string plan = folder_.read("one.plan");
+    folder_.write("one.json", plan);
+    EXPECT_EQ(run({"batch", "run", "one.json", "--index", "1", "--results", "."}).code, 2);
+    EXPECT_EQ(folder_.read("one.json"), plan);
+    EXPECT_FALSE(folder_.exists("out/one.dita")) << "nothing was started";
+}
+
+TEST_F(BatchTest, ResultsAndPagesWantAFolderBeforeAnythingIsStarted) {
+    writeTwoJobs();
+    folder_.write("file", "");
+    for (const char* const option : {"--results", "--report"}) {
+        for (const char* const place : {"file", "file/below"}) {
+            const CommandResult refused = batch({option, place});
+            EXPECT_EQ(refused.code, 2) << option;
+            EXPECT_NE(refused.err.find(std::string("marrowpress batch: ") + option + ": "),
+                      std::string::npos)
+                << refused.err;
+        }
+    }
+    folder_.write("jobs.jsonl", job("index", "docs/one.ditamap", "out/one.dita"));
+    EXPECT_EQ(batch({"--report", "pages"}).code, 2) << "its page and the index are one file";
+    EXPECT_FALSE(folder_.exists("marrowpress-results"));
+    EXPECT_FALSE(folder_.exists("out/one.dita"));
+    EXPECT_FALSE(folder_.exists("pages"));
+}
+
 TEST_F(BatchTest, APlanTakesThePlaceOfPlansAlone) {
     writeTwoJobs();
     const std::string jobs = folder_.read("jobs.jsonl");
